@@ -1,0 +1,88 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace pellux {
+
+/// One line of a comparison: our time against a yardstick's in the same process.
+struct RatioRow {
+    const char* name = "";
+    const char* yardstick = "";
+    double units = 1;      ///< pieces of work in one run
+    double reach = 1;      ///< highest ratio that is good enough; 0 for "only shown"
+    double round_ms = 100; ///< least time of either side in a round
+};
+
+/// Is a very short run wanted (argument `--moment`, or PELLUX_BENCH_MOMENT set), as in the checks?
+inline bool is_moment(int count, char** arguments) {
+    const bool asked = std::any_of(arguments + 1, arguments + count, [](const char* argument) {
+        return std::strcmp(argument, "--moment") == 0;
+    });
+    return asked || std::getenv("PELLUX_BENCH_MOMENT") != nullptr;
+}
+
+/// Time spent in some runs.
+struct Spent {
+    double ns = 0;
+    double runs = 0;
+};
+
+/// Runs until `least_ns` have gone by, at least once.
+template <typename Run>
+void spend(Spent& spent, Run& run, double least_ns) {
+    using Clock = std::chrono::steady_clock;
+    const auto start = Clock::now();
+    std::chrono::duration<double, std::nano> slice{};
+    do {
+        run();
+        spent.runs += 1;
+        slice = Clock::now() - start;
+    } while (slice.count() < least_ns);
+    spent.ns += slice.count();
+}
+
+/// Runs both sides once to warm up and then five rounds, each of ten slices in turn, so that a
+/// busy machine slows both alike; prints the medians of the raw times per unit and the median of
+/// the five ratios. A moment's round is one run of each.
+template <typename Yardstick, typename Ours>
+void compare(const RatioRow& row, bool moment, Yardstick yardstick, Ours ours) {
+    constexpr std::size_t k_rounds = 5;
+    std::array<double, k_rounds> theirs_ns{};
+    std::array<double, k_rounds> ours_ns{};
+    std::array<double, k_rounds> ratios{};
+    const double round_ns = moment ? 0 : row.round_ms * 1e6;
+    if (!moment) {
+        yardstick();
+        ours();
+    }
+    for (std::size_t i = 0; i < k_rounds; ++i) {
+        Spent theirs;
+        Spent mine;
+        do {
+            spend(theirs, yardstick, round_ns / 10);
+            spend(mine, ours, round_ns / 10);
+        } while (std::min(theirs.ns, mine.ns) < round_ns);
+        theirs_ns[i] = theirs.ns / theirs.runs / row.units;
+        ours_ns[i] = mine.ns / mine.runs / row.units;
+        ratios[i] = ours_ns[i] / theirs_ns[i];
+    }
+    const auto median = [](std::array<double, k_rounds>& values) {
+        std::sort(values.begin(), values.end());
+        return values[k_rounds / 2];
+    };
+    std::printf("%s: ours %.1f ns, %s %.1f ns, ratio %.2f", row.name, median(ours_ns),
+                row.yardstick, median(theirs_ns), median(ratios));
+    if (row.reach != 0)
+        std::printf(" (reach %.2f)", row.reach);
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
+} // namespace pellux
