@@ -1,0 +1,12 @@
+#pragma once
+
+#include "core/os/files.h"
+
+namespace pellux {
+
+/// What the fault hook says of an operation that is about to happen.
+[[nodiscard]] SystemError file_fault(FileOperation operation, std::string_view path,
+                                     std::size_t& partial);
+[[nodiscard]] SystemError file_fault(FileOperation operation, std::string_view path = {});
+
+} // namespace pellux

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "core/os/environment.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace pellux::test {
+
+/// A new directory for one test, removed with all that lies in it.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() : TemporaryDirectory(std::filesystem::temp_directory_path()) {}
+    /// In `base` where that can be.
+    explicit TemporaryDirectory(const std::filesystem::path& base) {
+        for (const auto& place : {base, std::filesystem::temp_directory_path()}) {
+            std::string name = (place / "pellux-test-XXXXXX").string();
+            if (::mkdtemp(name.data()) == nullptr)
+                continue;
+            // Paths are compared with those that the system has resolved.
+            root_ = std::filesystem::canonical(name);
+            return;
+        }
+        throw std::runtime_error("no temporary directory");
+    }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(root_, ignored);
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    /// The full path of `name`; the directory's own for an empty one.
+    [[nodiscard]] std::string path(std::string_view name = {}) const {
+        return name.empty() ? root_.string() : (root_ / name).string();
+    }
+    std::string write(std::string_view name, std::string_view bytes) const {
+        std::filesystem::create_directories((root_ / name).parent_path());
+        std::ofstream(root_ / name, std::ios::binary) << bytes;
+        return path(name);
+    }
+    /// "(missing)" where there is no such file.
+    [[nodiscard]] std::string read(std::string_view name) const {
+        std::ifstream file(root_ / name, std::ios::binary);
+        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "(missing)";
+    }
+    /// All names in one of its directories.
+    [[nodiscard]] std::set<std::string> names(std::string_view directory = {}) const {
+        std::set<std::string> found;
+        std::error_code missing;
+        for (const auto& entry : std::filesystem::directory_iterator(path(directory), missing))
+            found.insert(entry.path().filename().string());
+        return found;
+    }
+
+private:
+    std::filesystem::path root_;
+};
+
+/// An environment variable with another value (null: none) for a while.
+class ScopedVariable {
+public:
+    ScopedVariable(const char* name, const char* value) : name_(name) {
+        if (const char* old = environment_variable(name)) {
+            was_set_ = true;
+            old_ = old;
+        }
+        set_environment_variable(name, value);
+    }
+    ~ScopedVariable() { set_environment_variable(name_, was_set_ ? old_.c_str() : nullptr); }
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+private:
+    const char* name_;
+    bool was_set_ = false;
+    std::string old_;
+};
+
+} // namespace pellux::test
