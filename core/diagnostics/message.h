@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/diagnostics/catalogue.h"
+#include "core/diagnostics/printf_format.h"
+
+#include <type_traits>
+
+namespace pellux {
+
+/// A message and the types of its arguments; one object per text, made before `main`.
+template <typename... Arguments>
+class Message {
+public:
+    Message(const char* id, FormatText<Arguments...> default_text) {
+        handle_.default_text = default_text.get();
+        bindMessage(handle_, id);
+    }
+    Message(const Message&) = delete;
+    Message& operator=(const Message&) = delete;
+
+    /// The text in force: a printf format for `Arguments`.
+    [[nodiscard]] const char* text() { return messageText(handle_, handle_.default_text).text; }
+    [[nodiscard]] int number() const { return handle_.number; }
+
+private:
+    MessageHandle handle_;
+};
+
+/// printf into a text of its own.
+[[nodiscard]] String format_text(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+template <typename... Arguments>
+[[nodiscard]] String format_message(Message<Arguments...>& message,
+                                    std::type_identity_t<Arguments>... arguments) {
+    if constexpr (sizeof...(Arguments) == 0)
+        return format_text("%s", message.text());
+    else {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+        return format_text(message.text(), arguments...);
+#pragma GCC diagnostic pop
+    }
+}
+
+} // namespace pellux

@@ -1,0 +1,180 @@
+#include "core/diagnostics/catalogue.h"
+
+#include "core/common/callback.h"
+#include "core/diagnostics/messages.h"
+#include "core/diagnostics/reporter.h"
+#include "core/os/files.h"
+#include "tests/core/os/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+using test::ScopedVariable;
+using test::TemporaryDirectory;
+
+Message<const char*, int> msg_first{"E9001", "default %s %d"};
+Message<> msg_second{"E9002", "second default"};
+Message<> msg_third{"E9003", "third default"};
+Message<> msg_no_digit{"plain", "without a number"};
+
+class CatalogueTest : public testing::Test {
+protected:
+    CatalogueTest() {
+        reporter() = {};
+        reporter().output = [](void* self, std::string_view text) {
+            from_context<CatalogueTest>(self).said_.emplace_back(text);
+        };
+        reporter().output_context = this;
+    }
+    ~CatalogueTest() override {
+        reset_text_msgs();
+        reporter() = {};
+    }
+
+    int read(const std::string& contents) {
+        const std::string path = directory_.path() + "/vhdl.msg";
+        std::ofstream(path, std::ios::binary) << contents;
+        return Read_text_msgs(path.c_str());
+    }
+
+    TemporaryDirectory directory_;
+    std::vector<std::string> said_;
+};
+
+TEST_F(CatalogueTest, TextsComeFromTheFileAsTheyStandAndFromTheDefaultElsewhere) {
+    EXPECT_EQ(read("// a comment : with a colon\n"
+                   "E9001 : two blanks %s, %d\r\n"
+                   "E9002\t:\n"
+                   "nobody : bound this\n"
+                   "E9003 :no line end"),
+              1);
+    EXPECT_STREQ(msg_first.text(), " two blanks %s, %d");
+    EXPECT_STREQ(msg_second.text(), "");
+    EXPECT_STREQ(msg_third.text(), "no line end");
+    EXPECT_STREQ(msg_no_digit.text(), "without a number");
+    EXPECT_EQ(msg_first.number(), 9001);
+    EXPECT_EQ(msg_no_digit.number(), -1);
+    EXPECT_TRUE(said_.empty());
+}
+
+TEST_F(CatalogueTest, FaultyLinesAreToldAndSkipped) {
+    EXPECT_EQ(read("E9001 no colon %s %d\nE9002 :kept\nE9002 :dropped\nE9003\n"), 1);
+    EXPECT_STREQ(msg_first.text(), "default %s %d");
+    EXPECT_STREQ(msg_second.text(), "kept");
+    EXPECT_EQ(said_, (std::vector<std::string>{
+                         "Warning: Read_text_msgs:  Missing ':' in message E9001.",
+                         "Warning: Read_text_msgs:  2 versions of msg. E9002.",
+                         "Warning: Read_text_msgs:  Missing ':' in message E9003.",
+                     }));
+}
+
+TEST_F(CatalogueTest, ATextWithOtherConversionsIsRefused) {
+    for (const char* text :
+         {"%s", "%d %s", "%s %ld", "%s %d %d", "%s %n", "%*s %d", "%1$s %d", "%s %9999d", "%s %"}) {
+        reset_text_msgs();
+        said_.clear();
+        read(std::string("E9001 :") + text + "\n");
+        EXPECT_STREQ(msg_first.text(), "default %s %d") << text;
+        EXPECT_EQ(said_.size(), 1U) << text;
+    }
+    reset_text_msgs();
+    said_.clear();
+    read("E9001 :100%% %-12.3s of %03i\n");
+    EXPECT_STREQ(msg_first.text(), "100%% %-12.3s of %03i");
+    EXPECT_TRUE(said_.empty());
+}
+
+TEST_F(CatalogueTest, ARefusedTextOfTheWarningItselfStillGivesTheWarning) {
+    read("E62 :Warning %s: \nE74 :%d\n");
+    EXPECT_STREQ(msg_warning.text(), "Warning: ");
+    EXPECT_EQ(said_, (std::vector<std::string>{
+                         "Warning: Read_text_msgs:  Message E74 does not take what its use gives.",
+                         "Warning: Read_text_msgs:  Message E62 does not take what its use gives.",
+                     }));
+}
+
+TEST_F(CatalogueTest, ALineOfMoreThan99CharactersIsCutAndItsRestIsNoOtherLine) {
+    read("E9002 :" + std::string(98, 'a') + " E9003 :b\nE9003 :" + std::string(99, 'c') + "\n");
+    EXPECT_EQ(msg_second.text(), std::string(98, 'a') + " ");
+    EXPECT_EQ(msg_third.text(), std::string(99, 'c'));
+    EXPECT_TRUE(said_.empty());
+}
+
+TEST_F(CatalogueTest, ATextInUseIsReplacedAtOnceAndOneReadLaterWhenWanted) {
+    EXPECT_STREQ(msg_second.text(), "second default");
+    read("E9002 :at once\nE9003 :later\n");
+    EXPECT_EQ(find_message("E9002")->flags & MessageHandle::k_deferred, 0);
+    EXPECT_NE(find_message("E9003")->flags & MessageHandle::k_deferred, 0);
+    EXPECT_STREQ(msg_second.text(), "at once");
+    EXPECT_STREQ(msg_third.text(), "later");
+}
+
+TEST_F(CatalogueTest, AnotherCatalogueDoesNotChangeWhatTheFirstOneGives) {
+    read("E9002 :of the first\n");
+    const std::string other = directory_.path() + "/other.msg";
+    std::ofstream(other) << "E9003 :of the other one, at another place\n";
+    EXPECT_EQ(Read_text_msgs(other.c_str()), 1);
+    EXPECT_STREQ(msg_second.text(), "of the first");
+    EXPECT_STREQ(msg_third.text(), "of the other one, at another place");
+}
+
+TEST_F(CatalogueTest, AFileThatVanishesOrShrinksLeavesTheDefault) {
+    read("// " + std::string(5000, 'x') + "\nE9002 :gone\n");
+    std::ofstream(directory_.path() + "/vhdl.msg", std::ios::trunc) << "short";
+    EXPECT_STREQ(msg_second.text(), "");
+    reset_text_msgs();
+    EXPECT_STREQ(msg_second.text(), "second default");
+}
+
+TEST_F(CatalogueTest, OnlyAMissingFileAnswersZero) {
+    EXPECT_EQ(Read_text_msgs((directory_.path() + "/none.msg").c_str()), 0);
+    EXPECT_EQ(Read_text_msgs(directory_.path().c_str()), 1);
+    EXPECT_EQ(read(""), 1);
+    EXPECT_TRUE(said_.empty());
+}
+
+TEST_F(CatalogueTest, TheInstalledCatalogueIsTheFirstOfTheList) {
+    const std::string root = directory_.path();
+    for (const char* name : {"/a", "/b", "/b/bin"})
+        ASSERT_FALSE(failed(make_directory(root + name)));
+    std::ofstream(root + "/b/bin/vhdl.msg") << "E9002 :installed\n";
+    const ScopedVariable install("VELMORA_DIR", (root + "/a;" + root + "/b").c_str());
+    EXPECT_EQ(read_installed_text_msgs(), 1);
+    EXPECT_STREQ(msg_second.text(), "installed");
+}
+
+TEST_F(CatalogueTest, CheckWarnsOfWhatNoCatalogueGave) {
+    read("E9001 :%s %d\nE9002 :two\n");
+    Check_text_msgs();
+    const auto said = [&](const char* id) {
+        return std::count(said_.begin(), said_.end(),
+                          std::string("Warning: Check_text_msgs:  Message '") + id + "' not read.");
+    };
+    EXPECT_EQ(said("E9001"), 0);
+    EXPECT_EQ(said("E9002"), 0);
+    EXPECT_EQ(said("E9003"), 1);
+    EXPECT_EQ(said("plain"), 1);
+}
+
+TEST_F(CatalogueTest, CatalogueTextsAreNoLeaks) {
+    std::string report;
+    const TextSink sink{
+        +[](void* context, std::string_view text) { from_context<std::string>(context) += text; },
+        &report};
+    memoryReport(sink);
+    const std::string before = std::exchange(report, {});
+    read("E9002 :kept for life\n");
+    EXPECT_STREQ(msg_second.text(), "kept for life");
+    memoryReport(sink);
+    EXPECT_EQ(report, before);
+}
+
+} // namespace
+} // namespace pellux
