@@ -1,0 +1,99 @@
+#include "core/project/project_file.h"
+#include "bench/ratio.h"
+#include "core/diagnostics/message.h"
+#include "core/os/safe_write.h"
+
+#include <benchmark/benchmark.h>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace pellux;
+
+constexpr int k_sources = 10000;
+
+/// A project such as a designer has, only larger.
+Owned<Project> large_project() {
+    auto project = make_owned<Project>();
+    project->file_name.assign("large.bpr");
+    for (int i = 0; i < k_sources; ++i) {
+        auto source = make_owned<VHDL_source>();
+        source->file_name.assign(view(format_text("units/block%04d/entity_%05d.vhd", i / 16, i)));
+        source->added_from.assign("\\home\\designer\\projects\\units");
+        source->options.library.assign(i % 3 == 0 ? "work" : "dsp");
+        source->words = {10, 20, 500, 700, 1, 0, 0, 0};
+        project->sources.push_back(std::move(source));
+    }
+    project->top_design = project->sources.back().get();
+    return project;
+}
+
+int g_file = -1;
+
+bool write_plain(void*, std::span<const std::byte> bytes) {
+    return ::write(g_file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool moment = is_moment(argc, argv);
+    char directory[] = "/tmp/pellux-bench-XXXXXX";
+    if (mkdtemp(directory) == nullptr)
+        return 1;
+    const std::string ours = std::string(directory) + "/large.bpr";
+    const std::string bare = std::string(directory) + "/bare";
+    Owned<Project> project = large_project();
+    if (failed(write_project_as(*project, ours, {}).error))
+        return 1;
+    std::vector<char> bytes;
+    {
+        const int file = ::open(ours.c_str(), O_RDONLY);
+        bytes.resize(static_cast<std::size_t>(::lseek(file, 0, SEEK_END)));
+        static_cast<void>(!::pread(file, bytes.data(), bytes.size(), 0));
+        ::close(file);
+    }
+    const auto open_new = [](const std::string& path) {
+        return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    };
+    std::vector<char> into(bytes.size());
+    compare(
+        {.name = "read a project of 10,000 sources", .yardstick = "one read", .reach = 20}, moment,
+        [&] {
+            const int file = ::open(ours.c_str(), O_RDONLY);
+            benchmark::DoNotOptimize(::read(file, into.data(), into.size()));
+            ::close(file);
+        },
+        [&] { benchmark::DoNotOptimize(read_project(ours)); });
+    compare(
+        {.name = "write a project of 10,000 sources, the flush apart",
+         .yardstick = "one write",
+         .reach = 20},
+        moment,
+        [&] {
+            const int file = open_new(bare);
+            benchmark::DoNotOptimize(::write(file, bytes.data(), bytes.size()));
+            ::close(file);
+        },
+        [&] {
+            g_file = open_new(bare);
+            benchmark::DoNotOptimize(write_project_to(*project, {write_plain, nullptr}, {}));
+            ::close(g_file);
+        });
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    std::printf("  memory of this process at its peak: %.1f MB (reach 64 MB), file %.2f MB\n",
+                static_cast<double>(usage.ru_maxrss) / 1024.0,
+                static_cast<double>(bytes.size()) / 1e6);
+    ::unlink(ours.c_str());
+    ::unlink(bare.c_str());
+    ::rmdir(directory);
+    return 0;
+}

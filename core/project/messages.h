@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/diagnostics/message.h"
+
+namespace pellux {
+
+inline Message<const char*> msg_error_reading{"E1820", "Error reading '%s'."};
+inline Message<const char*, const char*> msg_version_not_supported{
+    "E1821", "Project '%s' version '%s' is not supported."};
+inline Message<const char*> msg_cannot_find{"E1822", "Cannot find '%s'."};
+inline Message<const char*, const char*> msg_interrupted_copy{
+    "E1823", "'%s' was not written to its end; its old contents lie in '%s'."};
+
+} // namespace pellux

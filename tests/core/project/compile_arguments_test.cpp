@@ -1,0 +1,177 @@
+#include "core/project/compile_arguments.h"
+
+#include "core/common/callback.h"
+#include "core/diagnostics/reporter.h"
+#include "core/os/environment.h"
+#include "core/os/files.h"
+#include "tests/core/os/scoped_directory.h"
+#include "tests/core/os/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+using test::ScopedDirectory;
+using test::ScopedVariable;
+using test::TemporaryDirectory;
+
+Owned<Project> project_of(std::vector<const char*> names) {
+    auto project = make_owned<Project>();
+    for (const char* name : names) {
+        project->sources.push_back(make_owned<VHDL_source>());
+        project->sources.back()->file_name.assign(name);
+    }
+    return project;
+}
+
+Vector<CompileEntry> rows(const Project& project, std::vector<std::size_t> selected = {}) {
+    Vector<CompileEntry> entries;
+    for (const auto& source : project.sources)
+        entries.push_back({source.get(), false});
+    for (const std::size_t index : selected)
+        entries[index].selected = true;
+    return entries;
+}
+
+std::string joined(const Vector<String>& words) {
+    std::string text;
+    for (const String& word : words)
+        text += (text.empty() ? "" : " ") + std::string(word);
+    return text;
+}
+
+std::string arguments(const Project& project, bool all = true,
+                      std::vector<std::size_t> selected = {}) {
+    return joined(build_arguments(project, rows(project, selected), all));
+}
+
+TEST(CompileArguments, EachOptionGivesItsSwitchInOrder) {
+    const Owned<Project> project = project_of({"a.vhd", "b.vhd"});
+    Source_options& options = project->options;
+    EXPECT_EQ(arguments(*project), "-m -yga -fP -a a.vhd -a b.vhd");
+    options.flags = -1;
+    options.set(OptionFlag::rebuild, false);
+    options.error_limit = 1;
+    options.warning_limit = 20;
+    options.optimise_level = 0;
+    options.node_limit = -3;
+    options.unused_outputs = 0;
+    options.factor_limit = 7;
+    options.vhdl_standard = 2;
+    options.device.assign("cpld32");
+    options.package.assign("");
+    EXPECT_EQ(arguments(*project),
+              "-m -xor2 -q -yv2 -yu -e1 -w20 -o0 -yga -fD -fT -fO -fK -fh -fF -fN -fUL -fL7 -ym-3 "
+              "-v2 -yt -dcpld32 -p -a a.vhd -a b.vhd");
+    options.flags = 1 << 9;
+    options.error_limit = 0;
+    options.warning_limit = -1;
+    options.optimise_level = -1;
+    options.unused_outputs = 2;
+    options.factor_limit = 0;
+    options.vhdl_standard = -1;
+    options.device.clear();
+    options.package.clear();
+    EXPECT_EQ(arguments(*project), "-m -ys0 -ygs -fP -fL -yb -yp -a a.vhd -a b.vhd");
+    options.unused_outputs = 1;
+    EXPECT_NE(arguments(*project).find("-fP -fUH -fL "), std::string::npos);
+}
+
+TEST(CompileArguments, ALonePlaFileTakesNoVhdlSwitches) {
+    const Owned<Project> pla = project_of({"chip.pla"});
+    pla->options.error_limit = 5;
+    EXPECT_EQ(arguments(*pla), "-m -fP -a chip.pla");
+    for (const auto& names : {std::vector<const char*>{"chip.PLA"},
+                              {"chip.pla", "a.vhd"},
+                              {"chippla"},
+                              {"chip.pla.vhd"},
+                              {"d.pla/chip"},
+                              {}})
+        EXPECT_FALSE(is_pla_project(*project_of(names)));
+}
+
+TEST(CompileArguments, LibrariesGoBeforeTheirFileAndTheTopDesignComesLast) {
+    const Owned<Project> project = project_of({"a.vhd", "top.vhd", "b.vhd"});
+    project->sources[2]->options.library.assign("mylib");
+    project->sources[1]->options.library.assign("ignored");
+    project->top_design = project->sources[1].get();
+    EXPECT_EQ(arguments(*project), "-m -yga -fP -a a.vhd -amylib b.vhd -b top.vhd");
+    EXPECT_EQ(arguments(*project, false, {0, 2}), "-yga -fP -a a.vhd -amylib b.vhd");
+    EXPECT_EQ(arguments(*project, false, {1}), "-yga -fP -b top.vhd");
+    Vector<CompileEntry> entries = rows(*project);
+    entries[0].source = nullptr;
+    EXPECT_EQ(joined(build_arguments(*project, entries, true)),
+              "-m -yga -fP -amylib b.vhd -b top.vhd");
+}
+
+class FindCompiler : public testing::Test {
+protected:
+    FindCompiler() : inside_(directory_.path()) {
+        reporter() = {};
+        reporter().output = [](void* self, std::string_view text) {
+            from_context<FindCompiler>(self).said_.emplace_back(text);
+        };
+        reporter().output_context = this;
+        for (const char* name : {"one", "two", "tree", "tree/bin"})
+            EXPECT_FALSE(failed(make_directory(name)));
+    }
+    ~FindCompiler() override { reporter() = {}; }
+
+    static void touch(const char* name) { std::ofstream(name) << "x"; }
+    std::string found() {
+        PathBuffer path;
+        return find_compiler(path) ? std::string(path.view()) : "none";
+    }
+
+    TemporaryDirectory directory_;
+    ScopedDirectory inside_;
+    ScopedVariable install_{"VELMORA_DIR", nullptr};
+    ScopedVariable path_{"PATH", "one:two/"};
+    std::vector<std::string> said_;
+};
+
+TEST_F(FindCompiler, TheInstallationWinsElseTheCurrentDirectoryElseThePath) {
+    EXPECT_EQ(found(), "none");
+    touch("two/BRIX.EXE");
+    EXPECT_EQ(found(), "two/BRIX.EXE");
+    touch("one/BRIX.EXE");
+    EXPECT_EQ(found(), "one/BRIX.EXE");
+    touch("BRIX.EXE");
+    EXPECT_EQ(found(), "BRIX.EXE");
+    set_environment_variable("VELMORA_DIR", "tree");
+    EXPECT_EQ(found(), "none");
+    touch("tree/bin/BRIX.EXE");
+    EXPECT_EQ(found(), "tree/bin/BRIX.EXE");
+    EXPECT_EQ(said_,
+              (std::vector<std::string>{"Cannot find 'BRIX.EXE'.", "Cannot find 'BRIX.EXE'."}));
+}
+
+TEST_F(FindCompiler, ARebuildRequestDeletesIntermediatesOnceAndIsCleared) {
+    const Owned<Project> project = project_of({"a.vhd", "sub.d/b", "c.x.vhd"});
+    project->options.set(OptionFlag::rebuild, true);
+    EXPECT_FALSE(failed(make_directory("sub.d")));
+    for (const char* name : {"a.bde", "sub.d/b.bde", "c.x.bde", "other.bde"})
+        touch(name);
+    Vector<String> vector;
+    EXPECT_FALSE(prepare_compile(*project, rows(*project), true, vector));
+    EXPECT_TRUE(project->options.has(OptionFlag::rebuild));
+    EXPECT_TRUE(file_exists("a.bde"));
+    touch("BRIX.EXE");
+    ASSERT_TRUE(prepare_compile(*project, rows(*project, {0}), false, vector));
+    EXPECT_TRUE(project->options.has(OptionFlag::rebuild));
+    EXPECT_TRUE(file_exists("a.bde"));
+    ASSERT_TRUE(prepare_compile(*project, rows(*project), true, vector));
+    EXPECT_EQ(joined(vector), "BRIX.EXE -yga -fP -a a.vhd -a sub.d/b -a c.x.vhd");
+    EXPECT_FALSE(file_exists("a.bde") || file_exists("sub.d/b.bde") || file_exists("c.x.bde"));
+    EXPECT_TRUE(file_exists("other.bde"));
+    ASSERT_TRUE(prepare_compile(*project, rows(*project), true, vector));
+    EXPECT_EQ(joined(vector), "BRIX.EXE -m -yga -fP -a a.vhd -a sub.d/b -a c.x.vhd");
+}
+
+} // namespace
+} // namespace pellux
