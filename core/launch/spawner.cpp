@@ -1,0 +1,262 @@
+#include "core/launch/spawner.h"
+
+#include "core/common/callback.h"
+#include "core/launch/command_line.h"
+#include "core/os/safe_write.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+
+namespace pellux {
+namespace {
+
+constexpr std::int64_t k_first_poke_ms = 20000;
+constexpr std::int64_t k_silence_ms = 5000;
+constexpr std::int64_t k_close_grace_ms = 2000;
+
+constinit Spawner* g_spawners = nullptr;
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// The number that `text` begins with; 0 when it does not begin with a digit or is too large.
+template <typename Number>
+Number leading_number(std::string_view text) {
+    Number number = 0;
+    if (text.empty() || !is_digit(text.front()) ||
+        std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc{})
+        return 0;
+    return number;
+}
+
+/// Starts a composed command line; `process` null starts it detached.
+bool start(const CommandLine& line, Process* process) {
+    if (line.has_response &&
+        failed(safe_write_file(k_response_file, std::as_bytes(std::span(line.response)))))
+        return false;
+    Vector<const char*> words;
+    for (const String& word : line.words)
+        words.push_back(word.c_str());
+    words.push_back(nullptr);
+    const ProcessRequest request{.program = words.front(), .arguments = words.data()};
+    return !failed(process == nullptr ? start_detached(request) : start_process(*process, request));
+}
+
+} // namespace
+
+Spawner::Spawner(Callback callback) : callback_(callback) {
+    open();
+}
+
+Spawner::Spawner(Method method, void* context) : method_(method), context_(context) {
+    open();
+}
+
+void Spawner::open() {
+    watchdog_.expired = [](void* self) { from_context<Spawner>(self).on_watchdog(); };
+    watchdog_.context = this;
+    grace_.expired = [](void* self) { from_context<Spawner>(self).on_grace_over(); };
+    grace_.context = this;
+    process_.ended = [](void* self, ProcessEnd) { from_context<Spawner>(self).on_process_ended(); };
+    process_.context = this;
+
+    next_ = std::exchange(g_spawners, this);
+    server_ = make_owned<ChannelServer>();
+    ChannelServerEvents& events = server_->events;
+    // A topic may name any spawner of the process, whatever service it came in by.
+    events.connect = [](void*, std::uint64_t connection, std::string_view topic) {
+        Spawner* named = find(topic);
+        if (named != nullptr)
+            named->links_.push_back({connection, named->launch_});
+        return named != nullptr;
+    };
+    events.poke = [](void*, std::uint64_t connection, std::string_view topic, std::string_view item,
+                     std::span<const std::byte> data) {
+        Spawner* named = find(topic);
+        if (named == nullptr)
+            return std::uint16_t{0};
+        named->on_poke(connection, item, data);
+        return k_poke_taken;
+    };
+    events.closed = [](void*, std::uint64_t connection) {
+        Spawner* named = find(connection);
+        if (named == nullptr)
+            return;
+        std::erase_if(named->links_,
+                      [=](const Link& link) { return link.connection == connection; });
+        if (named->running_ && named->process_.id == 0 && !named->has_live_link())
+            named->complete(1);
+    };
+    // Without a channel there is no address, and launching fails.
+    static_cast<void>(open_channel_server(*server_));
+}
+
+Spawner::~Spawner() {
+    stop_timer(watchdog_);
+    stop_timer(grace_);
+    Spawner** place = &g_spawners;
+    while (*place != this)
+        place = &(*place)->next_;
+    *place = next_;
+    close_channel_server(*server_);
+    if (process_.id != 0)
+        end_process_later(process_, k_close_grace_ms);
+}
+
+Spawner* Spawner::find(std::string_view topic) {
+    const auto handle = leading_number<ChannelAddress>(topic);
+    Spawner* spawner = g_spawners;
+    while (spawner != nullptr && (handle == 0 || spawner->handle() != handle))
+        spawner = spawner->next_;
+    return spawner;
+}
+
+Spawner* Spawner::find(std::uint64_t connection) {
+    for (Spawner* spawner = g_spawners; spawner != nullptr; spawner = spawner->next_)
+        for (const Link& link : spawner->links_)
+            if (link.connection == connection)
+                return spawner;
+    return nullptr;
+}
+
+bool Spawner::launch(const char* program, const char* const* argv) {
+    if (running_ || handle() == 0)
+        return false;
+    if (process_.id != 0)
+        end_process_later(process_, k_close_grace_ms);
+    ++launch_;
+    status_ = 0;
+    child_window_ = 0;
+    running_ = start(compose_command_line(program, handle(), argv), &process_);
+    if (running_)
+        start_timer(watchdog_, k_first_poke_ms);
+    return running_;
+}
+
+bool Spawner::run(const char* program, const char* const* argv) {
+    return start(compose_command_line(program, 0, argv), nullptr);
+}
+
+void Spawner::halt() {
+    if (!running_)
+        return;
+    if (child_window_ == 0) {
+        kill_process(process_);
+        return;
+    }
+    for (const Link& link : links_)
+        if (link.launch == launch_)
+            send_channel_message(link.connection, k_message_close, 0);
+    if (!grace_.active)
+        start_timer(grace_, k_close_grace_ms);
+}
+
+int Spawner::wait() {
+    while (running_)
+        if (run_turn(TurnWait::until_event) == TurnResult::quit)
+            return -1;
+    return status_;
+}
+
+bool Spawner::has_live_link() const {
+    return std::any_of(links_.begin(), links_.end(),
+                       [this](const Link& link) { return link.launch == launch_; });
+}
+
+void Spawner::forward(const char* text, int done, int status) {
+    if (callback_ != nullptr)
+        callback_(text, done, status);
+    else if (method_ != nullptr)
+        method_(context_, text, done, status);
+}
+
+void Spawner::complete(int status) {
+    stop_timer(watchdog_);
+    stop_timer(grace_);
+    status_ = status;
+    running_ = false;
+    forward(nullptr, 1, status);
+}
+
+void Spawner::on_poke(std::uint64_t connection, std::string_view item,
+                      std::span<const std::byte> data) {
+    const bool of_this_launch =
+        std::any_of(links_.begin(), links_.end(), [=, this](const Link& link) {
+            return link.connection == connection && link.launch == launch_;
+        });
+    if (!of_this_launch)
+        return;
+    if (!item.empty() && is_digit(item.front()))
+        child_window_ = leading_number<std::int64_t>(item);
+    if (running_)
+        start_timer(watchdog_, k_silence_ms);
+    if (data.empty())
+        return;
+    const char kind = static_cast<char>(data.front());
+    data = data.subspan(1);
+    if (kind == '0') {
+        std::array<char, k_channel_poke_max + 1> text;
+        std::memcpy(text.data(), data.data(), data.size());
+        text[data.size()] = '\0';
+        forward(text.data(), 0, 0);
+    } else if (kind == '1' && data.size() >= 4 && running_) {
+        std::uint32_t status = 0;
+        for (int i = 3; i >= 0; --i)
+            status =
+                status << 8 | std::to_integer<std::uint32_t>(data[static_cast<std::size_t>(i)]);
+        send_channel_message(connection, k_message_completion_seen, 0);
+        complete(static_cast<int>(status));
+    }
+}
+
+bool Spawner::child_is_there() const {
+    return child_window_ != 0 && process_exists(child_window_) &&
+           (process_.id == 0 || is_descendant_or_self(process_.id, child_window_));
+}
+
+void Spawner::on_watchdog() {
+    if (!running_) {
+        stop_timer(watchdog_);
+        return;
+    }
+    if (child_is_there())
+        return;
+    if (process_.id != 0)
+        end_process_later(process_, 0);
+    complete(1);
+}
+
+/// The child was asked to close and has not.
+void Spawner::on_grace_over() {
+    stop_timer(grace_);
+    if (process_.id != 0) {
+        kill_process(process_);
+        return;
+    }
+    // What speaks is not our child but something that it left behind.
+    for (const Link& link : std::exchange(links_, {}))
+        drop_channel_connection(link.connection);
+    if (running_)
+        complete(1);
+}
+
+void Spawner::on_process_ended() {
+    if (!running_)
+        return;
+    // What the child wrote last may still be on its way; reading it may complete the launch, start
+    // another one, or end this spawner.
+    const std::uint64_t ended_launch = launch_;
+    const ChannelAddress own = handle();
+    drain_channel_server(*server_);
+    for (const Spawner* spawner = g_spawners; spawner != nullptr; spawner = spawner->next_)
+        if (spawner == this && handle() == own && launch_ == ended_launch && running_ &&
+            process_.id == 0 && !has_live_link()) {
+            complete(1);
+            return;
+        }
+}
+
+} // namespace pellux

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/os/channel.h"
+#include "core/os/process.h"
+
+#include <cstdint>
+
+namespace pellux {
+
+/// Starts one child program at a time and relays what it sends over its text channel.
+///
+/// Text comes as `(text, 0, 0)`, possibly several lines in one; the end once as `(null, 1,
+/// status)`, from the loop. The object stays at one address. A callback may launch again, halt or
+/// destroy the spawner. GUI thread only.
+class Spawner {
+public:
+    using Callback = void (*)(const char* text, int done, int status);
+    using Method = void (*)(void* context, const char* text, int done, int status);
+
+    explicit Spawner(Callback callback);
+    Spawner(Method method, void* context);
+    /// A child that still runs has two seconds to notice that its channel is gone.
+    ~Spawner();
+    Spawner(const Spawner&) = delete;
+    Spawner& operator=(const Spawner&) = delete;
+
+    /// Starts `program` with the pipe switch and the arguments of `argv` (ends with a null, element
+    /// 0 is the program) in the current directory. False, and nothing is started, while a child
+    /// runs, without a channel, or when the response file or the program fails.
+    [[nodiscard]] bool launch(const char* program, const char* const* argv);
+    /// Starts a program that has no channel and whose end interests nobody.
+    [[nodiscard]] static bool run(const char* program, const char* const* argv);
+    /// Asks the child to close; one that does not within two seconds, or that was never heard of,
+    /// is ended with all that it started.
+    void halt();
+    /// Turns the loop until the child has ended and answers its status; -1 when the loop is told
+    /// to quit.
+    int wait();
+
+    [[nodiscard]] bool running() const { return running_; }
+    /// Exit status of the child: -1 before the first launch, 0 while one runs.
+    [[nodiscard]] int status() const { return status_; }
+    /// The number that names this spawner on its child's command line; 0 without a channel.
+    [[nodiscard]] ChannelAddress handle() const { return server_->address; }
+    /// The child's process as it told it itself, 0 before its first poke.
+    [[nodiscard]] std::int64_t child_window() const { return child_window_; }
+
+private:
+    /// A connection that named this spawner, and the launch that it belongs to.
+    struct Link {
+        std::uint64_t connection = 0;
+        std::uint64_t launch = 0;
+    };
+
+    void open();
+    void complete(int status);
+    void forward(const char* text, int done, int status);
+    void on_poke(std::uint64_t connection, std::string_view item, std::span<const std::byte> data);
+    void on_watchdog();
+    void on_grace_over();
+    void on_process_ended();
+    [[nodiscard]] bool has_live_link() const;
+    [[nodiscard]] bool child_is_there() const;
+
+    static Spawner* find(std::string_view topic);
+    static Spawner* find(std::uint64_t connection);
+
+    Callback callback_ = nullptr;
+    Method method_ = nullptr;
+    void* context_ = nullptr;
+    Owned<ChannelServer> server_;
+    std::int64_t child_window_ = 0;
+    bool running_ = false;
+    int status_ = -1;
+    Timer watchdog_;
+    Timer grace_;
+    Process process_;
+    std::uint64_t launch_ = 0; ///< counts the launches; a connection belongs to one of them
+    Vector<Link> links_;
+    Spawner* next_ = nullptr; ///< in the process's list of live spawners
+};
+
+} // namespace pellux

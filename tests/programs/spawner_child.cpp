@@ -1,0 +1,135 @@
+// A child of the spawner with a role: spawner_child -%bpipeN ROLE [ARGUMENT...] or @brix.rsp.
+
+#include "core/os/channel.h"
+#include "core/os/process.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <signal.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace pellux;
+
+ChannelClient g_client;
+
+void poke(const std::string& packet) {
+    if (!poke_channel(g_client, std::as_bytes(std::span(packet))))
+        std::_Exit(99);
+}
+
+void say(const std::string& text) {
+    poke("0" + text);
+}
+
+[[noreturn]] void finish(unsigned status) {
+    std::string packet = "1";
+    for (int i = 0; i < 4; ++i)
+        packet += static_cast<char>(status >> 8 * i);
+    poke(packet);
+    wait_for_completion_seen(g_client);
+    std::_Exit(static_cast<int>(status));
+}
+
+[[noreturn]] void wait_for_the_end() {
+    for (;;)
+        ::pause();
+}
+
+void wait_for_close() {
+    while (!g_client.close_asked && !g_client.ended)
+        run_turn(TurnWait::until_event);
+}
+
+std::string joined(const std::vector<std::string>& words, std::size_t from) {
+    std::string text;
+    for (std::size_t i = from; i < words.size(); ++i)
+        text += "[" + words[i] + "]";
+    return text;
+}
+
+void play(const std::vector<std::string>& words) {
+    const std::string& role = words[0];
+    if (role == "say") {
+        say(words[2]);
+        finish(static_cast<unsigned>(std::atoi(words[1].c_str())));
+    } else if (role == "arguments" || role[0] == '@') {
+        std::string text = joined(words, 0);
+        if (role[0] == '@') {
+            std::ifstream file(role.substr(1), std::ios::binary);
+            text += std::string(std::istreambuf_iterator<char>(file), {});
+        }
+        say(text);
+        finish(0);
+    } else if (role == "die") {
+        say("last words\n");
+        static_cast<void>(flush_channel(g_client));
+        ::raise(SIGKILL);
+    } else if (role == "complete_and_go_on") {
+        poke(std::string("1\3\0\0\0", 5));
+        say("after the end\n");
+        poke(std::string("1\4\0\0\0", 5));
+        static_cast<void>(flush_channel(g_client));
+        wait_for_completion_seen(g_client);
+    } else if (role == "odd_packets") {
+        poke("");
+        poke("?what");
+        poke("1\1");
+        say(std::string(1023, 'x'));
+        say("a\0b"
+            "and no more");
+        finish(0x80000005);
+    } else if (role == "obey_close") {
+        say("ready\n");
+        static_cast<void>(flush_channel(g_client));
+        wait_for_close();
+        finish(9);
+    } else if (role == "ignore_close") {
+        say("ready\n");
+        static_cast<void>(flush_channel(g_client));
+        wait_for_the_end();
+    } else if (role == "flood") {
+        const int lines = std::atoi(words[1].c_str());
+        const std::string line(79, 'x');
+        std::string text;
+        for (int i = 0; i < lines; ++i) {
+            if (text.size() + line.size() + 1 > 1022)
+                say(std::exchange(text, {}));
+            text += line + '\n';
+        }
+        say(text);
+        finish(0);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    constexpr const char* k_switch = "-%bpipe";
+    if (argc < 3 || std::strncmp(argv[1], k_switch, std::strlen(k_switch)) != 0)
+        return 98;
+    const std::vector<std::string> words(argv + 2, argv + argc);
+    if (words[0] == "mute")
+        wait_for_the_end();
+    ChannelAddress address = 0;
+    const char* digits = argv[1] + std::strlen(k_switch);
+    std::from_chars(digits, digits + std::strlen(digits), address);
+    const std::string item =
+        words[0] == "no_item" ? "window" : std::to_string(current_process_id());
+    if (failed(connect_channel(g_client, address, item)))
+        return 97;
+    if (words[0] == "no_item") {
+        say("heard\n");
+        finish(0);
+    }
+    play(words);
+    return 0;
+}
