@@ -1,0 +1,30 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/os/process.h"
+
+#include <string_view>
+
+namespace pellux {
+
+/// Takes GHDL's output, standard output and errors in the order written, line by line without line
+/// ends; `piece_read` after each burst of lines.
+struct LineReceiver {
+    void (*line)(void* context, std::string_view line) = nullptr;
+    void (*piece_read)(void* context) = nullptr;
+    bool (*stop)(void* context) = nullptr; ///< asked after each turn: shall GHDL be ended?
+    void* context = nullptr;
+};
+
+struct GhdlEnd {
+    SystemError not_started = SystemError::none;
+    bool stopped = false; ///< by us
+    ProcessEnd process;
+};
+
+/// Runs GHDL to its end. `process` runs nothing before and after; whoever ends the program in the
+/// middle kills it. NULs and CRs in lines come as blanks, endless lines in pieces.
+[[nodiscard]] GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,
+                               const LineReceiver& receiver);
+
+} // namespace pellux

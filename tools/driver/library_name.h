@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/common/containers.h"
+
+#include <string_view>
+
+namespace pellux {
+
+inline constexpr std::string_view k_work_library = "work";
+
+/// Is `name` a VHDL identifier (not an extended one), and so fit to name a library and its
+/// directory?
+[[nodiscard]] bool is_library_name(std::string_view name);
+
+/// Is it one of the libraries that GHDL brings itself and that nothing may be compiled into?
+[[nodiscard]] bool is_reserved_library(std::string_view lower_case_name);
+
+/// ASCII letters in lower case, other bytes as they are.
+[[nodiscard]] String lower_case(std::string_view text);
+
+} // namespace pellux

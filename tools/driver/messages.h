@@ -1,0 +1,51 @@
+#pragma once
+
+#include "core/diagnostics/message.h"
+
+namespace pellux {
+
+/// A text that was made elsewhere: GHDL's own words, or one of the texts below.
+inline Message<const char*> msg_as_it_stands{"E1900", "%s"};
+
+inline Message<const char*> msg_banner{"E1901", "BRIX, the VHDL compiler of Pellux, version %s"};
+inline Message<const char*> msg_compiling{"E1902", "Compiling '%s'"};
+
+inline Message<const char*> msg_unknown_switch{"E1910", "Unknown switch '%s'."};
+inline Message<const char*> msg_switch_needs_number{"E1911", "Switch '%s' needs a number."};
+inline Message<const char*> msg_unknown_standard{
+    "E1912", "Unknown VHDL standard '%s'; there are 87, 93, 2 and 8."};
+inline Message<const char*> msg_switch_needs_file{"E1913", "Switch '%s' needs a file after it."};
+inline Message<const char*> msg_second_top{"E1914", "'%s' is a second top design."};
+inline Message<> msg_nothing_to_compile{"E1915", "No file to compile."};
+inline Message<> msg_empty_argument{"E1916", "An argument is empty."};
+inline Message<const char*, const char*> msg_cannot_read{"E1917", "Can't read '%s': %s"};
+inline Message<const char*> msg_damaged_response{
+    "E1918", "'%s' is no response file: a quote is not closed, or it holds a NUL."};
+inline Message<const char*, const char*> msg_nested_response{
+    "E1919", "'%s': a response file can't name another one (%s)."};
+inline Message<> msg_file_too_large{"E1920", "The file is too large."};
+
+inline Message<> msg_no_ghdl{"E1930",
+                             "Can't find GHDL: neither 'ghdl-mcode' nor 'ghdl' is installed."};
+inline Message<const char*, const char*> msg_cannot_run{"E1931", "Can't run '%s': %s"};
+inline Message<int> msg_ghdl_failed{"E1932", "GHDL itself failed on this file (exit status %d)."};
+inline Message<int> msg_ghdl_killed{"E1933", "GHDL itself failed on this file (signal %d)."};
+inline Message<> msg_ghdl_silent{"E1934", "GHDL refused this file without a message."};
+
+inline Message<const char*> msg_bad_library_name{"E1940", "'%s' can't be the name of a library."};
+inline Message<const char*> msg_reserved_library{"E1941",
+                                                 "Nothing can be compiled into library '%s'."};
+inline Message<const char*, const char*> msg_not_a_directory{
+    "E1942", "Library '%s' can't be used: '%s' is not a directory."};
+inline Message<const char*, const char*> msg_library_unusable{"E1943",
+                                                              "Library '%s' can't be used: %s"};
+inline Message<const char*, const char*> msg_library_unwritable{
+    "E1944", "Library '%s' can't be written: %s"};
+
+inline Message<const char*, int, int> msg_follow_up_place{"E1950", "%s (line %d, col %d)"};
+inline Message<const char*, const char*, int, int> msg_follow_up_elsewhere{
+    "E1951", "%s (%s, line %d, col %d)"};
+
+inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
+
+} // namespace pellux

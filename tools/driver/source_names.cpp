@@ -1,0 +1,35 @@
+#include "tools/driver/source_names.h"
+
+#include "tools/driver/plan.h"
+
+namespace pellux {
+
+SourceNames source_names(const Options& options) {
+    SourceNames names;
+    for (const SourceArgument& source : options.files)
+        names.names.push_back({source.name, ghdl_file_name(view(source.name)), false, {}});
+    if (!options.top.empty())
+        names.names.push_back({options.top, ghdl_file_name(view(options.top)), false, {}});
+    return names;
+}
+
+std::string_view shown_name(SourceNames& names, std::string_view path) {
+    for (const SourceNames::Name& name : names.names) {
+        if (name.ghdl == path)
+            return view(name.given);
+    }
+    FileStat wanted;
+    if (failed(stat_file(path, wanted)) || wanted.kind != FileKind::regular)
+        return path;
+    for (SourceNames::Name& name : names.names) {
+        if (!name.looked_up && failed(stat_file(view(name.ghdl), name.stat)))
+            name.stat.kind = FileKind::none;
+        name.looked_up = true;
+        if (name.stat.kind == FileKind::regular && name.stat.device == wanted.device &&
+            name.stat.inode == wanted.inode)
+            return view(name.given);
+    }
+    return path;
+}
+
+} // namespace pellux

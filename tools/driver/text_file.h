@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/os/system_error.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace pellux {
+
+enum class TextFileStatus { read, too_large, failed };
+
+/// All bytes of a regular file of at most `limit` bytes. `error` says what went wrong when it
+/// `failed`.
+[[nodiscard]] TextFileStatus read_text_file(std::string_view path, std::size_t limit, String& text,
+                                            SystemError& error);
+
+/// The system's text for `error` as a string of ours.
+[[nodiscard]] String error_text(SystemError error);
+
+} // namespace pellux

@@ -1,0 +1,121 @@
+#include "tools/driver/top_units.h"
+
+#include "tools/driver/library_name.h"
+#include "tools/driver/vhdl_tokens.h"
+
+#include <array>
+
+namespace pellux {
+namespace {
+
+String compared(std::string_view name) {
+    return name.starts_with('\\') ? String(name) : lower_case(name);
+}
+
+struct UseFinder {
+    const Vector<String>& tokens;
+    String owner; ///< the entity or configuration whose text is being read
+    TextSet used;
+
+    [[nodiscard]] std::string_view at(std::size_t i) const {
+        return i < tokens.size() ? view(tokens[i]) : std::string_view();
+    }
+    void use(std::string_view name) {
+        if (name != view(owner))
+            used.emplace(name);
+    }
+    /// Index of the unit's simple name in "NAME" or "work.NAME" at `i`; the end of the tokens for
+    /// a name in another library.
+    [[nodiscard]] std::size_t unit_name(std::size_t i) const {
+        if (at(i + 1) != ".")
+            return i;
+        return at(i) == k_work_library ? i + 2 : tokens.size();
+    }
+};
+
+void read_entity(UseFinder& finder, std::size_t i) {
+    if (i > 0 && finder.at(i - 1) == "end")
+        return;
+    const std::size_t name = finder.unit_name(i + 1);
+    if (finder.at(i + 2) == "is")
+        finder.owner = finder.at(i + 1);
+    else
+        finder.use(finder.at(name));
+}
+
+void read_configuration(UseFinder& finder, std::size_t i) {
+    if (i > 0 && finder.at(i - 1) == "end")
+        return;
+    if (finder.at(i + 2) == "of") {
+        finder.owner = finder.at(i + 1);
+        finder.use(finder.at(finder.unit_name(i + 3)));
+    } else {
+        finder.use(finder.at(finder.unit_name(i + 1)));
+    }
+}
+
+void read_architecture(UseFinder& finder, std::size_t i) {
+    if (finder.at(i + 2) == "of")
+        finder.owner = finder.at(finder.unit_name(i + 3));
+}
+
+/// "label : component NAME" or "label : NAME port map".
+void read_instance(UseFinder& finder, std::size_t i) {
+    if (finder.at(i + 1) == "component") {
+        finder.use(finder.at(finder.unit_name(i + 2)));
+        return;
+    }
+    const std::size_t name = finder.unit_name(i + 1);
+    const std::string_view next = finder.at(name + 1);
+    if (next == "port" || next == "generic" || next == ";")
+        finder.use(finder.at(name));
+}
+
+constexpr std::array<std::string_view, 2> k_listed_kinds{"entity ", "configuration "};
+
+/// The name at the front of a listing's line, what GHDL marks behind it left out.
+std::string_view first_name(std::string_view text) {
+    if (text.starts_with('\\'))
+        return text.substr(0, text.rfind('\\') + 1);
+    return text.substr(0, text.find(' '));
+}
+
+} // namespace
+
+Vector<String> listed_units(std::string_view listing) {
+    Vector<String> units;
+    while (!listing.empty()) {
+        const std::size_t end = listing.find('\n');
+        const std::string_view line = listing.substr(0, end);
+        listing.remove_prefix(end == std::string_view::npos ? listing.size() : end + 1);
+        for (const std::string_view kind : k_listed_kinds) {
+            if (line.starts_with(kind))
+                units.emplace_back(first_name(line.substr(kind.size())));
+        }
+    }
+    return units;
+}
+
+Vector<String> unused_units(const Vector<String>& units, std::string_view source) {
+    const Vector<String> tokens = vhdl_tokens(source);
+    UseFinder finder{tokens, {}, {}};
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const std::string_view token = view(tokens[i]);
+        if (token == "entity")
+            read_entity(finder, i);
+        else if (token == "configuration")
+            read_configuration(finder, i);
+        else if (token == "architecture")
+            read_architecture(finder, i);
+        else if (token == ":")
+            read_instance(finder, i);
+    }
+    Vector<String> unused;
+    for (const String& unit : units) {
+        if (!finder.used.contains(compared(view(unit))))
+            unused.push_back(unit);
+    }
+    return unused;
+}
+
+} // namespace pellux
