@@ -1,0 +1,81 @@
+// Keeps data/vhdl.msg and the texts of the program in step. all_messages.h is made by CMake and
+// includes every messages.h of the tree.
+
+#include "all_messages.h"
+#include "core/common/callback.h"
+#include "core/diagnostics/reporter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+const std::string k_catalogue = std::string(PELLUX_SOURCE_DIR) + "/data/vhdl.msg";
+constexpr std::size_t k_text_max = 98;
+
+/// Texts that only the catalogue has: their users read them by number.
+const std::set<std::string> k_without_default = {"E365",  "E366",  "E370",  "E390",
+                                                 "E1800", "E1801", "E1803", "E1804",
+                                                 "E1805", "E1806", "E1807", "E1808"};
+
+bool belongs_in_the_catalogue(const char* text) {
+    return std::strchr(text, '\n') == nullptr && std::strlen(text) <= k_text_max;
+}
+
+TEST(Messages, TheCatalogueHasEveryTextAsTheProgramDoes) {
+    std::vector<std::string> said;
+    reporter() = {};
+    reporter().output = [](void* context, std::string_view text) {
+        from_context<std::vector<std::string>>(context).emplace_back(text);
+    };
+    reporter().output_context = &said;
+    ASSERT_EQ(Read_text_msgs(k_catalogue.c_str()), 1);
+    for_each_message(
+        [](void*, const char* id, MessageHandle& handle) {
+            const bool provided = (handle.flags & MessageHandle::k_provided) != 0;
+            EXPECT_EQ(provided, belongs_in_the_catalogue(handle.default_text))
+                << id << " :" << handle.default_text;
+            EXPECT_STREQ(messageText(handle, handle.default_text).text, handle.default_text) << id;
+        },
+        nullptr);
+    EXPECT_TRUE(said.empty()) << said.front();
+    reset_text_msgs();
+    reporter() = {};
+}
+
+TEST(Messages, TheCatalogueHasNoTextThatNobodyUses) {
+    std::ifstream file(k_catalogue);
+    std::set<std::string> missing = k_without_default;
+    for (std::string line; std::getline(file, line);) {
+        const std::string id = line.substr(0, line.find(' '));
+        if (id.empty() || id.starts_with("//") || missing.erase(id) > 0)
+            continue;
+        EXPECT_NE(find_message(id.c_str()), nullptr) << line;
+    }
+    EXPECT_TRUE(missing.empty()) << *missing.begin();
+}
+
+TEST(Messages, NumbersAreThoseOfTheirOwner) {
+    // Two texts of one number would be told apart by nobody who looks a message up.
+    std::set<int> numbers;
+    std::size_t count = 0;
+    for_each_message(
+        [](void* context, const char*, MessageHandle& handle) {
+            from_context<std::set<int>>(context).insert(handle.number);
+        },
+        &numbers);
+    for_each_message(
+        [](void* context, const char*, MessageHandle&) { ++from_context<std::size_t>(context); },
+        &count);
+    EXPECT_EQ(numbers.size(), count);
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,136 @@
+#include "tools/bpr/project_json.h"
+
+#include "core/common/callback.h"
+#include "core/diagnostics/reporter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+class ProjectJson : public testing::Test {
+protected:
+    ProjectJson() {
+        reporter() = {};
+        reporter().output = [](void* self, std::string_view text) {
+            from_context<ProjectJson>(self).said_.emplace_back(text);
+        };
+        reporter().output_context = this;
+    }
+    ~ProjectJson() override { reporter() = {}; }
+
+    Owned<Project> parse(std::string_view text) {
+        said_.clear();
+        return project_from_json(text, "p.json", header_);
+    }
+
+    ProjectHeader header_;
+    std::vector<std::string> said_;
+};
+
+TEST_F(ProjectJson, WhatIsWrittenReadsBackToTheSameBytes) {
+    Project project;
+    std::string all_bytes;
+    for (int c = 1; c < 256; ++c)
+        all_bytes += static_cast<char>(c);
+    for (const char* name : {"a.vhd", "b.vhd"}) {
+        project.sources.push_back(make_owned<VHDL_source>());
+        project.sources.back()->file_name.assign(name);
+        project.sources.back()->note.assign(all_bytes);
+        project.sources.back()->words[7] = 0xFFFFFFFF;
+    }
+    project.sources[1]->kind = SourceKind::pla;
+    project.top_design = project.sources[1].get();
+    project.options.flags = INT32_MIN;
+    project.options.package.assign("");
+    project.options.tab_width = -1;
+    for (int i = 0; i < 256; ++i)
+        project.print_record.push_back(static_cast<std::byte>(i));
+    header_.version.assign("1x05");
+    header_.description.clear();
+    const String text = project_to_json(project, header_);
+    header_ = {};
+    const Owned<Project> back = parse(view(text));
+    ASSERT_NE(back, nullptr) << said_.front();
+    EXPECT_EQ(project_to_json(*back, header_), text);
+    EXPECT_EQ(back->sources[0]->note.view(), all_bytes);
+    EXPECT_EQ(header_.version.view(), "1x05");
+    EXPECT_FALSE(header_.description.present());
+    EXPECT_NE(view(text).find("\"description\": null"), std::string_view::npos);
+}
+
+TEST_F(ProjectJson, WhatIsLeftOutIsAsInANewProject) {
+    const Owned<Project> project = parse(R"({"project": {"sources": [{"file_name": "x.vhd"}]}})");
+    ASSERT_NE(project, nullptr);
+    EXPECT_EQ(project->options.flags, k_new_project_flags);
+    EXPECT_EQ(project->sources[0]->options.optimise_level, -1);
+    EXPECT_EQ(header_.version.view(), "1x07");
+    EXPECT_FALSE(project->file_name.present());
+}
+
+TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
+    const struct {
+        const char* text;
+        const char* message;
+    } rows[] = {
+        {"", "'p.json': line 1, column 1: this is no JSON document."},
+        {"{\n  \"project\": {},\n  oops\n}",
+         "'p.json': line 3, column 3: this is no JSON document."},
+        {"{\"project\": {\"options\": {\"flags\": 1e999}}}", nullptr},
+        {"\"\xFF\"", nullptr},
+        {"[]", "'p.json': the document: an object is expected."},
+        {R"({"project": 1})", "'p.json': project: an object is expected."},
+        {R"({"projekt": {}})", "'p.json': projekt: unknown key."},
+        {R"({"project": {"sources": [{}, {"options": {"tabs": 1}}]}})",
+         "'p.json': project.sources[1].options.tabs: unknown key."},
+        {R"({"project": {"sources": {}}})", "'p.json': project.sources: an array is expected."},
+        {R"({"project": {"file_name": 3}})",
+         "'p.json': project.file_name: a text or null is expected."},
+        {R"({"project": {"file_name": "\u0100"}})",
+         "'p.json': project.file_name: only characters from 1 to 255 can be stored."},
+        {R"({"project": {"file_name": "a\u0000"}})",
+         "'p.json': project.file_name: only characters from 1 to 255 can be stored."},
+        {R"({"project": {"options": {"tab_width": 32768}}})",
+         "'p.json': project.options.tab_width: a whole number from -32768 to 32767 is expected."},
+        {R"({"project": {"options": {"flags": 1.5}}})",
+         "'p.json': project.options.flags: a whole number from -2147483648 to 2147483647 is "
+         "expected."},
+        {R"({"project": {"sources": [{"words": [0,0,0,0,0,0,0,-1]}]}})",
+         "'p.json': project.sources[0].words[7]: a whole number from 0 to 4294967295 is expected."},
+        {R"({"project": {"sources": [{"words": [1]}]}})",
+         "'p.json': project.sources[0].words: an array of 8 numbers is expected."},
+        {R"({"project": {"sources": [{"kind": 2}]}})",
+         "'p.json': project.sources[0].kind: 0 or 1 is expected."},
+        {R"({"project": {"top_design": 0}})",
+         "'p.json': project.top_design: no source has this number."},
+        {R"({"project": {"print_record": "0AF"}})",
+         "'p.json': project.print_record: pairs of hexadecimal digits in lower case are expected."},
+        {R"({"header": {"version": "1X07"}})",
+         "'p.json': header.version: \"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected."},
+        {R"({"project": {}, "project": {}})",
+         "'p.json': project: this key stands twice in one object."},
+    };
+    for (const auto& row : rows) {
+        header_ = {};
+        EXPECT_EQ(parse(row.text), nullptr) << row.text;
+        ASSERT_EQ(said_.size(), 1U) << row.text;
+        EXPECT_TRUE(row.message == nullptr || said_[0] == row.message) << said_[0];
+    }
+    std::string deep(100000, '[');
+    EXPECT_EQ(parse(deep), nullptr);
+    EXPECT_EQ(parse(deep + std::string(100000, ']')), nullptr);
+}
+
+TEST_F(ProjectJson, EveryTruncationIsRefused) {
+    Project project;
+    project.sources.push_back(make_owned<VHDL_source>());
+    const String text = project_to_json(project, {});
+    for (std::size_t length = 0; length + 1 < text.size(); ++length)
+        EXPECT_EQ(parse(view(text).substr(0, length)), nullptr) << length;
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace pellux {
+
+inline constexpr int k_status_done = 0;
+/// A wrong command line, or a file that cannot be read, understood or written.
+inline constexpr int k_status_unusable = 2;
+
+} // namespace pellux

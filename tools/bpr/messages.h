@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/diagnostics/message.h"
+
+namespace pellux {
+
+inline Message<const char*> msg_bpr_usage{
+    "E1850", "usage: %s show FILE | make JSON FILE | compile FILE [--selected NAME...]"};
+inline Message<const char*, const char*> msg_bpr_cannot_read{"E1851", "Can't read '%s': %s."};
+inline Message<const char*, const char*> msg_bpr_cannot_write{"E1852", "Can't write '%s': %s."};
+inline Message<const char*, const char*> msg_old_contents{"E1853",
+                                                          "The old contents of '%s' lie in '%s'."};
+inline Message<const char*> msg_attributes_lost{
+    "E1854", "'%s' was written, but its owner, mode or attributes could not be kept."};
+inline Message<const char*, int, int> msg_not_json{
+    "E1855", "'%s': line %d, column %d: this is no JSON document."};
+inline Message<const char*, const char*, const char*> msg_bad_value{"E1856", "'%s': %s: %s."};
+inline Message<const char*, const char*> msg_no_such_source{"E1857",
+                                                            "Project '%s' has no file '%s'."};
+inline Message<const char*> msg_cannot_enter{"E1858", "Can't change into directory '%s'."};
+inline Message<const char*> msg_bpr_cannot_run{"E1859", "Can't run '%s'."};
+inline Message<> msg_successful{"E1860", "Compilation successful."};
+inline Message<> msg_unsuccessful{"E1861", "Compilation failed."};
+
+inline Message<> msg_expect_object{"E1862", "an object is expected"};
+inline Message<> msg_expect_array{"E1863", "an array is expected"};
+inline Message<> msg_expect_text{"E1864", "a text or null is expected"};
+inline Message<> msg_expect_characters{"E1865", "only characters from 1 to 255 can be stored"};
+inline Message<> msg_expect_words{"E1866", "an array of 8 numbers is expected"};
+inline Message<> msg_expect_bytes{"E1867",
+                                  "pairs of hexadecimal digits in lower case are expected"};
+inline Message<long long, long long> msg_expect_number{
+    "E1868", "a whole number from %lld to %lld is expected"};
+inline Message<> msg_expect_kind{"E1869", "0 or 1 is expected"};
+inline Message<> msg_expect_source{"E1870", "no source has this number"};
+inline Message<> msg_expect_version{"E1871",
+                                    "\"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected"};
+inline Message<> msg_unknown_key{"E1872", "unknown key"};
+inline Message<> msg_key_twice{"E1873", "this key stands twice in one object"};
+
+} // namespace pellux
