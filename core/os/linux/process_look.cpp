@@ -1,0 +1,104 @@
+#include "core/os/environment.h"
+#include "core/os/files.h"
+#include "core/os/linux/system_call.h"
+#include "core/os/process.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace pellux {
+namespace {
+
+struct ProcessState {
+    char state = 0; ///< the system's letter
+    std::int64_t parent = 0;
+};
+
+bool look_at(std::int64_t id, ProcessState& found) {
+    if (id <= 0)
+        return false;
+    constexpr std::string_view start = "/proc/";
+    constexpr std::string_view end = "/stat";
+    std::array<char, 40> path{};
+    char* at = std::copy(start.begin(), start.end(), path.data());
+    at = std::to_chars(at, path.data() + path.size() - end.size() - 1, id).ptr;
+    std::copy(end.begin(), end.end(), at);
+
+    const OwnedHandle file{static_cast<SystemHandle>(
+        repeat_interrupted([&] { return ::open(path.data(), O_RDONLY | O_CLOEXEC); }))};
+    std::array<char, 512> buffer;
+    const auto got = file ? repeat_interrupted([&] {
+        return ::read(descriptor(file.get()), buffer.data(), buffer.size());
+    })
+                          : -1;
+    if (got <= 0)
+        return false;
+    // "id (name) state parent ...", and the name may hold anything, parentheses too.
+    std::string_view text(buffer.data(), static_cast<std::size_t>(got));
+    const std::size_t name_end = text.rfind(") ");
+    if (name_end == std::string_view::npos || name_end + 4 >= text.size())
+        return false;
+    found.state = text[name_end + 2];
+    text.remove_prefix(name_end + 4);
+    return std::from_chars(text.data(), text.data() + text.size(), found.parent).ec == std::errc();
+}
+
+bool can_be_run(const PathBuffer& path) {
+    FileStat stat;
+    return !failed(stat_file(path.view(), stat)) && stat.kind == FileKind::regular &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+} // namespace
+
+bool process_exists(std::int64_t id) {
+    ProcessState found;
+    return look_at(id, found) && found.state != 'Z' && found.state != 'X';
+}
+
+bool is_descendant_or_self(std::int64_t child, std::int64_t id) {
+    if (child <= 0)
+        return false;
+    // Parents may end while we walk and their numbers be used again, so that a circle is possible.
+    for (int step = 0; step < 256; ++step) {
+        if (id == child)
+            return true;
+        ProcessState found;
+        if (!look_at(id, found))
+            return false;
+        id = found.parent;
+    }
+    return false;
+}
+
+std::int64_t current_process_id() {
+    return ::getpid();
+}
+
+bool find_program(std::string_view name, PathBuffer& path) {
+    if (name.empty())
+        return false;
+    if (!directory_part(name).empty() || is_absolute(name))
+        return path.assign(name);
+    PathBuffer candidate;
+    if (program_directory(candidate) && candidate.join(name) && can_be_run(candidate)) {
+        path = candidate;
+        return true;
+    }
+    const char* variable = environment_variable("PATH");
+    std::string_view list = variable != nullptr ? variable : "";
+    for (std::string_view entry; next_list_entry(list, entry);) {
+        if (is_absolute(entry) && candidate.assign(entry) && candidate.join(name) &&
+            can_be_run(candidate)) {
+            path = candidate;
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace pellux
