@@ -64,29 +64,39 @@ int main(int argc, char** argv) {
         return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     };
     std::vector<char> into(bytes.size());
+    const auto read_bare = [&] {
+        const int file = ::open(ours.c_str(), O_RDONLY);
+        benchmark::DoNotOptimize(::read(file, into.data(), into.size()));
+        ::close(file);
+    };
+    const auto write_bare = [&] {
+        const int file = open_new(bare);
+        benchmark::DoNotOptimize(::write(file, bytes.data(), bytes.size()));
+        ::close(file);
+    };
+    const auto read_ours = [&] { benchmark::DoNotOptimize(read_project(ours)); };
+    const auto write_ours = [&] {
+        g_file = open_new(bare);
+        benchmark::DoNotOptimize(write_project_to(*project, {write_plain, nullptr}, {}));
+        ::close(g_file);
+    };
     compare(
-        {.name = "read a project of 10,000 sources", .yardstick = "one read", .reach = 20}, moment,
-        [&] {
-            const int file = ::open(ours.c_str(), O_RDONLY);
-            benchmark::DoNotOptimize(::read(file, into.data(), into.size()));
-            ::close(file);
-        },
-        [&] { benchmark::DoNotOptimize(read_project(ours)); });
-    compare(
-        {.name = "write a project of 10,000 sources, the flush apart",
-         .yardstick = "one write",
+        {.name = "read and write a project of 10,000 sources, the flush apart",
+         .yardstick = "one call each",
          .reach = 20},
         moment,
         [&] {
-            const int file = open_new(bare);
-            benchmark::DoNotOptimize(::write(file, bytes.data(), bytes.size()));
-            ::close(file);
+            read_bare();
+            write_bare();
         },
         [&] {
-            g_file = open_new(bare);
-            benchmark::DoNotOptimize(write_project_to(*project, {write_plain, nullptr}, {}));
-            ::close(g_file);
+            read_ours();
+            write_ours();
         });
+    compare({.name = "  reading alone", .yardstick = "one read", .reach = 0}, moment, read_bare,
+            read_ours);
+    compare({.name = "  writing alone", .yardstick = "one write", .reach = 0}, moment, write_bare,
+            write_ours);
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     std::printf("  memory of this process at its peak: %.1f MB (reach 64 MB), file %.2f MB\n",

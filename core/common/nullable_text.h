@@ -29,19 +29,25 @@ public:
         std::swap(text_, other.text_);
         return *this;
     }
-    ~NullableText() { release(text_); }
+    ~NullableText() { clear(); }
 
     /// Cut at the first NUL.
-    void assign(std::string_view text) {
-        text = text.substr(0, text.find('\0'));
+    void assign(std::string_view text) { assign_without_nul(text.substr(0, text.find('\0'))); }
+    /// The same for a text that is known to hold no NUL.
+    void assign_without_nul(std::string_view text) {
         char* copy = static_cast<char*>(allocate(text.size() + 1));
         if (copy == nullptr)
             std::abort();
         std::memcpy(copy, text.data(), text.size());
         copy[text.size()] = '\0';
-        release(std::exchange(text_, copy));
+        clear();
+        text_ = copy;
     }
-    void clear() { release(std::exchange(text_, nullptr)); }
+    void clear() {
+        // Most texts of a record are absent, and a call for nothing is not free.
+        if (text_ != nullptr)
+            release(std::exchange(text_, nullptr));
+    }
 
     [[nodiscard]] bool present() const { return text_ != nullptr; }
     /// Empty when absent.

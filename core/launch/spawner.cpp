@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstring>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -17,20 +17,6 @@ constexpr std::int64_t k_silence_ms = 5000;
 constexpr std::int64_t k_close_grace_ms = 2000;
 
 constinit Spawner* g_spawners = nullptr;
-
-bool is_digit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/// The number that `text` begins with; 0 when it does not begin with a digit or is too large.
-template <typename Number>
-Number leading_number(std::string_view text) {
-    Number number = 0;
-    if (text.empty() || !is_digit(text.front()) ||
-        std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc{})
-        return 0;
-    return number;
-}
 
 /// Starts a composed command line; `process` null starts it detached.
 bool start(const CommandLine& line, Process* process) {
@@ -107,9 +93,11 @@ Spawner::~Spawner() {
 }
 
 Spawner* Spawner::find(std::string_view topic) {
-    const auto handle = leading_number<ChannelAddress>(topic);
+    ChannelAddress handle = 0;
+    if (!leading_number(topic, handle) || handle == 0)
+        return nullptr;
     Spawner* spawner = g_spawners;
-    while (spawner != nullptr && (handle == 0 || spawner->handle() != handle))
+    while (spawner != nullptr && spawner->handle() != handle)
         spawner = spawner->next_;
     return spawner;
 }
@@ -189,8 +177,8 @@ void Spawner::on_poke(std::uint64_t connection, std::string_view item,
         });
     if (!of_this_launch)
         return;
-    if (!item.empty() && is_digit(item.front()))
-        child_window_ = leading_number<std::int64_t>(item);
+    if (std::uint64_t id = 0; leading_number(item, id))
+        child_window_ = static_cast<std::int64_t>(id);
     if (running_)
         start_timer(watchdog_, k_silence_ms);
     if (data.empty())

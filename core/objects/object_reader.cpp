@@ -116,27 +116,31 @@ void ObjectReader::read_path_record() {
 }
 
 std::uint8_t ObjectReader::get_byte() {
-    if (damaged_ || at_ >= end_) {
-        damaged_ = true;
+    if (at_ >= end_) {
+        fail();
         return 0;
     }
     return std::to_integer<std::uint8_t>(bytes_[at_++]);
 }
 
-std::uint32_t ObjectReader::get_u32() {
+std::uint32_t ObjectReader::get_long_u32() {
     const std::uint8_t first = get_byte();
+    const std::size_t following = first >> 5;
+    if (following > 4 || following > end_ - at_) {
+        fail();
+        return 0;
+    }
+    const std::byte* next = bytes_.data() + at_;
+    at_ += following;
     std::uint32_t value = first & 0x1FU;
-    int following = first >> 5;
-    if (following > 4)
-        damaged_ = true;
-    for (; following > 0 && !damaged_; --following)
-        value = value << 8 | get_byte();
-    return damaged_ ? 0 : value;
+    for (std::size_t i = 0; i < following; ++i)
+        value = value << 8 | std::to_integer<std::uint32_t>(next[i]);
+    return value;
 }
 
-std::uint16_t ObjectReader::get_u16() {
+std::uint16_t ObjectReader::get_long_u16() {
     const std::uint8_t first = get_byte();
-    if (first <= 63)
+    if (first < k_short_limit)
         return first;
     unsigned value = first >> 6 == 1 ? first & 0x3FU : get_byte();
     value = value << 8 | get_byte();
@@ -144,8 +148,8 @@ std::uint16_t ObjectReader::get_u16() {
 }
 
 std::span<const std::byte> ObjectReader::get_bytes(std::size_t count) {
-    if (damaged_ || count > end_ - at_) {
-        damaged_ = true;
+    if (count > end_ - at_) {
+        fail();
         return {};
     }
     const auto bytes = bytes_.subspan(at_, count);
@@ -153,21 +157,19 @@ std::span<const std::byte> ObjectReader::get_bytes(std::size_t count) {
     return bytes;
 }
 
-void ObjectReader::get_text(NullableText& text) {
-    text.clear();
-    const StreamMark mark{get_byte()};
-    if (mark != StreamMark::text) {
-        damaged_ = damaged_ || mark != StreamMark::absent;
+void ObjectReader::get_present_text(NullableText& text) {
+    if (StreamMark{get_byte()} != StreamMark::text) {
+        fail();
         return;
     }
     const std::byte* start = bytes_.data() + at_;
     const void* end = std::memchr(start, 0, end_ - at_);
     if (end == nullptr) {
-        damaged_ = true;
+        fail();
         return;
     }
     const auto length = static_cast<std::size_t>(static_cast<const std::byte*>(end) - start);
-    text.assign({reinterpret_cast<const char*>(start), length});
+    text.assign_without_nul({reinterpret_cast<const char*>(start), length});
     at_ += length + 1;
 }
 
@@ -186,7 +188,7 @@ ObjectNumber ObjectReader::get_reference() {
         return damaged_ ? ObjectNumber::none : ObjectNumber{UINT32_MAX};
     }
     if (mark != StreamMark::absent)
-        damaged_ = true;
+        fail();
     return ObjectNumber::none;
 }
 
@@ -219,7 +221,7 @@ ObjectNumber ObjectReader::read_object(StreamMark mark) {
     Owned<Object>* place = slot(number);
     if (damaged_ || record == nullptr || place == nullptr || *place != nullptr ||
         depth_ == k_depth_max) {
-        damaged_ = true;
+        fail();
         return ObjectNumber::none;
     }
     *place = record->make();
@@ -238,7 +240,7 @@ ObjectNumber ObjectReader::read_all() {
             if (damaged_ || mark == StreamMark::section_end)
                 break;
             if (mark != StreamMark::object && mark != StreamMark::object_of_new_class) {
-                damaged_ = true;
+                fail();
                 break;
             }
             const ObjectNumber number = read_object(mark);
@@ -266,7 +268,7 @@ Object* ObjectReader::referenced(ObjectNumber number) {
     if (!missing_reported_)
         error(-1, msg_missing_object, name());
     missing_reported_ = true;
-    damaged_ = true;
+    fail();
     return nullptr;
 }
 

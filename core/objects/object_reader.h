@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <typeinfo>
 
 namespace pellux {
 
@@ -42,13 +43,27 @@ public:
     /// after damage. Unknown classes and missing objects are reported.
     [[nodiscard]] ObjectNumber read_all();
 
-    [[nodiscard]] std::uint32_t get_u32();
-    [[nodiscard]] std::uint16_t get_u16();
+    [[nodiscard]] std::uint32_t get_u32() {
+        if (at_ < end_ && std::to_integer<std::uint32_t>(bytes_[at_]) < k_varint_limit[0])
+            return std::to_integer<std::uint32_t>(bytes_[at_++]);
+        return get_long_u32();
+    }
+    [[nodiscard]] std::uint16_t get_u16() {
+        if (at_ < end_ && std::to_integer<std::uint16_t>(bytes_[at_]) < k_short_limit)
+            return std::to_integer<std::uint16_t>(bytes_[at_++]);
+        return get_long_u16();
+    }
     [[nodiscard]] std::int32_t get_int() { return static_cast<std::int32_t>(get_u32()); }
     [[nodiscard]] std::int16_t get_short() { return static_cast<std::int16_t>(get_u16()); }
     /// The next `count` bytes, borrowed; empty after damage.
     [[nodiscard]] std::span<const std::byte> get_bytes(std::size_t count);
-    void get_text(NullableText& text);
+    void get_text(NullableText& text) {
+        text.clear();
+        if (at_ < end_ && bytes_[at_] == std::byte{static_cast<unsigned char>(StreamMark::absent)})
+            ++at_;
+        else
+            get_present_text(text);
+    }
     /// A reference, or an object that stands in its place.
     [[nodiscard]] ObjectNumber get_reference();
 
@@ -57,7 +72,7 @@ public:
     template <typename Class>
     [[nodiscard]] Class* resolve(ObjectNumber number) {
         Object* object = referenced(number);
-        auto* wanted = dynamic_cast<Class*>(object);
+        auto* wanted = cast<Class>(object);
         if (object != nullptr && wanted == nullptr)
             fail();
         return wanted;
@@ -66,7 +81,7 @@ public:
     template <typename Class>
     [[nodiscard]] Owned<Class> take(ObjectNumber number) {
         Owned<Object>* place = slot(number);
-        auto* wanted = place == nullptr ? nullptr : dynamic_cast<Class*>(place->get());
+        auto* wanted = place == nullptr ? nullptr : cast<Class>(place->get());
         if (wanted == nullptr)
             return nullptr;
         static_cast<void>(place->release());
@@ -74,7 +89,10 @@ public:
     }
 
     /// For readers of records: what they read cannot be.
-    void fail() { damaged_ = true; }
+    void fail() {
+        damaged_ = true;
+        end_ = at_;
+    }
     [[nodiscard]] bool damaged() const { return damaged_; }
     /// A message has named this stream already.
     [[nodiscard]] bool named_in_message() const { return missing_reported_; }
@@ -85,7 +103,18 @@ public:
 private:
     static constexpr int k_depth_max = 32;
 
+    template <typename Class>
+    static Class* cast(Object* object) {
+        // The exact class is the rule, and much cheaper to tell.
+        if (object != nullptr && typeid(*object) == typeid(Class))
+            return static_cast<Class*>(object);
+        return dynamic_cast<Class*>(object);
+    }
+
     [[nodiscard]] std::uint8_t get_byte();
+    [[nodiscard]] std::uint32_t get_long_u32();
+    [[nodiscard]] std::uint16_t get_long_u16();
+    void get_present_text(NullableText& text);
     [[nodiscard]] std::uint32_t word_at(std::size_t offset) const;
     ObjectNumber read_object(StreamMark mark);
     const ClassRecord* read_class(StreamMark mark);
@@ -98,7 +127,7 @@ private:
     std::byte* memory_ = nullptr; ///< what `open` with a path has read
     std::span<const std::byte> bytes_;
     std::size_t at_ = 0;
-    std::size_t end_ = 0; ///< of what may be read now
+    std::size_t end_ = 0; ///< of what may be read now; after damage nothing may
     String name_;
     StreamStatus status_ = StreamStatus::not_a_stream;
     Poly_head head_;

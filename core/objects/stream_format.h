@@ -24,5 +24,7 @@ enum class StreamMark : std::uint8_t {
 
 // The three top bits of a number's first byte tell how many bytes follow it.
 inline constexpr std::uint32_t k_varint_limit[] = {0x20, 0x2000, 0x200000, 0x20000000};
+/// 16-bit numbers below it take one byte.
+inline constexpr std::uint16_t k_short_limit = 64;
 
 } // namespace pellux

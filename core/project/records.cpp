@@ -2,8 +2,6 @@
 
 #include "core/objects/object_writer.h"
 
-#include <algorithm>
-
 namespace pellux {
 namespace {
 
@@ -149,8 +147,8 @@ void VHDL_source::read_poly(ObjectReader& reader) {
         reader.fail();
     reader.get_text(file_name);
     reader.get_text(added_from);
-    if (char* text = added_from.data())
-        std::replace(text, text + added_from.view().size(), '/', '\\');
+    for (char* c = added_from.data(); c != nullptr && *c != '\0'; ++c)
+        *c = *c == '/' ? '\\' : *c;
     options.read_poly(reader);
     reader.get_text(note);
     for (std::uint32_t& word : words)

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <signal.h>
@@ -47,6 +48,19 @@ void say(const std::string& text) {
 void wait_for_close() {
     while (!g_client.close_asked && !g_client.ended)
         run_turn(TurnWait::until_event);
+}
+
+/// The flood of the benchmark's yardstick: the same lines to standard output, in large pieces.
+void flood_pipe(int lines) {
+    const std::string line = std::string(79, 'x') + '\n';
+    std::string piece;
+    for (int i = 0; i < lines; ++i) {
+        piece += line;
+        if (piece.size() + line.size() > 65536 || i + 1 == lines) {
+            static_cast<void>(write_handle(standard_output(), std::as_bytes(std::span(piece))));
+            piece.clear();
+        }
+    }
 }
 
 std::string joined(const std::vector<std::string>& words, std::size_t from) {
@@ -119,6 +133,10 @@ int main(int argc, char** argv) {
     const std::vector<std::string> words(argv + 2, argv + argc);
     if (words[0] == "mute")
         wait_for_the_end();
+    if (words[0] == "pipe_flood") {
+        flood_pipe(std::atoi(words[1].c_str()));
+        return 0;
+    }
     ChannelAddress address = 0;
     const char* digits = argv[1] + std::strlen(k_switch);
     std::from_chars(digits, digits + std::strlen(digits), address);

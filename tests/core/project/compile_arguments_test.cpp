@@ -40,8 +40,11 @@ Vector<CompileEntry> rows(const Project& project, std::vector<std::size_t> selec
 
 std::string joined(const Vector<String>& words) {
     std::string text;
-    for (const String& word : words)
-        text += (text.empty() ? "" : " ") + std::string(word);
+    for (const String& word : words) {
+        if (!text.empty())
+            text += ' ';
+        text += word;
+    }
     return text;
 }
 

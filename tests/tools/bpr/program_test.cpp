@@ -1,0 +1,205 @@
+// The program as its users run it: real project files, the real compiler driver, real GHDL.
+
+#include "tests/core/os/scoped_directory.h"
+#include "tests/core/os/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+
+namespace pellux {
+namespace {
+
+using test::ScopedDirectory;
+using test::ScopedVariable;
+using test::TemporaryDirectory;
+namespace fs = std::filesystem;
+
+const std::string k_tree = std::string(PELLUX_BINARY_DIR) + "/velmora";
+
+struct Outcome {
+    int status = -1;
+    std::string text; ///< standard output and errors
+};
+
+Outcome bpr(const std::string& arguments) {
+    Outcome outcome;
+    std::FILE* pipe = ::popen((k_tree + "/bin/bpr " + arguments + " 2>&1 </dev/null").c_str(), "r");
+    std::array<char, 4096> piece;
+    while (const std::size_t got = std::fread(piece.data(), 1, piece.size(), pipe))
+        outcome.text.append(piece.data(), got);
+    const int status = ::pclose(pipe);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+std::vector<std::string> message_lines(const std::string& text) {
+    static const std::regex s_message(R"([^ \n]+ \(line \d+, col \d+\):  [^\n]*)");
+    std::vector<std::string> lines;
+    for (std::sregex_iterator at(text.begin(), text.end(), s_message), end; at != end; ++at)
+        lines.push_back(at->str());
+    return lines;
+}
+
+std::size_t count(const std::string& text, const std::string& part) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++found;
+    return found;
+}
+
+class BprProgram : public testing::Test {
+protected:
+    std::string example(const std::string& name) {
+        fs::copy(k_tree + "/share/examples/" + name, directory_.path(name),
+                 fs::copy_options::recursive);
+        return directory_.path(name) + "/brix.bpr";
+    }
+
+    TemporaryDirectory directory_;
+    ScopedDirectory inside_{directory_.path()};
+    ScopedVariable runtime_{"XDG_RUNTIME_DIR", directory_.path().c_str()};
+    ScopedVariable state_{"XDG_STATE_HOME", directory_.path("state").c_str()};
+    ScopedVariable install_{"VELMORA_DIR", k_tree.c_str()};
+};
+
+TEST_F(BprProgram, CompilesAnExampleFromAnywhere) {
+    example("counter");
+    const Outcome outcome = bpr("compile counter/brix.bpr");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.text.starts_with(
+        k_tree +
+        "/bin/BRIX.EXE -m -yga -fP -a counter_pkg.vhd -a counter.vhd -b counter_tb.vhd \n"))
+        << outcome.text;
+    EXPECT_TRUE(outcome.text.ends_with("Compiling 'counter_pkg.vhd'\nCompiling 'counter.vhd'\n"
+                                       "Compiling 'counter_tb.vhd'\nCompilation successful.\n"))
+        << outcome.text;
+}
+
+TEST_F(BprProgram, TellsThePlacesOfPlantedErrors) {
+    const Outcome outcome = bpr("compile " + example("counter_broken"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(message_lines(outcome.text),
+              (std::vector<std::string>{
+                  "counter.vhd (line 38, col 10):  no declaration for \"enabled\"",
+                  "counter_tb.vhd (line 15, col 34):  can't match integer literal with type "
+                  "physical type \"time\"",
+                  "counter_tb.vhd (line 73, col 12):  can't match character literal '0' with type "
+                  "direction",
+              }));
+    EXPECT_TRUE(outcome.text.ends_with("Compilation failed.\n"));
+}
+
+TEST_F(BprProgram, OneBadFileOfManyDoesNotHideTheOthers) {
+    const std::string project = example("pipeline");
+    const Outcome good = bpr("compile " + project);
+    EXPECT_EQ(good.status, 0) << good.text;
+    EXPECT_EQ(count(good.text, "Compiling '"), 24U);
+    EXPECT_EQ(message_lines(good.text), std::vector<std::string>{});
+    const std::string third = "pipeline/parts/shifter.vhd";
+    std::string source = directory_.read(third);
+    const std::size_t begin = source.find("begin");
+    ASSERT_NE(begin, std::string::npos);
+    const auto line =
+        std::count(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(begin), '\n') + 2;
+    source.insert(begin + 6, "\t  no_such_signal <= '1';\n");
+    directory_.write(third, source);
+    const Outcome bad = bpr("compile " + project);
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(count(bad.text, "Compiling '"), 24U);
+    EXPECT_EQ(message_lines(bad.text).at(0), "parts/shifter.vhd (line " + std::to_string(line) +
+                                                 ", col 4):  no declaration for "
+                                                 "\"no_such_signal\"");
+}
+
+TEST_F(BprProgram, CompilesSelectedFilesOnly) {
+    const std::string project = example("counter");
+    const Outcome outcome = bpr("compile " + project + " --selected counter_pkg.vhd");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(count(outcome.text, "Compiling '"), 1U);
+    EXPECT_EQ(outcome.text.find(" -m "), std::string::npos);
+    const Outcome unknown = bpr("compile " + project + " --selected none.vhd");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.text, "Project '" + project + "' has no file 'none.vhd'.\n");
+}
+
+TEST_F(BprProgram, ARebuildRequestIsCarriedOutOnceAndWrittenBack) {
+    const std::string project = example("counter");
+    std::string json = bpr("show " + project).text;
+    const std::size_t flags = json.rfind("\"flags\": 34164739");
+    ASSERT_NE(flags, std::string::npos);
+    json.replace(flags, 17, "\"flags\": 34197507");
+    directory_.write("rebuild.json", json);
+    ASSERT_EQ(bpr("make rebuild.json " + project).status, 0);
+    directory_.write("counter/counter.bde", "x");
+    EXPECT_EQ(bpr("compile " + project).text.find(" -m "), std::string::npos);
+    EXPECT_FALSE(fs::exists("counter/counter.bde"));
+    EXPECT_NE(bpr("show " + project).text.find("\"flags\": 34164739", flags), std::string::npos);
+    EXPECT_NE(bpr("compile " + project).text.find(" -m "), std::string::npos);
+}
+
+TEST_F(BprProgram, ACompilerThatDiesOrCannotRunIsAFailure) {
+    const std::string project = example("counter");
+    const std::string program = directory_.write("tree/bin/BRIX.EXE", "#!/bin/sh\nkill -9 $$\n");
+    fs::permissions(program, fs::perms::owner_all);
+    const ScopedVariable install("VELMORA_DIR", directory_.path("tree").c_str());
+    const Outcome outcome = bpr("compile " + project);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.text.ends_with("\nCompilation failed.\n")) << outcome.text;
+    fs::permissions(program, fs::perms::owner_read);
+    directory_.write("tree/bin/BRIX.EXE", "no program");
+    EXPECT_EQ(bpr("compile " + project).status, 2);
+    fs::remove(program);
+    const Outcome missing = bpr("compile " + project);
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(missing.text, "Cannot find 'BRIX.EXE'.\n");
+}
+
+TEST_F(BprProgram, MakeAndShowGiveAJsonFileBackByteForByte) {
+    for (const char* version : {"1x04", "1x05", "1x06", "1x07"}) {
+        std::string json = bpr("show " + example("counter")).text;
+        json.replace(json.find("1x07"), 4, version);
+        json.replace(json.find("\"note\": null"), 12, "\"note\": \"\xC3\xA4\xC3\xBF\\u0001 x\"");
+        directory_.write("a.json", json);
+        ASSERT_EQ(bpr("make a.json a.bpr").status, 0);
+        EXPECT_EQ(bpr("show a.bpr").text, json);
+        fs::remove_all("counter");
+    }
+}
+
+TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
+    directory_.write("bad.json", "{\"project\": {\"options\": {\"color\": 1}}}");
+    directory_.write("good.json", "{}");
+    directory_.write("bad.bpr", "no project");
+    const struct {
+        const char* arguments;
+        const char* text;
+    } rows[] = {
+        {"make bad.json a.bpr", "'bad.json': project.options.color: unknown key.\n"},
+        {"make none.json a.bpr", "Can't read 'none.json': No such file or directory.\n"},
+        {"make good.json none/a.bpr", "Can't write 'none/a.bpr': No such file or directory.\n"},
+        {"show bad.bpr", "Error reading 'bad.bpr'.\n"},
+        {"compile none.bpr", "Error reading 'none.bpr'.\n"},
+        {"show", nullptr},
+        {"frobnicate x", nullptr},
+        {"compile x.bpr --selected", nullptr},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = bpr(row.arguments);
+        EXPECT_EQ(outcome.status, 2) << row.arguments;
+        EXPECT_EQ(count(outcome.text, "\n"), 1U) << row.arguments;
+        EXPECT_TRUE(row.text == nullptr || outcome.text == row.text) << outcome.text;
+    }
+    EXPECT_FALSE(fs::exists("a.bpr"));
+}
+
+} // namespace
+} // namespace pellux
