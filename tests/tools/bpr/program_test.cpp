@@ -8,8 +8,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,11 +40,20 @@ Outcome bpr(const std::string& arguments) {
     return outcome;
 }
 
+/// The lines that an editor could jump from.
 std::vector<std::string> message_lines(const std::string& text) {
-    static const std::regex s_message(R"([^ \n]+ \(line \d+, col \d+\):  [^\n]*)");
     std::vector<std::string> lines;
-    for (std::sregex_iterator at(text.begin(), text.end(), s_message), end; at != end; ++at)
-        lines.push_back(at->str());
+    std::istringstream all(text);
+    for (std::string line; std::getline(all, line);) {
+        std::array<char, 256> file;
+        int number = 0;
+        int column = 0;
+        char colon = 0;
+        if (std::sscanf(line.c_str(), "%255s (line %d, col %d)%c", file.data(), &number, &column,
+                        &colon) == 4 &&
+            colon == ':')
+            lines.push_back(line);
+    }
     return lines;
 }
 
