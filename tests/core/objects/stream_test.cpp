@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pellux {
@@ -104,6 +106,10 @@ protected:
         return bytes;
     }
 
+    /// The bytes for as long as the test lasts: a reader borrows them.
+    const Bytes& kept(Bytes bytes) { return kept_.emplace_back(std::move(bytes)); }
+
+    std::list<Bytes> kept_;
     std::vector<std::string> said_;
 };
 
@@ -286,7 +292,7 @@ TEST_F(StreamTest, UnknownClassesMissingObjectsAndInnerReferencesAreTold) {
         Dangling dangling;
         dangling.mark = mark;
         ObjectReader third;
-        ASSERT_EQ(third.open(write(dangling), "f"), StreamStatus::good);
+        ASSERT_EQ(third.open(kept(write(dangling)), "f"), StreamStatus::good);
         EXPECT_EQ(third.read_all(), ObjectNumber::none);
         EXPECT_EQ(said_, std::vector<std::string>{"Missing object in 'f'."});
     }
@@ -299,10 +305,10 @@ TEST_F(StreamTest, NestingIsBounded) {
         chain[i].right = &chain[i + 1];
     }
     ObjectReader deep;
-    ASSERT_EQ(deep.open(write(chain[0]), "t"), StreamStatus::good);
+    ASSERT_EQ(deep.open(kept(write(chain[0])), "t"), StreamStatus::good);
     EXPECT_EQ(deep.read_all(), ObjectNumber::none);
     ObjectReader shallow;
-    ASSERT_EQ(shallow.open(write(chain[10]), "t"), StreamStatus::good);
+    ASSERT_EQ(shallow.open(kept(write(chain[10])), "t"), StreamStatus::good);
     const Owned<Node> read = shallow.take<Node>(shallow.read_all());
     ASSERT_NE(read, nullptr);
     int length = 1;
@@ -330,7 +336,7 @@ TEST_F(StreamTest, AReferenceToAnotherClassIsDamage) {
     } wrong;
     wrong.target = &stranger;
     ObjectReader reader;
-    ASSERT_EQ(reader.open(write(wrong), "t"), StreamStatus::good);
+    ASSERT_EQ(reader.open(kept(write(wrong)), "t"), StreamStatus::good);
     EXPECT_EQ(reader.read_all(), ObjectNumber::none);
 }
 
@@ -339,10 +345,10 @@ TEST_F(StreamTest, ARemapTableReplacesClassesInBothDirections) {
     Node root;
     root.number = 9;
     ObjectReader written_remapped;
-    ASSERT_EQ(written_remapped.open(write(root, remap), "t"), StreamStatus::good);
+    ASSERT_EQ(written_remapped.open(kept(write(root, remap)), "t"), StreamStatus::good);
     EXPECT_NE(written_remapped.take<Twin>(written_remapped.read_all()), nullptr);
     ObjectReader read_remapped(remap);
-    ASSERT_EQ(read_remapped.open(write(root), "t"), StreamStatus::good);
+    ASSERT_EQ(read_remapped.open(kept(write(root)), "t"), StreamStatus::good);
     const Owned<Twin> twin = read_remapped.take<Twin>(read_remapped.read_all());
     ASSERT_NE(twin, nullptr);
     EXPECT_EQ(twin->number, 9U);
