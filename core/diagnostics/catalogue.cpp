@@ -200,17 +200,17 @@ void bindMessage(MessageHandle& handle, const char* id) {
     assert(other == nullptr && "two messages of one id");
 }
 
-MessageHandle& messageText(MessageHandle& handle, const char* defaultText) {
+MessageHandle& messageText(MessageHandle& handle, const char* default_text) {
     if ((handle.flags & MessageHandle::k_deferred) != 0)
-        load_deferred(handle, defaultText);
+        load_deferred(handle, default_text);
     if (handle.text == nullptr)
-        handle.text = defaultText;
+        handle.text = default_text;
     return handle;
 }
 
-int Read_text_msgs(const char* fileName) {
+int Read_text_msgs(const char* file_name) {
     PathBuffer path;
-    if (!find_along_path(fileName, path))
+    if (!find_along_path(file_name, path))
         return 0;
     load_all_deferred();
     File file;

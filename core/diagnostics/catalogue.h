@@ -23,13 +23,13 @@ struct MessageHandle {
 /// Enters the handle under `id` (kept, not copied). A second handle of one id is our own fault.
 void bindMessage(MessageHandle& handle, const char* id);
 
-/// Fills `handle.text`: what the catalogue gives, or `defaultText`. A catalogue text whose
+/// Fills `handle.text`: what the catalogue gives, or `default_text`. A catalogue text whose
 /// conversions differ from the default's would be a wrong format and is refused with a warning.
-MessageHandle& messageText(MessageHandle& handle, const char* defaultText);
+MessageHandle& messageText(MessageHandle& handle, const char* default_text);
 
 /// Reads a catalogue (docs/formats.md). The name is looked up in the current directory, then along
 /// `PATH`; texts stay in the file until they are wanted. 0 only when the file is not found.
-int Read_text_msgs(const char* fileName);
+int Read_text_msgs(const char* file_name);
 
 /// Finds the catalogue in "bin" of the directories that `VELMORA_DIR` names (cut at ';'), else
 /// under its bare name, and reads it.

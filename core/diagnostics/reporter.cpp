@@ -165,9 +165,9 @@ void start_diagnostics(const char* program_name) {
     static_cast<void>(msg_out_of_memory.text());
 }
 
-bool openReport(const char* fileName, bool truncate, bool quiet) {
+bool openReport(const char* file_name, bool truncate, bool quiet) {
     closeReport();
-    std::string_view base = file_name_part(fileName);
+    std::string_view base = file_name_part(file_name);
     if (const std::size_t dot = base.rfind('.'); dot != std::string_view::npos)
         base = base.substr(0, dot);
     String name(base);

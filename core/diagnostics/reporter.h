@@ -41,9 +41,9 @@ struct Reporter {
 /// `program_name` (null: none) is kept, not copied.
 void start_diagnostics(const char* program_name);
 
-/// Opens the report file: the base name of `fileName` with the extension "rpt", in the current
+/// Opens the report file: the base name of `file_name` with the extension "rpt", in the current
 /// directory. On failure `quiet` leaves the word to the runtime's error print.
-bool openReport(const char* fileName, bool truncate, bool quiet);
+bool openReport(const char* file_name, bool truncate, bool quiet);
 void closeReport();
 
 /// One report, taken apart; `format` fits what follows it.
