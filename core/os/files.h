@@ -109,6 +109,10 @@ using DirectoryVisitor = bool (*)(void* context, std::string_view name, FileKind
 [[nodiscard]] SystemError create_temporary(std::string_view path, std::uint32_t permissions,
                                            File& file, PathBuffer& name);
 
+/// From now on a writing that exceeds the largest file size fails; until then the system ends the
+/// program for it. For the start of a program.
+void make_size_limit_an_error();
+
 /// The operations that a test can make fail.
 enum class FileOperation {
     open,

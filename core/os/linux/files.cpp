@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -178,6 +179,10 @@ SystemError lock_file(File& file, FileLock lock) {
     const int locked =
         repeat_interrupted([&] { return ::flock(descriptor(file.handle.get()), kind); });
     return locked != 0 && is_busy(last_error()) ? last_error() : SystemError::none;
+}
+
+void make_size_limit_an_error() {
+    ::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace pellux

@@ -1,4 +1,5 @@
 #include "core/diagnostics/reporter.h"
+#include "core/os/files.h"
 #include "core/os/process.h"
 #include "tools/bpr/compile_command.h"
 #include "tools/bpr/exit_status.h"
@@ -79,6 +80,7 @@ int run(std::span<const char* const> arguments) {
 } // namespace pellux
 
 int main(int argc, char** argv) {
+    pellux::make_size_limit_an_error();
     pellux::start_diagnostics(pellux::k_program);
     const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
     return pellux::run(arguments.subspan(argc > 0 ? 1 : 0));

@@ -1,4 +1,5 @@
 #include "core/diagnostics/reporter.h"
+#include "core/os/files.h"
 #include "core/os/process.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
@@ -22,6 +23,7 @@ int refuse_to_run() {
 } // namespace
 
 int main(int argc, char** argv) {
+    make_size_limit_an_error();
     start_diagnostics("BRIX");
     notice_interruption();
     Options options;
