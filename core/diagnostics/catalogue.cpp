@@ -125,7 +125,7 @@ void load_deferred(MessageHandle& handle, const char* default_text) {
     handle.text = nullptr;
     std::byte bytes[k_line_max];
     std::size_t got = 0;
-    if (failed(read_at(g_catalogue.file, offset, bytes, got)))
+    if (failed(read_at(g_catalogue.file, offset, bytes, got)) || got == 0)
         return;
     std::string_view line(reinterpret_cast<const char*>(bytes), got);
     take_text(handle, line.substr(0, line.find('\n')), default_text);

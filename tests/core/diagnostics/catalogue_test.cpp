@@ -125,11 +125,9 @@ TEST_F(CatalogueTest, AnotherCatalogueDoesNotChangeWhatTheFirstOneGives) {
     EXPECT_STREQ(msg_third.text(), "of the other one, at another place");
 }
 
-TEST_F(CatalogueTest, AFileThatVanishesOrShrinksLeavesTheDefault) {
-    read("// " + std::string(5000, 'x') + "\nE9002 :gone\n");
+TEST_F(CatalogueTest, AFileThatShrinksLeavesTheDefault) {
+    read("// " + std::string(90, 'x') + "\nE9002 :gone\n");
     std::ofstream(directory_.path() + "/vhdl.msg", std::ios::trunc) << "short";
-    EXPECT_STREQ(msg_second.text(), "");
-    reset_text_msgs();
     EXPECT_STREQ(msg_second.text(), "second default");
 }
 
