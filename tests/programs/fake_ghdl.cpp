@@ -1,20 +1,19 @@
 // Stands in for GHDL: the base name of the source or unit that it is called for is its role.
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
-#include <csignal>
 #include <unistd.h>
 
 namespace {
 
 void log_call(int count, char** words) {
     const char* name = std::getenv("FAKE_GHDL_LOG");
-    if (name == nullptr)
-        return;
-    std::FILE* log = std::fopen(name, "a");
+    std::FILE* log = name != nullptr ? std::fopen(name, "a") : nullptr;
     if (log == nullptr)
         return;
     std::fprintf(log, "%d", static_cast<int>(::getpid()));
@@ -24,14 +23,18 @@ void log_call(int count, char** words) {
     std::fclose(log);
 }
 
-std::string role_of(const char* word) {
-    const char* slash = std::strrchr(word, '/');
-    std::string name = slash != nullptr ? slash + 1 : word;
-    return name.substr(0, name.find('.'));
+std::string role_of(std::string_view word) {
+    const std::string_view name = word.substr(word.rfind('/') + 1);
+    return std::string(name.substr(0, name.find('.')));
 }
 
 void say(const std::string& text) {
     static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
+}
+
+void say_each(const std::string& file, int lines, const std::string& text) {
+    for (int i = 1; i <= lines; ++i)
+        say(file + ":" + std::to_string(i) + ":1:" + text + "\n");
 }
 
 void hang() {
@@ -40,56 +43,35 @@ void hang() {
 }
 
 int analyse(const std::string& file) {
-    const std::string role = role_of(file.c_str());
-    if (role == "errors" || role == "endless") {
-        for (int i = 1; i <= 5; ++i)
-            say(file + ":" + std::to_string(i) + ":1: fault " + std::to_string(i) + "\n");
-        if (role == "endless")
-            hang();
-        return 1;
-    }
-    if (role == "warnings") {
-        for (int i = 1; i <= 3; ++i)
-            say(file + ":" + std::to_string(i) + ":1:warning: doubt [-Wunused]\n");
+    const std::string role = role_of(file);
+    if (role == "good" || role == "top")
         return 0;
-    }
-    if (role == "silent")
-        return 1;
-    if (role == "fault") {
+    if (role == "warnings")
+        say_each(file, 3, "warning: doubt [-Wunused]");
+    if (role == "errors" || role == "endless")
+        say_each(file, 5, " fault");
+    if (role == "flood")
+        say_each(file, 20000, " fault");
+    if (role == "endless")
+        hang();
+    if (role == "fault")
         say("******* Bug occurred *******\n");
-        return 2;
-    }
     if (role == "killed")
         ::raise(SIGKILL);
-    if (role == "waits")
-        hang();
-    if (role == "long") {
+    if (role == "long")
         say(file + ":1:1: " + std::string(5000, 'x'));
-        return 1;
-    }
-    if (role == "raw") {
+    if (role == "raw")
         say(file + std::string(":1:1: a\0b\rc\r\n", 13));
-        return 1;
-    }
-    if (role == "flood") {
-        for (int i = 1; i <= 20000; ++i)
-            say(file + ":" + std::to_string(i) + ":1: fault\n");
-        return 1;
-    }
-    if (role == "library") {
+    if (role == "library")
         say("ghdl-mcode: cannot update library file \"work/work-obj08.cf\"\n");
-        return 1;
+    // The grandchild holds the pipe open after its parent's end.
+    if (role == "holder" && ::fork() == 0) {
+        ::alarm(20);
+        hang();
     }
-    if (role == "holder") {
-        // The grandchild holds the pipe open after its parent's end.
-        if (::fork() == 0) {
-            ::alarm(20);
-            hang();
-        }
+    if (role == "holder")
         say(file + ":1:1: half a line");
-        return 1;
-    }
-    return 0;
+    return role == "fault" ? 2 : role == "warnings" ? 0 : 1;
 }
 
 } // namespace

@@ -144,7 +144,7 @@ void end_translation(Translator& translator) {
     const Diagnostic diagnostic = std::exchange(translator.current, {});
     const String key =
         format_text("%d:%d:%d:%s:%s", static_cast<int>(diagnostic.level), diagnostic.line,
-                    diagnostic.column, diagnostic.file.c_str(), translator.head.c_str());
+                    diagnostic.column, diagnostic.file.c_str(), diagnostic.text.c_str());
     if (translator.told.insert(key).second)
         translator.diagnostic(translator.context, diagnostic);
 }

@@ -31,7 +31,7 @@ struct Translator {
 
     // The translator's own.
     SourceLines sources;
-    TextSet told;      ///< heads of what was told since `begin_source`
+    TextSet told;      ///< places and texts of what was told since `begin_source`
     bool open = false; ///< `current` waits for its further lines
     Diagnostic current;
     String head; ///< first line of `current`

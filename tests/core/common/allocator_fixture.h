@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +19,8 @@ struct AllocatorTest : testing::Test {
     static inline int exhausted = 0;
 
     AllocatorStatistics before = allocatorStatistics();
+    unsigned seed = std::random_device{}();
+    std::mt19937 random{seed};
 
     AllocatorTest() {
         faults.clear();
@@ -32,19 +35,19 @@ struct AllocatorTest : testing::Test {
         EXPECT_EQ(allocatorStatistics().blocks_in_use, before.blocks_in_use);
         EXPECT_EQ(allocatorStatistics().bytes_in_use, before.bytes_in_use);
         EXPECT_TRUE(check_allocator());
+        EXPECT_FALSE(HasFailure()) << "seed " << seed;
     }
-
     static void count_exhaustion() {
         setOutOfMemoryHandler([] { ++exhausted; });
     }
 };
 
 /// Sink that appends to a text.
-inline TextSink sink_to(std::string& text) {
-    return {
-        .write = [](void* context,
-                    std::string_view part) { static_cast<std::string*>(context)->append(part); },
-        .context = &text};
+template <typename Text>
+TextSink sink_to(Text& text) {
+    return {.write = [](void* context,
+                        std::string_view part) { static_cast<Text*>(context)->append(part); },
+            .context = &text};
 }
 
 } // namespace pellux

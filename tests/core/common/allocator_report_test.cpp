@@ -10,62 +10,58 @@
 namespace pellux {
 namespace {
 
+/// The report; its sink allocates meanwhile, as a window's would.
 std::string report() {
-    std::string text;
+    String text;
     memoryReport(sink_to(text));
-    return text;
+    return std::string(view(text));
 }
 
-std::string line_of(const void* p) {
-    char line[40];
-    std::snprintf(line, sizeof line, "0x%08lx\t\n", reinterpret_cast<unsigned long>(p));
-    return line;
+std::string report_of(std::vector<void*> blocks) {
+    std::string text = "Memory_report:\n"
+                       "Address\t\tFilename\t\tLine\n"
+                       "_______\t\t________\t\t____\n";
+    std::sort(blocks.begin(), blocks.end());
+    for (const void* block : blocks) {
+        char line[40];
+        std::snprintf(line, sizeof line, "0x%08lx\t\n", reinterpret_cast<unsigned long>(block));
+        text += line;
+    }
+    return text + "\nNumber of pieces still allocated:  " + std::to_string(blocks.size()) + "\n";
 }
 
 constexpr const char* k_all_freed = "Memory_report:  All memory has been freed.\n";
-constexpr const char* k_heading = "Memory_report:\n"
-                                  "Address\t\tFilename\t\tLine\n"
-                                  "_______\t\t________\t\t____\n";
 
 TEST_F(AllocatorTest, TicksAtTheFirstCallAndEveryHundredth) {
     static int ticks;
     ticks = 0;
     const AllocatorTick previous = setAllocatorTick([] { ++ticks; });
     allocator_state.calls_until_tick = AllocatorState{}.calls_until_tick;
-    for (int call = 1; call <= 301; call += 2) {
-        void* block = allocate(8);
+    void* block = nullptr;
+    for (int call = 1; call <= 303; ++call) {
+        if (call % 3 == 1)
+            block = allocate(8);
+        else // the second time null, which is a call too
+            release(std::exchange(block, nullptr));
         EXPECT_EQ(ticks, (call - 1) / 100 + 1) << call;
         static_cast<void>(isValidBlock(block));
-        // Null is a call too.
-        release(call % 4 == 1 ? block : nullptr);
-        EXPECT_EQ(ticks, call / 100 + 1) << call;
-        if (call % 4 != 1) {
-            ++allocator_state.calls_until_tick;
-            release(block);
-        }
     }
     setAllocatorTick(previous);
 }
 
 TEST_F(AllocatorTest, MemoryUseRoundsToTheNearestKilobyte) {
-    Vector<Owned<int>> blocks;
-    const auto expect_line = [] {
-        const AllocatorStatistics use = allocatorStatistics();
-        const auto kilobytes = [](std::uint64_t bytes) {
-            return std::to_string(bytes / 1024 + (bytes % 1024 >= 512 ? 1 : 0)) + "K";
-        };
-        std::string text;
-        memoryUse(sink_to(text));
-        EXPECT_EQ(text, "# Memory use: " + kilobytes(use.bytes_in_use) + " bytes (" +
-                            std::to_string(use.blocks_in_use) + " objects) active out of " +
-                            kilobytes(use.chunk_bytes) + " bytes allocated (" +
-                            kilobytes(use.peak_bytes) + ")\n");
-    };
-    blocks.reserve(300);
-    for (int i = 0; i < 300; ++i) {
-        blocks.push_back(make_owned<int>(i));
-        expect_line();
-    }
+    const AllocatorStatistics use = allocatorStatistics();
+    AllocatorState& state = allocator_state;
+    state.blocks_in_use = 3;
+    state.bytes_in_use = 1535;
+    state.peak_bytes = 1536;
+    std::string text;
+    memoryUse(sink_to(text));
+    EXPECT_EQ(text, "# Memory use: 1K bytes (3 objects) active out of " +
+                        std::to_string(use.chunk_bytes / 1024) + "K bytes allocated (2K)\n");
+    state.blocks_in_use = use.blocks_in_use;
+    state.bytes_in_use = use.bytes_in_use;
+    state.peak_bytes = use.peak_bytes;
 }
 
 TEST_F(AllocatorTest, ReportsTrackedBlocksOnly) {
@@ -79,44 +75,19 @@ TEST_F(AllocatorTest, ReportsTrackedBlocksOnly) {
     resumeTracking();
     resumeTracking();
     suspendTracking();
-    void* tracked_too = allocate(500);
-
-    std::string lines = line_of(tracked) + line_of(tracked_too);
-    if (tracked_too < tracked)
-        lines = line_of(tracked_too) + line_of(tracked);
-    EXPECT_EQ(report(), k_heading + lines + "\nNumber of pieces still allocated:  2\n");
+    // More blocks than one walk collects, and free ones between them.
+    std::vector<void*> blocks{tracked};
+    for (std::size_t i = 0; i < 5000; ++i) {
+        blocks.push_back(allocate(i % 300));
+        release(std::exchange(blocks[i / 2], allocate(i % 200)));
+    }
+    EXPECT_EQ(report(), report_of(blocks));
     EXPECT_EQ(allocator_state.tracking, 1);
-
-    release(tracked);
-    release(tracked_too);
+    for (void* block : blocks)
+        release(block);
     EXPECT_EQ(report(), k_all_freed);
     release(untracked);
     release(still_untracked);
-}
-
-TEST_F(AllocatorTest, ReportsMoreBlocksThanOneWalkCollects) {
-    std::vector<void*> blocks(5000);
-    for (void*& block : blocks)
-        block = allocate(static_cast<std::size_t>(&block - blocks.data()) % 300);
-    for (std::size_t i = 0; i < blocks.size(); i += 3)
-        release(std::exchange(blocks[i], nullptr));
-    std::erase(blocks, nullptr);
-    std::sort(blocks.begin(), blocks.end());
-    std::string expected = k_heading;
-    for (const void* block : blocks)
-        expected += line_of(block);
-    expected += "\nNumber of pieces still allocated:  " + std::to_string(blocks.size()) + "\n";
-
-    // The sink allocates meanwhile, as a window's would.
-    String text;
-    memoryReport(
-        {.write = [](void* context,
-                     std::string_view part) { static_cast<String*>(context)->append(part); },
-         .context = &text});
-    EXPECT_EQ(view(text), expected);
-    EXPECT_TRUE(check_allocator());
-    for (void* block : blocks)
-        release(block);
 }
 
 } // namespace

@@ -3,193 +3,152 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace pellux {
 namespace {
 
-/// Response files in memory.
-struct Responses {
-    std::map<std::string, std::string> files;
-};
+using Files = std::map<std::string, std::string>;
 
 bool read_response(void* context, std::string_view name, String& text, String& reason) {
-    const auto& files = static_cast<Responses*>(context)->files;
+    const auto& files = *static_cast<const Files*>(context);
     const auto found = files.find(std::string(name));
-    if (found == files.end()) {
+    if (found == files.end())
         reason = "gone";
-        return false;
-    }
-    text = found->second;
-    return true;
+    else
+        text = found->second;
+    return found != files.end();
 }
 
 struct Arguments : testing::Test {
-    Responses responses;
+    Files responses; ///< in memory
     Options options;
 
-    Failure parse(std::initializer_list<const char*> words) {
+    /// `line` holds the words with bars between them.
+    Failure parse(const std::string& line) {
+        std::istringstream bars(line);
+        std::vector<std::string> words;
+        for (std::string word; std::getline(bars, word, '|');)
+            words.push_back(word);
+        std::vector<const char*> vector;
+        for (const std::string& word : words)
+            vector.push_back(word.c_str());
         options = {};
-        return parse_arguments(std::span(words.begin(), words.size()), {read_response, &responses},
-                               options);
+        return parse_arguments(vector, {read_response, &responses}, options);
     }
+    /// Each file behind its library, then the top design.
     std::string files() const {
         std::string all;
         for (const SourceArgument& source : options.files)
             all += std::string(view(source.library)) + ":" + std::string(view(source.name)) + " ";
-        return all;
+        return all + options.top.c_str();
     }
 };
 
 TEST_F(Arguments, TakesTheVectorOfTheEnvironment) {
-    ASSERT_FALSE(parse({"-%bpipe123456789012",
-                        "-m",
-                        "-xor2",
-                        "-q",
-                        "-yv2",
-                        "-e7",
-                        "-w9",
-                        "-o0",
-                        "-yga",
-                        "-fD",
-                        "-fP",
-                        "-fUL",
-                        "-fL12",
-                        "-v93",
-                        "-yb",
-                        "-dEP 20",
-                        "-pDIP",
-                        "-aalib",
-                        "b.vhd",
-                        "-a",
-                        "a b.vhd",
-                        "-b",
-                        "top.vhd"}));
+    ASSERT_FALSE(parse("-%bpipe123456789012|-m|-xor2|-q|-yv2|-e7|-w9|-o0|-yga|-fD|-fP|-fUL|-fL12|"
+                       "-v93|-yb|-dEP 20|-pDIP|-aalib|b.vhd|-a|a b.vhd|-b|top.vhd"));
     EXPECT_EQ(options.channel, 123456789012u);
     EXPECT_TRUE(options.only_changed);
     EXPECT_FALSE(options.banner);
     EXPECT_EQ(options.error_limit, 7);
     EXPECT_EQ(options.warning_limit, 9);
     EXPECT_EQ(options.standard, VhdlStandard::vhdl_93);
-    EXPECT_EQ(files(), "alib:b.vhd work:a b.vhd ");
-    EXPECT_EQ(options.top, "top.vhd");
-    EXPECT_EQ(options.fitting.size(), 11u);
-    EXPECT_EQ(options.fitting.front(), "-xor2");
-    EXPECT_EQ(options.fitting.back(), "-pDIP");
+    EXPECT_EQ(files(), "alib:b.vhd work:a b.vhd top.vhd");
+    EXPECT_EQ(options.fitting, (Vector<String>{"-xor2", "-yv2", "-o0", "-yga", "-fD", "-fP", "-fUL",
+                                               "-fL12", "-yb", "-dEP 20", "-pDIP"}));
 }
 
-TEST_F(Arguments, LibraryHoldsForTheNextFileOnly) {
-    ASSERT_FALSE(parse({"one.vhd", "-alib", "two.vhd", "three.vhd", "-alib", "-q", "four.vhd"}));
-    EXPECT_EQ(files(), "work:one.vhd lib:two.vhd work:three.vhd lib:four.vhd ");
-    EXPECT_FALSE(options.banner);
-}
-
-TEST_F(Arguments, FilesThatLookLikeSwitchesFollowTheirLibraryOrTop) {
-    ASSERT_FALSE(parse({"-a", "-x.vhd", "-a", "@y.vhd", "-a", "-a.vhd", "/c.vhd", "-b", "-q"}));
-    EXPECT_EQ(files(), "work:-x.vhd work:@y.vhd work:-a.vhd work:/c.vhd ");
-    EXPECT_EQ(options.top, "-q");
-    EXPECT_TRUE(options.banner);
+TEST_F(Arguments, EachFileGoesIntoItsLibrary) {
+    responses = {{"r.rsp", "-q\t-aalib \"my file.vhd\"\r\n-b \"a\\\"b\\\\c.vhd\"\n"},
+                 {"a.rsp", "a.vhd"}};
+    const std::pair<const char*, const char*> rows[] = {
+        {"one.vhd|-alib|two.vhd|three.vhd|-alib|-q|four.vhd",
+         "work:one.vhd lib:two.vhd work:three.vhd lib:four.vhd "},
+        // After its library or as top a file may look like a switch.
+        {"-a|-x.vhd|-a|@y.vhd|-a|-a.vhd|/c.vhd|-b|-q",
+         "work:-x.vhd work:@y.vhd work:-a.vhd work:/c.vhd -q"},
+        {"@r.rsp", "alib:my file.vhd a\"b\\c.vhd"},
+        {"@a.rsp|@a.rsp", "work:a.vhd work:a.vhd "},
+    };
+    for (const auto& [line, expected] : rows) {
+        EXPECT_FALSE(parse(line)) << line;
+        EXPECT_EQ(files(), expected);
+    }
 }
 
 TEST_F(Arguments, EachStandardHasItsNumber) {
-    const std::pair<const char*, VhdlStandard> rows[] = {{"-v87", VhdlStandard::vhdl_87},
-                                                         {"-v93", VhdlStandard::vhdl_93},
-                                                         {"-v2", VhdlStandard::vhdl_2002},
-                                                         {"-v8", VhdlStandard::vhdl_2008}};
-    for (const auto& [word, standard] : rows) {
-        ASSERT_FALSE(parse({word, "x.vhd"})) << word;
-        EXPECT_EQ(options.standard, standard) << word;
+    auto standard = VhdlStandard::vhdl_87;
+    for (const char* line : {"-v87|x.vhd", "-v93|x.vhd", "-v2|x.vhd", "-v8|x.vhd"}) {
+        ASSERT_FALSE(parse(line)) << line;
+        EXPECT_EQ(options.standard, standard) << line;
+        standard = static_cast<VhdlStandard>(static_cast<int>(standard) + 1);
     }
-    ASSERT_FALSE(parse({"x.vhd"}));
+    ASSERT_FALSE(parse("x.vhd"));
     EXPECT_EQ(options.standard, VhdlStandard::vhdl_2008);
 }
 
-TEST_F(Arguments, RefusesWhatItCannotUnderstand) {
-    const std::initializer_list<const char*> rows[] = {
-        {},
-        {"-m"},
-        {"-z", "x.vhd"},
-        {"-mm", "x.vhd"},
-        {"-xor3", "x.vhd"},
-        {"-", "x.vhd"},
-        {"-d", "x.vhd"},
-        {"-e", "x.vhd"},
-        {"-e5x", "x.vhd"},
-        {"-e-5", "x.vhd"},
-        {"-e99999999999", "x.vhd"},
-        {"-w", "x.vhd"},
-        {"-ox", "x.vhd"},
-        {"-v", "x.vhd"},
-        {"-v2008", "x.vhd"},
-        {"-%bpipe", "x.vhd"},
-        {"-%bpipe0", "x.vhd"},
-        {"-%bpipe99999999999999999999", "x.vhd"},
-        {"x.vhd", "-b"},
-        {"x.vhd", "-alib"},
-        {"-aone", "-atwo", "x.vhd"},
-        {"-b", "x.vhd", "-b", "y.vhd"},
-        {"x.vhd", ""},
-        {"@missing.rsp"},
-    };
-    for (const auto& row : rows) {
-        const Failure failure = parse(row);
-        EXPECT_EQ(failure.status, ExitStatus::arguments) << (row.size() ? *row.begin() : "none");
-        EXPECT_FALSE(failure.text.empty());
-        EXPECT_EQ(failure.text.find('\n'), String::npos);
+TEST_F(Arguments, RefusesWhatItCannotUnderstandWithTheChannelKnown) {
+    responses = {{"nested.rsp", "a.vhd @a.rsp"},
+                 {"a.rsp", "b.vhd"},
+                 {"open.rsp", "a.vhd \"b.vhd"},
+                 {"nul.rsp", std::string("a.vhd\0b.vhd", 11)},
+                 {"empty.rsp", ""},
+                 {"word.rsp", "a.vhd \"\""}};
+    for (const char* line : {"-m",
+                             "-z|x.vhd",
+                             "-mm|x.vhd",
+                             "-xor3|x.vhd",
+                             "-|x.vhd",
+                             "-d|x.vhd",
+                             "-e|x.vhd",
+                             "-e5x|x.vhd",
+                             "-e-5|x.vhd",
+                             "-e99999999999|x.vhd",
+                             "-ox|x.vhd",
+                             "-v|x.vhd",
+                             "-v2008|x.vhd",
+                             "-%bpipe|x.vhd",
+                             "-%bpipe0|x.vhd",
+                             "-%bpipe99999999999999999999|x.vhd",
+                             "x.vhd|-b",
+                             "x.vhd|-alib",
+                             "-aone|-atwo|x.vhd",
+                             "-b|x.vhd|-b|y.vhd",
+                             "x.vhd||y.vhd",
+                             "@nested.rsp",
+                             "@open.rsp",
+                             "@nul.rsp",
+                             "@empty.rsp",
+                             "@word.rsp",
+                             "@missing.rsp",
+                             "@"}) {
+        const Failure failure = parse(std::string("-%bpipe77|") + line);
+        EXPECT_EQ(failure.status, ExitStatus::arguments) << line;
+        EXPECT_FALSE(failure.text.empty()) << line;
+        EXPECT_EQ(failure.text.find('\n'), String::npos) << line;
+        EXPECT_EQ(options.channel, 77u) << line;
     }
 }
 
-TEST_F(Arguments, ResponseFileStandsForItsWords) {
-    responses.files["r.rsp"] = "-q\t-aalib \"my file.vhd\"\r\n-b \"a\\\"b\\\\c.vhd\"\n";
-    ASSERT_FALSE(parse({"-%bpipe77", "@r.rsp"}));
-    EXPECT_EQ(options.channel, 77u);
-    EXPECT_EQ(files(), "alib:my file.vhd ");
-    EXPECT_EQ(options.top, "a\"b\\c.vhd");
-}
-
-TEST_F(Arguments, BadResponseFileIsRefusedWithTheChannelKnown) {
-    responses.files["nested.rsp"] = "a.vhd @other.rsp";
-    responses.files["open.rsp"] = "a.vhd \"b.vhd";
-    responses.files["nul.rsp"] = std::string("a.vhd\0b.vhd", 11);
-    responses.files["empty.rsp"] = "";
-    responses.files["word.rsp"] = "a.vhd \"\"";
-    for (const char* name :
-         {"@nested.rsp", "@open.rsp", "@nul.rsp", "@empty.rsp", "@word.rsp", "@missing.rsp", "@"}) {
-        EXPECT_EQ(parse({"-%bpipe77", name}).status, ExitStatus::arguments) << name;
-        EXPECT_EQ(options.channel, 77u) << name;
-    }
-    // Two of them beside each other are not one in the other.
-    responses.files["one.rsp"] = "a.vhd";
-    responses.files["two.rsp"] = "b.vhd";
-    EXPECT_FALSE(parse({"@one.rsp", "@two.rsp"}));
-}
-
-TEST(ResponseWords, CutAsTheyAreWritten) {
-    struct Row {
-        const char* text;
-        std::vector<const char*> words;
-    };
-    const Row rows[] = {
+TEST(ResponseWords, AreCutAsTheyAreWritten) {
+    const std::pair<const char*, Vector<String>> rows[] = {
         {" \t\r\n", {}},
-        {"a b", {"a", "b"}},
-        {"\"a b\"", {"a b"}},
-        {"\"\"", {""}},
+        {"a b \"\"", {"a", "b", ""}},
         {"-d\"EP 20\"x", {"-dEP 20x"}},
         {"\"a\nb\" c", {"a\nb", "c"}},
-        {"a\\\"b", {}},
-        {"c:\\x \"c:\\x\"", {"c:\\x", "c:\\x"}},
-        {"\"\\\\\"", {"\\"}},
-        {"\"x\\", {}},
+        {"c:\\x \"c:\\x\" \"\\\\\"", {"c:\\x", "c:\\x", "\\"}},
     };
-    for (const Row& row : rows) {
+    for (const auto& [text, expected] : rows) {
         Vector<String> words;
-        const bool sound = split_response(row.text, words);
-        const bool broken = std::string(row.text) == "a\\\"b" || std::string(row.text) == "\"x\\";
-        EXPECT_EQ(sound, !broken) << row.text;
-        if (sound) {
-            EXPECT_EQ(words, Vector<String>(row.words.begin(), row.words.end())) << row.text;
-        }
+        EXPECT_TRUE(split_response(text, words)) << text;
+        EXPECT_EQ(words, expected) << text;
     }
+    Vector<String> words;
+    EXPECT_FALSE(split_response("a\\\"b", words));
+    EXPECT_FALSE(split_response("\"x\\", words));
 }
 
 } // namespace

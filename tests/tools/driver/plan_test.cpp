@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 namespace pellux {
@@ -15,18 +14,6 @@ Options options_of(Vector<SourceArgument> files, const char* top = "") {
     return options;
 }
 
-std::string told(const Plan& plan) {
-    std::string all;
-    for (const Step& step : plan.steps) {
-        all += step.kind == StepKind::analyse ? "a " : "e ";
-        all += view(plan.targets[step.library].directory);
-        all += '/';
-        all += view(step.file);
-        all += "; ";
-    }
-    return all;
-}
-
 std::string joined(const Vector<String>& words) {
     std::string all;
     for (const String& word : words)
@@ -37,7 +24,11 @@ std::string joined(const Vector<String>& words) {
 TEST(Plan, TopIsAnalysedLastInWorkAndThenElaborated) {
     const Plan plan = make_plan(options_of({{"a.vhd", "alib"}, {"b.vhd", "work"}}, "t.vhd"), {});
     EXPECT_FALSE(plan.failure);
-    EXPECT_EQ(told(plan), "a alib/a.vhd; a work/b.vhd; a work/t.vhd; e work/t.vhd; ");
+    Vector<String> steps;
+    for (const Step& step : plan.steps)
+        steps.push_back((step.kind == StepKind::analyse ? "a:" : "e:") +
+                        plan.targets[step.library].directory + "/" + step.file);
+    EXPECT_EQ(joined(steps), "a:alib/a.vhd a:work/b.vhd a:work/t.vhd e:work/t.vhd ");
 }
 
 TEST(Plan, OneLibraryHasOneDirectoryWhateverItsCase) {
@@ -53,8 +44,8 @@ TEST(Plan, OneLibraryHasOneDirectoryWhateverItsCase) {
 }
 
 TEST(Plan, RefusesNamesThatAreNoLibraryOfTheUsers) {
-    for (const char* name : {"std", "IEEE", "a/b", "..", ".", "a b", "_a", "a_", "a__b", "1a", "",
-                             "-x", "gr\xFCn", "a.b", "\\x\\"}) {
+    for (const char* name : {"std", "IEEE", "a/b", "..", "a b", "_a", "a_", "a__b", "1a", "", "-x",
+                             "gr\xFCn", "\\x\\"}) {
         const Plan plan = make_plan(options_of({{"ok.vhd", "work"}, {"a.vhd", name}}), {});
         EXPECT_EQ(plan.failure.status, ExitStatus::bad_library) << name;
         EXPECT_FALSE(plan.failure.text.empty()) << name;
@@ -75,12 +66,6 @@ TEST(Plan, CallsNameTheLibrariesInPlay) {
               "g -e --std=93 --work=work --workdir=work -Palib -PMore "
               "-fno-caret-diagnostics -fno-color-diagnostics -fmax-errors=100000 top ");
     EXPECT_EQ(joined(listing_words("g", plan, plan.steps[3])), "g -f --std=93 ./-t.vhd ");
-}
-
-TEST(Plan, LibraryFilesDifferByStandard) {
-    EXPECT_EQ(library_file_name("a", VhdlStandard::vhdl_87), "a-obj87.cf");
-    EXPECT_EQ(library_file_name("a", VhdlStandard::vhdl_2002), "a-obj93.cf");
-    EXPECT_EQ(library_file_name("a", VhdlStandard::vhdl_2008), "a-obj08.cf");
 }
 
 } // namespace

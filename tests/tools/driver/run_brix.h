@@ -2,22 +2,68 @@
 
 #include "core/os/process.h"
 
+#include <gtest/gtest.h>
+
+#include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pellux {
 
-/// How a run of the driver ended, with all that it printed.
-struct BrixRun {
-    int status = -1; ///< 1000 and the signal for one that was ended by it
+/// Starts the driver in the current directory; both its standard outputs are `output`.
+inline void start_brix(Process& process, std::vector<const char*> words, SystemHandle output) {
+    static const std::string s_program = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/BRIX.EXE";
+    words.insert(words.begin(), s_program.c_str());
+    words.push_back(nullptr);
+    ProcessRequest request;
+    request.program = s_program.c_str();
+    request.arguments = words.data();
+    request.output = output;
+    request.errors = output;
+    ASSERT_FALSE(failed(start_process(process, request)));
+}
+
+/// The same with a pipe; its end for reading.
+inline OwnedHandle start_brix(Process& process, std::vector<const char*> words) {
+    OwnedHandle read_end;
+    OwnedHandle write_end;
+    EXPECT_FALSE(failed(make_pipe(read_end, write_end)));
+    start_brix(process, std::move(words), write_end.get());
+    return read_end;
+}
+
+/// What comes from `handle` until it holds `wanted` or, with an empty `wanted`, until its end.
+inline std::string read_until(const OwnedHandle& handle, const std::string& wanted) {
     std::string text;
+    std::array<std::byte, 4096> piece;
+    std::size_t got = 1;
+    bool would_wait = false;
+    while (got != 0 && (wanted.empty() || text.find(wanted) == std::string::npos)) {
+        if (failed(read_handle(handle.get(), piece, got, would_wait)))
+            break;
+        text.append(reinterpret_cast<const char*>(piece.data()), got);
+    }
+    return text;
+}
+
+/// The exit status; 1000 and the signal for a program that was ended by it.
+inline int status_of(ProcessEnd end) {
+    return end.by_signal ? 1000 + end.code : end.code;
+}
+
+struct BrixRun {
+    int status = -1;
+    std::string text; ///< all that the driver printed
 };
 
-/// Starts the driver in the current directory; both its standard outputs are `output`.
-void start_brix(Process& process, std::vector<const char*> words, SystemHandle output);
-/// What comes from `handle` until it holds `wanted` or, with an empty `wanted`, until its end.
-std::string read_until(SystemHandle handle, const std::string& wanted);
-int status_of(ProcessEnd end);
-BrixRun run_brix(std::vector<const char*> words);
+inline BrixRun run_brix(std::vector<const char*> words) {
+    Process process;
+    const OwnedHandle output = start_brix(process, std::move(words));
+    BrixRun result;
+    result.text = read_until(output, "");
+    result.status = status_of(wait_for_process(process));
+    return result;
+}
 
 } // namespace pellux
