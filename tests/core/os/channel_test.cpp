@@ -1,13 +1,13 @@
 #include "core/os/channel.h"
 
 #include "core/os/linux/channel_place.h"
+#include "tests/core/os/frames.h"
 #include "tests/core/os/running.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -17,58 +17,104 @@
 namespace pellux {
 namespace {
 
-std::string word(std::size_t value, int bytes) {
-    std::string text;
-    for (int i = 0; i < bytes; ++i)
-        text += static_cast<char>(value >> (8 * i));
-    return text;
-}
+namespace fs = std::filesystem;
 
-std::string frame(const std::string& rest) {
-    return word(rest.size(), 4) + rest;
-}
+const std::string k_yes = reply(1);
+const std::string k_no = reply(0);
+const std::string k_taken = reply(k_poke_taken);
 
-std::string poke(const std::string& item, const std::string& data) {
-    return frame("P" + word(item.size(), 2) + item + data);
-}
+using SocketCall = int (*)(int socket, const sockaddr* address, socklen_t size);
 
-const std::string k_yes = frame("R" + word(1, 2));
-const std::string k_no = frame("R" + word(0, 2));
-const std::string k_taken = frame("R" + word(k_poke_taken, 2));
-
-std::string connect_to(ChannelAddress address) {
-    return frame("C" + std::to_string(address));
-}
-
-OwnedHandle make_socket() {
-    return OwnedHandle{static_cast<SystemHandle>(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0))};
-}
-
-OwnedHandle bind_at(ChannelAddress address) {
-    OwnedHandle socket = make_socket();
+/// A socket bound or connected to the place of `address`.
+OwnedHandle make_socket(SocketCall call, ChannelAddress address) {
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const sockaddr_un at = socket_address(channel_place(address));
-    EXPECT_EQ(
-        ::bind(static_cast<int>(socket.get()), reinterpret_cast<const sockaddr*>(&at), sizeof at),
-        0);
-    return socket;
+    EXPECT_EQ(call(socket, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+    return OwnedHandle{static_cast<SystemHandle>(socket)};
 }
+
+bool place_exists(ChannelAddress address) {
+    return fs::exists(channel_place(address).data());
+}
+
+void turn_until_idle() {
+    while (run_turn(TurnWait::none) != TurnResult::idle)
+        continue;
+}
+
+/// A server that notes its events as a text.
+struct Environment {
+    std::unique_ptr<ChannelServer> server = std::make_unique<ChannelServer>();
+    std::string log;
+    std::uint64_t last_connection = 0;
+    std::size_t pokes = 0;
+    std::size_t poked_bytes = 0;
+    std::uint16_t answer = k_poke_taken;
+    bool quiet; ///< pokes are counted only
+    std::function<void(std::string_view event)> also;
+    ChannelAddress address = 0;
+    std::string hello;     ///< the frame that connects
+    std::string connected; ///< what is logged of it
+
+    explicit Environment(bool only_counts = false) : quiet(only_counts) {
+        server->events = {on_connect, on_poke, on_closed, this};
+        EXPECT_FALSE(failed(open_channel_server(*server)));
+        address = server->address;
+        hello = frame("C" + std::to_string(address));
+        connected = "connect " + std::to_string(address) + "\n";
+    }
+    static bool on_connect(void* context, std::uint64_t connection, std::string_view topic) {
+        auto& self = *static_cast<Environment*>(context);
+        self.last_connection = connection;
+        self.note("connect " + std::string(topic));
+        std::uint64_t address = 0;
+        return leading_number(topic, address) && find_channel_server(address) != nullptr;
+    }
+    static std::uint16_t on_poke(void* context, std::uint64_t, std::string_view topic,
+                                 std::string_view item, std::span<const std::byte> data) {
+        auto& self = *static_cast<Environment*>(context);
+        ++self.pokes;
+        self.poked_bytes += data.size();
+        EXPECT_FALSE(topic.empty());
+        if (!self.quiet)
+            self.note("poke " + std::string(item) + " " +
+                      std::string(reinterpret_cast<const char*>(data.data()), data.size()));
+        return self.answer;
+    }
+    static void on_closed(void* context, std::uint64_t) {
+        static_cast<Environment*>(context)->note("closed");
+    }
+    void note(const std::string& event) {
+        log += event + "\n";
+        if (also)
+            also(event);
+    }
+};
 
 /// A child that sends what it likes.
 struct RawChild {
-    OwnedHandle socket = make_socket();
+    OwnedHandle socket;
 
-    explicit RawChild(ChannelAddress address) {
-        const sockaddr_un at = socket_address(channel_place(address));
-        EXPECT_EQ(::connect(static_cast<int>(socket.get()), reinterpret_cast<const sockaddr*>(&at),
-                            sizeof at),
-                  0);
+    explicit RawChild(ChannelAddress address) : socket(make_socket(::connect, address)) {
         set_non_blocking(socket.get());
     }
+    /// One that connects as it should.
+    explicit RawChild(const Environment& environment, const std::string& more = {})
+        : RawChild(environment.address) {
+        send(environment.hello + more);
+    }
     /// As much as goes without waiting; how much that was.
-    std::size_t send(const std::string& bytes) const {
-        const ssize_t sent = ::send(static_cast<int>(socket.get()), bytes.data(), bytes.size(),
+    std::size_t send(const std::string& text) const {
+        const ssize_t sent = ::send(static_cast<int>(socket.get()), text.data(), text.size(),
                                     MSG_NOSIGNAL | MSG_DONTWAIT);
         return sent < 0 ? 0 : static_cast<std::size_t>(sent);
+    }
+    /// Sends `frame` until it goes no more; how many went in full.
+    std::size_t flood(const std::string& frame) const {
+        std::size_t count = 0;
+        while (send(frame) == frame.size())
+            ++count;
+        return count;
     }
     /// What is there, "$" at the end of the stream.
     std::string receive() const {
@@ -84,60 +130,13 @@ struct RawChild {
             text.append(piece.data(), static_cast<std::size_t>(got));
         }
     }
-};
-
-/// A server that notes its events as a text.
-struct Environment {
-    std::unique_ptr<ChannelServer> server = std::make_unique<ChannelServer>();
-    std::string log;
-    std::uint64_t last_connection = 0;
-    std::size_t pokes = 0;
-    std::size_t poked_bytes = 0;
-    std::uint16_t answer = k_poke_taken;
-    bool quiet = false; ///< pokes are counted only
-    void (*also)(Environment& self, std::string_view event) = nullptr;
-
-    Environment() { open(); }
-    void open() {
-        server->events.context = this;
-        server->events.connect = [](void* self, std::uint64_t connection, std::string_view topic) {
-            auto& environment = *static_cast<Environment*>(self);
-            environment.last_connection = connection;
-            environment.note("connect " + std::string(topic));
-            std::uint64_t address = 0;
-            return leading_number(topic, address) && find_channel_server(address) != nullptr;
-        };
-        server->events.poke = [](void* self, std::uint64_t, std::string_view topic,
-                                 std::string_view item, std::span<const std::byte> data) {
-            auto& environment = *static_cast<Environment*>(self);
-            ++environment.pokes;
-            environment.poked_bytes += data.size();
-            EXPECT_FALSE(topic.empty());
-            if (!environment.quiet)
-                environment.note(
-                    "poke " + std::string(item) + " " +
-                    std::string(reinterpret_cast<const char*>(data.data()), data.size()));
-            return environment.answer;
-        };
-        server->events.closed = [](void* self, std::uint64_t) {
-            static_cast<Environment*>(self)->note("closed");
-        };
-        ASSERT_FALSE(failed(open_channel_server(*server)));
-    }
-    void note(const std::string& event) {
-        log += event + "\n";
-        if (also != nullptr)
-            also(*this, event);
-    }
-    [[nodiscard]] std::string connected() const {
-        return "connect " + std::to_string(server->address) + "\n";
+    /// Sends `text`; what comes back once all is done.
+    std::string say(const std::string& text) const {
+        send(text);
+        turn_until_idle();
+        return receive();
     }
 };
-
-void turn_until_idle() {
-    while (run_turn(TurnWait::none) != TurnResult::idle)
-        continue;
-}
 
 struct ChannelTest : testing::Test {
     test::TemporaryDirectory scratch;
@@ -147,324 +146,162 @@ struct ChannelTest : testing::Test {
 
 TEST_F(ChannelTest, PokesAreHandedOverAndAnswered) {
     Environment environment;
-    const RawChild child(environment.server->address);
-    child.send(connect_to(environment.server->address) + poke("42", "0hello") + poke("", "0"));
-    turn_until_idle();
-    EXPECT_EQ(environment.log, environment.connected() + "poke 42 0hello\npoke  0\n");
-    EXPECT_EQ(child.receive(), k_yes + k_taken + k_taken);
-    EXPECT_EQ(channel_connection_count(*environment.server), 1U);
-    EXPECT_EQ(channel_peer_process(environment.last_connection), current_process_id());
+    const RawChild child(environment);
+    EXPECT_EQ(child.say(poke("42", "0hello") + poke("", "0")), k_yes + k_taken + k_taken);
+    EXPECT_EQ(environment.log, environment.connected + "poke 42 0hello\npoke  0\n");
     environment.answer = 0;
-    child.send(poke("1", std::string(3000, 'x')));
-    turn_until_idle();
-    EXPECT_EQ(child.receive(), k_no);
+    EXPECT_EQ(child.say(poke("1", std::string(3000, 'x'))), k_no);
     EXPECT_EQ(environment.poked_bytes, 6U + 1U + 1024U);
 }
 
-TEST_F(ChannelTest, WrongTopicIsRefusedAndClosed) {
+TEST_F(ChannelTest, TopicMustNameALiveServerOfTheProcess) {
     for (const bool asks : {true, false}) {
         Environment environment;
         if (!asks)
             environment.server->events.connect = nullptr;
-        for (const char* topic : {"", "abc", "0", "-1", "99999999999999999999999"}) {
+        for (const std::string topic : {"", "abc", "0", "-1", "99999999999999999999999"}) {
             environment.log.clear();
-            const RawChild child(environment.server->address);
-            child.send(frame("C" + std::string(topic)) + poke("1", "0late"));
-            turn_until_idle();
-            EXPECT_EQ(child.receive(), k_no + "$") << topic;
-            EXPECT_EQ(environment.log, asks ? "connect " + std::string(topic) + "\n" : "");
-            EXPECT_EQ(channel_connection_count(*environment.server), 0U);
+            const RawChild child(environment.address);
+            EXPECT_EQ(child.say(frame("C" + topic) + poke("1", "0late")), k_no + "$") << topic;
+            EXPECT_EQ(environment.log, asks ? "connect " + topic + "\n" : "");
         }
+        const Environment other;
+        EXPECT_NE(environment.address, other.address);
+        EXPECT_EQ(environment.address / 1024, static_cast<std::uint64_t>(current_process_id()));
+        EXPECT_EQ(RawChild(environment.address).say(other.hello), k_yes);
     }
-}
-
-TEST_F(ChannelTest, TopicMayNameAnyLiveServerOfTheProcess) {
-    Environment environment;
-    Environment other;
-    environment.server->events.connect = nullptr;
-    EXPECT_NE(environment.server->address, other.server->address);
-    EXPECT_EQ(environment.server->address / 1024, static_cast<std::uint64_t>(current_process_id()));
-    const RawChild child(environment.server->address);
-    child.send(connect_to(other.server->address));
-    turn_until_idle();
-    EXPECT_EQ(child.receive(), k_yes);
 }
 
 TEST_F(ChannelTest, DamageEndsTheConnectionAndNothingElse) {
     Environment environment;
-    const std::string connect = connect_to(environment.server->address);
-    const std::string damages[] = {
-        word(0, 4),
-        word(65537, 4),
-        word(0xffffffff, 4),
-        frame("X"),
-        frame("P"),
-        frame("P\5"),
-        frame("P\xff\xff"),
-        k_taken,
-        frame("M" + word(16, 4) + word(0, 8)),
-        connect,
-    };
-    for (const std::string& damage : damages) {
-        const RawChild steady(environment.server->address);
-        steady.send(connect);
+    for (const std::string& damage :
+         {word(0, 4), word(65537, 4), word(0xffffffff, 4), frame("X"), frame("P\5"),
+          frame("P\xff\xff"), k_taken, message(16, 0), environment.hello}) {
+        const RawChild steady(environment);
         turn_until_idle();
         environment.log.clear();
-        const RawChild child(environment.server->address);
-        child.send(connect + poke("1", "0before") + damage + poke("1", "0behind"));
-        turn_until_idle();
-        EXPECT_EQ(environment.log, environment.connected() + "poke 1 0before\nclosed\n");
-        EXPECT_EQ(child.receive().back(), '$');
-        steady.send(poke("2", "0steady"));
-        turn_until_idle();
-        EXPECT_EQ(steady.receive(), k_yes + k_taken);
+        const RawChild child(environment);
+        EXPECT_EQ(child.say(poke("1", "0before") + damage + poke("1", "0behind")).back(), '$');
+        EXPECT_EQ(environment.log, environment.connected + "poke 1 0before\nclosed\n");
+        EXPECT_EQ(steady.say(poke("2", "0steady")), k_yes + k_taken);
     }
-    environment.log.clear();
     turn_until_idle();
-    for (const std::string& damage : {poke("1", "0early"), word(0, 4), frame("Q")}) {
-        environment.log.clear();
-        const RawChild child(environment.server->address);
-        child.send(damage);
-        turn_until_idle();
-        EXPECT_EQ(child.receive(), "$");
-        EXPECT_EQ(environment.log.find("poke"), std::string::npos);
-    }
+    environment.log.clear();
+    for (const std::string& damage : {poke("1", "0early"), word(0, 4), frame("Q")})
+        EXPECT_EQ(RawChild(environment.address).say(damage), "$");
+    EXPECT_EQ(environment.log, "");
 }
 
 TEST_F(ChannelTest, HalfAFrameHoldsUpNobodyAndIsNeverHandedOver) {
     Environment environment;
-    const std::string connect = connect_to(environment.server->address);
     {
         const std::string cut = poke("1", "0half a line");
-        const RawChild silent(environment.server->address);
-        silent.send(connect + cut.substr(0, cut.size() - 1));
-        const RawChild other(environment.server->address);
-        other.send(connect + poke("2", "0whole"));
-        turn_until_idle();
-        EXPECT_EQ(other.receive(), k_yes + k_taken);
+        const RawChild silent(environment, cut.substr(0, cut.size() - 1));
+        EXPECT_EQ(RawChild(environment).say(poke("2", "0whole")), k_yes + k_taken);
         EXPECT_EQ(channel_connection_count(*environment.server), 2U);
     }
     turn_until_idle();
-    EXPECT_EQ(environment.log, environment.connected() + environment.connected() +
-                                   "poke 2 0whole\nclosed\nclosed\n");
+    EXPECT_EQ(environment.log,
+              environment.connected + environment.connected + "poke 2 0whole\nclosed\nclosed\n");
     EXPECT_EQ(channel_connection_count(*environment.server), 0U);
 }
 
 TEST_F(ChannelTest, ConnectionIsReadToItsEndAfterTheChildIsGone) {
-    Environment environment;
-    environment.quiet = true;
-    std::size_t sent = 0;
-    {
-        const RawChild child(environment.server->address);
-        child.send(connect_to(environment.server->address));
-        while (child.send(poke("1", "0" + std::string(100, 'x'))) != 0)
-            ++sent;
-        turn_until_idle();
-        while (sent < 2000 && child.send(poke("1", "0" + std::string(100, 'x'))) != 0)
-            ++sent;
+    for (const bool drained : {true, false}) {
+        Environment environment(true);
+        const std::size_t sent = RawChild(environment).flood(poke("1", std::string(1000, 'x')));
+        EXPECT_GT(sent * 1000, k_channel_turn_max);
+        if (drained)
+            drain_channel_server(*environment.server);
+        else
+            turn_until_idle();
+        EXPECT_EQ(environment.pokes, sent);
+        EXPECT_EQ(environment.log, environment.connected + "closed\n");
     }
-    turn_until_idle();
-    // The very last frame of each flood may have been cut by the full buffer.
-    EXPECT_GE(environment.pokes + 2, sent);
-    EXPECT_GT(environment.pokes, 500U);
-    EXPECT_EQ(environment.log, environment.connected() + "closed\n");
-}
-
-TEST_F(ChannelTest, DrainReadsAllThatArrivedWithoutATurn) {
-    Environment environment;
-    environment.quiet = true;
-    std::size_t sent = 0;
-    {
-        const RawChild child(environment.server->address);
-        child.send(connect_to(environment.server->address));
-        const std::string packet = poke("1", "0" + std::string(1000, 'x'));
-        while (child.send(packet) == packet.size())
-            ++sent;
-    }
-    EXPECT_GT(sent * 1000, k_channel_turn_max);
-    drain_channel_server(*environment.server);
-    EXPECT_EQ(environment.pokes, sent);
-    EXPECT_EQ(environment.log, environment.connected() + "closed\n");
 }
 
 TEST_F(ChannelTest, OneTurnReadsABoundedAmountOfAllConnections) {
-    Environment environment;
-    environment.quiet = true;
-    const RawChild first(environment.server->address);
-    const RawChild second(environment.server->address);
-    first.send(connect_to(environment.server->address));
-    second.send(connect_to(environment.server->address));
+    Environment environment(true);
+    const RawChild first(environment);
+    const RawChild second(environment);
     turn_until_idle();
     for (const RawChild* child : {&first, &second})
-        while (child->send(poke("1", "0" + std::string(1000, 'x'))) != 0)
-            continue;
+        child->flood(poke("1", std::string(1000, 'x')));
     run_turn(TurnWait::none);
     EXPECT_GT(environment.poked_bytes, k_channel_turn_max / 2);
     EXPECT_LE(environment.poked_bytes, k_channel_turn_max);
 }
 
-TEST_F(ChannelTest, ChildThatReadsNoRepliesIsHeldBackAndLosesNone) {
-    Environment environment;
-    environment.quiet = true;
-    const std::string connect = connect_to(environment.server->address);
-    const RawChild flood(environment.server->address);
-    flood.send(connect);
+TEST_F(ChannelTest, ChildThatReadsNothingIsHeldBackAndLosesNothing) {
+    Environment environment(true);
+    const RawChild flood(environment);
     const std::string packet = poke("", "");
+    std::string packets;
+    for (int i = 0; i < 5000; ++i)
+        packets += packet;
     std::size_t sent_bytes = 0;
-    std::string rest;
-    const auto send_on = [&] {
-        std::size_t count = 0;
-        do {
-            if (rest.empty())
-                for (int i = 0; i < 500; ++i)
-                    rest += packet;
-            count = flood.send(rest);
-            rest.erase(0, count);
-            sent_bytes += count;
-        } while (count != 0);
-    };
-    for (std::size_t before = 1; before != sent_bytes;) {
-        before = sent_bytes;
-        send_on();
+    for (std::size_t count = 1; count != 0; sent_bytes += count) {
+        count = flood.send(packets.substr(sent_bytes % packet.size()));
         turn_until_idle();
     }
     const std::size_t held_at = environment.pokes;
     EXPECT_LT(held_at * packet.size(), sent_bytes) << "the flood was never held back";
-
-    const RawChild other(environment.server->address);
-    other.send(connect + poke("1", "0still here"));
-    turn_until_idle();
-    EXPECT_EQ(other.receive(), k_yes + k_taken);
+    std::size_t messages = 0;
+    while (messages < 1000 && send_channel_message(environment.last_connection, 1, 0))
+        ++messages;
+    EXPECT_LT(messages, 1000U);
+    EXPECT_EQ(RawChild(environment).say(poke("1", "0still here")), k_yes + k_taken);
     EXPECT_EQ(environment.pokes, held_at + 1);
 
-    std::string replies = flood.receive();
+    std::string received = flood.receive();
     while (run_turn(TurnWait::none) != TurnResult::idle)
-        replies += flood.receive();
-    replies += flood.receive();
+        received += flood.receive();
     EXPECT_EQ(environment.pokes, sent_bytes / packet.size() + 1);
-    EXPECT_EQ(replies.size(), k_yes.size() + (environment.pokes - 1) * k_taken.size());
+    EXPECT_EQ((received + flood.receive()).size(), k_yes.size() +
+                                                       (environment.pokes - 1) * k_taken.size() +
+                                                       messages * k_message_frame_size);
 }
 
-TEST_F(ChannelTest, ConnectionsBeyondTheMostAreClosed) {
-    Environment environment;
-    std::vector<std::unique_ptr<RawChild>> children;
-    for (std::size_t i = 0; i <= k_channel_connections_max; ++i) {
-        children.push_back(std::make_unique<RawChild>(environment.server->address));
-        children.back()->send(connect_to(environment.server->address));
-        turn_until_idle();
-    }
-    EXPECT_EQ(channel_connection_count(*environment.server), k_channel_connections_max);
-    EXPECT_EQ(children.back()->receive(), "$");
-    children.front().reset();
-    turn_until_idle();
-    const RawChild next(environment.server->address);
-    next.send(connect_to(environment.server->address));
-    turn_until_idle();
-    EXPECT_EQ(next.receive(), k_yes);
-}
-
-TEST_F(ChannelTest, MessagesGoToOneOrToAll) {
-    Environment environment;
-    const RawChild first(environment.server->address);
-    const RawChild second(environment.server->address);
-    const RawChild unknown(environment.server->address);
-    first.send(connect_to(environment.server->address));
-    turn_until_idle();
-    const std::uint64_t one = environment.last_connection;
-    second.send(connect_to(environment.server->address));
-    turn_until_idle();
-    EXPECT_GT(environment.last_connection, one);
-    EXPECT_TRUE(send_channel_message(one, k_message_completion_seen, 0));
-    broadcast_channel_message(*environment.server, k_message_close, 258);
-    const std::string close = frame("M" + word(16, 4) + word(258, 8));
-    EXPECT_EQ(first.receive(), k_yes + frame("M" + word(1025, 4) + word(0, 8)) + close);
-    EXPECT_EQ(second.receive(), k_yes + close);
-    EXPECT_EQ(unknown.receive(), "");
-    drop_channel_connection(one);
-    EXPECT_EQ(first.receive(), "$");
-    for (const std::uint64_t gone : {one, std::uint64_t{0}, UINT64_MAX})
-        EXPECT_FALSE(send_channel_message(gone, k_message_close, 0));
-    turn_until_idle();
-    EXPECT_EQ(environment.log.find("closed"), std::string::npos);
-}
-
-TEST_F(ChannelTest, MessageToAChildThatReadsNothingIsRefusedAtLast) {
-    Environment environment;
-    const RawChild child(environment.server->address);
-    child.send(connect_to(environment.server->address));
-    turn_until_idle();
-    int sent = 0;
-    while (sent < 1'000'000 && send_channel_message(environment.last_connection, 1, 0))
-        ++sent;
-    EXPECT_LT(sent, 1'000'000);
-    EXPECT_GT(sent, 100);
-    std::string received = child.receive();
-    while (run_turn(TurnWait::none) != TurnResult::idle)
-        received += child.receive();
-    EXPECT_EQ(received.size(),
-              k_yes.size() + static_cast<std::size_t>(sent) * k_message_frame_size);
-}
-
-TEST_F(ChannelTest, ServerMayBeDestroyedInsideEachOfItsEvents) {
-    for (const char* fatal : {"connect", "poke", "closed"}) {
-        static std::string_view g_fatal;
-        g_fatal = fatal;
+TEST_F(ChannelTest, ServerOrConnectionMayBeEndedInsideEachOfTheEvents) {
+    const struct {
+        const char* fatal;
+        bool drops; ///< the connection only
+        std::size_t pokes;
+    } rows[] = {{"connect", false, 0}, {"poke", false, 1}, {"closed", false, 2}, {"poke", true, 1}};
+    for (const auto& row : rows) {
         Environment environment;
-        const std::string place = channel_place(environment.server->address).data();
-        environment.also = [](Environment& self, std::string_view event) {
-            if (event.starts_with(g_fatal))
-                self.server.reset();
+        environment.also = [&](std::string_view event) {
+            if (event.starts_with(row.fatal) && row.drops)
+                drop_channel_connection(environment.last_connection);
+            else if (event.starts_with(row.fatal))
+                environment.server.reset();
         };
-        {
-            const RawChild child(environment.server->address);
-            child.send(connect_to(environment.server->address) + poke("1", "0a") + poke("1", "0b"));
-        }
-        const auto before = environment.log;
+        static_cast<void>(RawChild(environment, poke("1", "0a") + poke("1", "0b")));
         turn_until_idle();
-        EXPECT_EQ(environment.server, nullptr) << fatal;
-        EXPECT_NE(environment.log.find(fatal), std::string::npos);
-        EXPECT_LE(environment.pokes, std::string_view(fatal) == "closed" ? 2U : 1U);
-        EXPECT_FALSE(std::filesystem::exists(place));
+        EXPECT_EQ(environment.pokes, row.pokes) << row.fatal;
+        EXPECT_EQ(environment.server != nullptr, row.drops);
+        EXPECT_FALSE(send_channel_message(environment.last_connection, k_message_close, 0));
+        EXPECT_EQ(place_exists(environment.address), row.drops);
+        EXPECT_EQ(environment.log.ends_with("closed\n"), row.pokes == 2);
     }
-}
-
-TEST_F(ChannelTest, ConnectionMayBeDroppedInsideItsOwnPoke) {
-    Environment environment;
-    environment.also = [](Environment& self, std::string_view event) {
-        if (event.starts_with("poke"))
-            drop_channel_connection(self.last_connection);
-    };
-    const RawChild child(environment.server->address);
-    child.send(connect_to(environment.server->address) + poke("1", "0a") + poke("1", "0b"));
-    turn_until_idle();
-    EXPECT_EQ(environment.log, environment.connected() + "poke 1 0a\n");
-    EXPECT_EQ(child.receive().back(), '$');
 }
 
 TEST_F(ChannelTest, TurnInsideAPokeKeepsTheOrderAndServesOthers) {
     Environment environment;
-    static std::unique_ptr<RawChild> other;
-    static bool nested;
-    nested = false;
-    other = std::make_unique<RawChild>(environment.server->address);
-    const RawChild child(environment.server->address);
-    environment.also = [](Environment& self, std::string_view event) {
-        if (event != "poke 1 0a" || std::exchange(nested, true))
+    const RawChild other(environment.address);
+    environment.also = [&](std::string_view event) {
+        if (event != "poke 1 0a")
             return;
-        self.note("enter");
-        other->send(connect_to(self.server->address) + poke("2", "0other"));
-        turn_until_idle();
-        self.note("leave");
+        environment.note("enter");
+        other.say(environment.hello + poke("2", "0other"));
+        environment.note("leave");
     };
-    child.send(connect_to(environment.server->address) + poke("1", "0a") + poke("1", "0b"));
+    const RawChild child(environment, poke("1", "0a") + poke("1", "0b"));
     run_turn(TurnWait::none);
-    child.send(poke("1", "0c"));
-    turn_until_idle();
-    const std::string connected = environment.connected();
-    EXPECT_EQ(environment.log, connected + "poke 1 0a\nenter\n" + connected +
+    EXPECT_EQ(child.say(poke("1", "0c")), k_yes + k_taken + k_taken + k_taken);
+    EXPECT_EQ(environment.log, environment.connected + "poke 1 0a\nenter\n" +
+                                   environment.connected +
                                    "poke 2 0other\nleave\npoke 1 0b\npoke 1 0c\n");
-    EXPECT_EQ(child.receive(), k_yes + k_taken + k_taken + k_taken);
-    other.reset();
 }
 
 TEST_F(ChannelTest, StaleSocketIsReplacedAndALiveOnePassedOver) {
@@ -473,28 +310,24 @@ TEST_F(ChannelTest, StaleSocketIsReplacedAndALiveOnePassedOver) {
     const ChannelAddress first = server.address;
     ASSERT_LT(first % 1024, 1020U);
     close_channel_server(server);
-    EXPECT_FALSE(std::filesystem::exists(channel_place(first).data()));
+    EXPECT_FALSE(place_exists(first));
 
-    bind_at(first + 1).reset();
-    EXPECT_TRUE(std::filesystem::exists(channel_place(first + 1).data()));
+    make_socket(::bind, first + 1).reset();
+    EXPECT_TRUE(place_exists(first + 1));
     ASSERT_FALSE(failed(open_channel_server(server)));
     EXPECT_EQ(server.address, first + 1);
     close_channel_server(server);
 
-    const OwnedHandle live = bind_at(first + 2);
+    const OwnedHandle live = make_socket(::bind, first + 2);
     ASSERT_EQ(::listen(static_cast<int>(live.get()), 1), 0);
-    std::filesystem::create_directory(channel_place(first + 3).data());
+    fs::create_directory(channel_place(first + 3).data());
     ASSERT_FALSE(failed(open_channel_server(server)));
     EXPECT_EQ(server.address, first + 4);
-    EXPECT_TRUE(std::filesystem::exists(channel_place(first + 2).data()));
+    EXPECT_TRUE(place_exists(first + 2));
 }
 
 TEST_F(ChannelTest, DirectoryThatIsNotOursAloneIsRefusedByBothEnds) {
-    namespace fs = std::filesystem;
-    const fs::path directory = fs::path(scratch.path()) / "pellux";
-    const fs::path elsewhere = fs::path(scratch.path()) / "elsewhere";
-    fs::create_directory(elsewhere);
-    fs::permissions(elsewhere, fs::perms::owner_all);
+    const std::string directory = scratch.path("pellux");
     const auto expect_refused = [](const char* why) {
         ChannelServer server;
         EXPECT_TRUE(is_denied(open_channel_server(server))) << why;
@@ -502,14 +335,16 @@ TEST_F(ChannelTest, DirectoryThatIsNotOursAloneIsRefusedByBothEnds) {
         ChannelClient client;
         EXPECT_TRUE(is_denied(connect_channel(client, 1, "1"))) << why;
     };
-    fs::create_symlink(elsewhere, directory);
+    fs::create_directory(scratch.path("elsewhere"));
+    fs::permissions(scratch.path("elsewhere"), fs::perms::owner_all);
+    fs::create_symlink("elsewhere", directory);
     expect_refused("a link");
     fs::remove(directory);
-    std::ofstream(directory) << "a file";
+    scratch.write("pellux", "a file");
     expect_refused("a file");
     fs::remove(directory);
     fs::create_directory(directory);
-    for (const int mode : {0755, 0770, 0701, 0777}) {
+    for (const int mode : {0755, 0770, 0701}) {
         fs::permissions(directory, static_cast<fs::perms>(mode));
         expect_refused("open to others");
     }
@@ -524,99 +359,42 @@ TEST_F(ChannelTest, DirectoryThatIsNotOursAloneIsRefusedByBothEnds) {
 }
 
 TEST_F(ChannelTest, LongOrMissingRunTimeDirectoryTakesTheTemporaryOne) {
-    const std::string deep = scratch.path() + "/" + std::string(100, 'd');
-    std::filesystem::create_directory(deep);
-    for (const char* directory :
-         {deep.c_str(), static_cast<const char*>(nullptr), "", "relative"}) {
+    const std::string deep = scratch.path(std::string(100, 'd'));
+    fs::create_directory(deep);
+    for (const char* directory : {deep.c_str(), static_cast<const char*>(nullptr), "relative"}) {
         const test::ScopedVariable other("XDG_RUNTIME_DIR", directory);
-        Environment environment;
-        const std::string place = channel_place(environment.server->address).data();
-        EXPECT_TRUE(place.starts_with("/tmp/pellux-" + std::to_string(::geteuid()) + "/")) << place;
-        EXPECT_TRUE(std::filesystem::exists(place));
-        const RawChild child(environment.server->address);
-        child.send(connect_to(environment.server->address));
-        turn_until_idle();
-        EXPECT_EQ(child.receive(), k_yes);
-        environment.server.reset();
-        EXPECT_FALSE(std::filesystem::exists(place));
+        const Environment environment;
+        EXPECT_TRUE(std::string_view(environment.server->place.data())
+                        .starts_with("/tmp/pellux-" + std::to_string(::geteuid()) + "/"));
+        EXPECT_TRUE(place_exists(environment.address));
     }
 }
 
-/// A child program on the channel of an environment.
-struct ChannelChild {
-    Process process;
-    bool ended = false;
-    ProcessEnd end;
-
-    ChannelChild(const Environment& environment, const char* role, const char* more = "") {
-        ChildRequest child({role, std::to_string(environment.server->address), more});
-        process.context = this;
-        process.ended = [](void* self, ProcessEnd how) {
-            static_cast<ChannelChild*>(self)->ended = true;
-            static_cast<ChannelChild*>(self)->end = how;
-        };
-        EXPECT_FALSE(failed(start_process(process, child.request)));
-    }
-};
-
-TEST_F(ChannelTest, ChildsLinesArriveWholeAndInOrder) {
+TEST_F(ChannelTest, ChildsPacketsArriveWholeAndInOrderAlsoBehindItsEnd) {
     Environment environment;
-    environment.also = [](Environment& self, std::string_view event) {
-        if (event.starts_with("poke") && event.find(' ', 5) + 1 < event.size() &&
-            event[event.find(' ', 5) + 1] == '1')
-            send_channel_message(self.last_connection, k_message_completion_seen, 0);
+    Child child({"packets", std::to_string(environment.address), "1700"});
+    const std::int64_t id = child.id;
+    const std::string start = "poke " + std::to_string(id) + " ";
+    environment.also = [&](std::string_view event) {
+        EXPECT_TRUE(event == "closed" || channel_peer_process(environment.last_connection) == id);
+        if (event.starts_with(start + "1"))
+            send_channel_message(environment.last_connection, k_message_completion_seen, 0);
     };
-    ChannelChild child(environment, "lines", "20000");
-    const std::string item = std::to_string(child.process.id);
-    ASSERT_TRUE(turn_until([&] { return child.ended; }));
-    turn_until_idle();
+    ASSERT_TRUE(turn_until([&] { return child.ends != 0; }));
     EXPECT_EQ(child.end.code, 0);
-    std::string expected = environment.connected();
-    for (int line = 0; line < 20000; ++line) {
-        char text[90];
-        std::snprintf(text, sizeof text, "%080d\r\n", line);
-        if (line % 12 == 0)
-            expected += "poke " + item + " 0";
-        expected += text;
-        if (line % 12 == 11 || line == 19999)
-            expected += "\n";
-    }
-    expected += "poke " + item + " 1" + std::string(4, '\0') + "\nclosed\n";
+    drain_channel_server(*environment.server);
+    std::string expected = environment.connected;
+    for (int packet = 0; packet < 1700; ++packet)
+        expected += start + "0" + std::to_string(packet) + std::string(976, '.') + "\n";
+    expected += start + "1" + word(0, 4) + "\n" + start + "0last words\nclosed\n";
     EXPECT_TRUE(environment.log == expected);
 }
 
-TEST_F(ChannelTest, LastWordsOfAnEndedChildAreThereToBeDrained) {
+TEST_F(ChannelTest, WaitingForAConnectionDispatchesNothingElse) {
     Environment environment;
-    ChannelChild child(environment, "poke_and_go");
-    EXPECT_TRUE(wait_for_connection(*environment.server, 10'000));
-    const std::string item = std::to_string(child.process.id);
-    EXPECT_EQ(wait_for_process(child.process).code, 0);
-    drain_channel_server(*environment.server);
-    EXPECT_EQ(environment.log, environment.connected() + "poke " + item + " 0last words\nclosed\n");
-}
-
-TEST_F(ChannelTest, ChildLearnsOfCloseAndOfTheChannelsEnd) {
-    for (const bool asked : {true, false}) {
-        Environment environment;
-        ChannelChild child(environment, "wait_for_close");
-        ASSERT_TRUE(turn_until([&] { return environment.pokes == 1; }));
-        EXPECT_EQ(channel_peer_process(environment.last_connection), child.process.id);
-        if (asked)
-            broadcast_channel_message(*environment.server, k_message_close, 0);
-        else
-            environment.server.reset();
-        ASSERT_TRUE(turn_until([&] { return child.ended; }));
-        EXPECT_EQ(child.end.code, asked ? 7 : 8);
-    }
-}
-
-TEST_F(ChannelTest, WaitingForAConnectionEndsWithoutOne) {
-    Environment environment;
-    EXPECT_FALSE(wait_for_connection(*environment.server, 1));
     ManualClock clock;
     EXPECT_FALSE(wait_for_connection(*environment.server, 1'000'000));
-    const RawChild child(environment.server->address);
-    child.send(connect_to(environment.server->address) + poke("1", "0early"));
+    const RawChild child(environment, poke("1", "0early"));
     Timer other;
     other.expired = [](void*) { ADD_FAILURE() << "something else was dispatched"; };
     start_timer(other, 1);
@@ -624,105 +402,88 @@ TEST_F(ChannelTest, WaitingForAConnectionEndsWithoutOne) {
     // The first look finds the listener ready, the second one the connection.
     while (!wait_for_connection(*environment.server, 0) && environment.log.empty())
         continue;
-    EXPECT_TRUE(environment.log.starts_with(environment.connected()));
+    EXPECT_TRUE(environment.log.starts_with(environment.connected));
     stop_timer(other);
 }
 
-/// An environment that sends what it likes: one connection, canned bytes, then its end.
-struct FakeEnvironment {
-    ChannelAddress address = 1024;
-    OwnedHandle listener;
-    std::thread thread;
-
-    explicit FakeEnvironment(const std::string& answer) {
-        std::filesystem::create_directory(
-            std::filesystem::path(channel_place(address).data()).parent_path());
-        std::filesystem::permissions(
-            std::filesystem::path(channel_place(address).data()).parent_path(),
-            std::filesystem::perms::owner_all);
-        listener = bind_at(address);
-        EXPECT_EQ(::listen(static_cast<int>(listener.get()), 1), 0);
-        thread = std::thread([this, answer] {
+TEST_F(ChannelTest, ClientSurvivesWhateverItIsSent) {
+    const Environment makes_the_directory;
+    const struct {
+        std::string answer;
+        bool connects, asked_to_close;
+    } rows[] = {{k_no, false, false},
+                {"", false, false},
+                {k_yes.substr(0, 5), false, false},
+                {word(0, 4), false, false},
+                {poke("1", "0"), false, false},
+                {k_yes + message(4711, 0) + message(16, 0), true, true},
+                {k_yes + message(16, 0) + k_taken, true, true},
+                {k_yes + word(0xffffffff, 4) + message(16, 0), true, false}};
+    for (ChannelAddress address = 1; const auto& row : rows) {
+        const OwnedHandle listener = make_socket(::bind, ++address);
+        ASSERT_EQ(::listen(static_cast<int>(listener.get()), 1), 0);
+        std::thread answering([&] {
             const OwnedHandle peer{static_cast<SystemHandle>(
                 ::accept(static_cast<int>(listener.get()), nullptr, nullptr))};
             std::array<char, 64> request;
             EXPECT_GT(::recv(static_cast<int>(peer.get()), request.data(), request.size(), 0), 0);
-            EXPECT_FALSE(failed(write_handle(peer.get(), std::as_bytes(std::span(answer)))));
+            EXPECT_FALSE(failed(write_handle(peer.get(), bytes(row.answer))));
         });
-    }
-    ~FakeEnvironment() {
-        thread.join();
-        ::unlink(channel_place(address).data());
-    }
-};
-
-TEST_F(ChannelTest, ClientSurvivesWhateverItIsSent) {
-    const std::string close = frame("M" + word(16, 4) + word(0, 8));
-    const std::string unknown = frame("M" + word(4711, 4) + word(0, 8));
-    struct Case {
-        std::string answer;
-        bool connects;
-        bool asked_to_close;
-    };
-    const Case cases[] = {
-        {k_no, false, false},
-        {"", false, false},
-        {k_yes.substr(0, 5), false, false},
-        {word(0, 4), false, false},
-        {frame("Z"), false, false},
-        {poke("1", "0"), false, false},
-        {k_yes, true, false},
-        {k_yes + unknown + close, true, true},
-        {k_yes + close + k_taken, true, true},
-        {k_yes + word(0xffffffff, 4) + close, true, false},
-    };
-    for (const Case& c : cases) {
-        const FakeEnvironment fake(c.answer);
-        const auto client = std::make_unique<ChannelClient>();
+        ChannelClient client;
+        const bool connected = !failed(connect_channel(client, address, "1"));
+        answering.join();
         // A connection that ends right behind the answer may already be seen as refused.
-        const bool connected = !failed(connect_channel(*client, fake.address, "1"));
-        EXPECT_TRUE(c.connects || !connected);
-        while (poll_channel(*client))
-            std::this_thread::yield();
-        EXPECT_EQ(client->close_asked, c.asked_to_close);
-        EXPECT_FALSE(client->connected);
-        EXPECT_FALSE(poke_channel(*client, std::as_bytes(std::span("0x", 2))));
-        EXPECT_FALSE(flush_channel(*client));
-        EXPECT_FALSE(wait_for_completion_seen(*client));
+        EXPECT_TRUE(row.connects || !connected);
+        while (poll_channel(client))
+            continue;
+        EXPECT_EQ(client.close_asked, row.asked_to_close);
+        EXPECT_FALSE(client.connected || poke_channel(client, bytes("0x")) ||
+                     flush_channel(client) || wait_for_completion_seen(client));
     }
 }
 
 TEST_F(ChannelTest, ClientGivesUpWhereNobodyAnswers) {
-    Environment environment; // its loop does not turn
-    const auto client = std::make_unique<ChannelClient>();
-    EXPECT_TRUE(failed(connect_channel(*client, environment.server->address, "1", 1)));
-    EXPECT_TRUE(is_missing(connect_channel(*client, 7, "1", 1)));
-    bind_at(9).reset();
-    EXPECT_TRUE(failed(connect_channel(*client, 9, "1", 1)));
-    EXPECT_FALSE(client->connected);
+    const Environment environment; // its loop does not turn
+    ChannelClient client;
+    EXPECT_TRUE(failed(connect_channel(client, environment.address, "1", 1)));
+    EXPECT_TRUE(is_missing(connect_channel(client, 7, "1", 1)));
+    make_socket(::bind, 9).reset();
+    EXPECT_TRUE(failed(connect_channel(client, 9, "1", 1)));
+    EXPECT_FALSE(client.connected);
 }
 
-TEST_F(ChannelTest, OverlongPokeIsRefusedByTheClient) {
+TEST_F(ChannelTest, ClientCountsItsRepliesAndLearnsOfCloseAndEnd) {
     Environment environment;
-    const auto client = std::make_unique<ChannelClient>();
+    ChannelClient client;
+    int changes = 0;
+    client.context = &changes;
+    client.changed = [](void* context) { ++*static_cast<int*>(context); };
     SystemError error{};
-    const ChannelAddress address = environment.server->address;
-    std::thread connecting([&] { error = connect_channel(*client, address, "1"); });
+    std::thread connecting([&] { error = connect_channel(client, environment.address, "1"); });
     EXPECT_TRUE(wait_for_connection(*environment.server, 10'000));
     connecting.join();
     ASSERT_FALSE(failed(error));
-    const std::vector<std::byte> data(k_channel_poke_max + 1, std::byte{'0'});
-    EXPECT_FALSE(poke_channel(*client, data));
-    EXPECT_TRUE(poke_channel(*client, std::span(data).first(k_channel_poke_max)));
-    EXPECT_TRUE(flush_channel(*client));
-    EXPECT_EQ(client->replies_due, 1U);
-    ASSERT_TRUE(turn_until([&] { return client->replies_due == 0; }));
+    const std::string data(k_channel_poke_max + 1, '0');
+    EXPECT_FALSE(poke_channel(client, bytes(data)));
+    EXPECT_TRUE(poke_channel(client, bytes(data).subspan(1)) && flush_channel(client));
+    EXPECT_EQ(client.replies_due, 1U);
+    ASSERT_TRUE(turn_until([&] { return client.replies_due == 0; }));
     EXPECT_EQ(environment.poked_bytes, k_channel_poke_max);
     environment.answer = 0;
-    EXPECT_TRUE(poke_channel(*client, std::span(data).first(1)));
-    EXPECT_TRUE(flush_channel(*client));
-    ASSERT_TRUE(turn_until([&] { return client->replies_due == 0; }));
-    EXPECT_EQ(client->pokes_not_taken, 1U);
+    EXPECT_TRUE(poke_channel(client, bytes("0")) && flush_channel(client));
+    ASSERT_TRUE(turn_until([&] { return client.replies_due == 0; }));
+    EXPECT_EQ(client.pokes_not_taken, 1U);
+
+    EXPECT_EQ(changes, 0);
+    const RawChild unknown(environment.address);
+    turn_until_idle();
+    broadcast_channel_message(*environment.server, k_message_close, 0);
+    ASSERT_TRUE(turn_until([&] { return changes == 1; }));
+    EXPECT_TRUE(client.close_asked && !client.ended);
+    EXPECT_EQ(unknown.receive(), "");
+    environment.server.reset();
+    ASSERT_TRUE(turn_until([&] { return changes == 2; }));
+    EXPECT_TRUE(client.ended && !client.connected);
 }
 
 } // namespace

@@ -4,63 +4,31 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 namespace pellux {
 namespace {
 
 using test::ScopedVariable;
 
-TEST(Environment, ListsAreCutWithoutEmptyPieces) {
-    const struct {
-        const char* list;
-        char cut;
-        std::vector<std::string> pieces;
-    } rows[] = {{"/a:/b", 0, {"/a", "/b"}},
-                {"::/a;x::", 0, {"/a;x"}},
-                {"/a;/b:c;", ';', {"/a", "/b:c"}},
-                {"", 0, {}}};
-    for (const auto& row : rows) {
-        std::vector<std::string> pieces;
-        std::string_view list = row.list;
-        for (std::string_view entry; next_list_entry(list, entry, row.cut);)
-            pieces.emplace_back(entry);
-        EXPECT_EQ(pieces, row.pieces) << row.list;
-    }
-}
-
 TEST(Environment, UserDirectoriesIgnoreRelativeVariables) {
     const struct {
-        const char *variable, *home;
+        const char* variable;
         bool (*directory)(PathBuffer&);
         const char *named, *standard;
-    } rows[] = {{"XDG_CONFIG_HOME", "/h", settings_directory, "/x/Velmora", "/h/.config/Velmora"},
-                {"XDG_STATE_HOME", "/h", state_directory, "/x/pellux", "/h/.local/state/pellux"},
-                {"XDG_CACHE_HOME", "/h", cache_directory, "/x/pellux", "/h/.cache/pellux"}};
-    for (const auto& row : rows) {
-        const ScopedVariable home("HOME", row.home);
-        PathBuffer path;
-        {
-            const ScopedVariable set(row.variable, "/x");
+    } rows[] = {{"XDG_CONFIG_HOME", settings_directory, "/x/Velmora", "/h/.config/Velmora"},
+                {"XDG_STATE_HOME", state_directory, "/x/pellux", "/h/.local/state/pellux"},
+                {"XDG_CACHE_HOME", cache_directory, "/x/pellux", "/h/.cache/pellux"}};
+    for (const auto& row : rows)
+        for (const char* value : {"/x", static_cast<const char*>(nullptr), "", "x/y"}) {
+            const ScopedVariable home("HOME", "/h");
+            const ScopedVariable variable(row.variable, value);
+            const bool usable = value != nullptr && *value == '/';
+            PathBuffer path;
             EXPECT_TRUE(row.directory(path));
-            EXPECT_EQ(path.view(), row.named);
+            EXPECT_EQ(path.view(), usable ? row.named : row.standard);
+            const ScopedVariable homeless("HOME", value);
+            EXPECT_EQ(row.directory(path), usable);
+            EXPECT_EQ(path.empty(), !usable);
         }
-        for (const char* unusable : {static_cast<const char*>(nullptr), "", "x/y"}) {
-            const ScopedVariable unset(row.variable, unusable);
-            EXPECT_TRUE(row.directory(path));
-            EXPECT_EQ(path.view(), row.standard);
-            const ScopedVariable homeless("HOME", unusable);
-            EXPECT_FALSE(row.directory(path));
-            EXPECT_TRUE(path.empty());
-        }
-    }
-}
-
-TEST(Environment, TellsWhereTheProgramLies) {
-    PathBuffer directory;
-    ASSERT_TRUE(program_directory(directory));
-    EXPECT_TRUE(std::filesystem::exists(std::string(directory.view()) + "/core_os_tests"));
 }
 
 } // namespace

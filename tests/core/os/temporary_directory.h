@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -16,18 +17,15 @@ namespace pellux::test {
 /// A new directory for one test, removed with all that lies in it.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory() : TemporaryDirectory(std::filesystem::temp_directory_path()) {}
-    /// In `base` where that can be.
-    explicit TemporaryDirectory(const std::filesystem::path& base) {
-        for (const auto& place : {base, std::filesystem::temp_directory_path()}) {
-            std::string name = (place / "pellux-test-XXXXXX").string();
-            if (::mkdtemp(name.data()) == nullptr)
-                continue;
-            // Paths are compared with those that the system has resolved.
-            root_ = std::filesystem::canonical(name);
-            return;
-        }
-        throw std::runtime_error("no temporary directory");
+    /// In `base` where there is such a directory.
+    explicit TemporaryDirectory(std::filesystem::path base = {}) {
+        if (!std::filesystem::is_directory(base))
+            base = std::filesystem::temp_directory_path();
+        std::string name = (base / "pellux-test-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr)
+            throw std::runtime_error("no temporary directory");
+        // Paths are compared with those that the system has resolved.
+        root_ = std::filesystem::canonical(name);
     }
     ~TemporaryDirectory() {
         std::error_code ignored;
@@ -67,20 +65,17 @@ private:
 class ScopedVariable {
 public:
     ScopedVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = environment_variable(name)) {
-            was_set_ = true;
+        if (const char* old = environment_variable(name))
             old_ = old;
-        }
         set_environment_variable(name, value);
     }
-    ~ScopedVariable() { set_environment_variable(name_, was_set_ ? old_.c_str() : nullptr); }
+    ~ScopedVariable() { set_environment_variable(name_, old_ ? old_->c_str() : nullptr); }
     ScopedVariable(const ScopedVariable&) = delete;
     ScopedVariable& operator=(const ScopedVariable&) = delete;
 
 private:
     const char* name_;
-    bool was_set_ = false;
-    std::string old_;
+    std::optional<std::string> old_;
 };
 
 } // namespace pellux::test
