@@ -4,6 +4,7 @@
 #include "core/diagnostics/messages.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
+#include "tests/core/diagnostics/captured_reports.h"
 #include "tests/core/os/temporary_directory.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 namespace pellux {
 namespace {
 
+using test::CapturedReports;
 using test::ScopedVariable;
 using test::TemporaryDirectory;
 
@@ -24,19 +26,9 @@ Message<> msg_second{"E9002", "second default"};
 Message<> msg_third{"E9003", "third default"};
 Message<> msg_no_digit{"plain", "without a number"};
 
-class CatalogueTest : public testing::Test {
+class CatalogueTest : public testing::Test, protected CapturedReports {
 protected:
-    CatalogueTest() {
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<CatalogueTest>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
-    }
-    ~CatalogueTest() override {
-        reset_text_msgs();
-        reporter() = {};
-    }
+    ~CatalogueTest() override { reset_text_msgs(); }
 
     int read(const std::string& contents) {
         const std::string path = directory_.path() + "/vhdl.msg";
@@ -45,7 +37,6 @@ protected:
     }
 
     TemporaryDirectory directory_;
-    std::vector<std::string> said_;
 };
 
 TEST_F(CatalogueTest, TextsComeFromTheFileAsTheyStandAndFromTheDefaultElsewhere) {

@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/messages.h"
+#include "tests/core/diagnostics/captured_reports.h"
 #include "tests/core/os/scoped_directory.h"
 #include "tests/core/os/temporary_directory.h"
 
@@ -15,25 +16,15 @@
 namespace pellux {
 namespace {
 
+using test::CapturedReports;
 using test::ScopedDirectory;
 using test::TemporaryDirectory;
 
 Message<const char*> msg_text{"E9100", "%s"};
 
-class ReporterTest : public testing::Test {
+class ReporterTest : public testing::Test, protected CapturedReports {
 protected:
-    ReporterTest() {
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<ReporterTest>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
-    }
-    ~ReporterTest() override { reporter() = {}; }
-
     std::string last() { return said_.empty() ? std::string() : said_.back(); }
-
-    std::vector<std::string> said_;
 };
 
 TEST_F(ReporterTest, PrefixSeverityAndNumberStandInTheirOrder) {

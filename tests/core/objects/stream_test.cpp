@@ -2,6 +2,7 @@
 #include "core/diagnostics/reporter.h"
 #include "core/objects/object_reader.h"
 #include "core/objects/object_writer.h"
+#include "tests/core/diagnostics/captured_reports.h"
 #include "tests/core/os/temporary_directory.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 namespace pellux {
 namespace {
 
+using test::CapturedReports;
 using Bytes = std::vector<std::byte>;
 
 /// A record with one field of each kind and two references.
@@ -84,19 +86,13 @@ Poly_head test_head() {
     return head;
 }
 
-class StreamTest : public testing::Test {
+class StreamTest : public testing::Test, protected CapturedReports {
 protected:
     StreamTest() {
         register_stream_classes();
         constexpr const ClassRecord* k_records[] = {&Node::k_record, &Twin::k_record};
         register_classes(k_records);
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<StreamTest>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
     }
-    ~StreamTest() override { reporter() = {}; }
 
     static Bytes write(const Object& root, std::span<const ClassRemap> remap = {}) {
         Bytes bytes;
@@ -110,7 +106,6 @@ protected:
     const Bytes& kept(Bytes bytes) { return kept_.emplace_back(std::move(bytes)); }
 
     std::list<Bytes> kept_;
-    std::vector<std::string> said_;
 };
 
 /// The bytes that `put` appends to a stream, between its path record and its section end.

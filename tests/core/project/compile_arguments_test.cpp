@@ -4,6 +4,7 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
+#include "tests/core/diagnostics/captured_reports.h"
 #include "tests/core/os/scoped_directory.h"
 #include "tests/core/os/temporary_directory.h"
 
@@ -16,6 +17,7 @@
 namespace pellux {
 namespace {
 
+using test::CapturedReports;
 using test::ScopedDirectory;
 using test::ScopedVariable;
 using test::TemporaryDirectory;
@@ -112,18 +114,12 @@ TEST(CompileArguments, LibrariesGoBeforeTheirFileAndTheTopDesignComesLast) {
               "-m -yga -fP -amylib b.vhd -b top.vhd");
 }
 
-class FindCompiler : public testing::Test {
+class FindCompiler : public testing::Test, protected CapturedReports {
 protected:
     FindCompiler() : inside_(directory_.path()) {
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<FindCompiler>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
         for (const char* name : {"one", "two", "tree", "tree/bin"})
             EXPECT_FALSE(failed(make_directory(name)));
     }
-    ~FindCompiler() override { reporter() = {}; }
 
     static void touch(const char* name) { std::ofstream(name) << "x"; }
     std::string found() {
@@ -135,7 +131,6 @@ protected:
     ScopedDirectory inside_;
     ScopedVariable install_{"VELMORA_DIR", nullptr};
     ScopedVariable path_{"PATH", "one:two/"};
-    std::vector<std::string> said_;
 };
 
 TEST_F(FindCompiler, TheInstallationWinsElseTheCurrentDirectoryElseThePath) {

@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
+#include "tests/core/diagnostics/captured_reports.h"
 #include "tests/core/os/temporary_directory.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +19,7 @@
 namespace pellux {
 namespace {
 
+using test::CapturedReports;
 using test::TemporaryDirectory;
 
 using Bytes = std::vector<std::byte>;
@@ -77,26 +79,14 @@ Owned<Project> full_project() {
     return project;
 }
 
-class ProjectFileTest : public testing::Test {
+class ProjectFileTest : public testing::Test, protected CapturedReports {
 protected:
-    ProjectFileTest() {
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<ProjectFileTest>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
-    }
-    ~ProjectFileTest() override {
-        set_file_fault_hook(nullptr, nullptr);
-        reporter() = {};
-    }
+    ~ProjectFileTest() override { set_file_fault_hook(nullptr, nullptr); }
 
     Owned<Project> read(const Bytes& bytes) {
         ProjectHeader header;
         return read_project(bytes, "p.bpr", header);
     }
-
-    std::vector<std::string> said_;
 };
 
 TEST_F(ProjectFileTest, EveryFieldComesBack) {

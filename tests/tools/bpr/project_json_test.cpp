@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/reporter.h"
+#include "tests/core/diagnostics/captured_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -11,24 +12,16 @@
 namespace pellux {
 namespace {
 
-class ProjectJson : public testing::Test {
-protected:
-    ProjectJson() {
-        reporter() = {};
-        reporter().output = [](void* self, std::string_view text) {
-            from_context<ProjectJson>(self).said_.emplace_back(text);
-        };
-        reporter().output_context = this;
-    }
-    ~ProjectJson() override { reporter() = {}; }
+using test::CapturedReports;
 
+class ProjectJson : public testing::Test, protected CapturedReports {
+protected:
     Owned<Project> parse(std::string_view text) {
         said_.clear();
         return project_from_json(text, "p.json", header_);
     }
 
     ProjectHeader header_;
-    std::vector<std::string> said_;
 };
 
 TEST_F(ProjectJson, WhatIsWrittenReadsBackToTheSameBytes) {
