@@ -37,5 +37,6 @@ inline Message<> msg_expect_version{"E1871",
                                     "\"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected"};
 inline Message<> msg_unknown_key{"E1872", "unknown key"};
 inline Message<> msg_key_twice{"E1873", "this key stands twice in one object"};
+inline Message<const char*> msg_too_large{"E1874", "'%s' is too large."};
 
 } // namespace pellux

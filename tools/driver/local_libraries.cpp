@@ -1,10 +1,10 @@
 #include "tools/driver/local_libraries.h"
 
 #include "core/common/callback.h"
+#include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "tools/driver/library_name.h"
 #include "tools/driver/messages.h"
-#include "tools/driver/text_file.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "tools/driver/options.h"
 
+#include "core/common/text_file.h"
 #include "tools/driver/library_name.h"
 #include "tools/driver/messages.h"
-#include "tools/driver/text_file.h"
 
 #include <array>
 #include <charconv>

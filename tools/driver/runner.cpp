@@ -1,13 +1,13 @@
 #include "tools/driver/runner.h"
 
 #include "core/common/callback.h"
+#include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "tools/driver/ghdl_call.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/local_libraries.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/plan.h"
-#include "tools/driver/text_file.h"
 #include "tools/driver/top_units.h"
 #include "tools/driver/translator.h"
 

@@ -1,6 +1,6 @@
 #include "tools/driver/source_columns.h"
 
-#include "tools/driver/text_file.h"
+#include "core/common/text_file.h"
 
 namespace pellux {
 namespace {

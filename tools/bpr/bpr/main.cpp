@@ -1,3 +1,4 @@
+#include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
@@ -13,6 +14,8 @@ namespace pellux {
 namespace {
 
 constexpr const char* k_program = "bpr";
+/// Bytes of a JSON document; a project of 10,000 sources takes less than 10 MB.
+constexpr std::size_t k_json_max = std::size_t{256} << 20;
 
 int show(const char* file) {
     ProjectHeader header;
@@ -23,34 +26,29 @@ int show(const char* file) {
     const SystemError problem = write_handle(standard_output(), std::as_bytes(std::span(text)));
     if (!failed(problem))
         return k_status_done;
-    char reason[200];
-    tell(msg_bpr_cannot_write, "standard output", describe(problem, reason).data());
+    tell(msg_bpr_cannot_write, "standard output", error_text(problem).c_str());
     return k_status_unusable;
 }
 
-bool read_whole_file(const char* path, String& text) {
-    File file;
-    FileStat stat;
-    SystemError problem = open_file(file, path, OpenMode::read);
-    if (!failed(problem))
-        problem = stat_open_file(file, stat);
-    std::size_t got = 0;
-    if (!failed(problem)) {
-        text.resize(static_cast<std::size_t>(stat.size));
-        problem = read_at(file, 0, std::as_writable_bytes(std::span(text)), got);
-        text.resize(got);
-    }
-    if (!failed(problem))
+bool read_json_file(const char* path, String& text) {
+    SystemError problem{};
+    switch (read_text_file(path, k_json_max, text, problem)) {
+    case TextFileStatus::read:
         return true;
-    char reason[200];
-    tell(msg_bpr_cannot_read, path, describe(problem, reason).data());
+    case TextFileStatus::too_large:
+        tell(msg_too_large, path);
+        return false;
+    case TextFileStatus::failed:
+        tell(msg_bpr_cannot_read, path, error_text(problem).c_str());
+        return false;
+    }
     return false;
 }
 
 int make(const char* json_file, const char* file) {
     String text;
     ProjectHeader header;
-    if (!read_whole_file(json_file, text))
+    if (!read_json_file(json_file, text))
         return k_status_unusable;
     const Owned<Project> project = project_from_json(view(text), json_file, header);
     if (project == nullptr || !tell_write_result(write_project_as(*project, file, header), file))

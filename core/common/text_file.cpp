@@ -1,4 +1,4 @@
-#include "tools/driver/text_file.h"
+#include "core/common/text_file.h"
 
 #include "core/os/files.h"
 
