@@ -1,8 +1,8 @@
 #include "core/project/compile_arguments.h"
 
 #include "core/diagnostics/reporter.h"
-#include "core/os/environment.h"
 #include "core/os/files.h"
+#include "core/project/installed_file.h"
 #include "core/project/messages.h"
 
 namespace pellux {
@@ -95,24 +95,10 @@ bool is_readable(const PathBuffer& path) {
     return !failed(open_file(file, path.view(), OpenMode::read));
 }
 
-bool search_compiler(PathBuffer& path) {
-    if (const char* install = environment_variable("VELMORA_DIR"))
-        return path.assign(install) && path.join("bin") && path.join(k_compiler_program);
-    if (path.assign(k_compiler_program) && file_exists(path.view()))
-        return true;
-    const char* variable = environment_variable("PATH");
-    std::string_view list = variable == nullptr ? "" : variable;
-    std::string_view directory;
-    while (next_list_entry(list, directory))
-        if (path.assign(directory) && path.join(k_compiler_program) && file_exists(path.view()))
-            return true;
-    return false;
-}
-
 } // namespace
 
 bool find_compiler(PathBuffer& path) {
-    if (search_compiler(path) && is_readable(path))
+    if (find_installed_file(k_compiler_program, path) && is_readable(path))
         return true;
     tell(msg_cannot_find, k_compiler_program);
     return false;

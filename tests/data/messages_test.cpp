@@ -20,10 +20,9 @@ namespace {
 const std::string k_catalogue = std::string(PELLUX_SOURCE_DIR) + "/data/vhdl.msg";
 constexpr std::size_t k_text_max = 98;
 
-/// Texts that only the catalogue has: their users read them by number.
-const std::set<std::string> k_without_default = {"E365",  "E366",  "E370",  "E390",
-                                                 "E1800", "E1801", "E1803", "E1804",
-                                                 "E1805", "E1806", "E1807", "E1808"};
+/// Texts that only the catalogue has: by number, or bound with nothing but their argument.
+const std::set<std::string> k_without_default = {
+    "E365", "E366", "E370", "E390", "E1800", "E1801", "E1803", "E1805", "E1806", "E1807", "E1808"};
 
 bool belongs_in_the_catalogue(const char* text) {
     return std::strchr(text, '\n') == nullptr && std::strlen(text) <= k_text_max;
@@ -42,7 +41,11 @@ TEST(Messages, TheCatalogueHasEveryTextAsTheProgramDoes) {
             const bool provided = (handle.flags & MessageHandle::k_provided) != 0;
             EXPECT_EQ(provided, belongs_in_the_catalogue(handle.default_text))
                 << id << " :" << handle.default_text;
-            EXPECT_STREQ(messageText(handle, handle.default_text).text, handle.default_text) << id;
+            const char* text = messageText(handle, handle.default_text).text;
+            if (k_without_default.contains(id))
+                EXPECT_GT(std::strlen(text), std::strlen(handle.default_text)) << id;
+            else
+                EXPECT_STREQ(text, handle.default_text) << id;
         },
         nullptr);
     EXPECT_TRUE(said.empty()) << said.front();
