@@ -1,0 +1,273 @@
+#include "core/library/library_index.h"
+
+#include "core/os/files.h"
+#include "tests/core/library/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <sqlite3.h>
+
+#include <cerrno>
+#include <map>
+#include <random>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace pellux {
+namespace {
+
+namespace fs = std::filesystem;
+
+const Records k_old{"0001a@a.vhd"};
+
+/// Works in a directory with an index of one record.
+class Index : public testing::Test {
+protected:
+    Index() {
+        EXPECT_EQ(open_index(index, "", IndexMode::create), IndexStatus::opened);
+        EXPECT_TRUE(begin_changes(index) && insert_record(index, "0001a@", "0001a@a.vhd") &&
+                    commit_changes(index));
+        close_index(index);
+        whole = scratch.read("index");
+    }
+    void run_sql(const char* sql) const {
+        sqlite3* database = nullptr;
+        EXPECT_EQ(sqlite3_open(scratch.path("index").c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+        sqlite3_close(database);
+    }
+    IndexStatus read() { return open_index(index, "", IndexMode::read, 0); }
+
+    Scratch scratch;
+    LibraryIndex index;
+    std::string whole; ///< the file's bytes
+};
+
+/// Enough of them change every page and fill SQLite's cache, so that some are written early.
+bool insert_many(LibraryIndex& index, int count) {
+    bool succeeded = true;
+    for (int i = 0; i < count && succeeded; ++i) {
+        const std::string key = std::to_string(i * 7919 % 10007) + std::string(300, 'k');
+        succeeded = insert_record(index, key, key);
+    }
+    return succeeded;
+}
+
+TEST_F(Index, DoesWhatAnOrderedMapDoes) {
+    const unsigned seed = std::random_device{}();
+    std::mt19937 random(seed);
+    const std::string alphabet("ab@'\"%_\0\x80\xFF", 10);
+    const auto text = [&](std::size_t least) {
+        std::string result;
+        for (std::size_t i = least + random() % 4; i > 0; --i)
+            result += alphabet[random() % alphabet.size()];
+        return result;
+    };
+    std::map<std::string, std::string> model{{"0001a@", "0001a@a.vhd"}};
+    std::map<std::string, std::string> committed = model;
+    std::string place;
+    bool has_place = false;
+    const auto check_move = [&](std::int64_t length, auto found, const std::string& start) {
+        has_place = found != model.end() && found->first.starts_with(start);
+        ASSERT_EQ(length, has_place ? static_cast<std::int64_t>(found->second.size()) : 0);
+        String record;
+        ASSERT_EQ(read_record(index, record), length);
+        ASSERT_EQ(view(record), has_place ? found->second : "");
+        if (has_place)
+            place = found->first;
+    };
+    ASSERT_EQ(open_index(index, "", IndexMode::update), IndexStatus::opened);
+    ASSERT_TRUE(begin_changes(index));
+    for (int i = 0; i < 20'000 && !HasFailure(); ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", step " + std::to_string(i));
+        const auto choice = random() % 100;
+        if (choice < 25) {
+            const std::string key = text(1);
+            ASSERT_TRUE(insert_record(index, key, model[key] = key + text(0)));
+        } else if (choice < 55) {
+            const std::string start = text(0);
+            check_move(seek_record(index, start), model.lower_bound(start), start);
+        } else if (choice < 75) {
+            check_move(next_record(index), has_place ? model.upper_bound(place) : model.end(), "");
+        } else if (choice < 97) {
+            String record;
+            const bool is_there = read_record(index, record) > 0;
+            ASSERT_EQ(delete_record(index), is_there);
+            ASSERT_FALSE(delete_record(index));
+            ASSERT_EQ(model.erase(is_there ? place : ""), is_there ? 1u : 0u);
+        } else {
+            if (choice == 97)
+                undo_changes(index);
+            else
+                ASSERT_TRUE(commit_changes(index));
+            (choice == 97 ? model : committed) = choice == 97 ? committed : model;
+            if (choice == 99) {
+                ASSERT_EQ(open_index(index, "", IndexMode::update), IndexStatus::opened);
+            }
+            has_place = false;
+            ASSERT_EQ(seek_record(index, "no such"), 0);
+            ASSERT_FALSE(insert_record(index, "a", "a")) << "changes were not begun";
+            ASSERT_TRUE(begin_changes(index));
+        }
+    }
+    const std::string longest(k_index_record_max, 'a');
+    ASSERT_TRUE(insert_record(index, longest, longest));
+    ASSERT_FALSE(insert_record(index, "a", longest + "a"));
+    ASSERT_FALSE(insert_record(index, "", "a"));
+    ASSERT_FALSE(insert_record(index, "ab", "ac"));
+}
+
+TEST_F(Index, WhatIsNoneOfOursIsToldApart) {
+    run_sql("INSERT INTO records VALUES('0002b@', 'of another key')");
+    ASSERT_EQ(read(), IndexStatus::opened);
+    EXPECT_EQ(contents(index), (Records{"0001a@a.vhd", "(unreadable)"}));
+    std::string disordered = scratch.read("index");
+    disordered.replace(disordered.find("0001a@"), 6, "0003c@");
+    const struct {
+        const char* sql; ///< run on a whole index; null: the bytes are the file
+        std::string bytes;
+        IndexStatus status;
+    } rows[] = {
+        {"PRAGMA user_version=2", "", IndexStatus::other_version},
+        {"PRAGMA application_id=0", "", IndexStatus::other_version},
+        {"PRAGMA journal_mode=WAL", "", IndexStatus::other_version},
+        {"CREATE TABLE more(a)", "", IndexStatus::damaged},
+        {"CREATE VIEW more AS SELECT * FROM records", "", IndexStatus::damaged},
+        {"DROP TABLE records", "", IndexStatus::damaged},
+        {"DROP TABLE records; CREATE TABLE records(key, record)", "", IndexStatus::damaged},
+        {nullptr, disordered, IndexStatus::damaged},
+        {nullptr, "", IndexStatus::missing},
+        {nullptr, "x", IndexStatus::damaged},
+        {nullptr, std::string(5000, '\0'), IndexStatus::damaged},
+        {nullptr, whole.substr(0, 4096) + std::string(4096, '\xFF'), IndexStatus::damaged},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.sql == nullptr ? row.bytes.substr(0, 10) : row.sql);
+        scratch.write("index", row.sql == nullptr ? row.bytes : whole);
+        if (row.sql != nullptr)
+            run_sql(row.sql);
+        const std::string bytes = scratch.read("index");
+        EXPECT_EQ(read(), row.status);
+        EXPECT_EQ(open_index(index, "", IndexMode::update), row.status);
+        EXPECT_EQ(index.database, nullptr);
+        EXPECT_EQ(scratch.read("index"), bytes);
+        EXPECT_EQ(scratch.names(), std::set<std::string>{"index"});
+        scratch.write("index-journal", "left behind");
+        EXPECT_EQ(replace_index(index, ""), IndexStatus::opened);
+        EXPECT_TRUE(contents(index).empty());
+        EXPECT_EQ(scratch.names(), std::set<std::string>{"index"});
+    }
+}
+
+TEST_F(Index, NoPartOfAnIndexAndNoOtherByteDoesHarm) {
+    for (std::size_t length = 1; length < whole.size(); length += length < 110 ? 1 : 487) {
+        scratch.write("index", whole.substr(0, length));
+        EXPECT_EQ(read(), IndexStatus::damaged) << length;
+    }
+    for (std::size_t at = 0; at < whole.size(); at += whole[at] == '\0' ? 61 : 1) {
+        std::string bytes = whole;
+        bytes[at] = static_cast<char>(bytes[at] ^ (at % 2 == 0 ? 0x01 : 0xFF));
+        scratch.write("index", bytes);
+        if (read() == IndexStatus::opened) {
+            EXPECT_LE(contents(index).size(), k_old.size()) << at;
+        }
+    }
+}
+
+TEST_F(Index, ItsPlaceIsJudged) {
+    const struct {
+        const char* directory;
+        IndexMode mode;
+        IndexStatus status;
+    } rows[] = {
+        {"none", IndexMode::read, IndexStatus::missing},
+        {"none", IndexMode::update, IndexStatus::missing},
+        {"none", IndexMode::create, IndexStatus::failed},
+        {"index", IndexMode::read, IndexStatus::missing}, // a file in a directory's place
+        {"taken", IndexMode::create, IndexStatus::failed},
+        {"file:new?vfs=none", IndexMode::create, IndexStatus::opened},
+    };
+    fs::create_directories("taken/index");
+    fs::create_directory("file:new?vfs=none");
+    for (const auto& row : rows)
+        EXPECT_EQ(open_index(index, row.directory, row.mode), row.status) << row.directory;
+    EXPECT_EQ(replace_index(index, "taken"), IndexStatus::failed);
+    set_file_fault_hook(
+        [](void*, FileOperation, std::string_view, std::size_t&) { return SystemError{EACCES}; },
+        nullptr);
+    EXPECT_EQ(read(), IndexStatus::denied);
+    EXPECT_EQ(replace_index(index, ""), IndexStatus::denied);
+    set_file_fault_hook(nullptr, nullptr);
+    EXPECT_EQ(scratch.read("index"), whole);
+}
+
+TEST_F(Index, AReaderChangesNothingAndAWriterKeepsOthersOut) {
+    ASSERT_EQ(read(), IndexStatus::opened);
+    EXPECT_FALSE(begin_changes(index) && insert_record(index, "b", "b"));
+    EXPECT_TRUE(is_denied(index.error));
+    LibraryIndex writer;
+    LibraryIndex second;
+    ASSERT_EQ(open_index(second, "", IndexMode::update, 0), IndexStatus::opened);
+    ASSERT_EQ(open_index(writer, "", IndexMode::update, 0), IndexStatus::opened);
+    ASSERT_TRUE(begin_changes(writer) && insert_record(writer, "b", "b"));
+    EXPECT_EQ(contents(index).size(), 1u) << "a change can be seen before it is committed";
+    EXPECT_FALSE(begin_changes(second));
+    EXPECT_TRUE(is_busy(second.error));
+    ASSERT_TRUE(insert_many(writer, 10'000)); // pages are written, so that nobody may read
+    EXPECT_EQ(seek_record(index, ""), -1);
+    EXPECT_EQ(read(), IndexStatus::failed);
+    EXPECT_TRUE(is_busy(index.error));
+    EXPECT_TRUE(commit_changes(writer));
+    ASSERT_EQ(read(), IndexStatus::opened);
+    EXPECT_EQ(contents(index).size(), 10'002u);
+}
+
+TEST_F(Index, AKilledWriterLeavesTheOldRecords) {
+    for (const bool has_written : {false, true}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            LibraryIndex own;
+            const bool ready = open_index(own, "", IndexMode::update) == IndexStatus::opened &&
+                               begin_changes(own) && seek_record(own, "0001a@") > 0 &&
+                               delete_record(own) && insert_many(own, has_written ? 10'000 : 10);
+            ::kill(::getpid(), ready ? SIGKILL : SIGTERM);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_EQ(WTERMSIG(status), SIGKILL);
+        ASSERT_EQ(scratch.read("index") != whole, has_written);
+        // Reading alone puts the file right.
+        ASSERT_EQ(read(), IndexStatus::opened);
+        EXPECT_EQ(contents(index), k_old);
+        EXPECT_EQ(scratch.read("index"), whole);
+    }
+}
+
+TEST_F(Index, WhereRoomRunsOutAllOrNothingLasts) {
+    make_size_limit_an_error();
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    bool succeeded = false;
+    int failures = 0;
+    for (rlim_t room = 0; !succeeded; room += 1024) {
+        scratch.write("index", whole);
+        ASSERT_EQ(open_index(index, "", IndexMode::update), IndexStatus::opened);
+        const rlimit tight{room, old.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+        succeeded = begin_changes(index) && insert_many(index, 100) && commit_changes(index);
+        const bool goes_on = !succeeded && insert_record(index, "z", "z") && commit_changes(index);
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
+        ASSERT_TRUE(succeeded || is_out_of_room(index.error)) << static_cast<int>(index.error);
+        ASSERT_FALSE(goes_on) << "what comes after a failure is lost, too";
+        failures += succeeded ? 0 : 1;
+        ASSERT_EQ(read(), IndexStatus::opened);
+        ASSERT_EQ(contents(index).size(), succeeded ? 101u : 1u) << room;
+    }
+    EXPECT_GT(failures, 10);
+}
+
+} // namespace
+} // namespace pellux
