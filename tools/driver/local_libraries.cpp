@@ -2,6 +2,8 @@
 
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
+#include "core/library/install_root.h"
+#include "core/library/resolve.h"
 #include "core/os/files.h"
 #include "tools/driver/library_name.h"
 #include "tools/driver/messages.h"
@@ -13,24 +15,68 @@
 namespace pellux {
 namespace {
 
+struct DirectoryNames {
+    std::string_view parent;
+    Vector<String> names;
+};
+
 bool collect_directory(void* context, std::string_view name, FileKind kind) {
-    auto& directories = from_context<Vector<String>>(context);
+    auto& found = from_context<DirectoryNames>(context);
+    PathBuffer path(found.parent);
     FileStat stat;
-    const bool is_directory =
-        kind == FileKind::directory || (kind == FileKind::link && !failed(stat_file(name, stat)) &&
-                                        stat.kind == FileKind::directory);
-    if (is_directory && is_library_name(name))
-        directories.emplace_back(name);
+    if (is_library_name(name) &&
+        (kind == FileKind::directory ||
+         (kind == FileKind::link && path.join(name) && !failed(stat_file(path.view(), stat)) &&
+          stat.kind == FileKind::directory)))
+        found.names.emplace_back(name);
     return true;
 }
 
-Failure unusable(const LibraryPlace& place, SystemError error) {
-    const String reason = error_text(error);
-    if (is_denied(error) || is_out_of_room(error))
-        return {ExitStatus::no_room,
-                format_message(msg_library_unwritable, place.name.c_str(), reason.c_str())};
-    return {ExitStatus::bad_library,
-            format_message(msg_library_unusable, place.name.c_str(), reason.c_str())};
+Vector<String> directories_in(std::string_view parent) {
+    DirectoryNames found{parent, {}};
+    static_cast<void>(list_directory(parent, collect_directory, &found));
+    std::sort(found.names.begin(), found.names.end());
+    return std::move(found.names);
+}
+
+bool holds_library(const LibraryPlace& place, VhdlStandard standard) {
+    PathBuffer file(view(place.directory));
+    return file.join(view(library_file_name(view(place.name), standard))) &&
+           file_exists(file.view());
+}
+
+/// Adds a library that may be read, unless one of its name has been found before.
+void add_visible_library(Surroundings& surroundings, std::string_view name,
+                         std::string_view directory) {
+    LibraryPlace place{lower_case(name), String(directory)};
+    for (const LibraryPlace& known : surroundings.visible) {
+        if (known.name == place.name)
+            return;
+    }
+    surroundings.visible.push_back(std::move(place));
+}
+
+void add_target(Surroundings& surroundings, const RcFile& file, std::string_view library) {
+    const String name = lower_case(library);
+    for (const Surroundings::Target& known : surroundings.targets) {
+        if (known.place.name == name)
+            return;
+    }
+    LibraryDirectory found = resolve_library(file, view(name));
+    const bool is_installed =
+        found.rule == LibraryRule::installed || is_inside_install_root(view(found.path));
+    surroundings.targets.push_back({{name, std::move(found.path)}, is_installed});
+}
+
+void add_installed_libraries(Surroundings& surroundings) {
+    PathBuffer root;
+    if (!find_install_library_root(root))
+        return;
+    for (const String& name : directories_in(root.view())) {
+        PathBuffer directory(root.view());
+        if (directory.join(view(name)) && directory.join("work") && file_exists(directory.view()))
+            add_visible_library(surroundings, view(name), directory.view());
+    }
 }
 
 SystemError write_something(std::string_view path) {
@@ -46,46 +92,73 @@ SystemError write_something(std::string_view path) {
     return failed(error) ? error : closing;
 }
 
+/// Can files be written there at all?
+Failure try_library(const LibraryPlace& place) {
+    PathBuffer path(view(place.directory));
+    if (!path.join("trial"))
+        return library_failure(place, refuse(Refusal::path_too_long));
+    const SystemError error = write_something(path.view());
+    if (failed(error))
+        return library_failure(place, error);
+    return {};
+}
+
 } // namespace
 
-Surroundings look_around(VhdlStandard standard) {
-    Surroundings surroundings;
-    Vector<String>& directories = surroundings.directories;
-    static_cast<void>(list_directory(".", collect_directory, &directories));
-    std::sort(directories.begin(), directories.end());
-    for (const String& directory : directories) {
-        const String library = lower_case(view(directory));
-        PathBuffer file(view(directory));
-        if (file.join(view(library_file_name(view(library), standard))) && file_exists(file.view()))
-            surroundings.libraries.push_back({library, directory});
+Failure look_around(const Options& options, Surroundings& surroundings) {
+    RcFile assignments;
+    SystemError error = SystemError::none;
+    const TextFileStatus status = read_rc_file(assignments, error);
+    if (status != TextFileStatus::read) {
+        const String reason = status == TextFileStatus::too_large
+                                  ? format_message(msg_file_too_large)
+                                  : error_text(error);
+        return {ExitStatus::bad_library,
+                format_message(msg_cannot_read, String(k_rc_file).c_str(), reason.c_str())};
     }
-    return surroundings;
+    for (const SourceArgument& source : options.files)
+        add_target(surroundings, assignments, view(source.library));
+    if (!options.top.empty())
+        add_target(surroundings, assignments, k_work_library);
+    for_each_assignment(assignments, &surroundings,
+                        [](void* context, std::string_view library, std::string_view directory) {
+                            if (is_library_name(library))
+                                add_visible_library(from_context<Surroundings>(context), library,
+                                                    directory);
+                            return true;
+                        });
+    for (const String& name : directories_in("."))
+        add_visible_library(surroundings, view(name), view(name));
+    add_installed_libraries(surroundings);
+    std::erase_if(surroundings.visible, [&](const LibraryPlace& place) {
+        return !holds_library(place, options.standard);
+    });
+    return {};
+}
+
+Failure library_failure(const LibraryPlace& place, SystemError error) {
+    const String reason = error_text(error);
+    if (is_denied(error) || is_out_of_room(error))
+        return {ExitStatus::no_room,
+                format_message(msg_library_unwritable, place.name.c_str(), reason.c_str())};
+    return {ExitStatus::bad_library,
+            format_message(msg_library_unusable, place.name.c_str(), reason.c_str())};
 }
 
 Failure prepare_library(const LibraryPlace& place) {
     FileStat stat;
     const SystemError missing = stat_file(view(place.directory), stat);
     if (is_missing(missing)) {
-        const SystemError error = make_directory(view(place.directory));
+        const SystemError error = make_directories(view(place.directory));
         if (failed(error))
-            return unusable(place, error);
+            return library_failure(place, error);
     } else if (failed(missing)) {
-        return unusable(place, missing);
+        return library_failure(place, missing);
     } else if (stat.kind != FileKind::directory) {
         return {ExitStatus::bad_library,
                 format_message(msg_not_a_directory, place.name.c_str(), place.directory.c_str())};
     }
     return try_library(place);
-}
-
-Failure try_library(const LibraryPlace& place) {
-    PathBuffer path(view(place.directory));
-    if (!path.join("trial"))
-        return unusable(place, refuse(Refusal::path_too_long));
-    const SystemError error = write_something(path.view());
-    if (failed(error))
-        return unusable(place, error);
-    return {};
 }
 
 } // namespace pellux

@@ -1,16 +1,18 @@
 #pragma once
 
+#include "core/os/system_error.h"
 #include "tools/driver/plan.h"
 
 namespace pellux {
 
-/// What the current directory holds; nothing when it cannot be listed.
-[[nodiscard]] Surroundings look_around(VhdlStandard standard);
+/// Finds the libraries that the options name and those that may be read besides: assigned in
+/// "brix.rc", in the current directory, installed. The first place that has a library's name wins.
+[[nodiscard]] Failure look_around(const Options& options, Surroundings& surroundings);
 
 /// Makes the library's directory where it is missing, and tries whether it can be written.
 [[nodiscard]] Failure prepare_library(const LibraryPlace& place);
 
-/// The same trial alone, after GHDL failed on the library.
-[[nodiscard]] Failure try_library(const LibraryPlace& place);
+/// What a failing operation on the library's files means for the run.
+[[nodiscard]] Failure library_failure(const LibraryPlace& place, SystemError error);
 
 } // namespace pellux

@@ -42,9 +42,33 @@ inline Message<const char*, const char*> msg_library_unusable{"E1943",
 inline Message<const char*, const char*> msg_library_unwritable{
     "E1944", "Library '%s' can't be written: %s"};
 
+inline Message<const char*> msg_installed_library{"E1957", "Library '%s' is an installed library."};
+inline Message<const char*, const char*> msg_library_in_use{
+    "E1945", "Library '%s' is in use by another compilation (process %s)."};
+inline Message<const char*> msg_waiting_for_library{
+    "E1946", "Waiting for library '%s', which another compilation uses."};
+inline Message<const char*> msg_library_other_ghdl{
+    "E1947", "Library '%s' was made by another version of GHDL; it is made anew."};
+inline Message<const char*> msg_library_damaged{"E1948",
+                                                "Library '%s' is damaged; it is made anew."};
+inline Message<const char*> msg_library_not_written{
+    "E1949", "Library '%s' can't be written: GHDL left nothing; the disk may be full."};
+
 inline Message<const char*, int, int> msg_follow_up_place{"E1950", "%s (line %d, col %d)"};
 inline Message<const char*, const char*, int, int> msg_follow_up_elsewhere{
     "E1951", "%s (%s, line %d, col %d)"};
+
+inline Message<const char*, const char*, const char*> msg_same_name{
+    "E1952", "'%s' and '%s' would be one source of library '%s'."};
+inline Message<> msg_unknown_format{
+    "E1953", "GHDL writes libraries in a format that is not known here; version 2 is needed."};
+inline Message<const char*, const char*> msg_newer_record{
+    "E1954", "'%s' was written by a newer version; '%s' is compiled again."};
+inline Message<const char*, const char*> msg_no_record{
+    "E1955", "Can't write '%s': %s; its source will be compiled again."};
+inline Message<const char*> msg_index_damaged{
+    "E1958", "The index of library '%s' is damaged; it is made anew."};
+inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
 

@@ -1,5 +1,6 @@
 #include "tools/driver/plan.h"
 
+#include "core/os/path.h"
 #include "tools/driver/library_name.h"
 #include "tools/driver/messages.h"
 
@@ -27,33 +28,56 @@ StandardWords words_of(VhdlStandard standard) {
     return {"--std=08", "-obj08.cf"};
 }
 
-/// The directory of that very name, else one whose name differs in its case only, else a new one.
-String directory_for(const String& library, const Surroundings& surroundings) {
-    const String* found = nullptr;
-    for (const String& directory : surroundings.directories) {
-        if (directory == library)
-            return library;
-        if (lower_case(view(directory)) == library && (found == nullptr || directory < *found))
-            found = &directory;
-    }
-    return found != nullptr ? *found : library;
+Failure refused(std::string_view given, const String& name) {
+    if (!is_library_name(given))
+        return {ExitStatus::bad_library,
+                format_message(msg_bad_library_name, String(given).c_str())};
+    if (is_reserved_library(view(name)))
+        return {ExitStatus::bad_library, format_message(msg_reserved_library, name.c_str())};
+    return {};
 }
 
-/// The index of the library in the plan's targets; enters it when it is new.
+/// The number of the library among the plan's targets; enters it when it is new.
 std::size_t target_of(Plan& plan, std::string_view given, const Surroundings& surroundings) {
     const String name = lower_case(given);
     for (std::size_t i = 0; i < plan.targets.size(); ++i) {
         if (plan.targets[i].name == name)
             return i;
     }
-    if (!is_library_name(given))
-        plan.failure = {ExitStatus::bad_library,
-                        format_message(msg_bad_library_name, String(given).c_str())};
-    else if (is_reserved_library(view(name)))
-        plan.failure = {ExitStatus::bad_library,
-                        format_message(msg_reserved_library, name.c_str())};
-    plan.targets.push_back({name, directory_for(name, surroundings)});
+    plan.failure = refused(given, name);
+    plan.targets.push_back({name, name});
+    for (const Surroundings::Target& target : surroundings.targets) {
+        if (target.place.name != name)
+            continue;
+        plan.targets.back() = target.place;
+        if (target.is_installed && !plan.failure)
+            plan.failure = {ExitStatus::bad_library,
+                            format_message(msg_installed_library, name.c_str())};
+    }
     return plan.targets.size() - 1;
+}
+
+/// A library knows its sources by their base names, and keeps files of its own named after them.
+std::string_view stem(std::string_view file) {
+    const std::string_view name = file_name_part(file);
+    return name.substr(0, name.rfind('.'));
+}
+
+/// Adds the analysis of a source; one that is named twice is analysed where it stands last.
+void add_source(Plan& plan, TextMap<std::size_t>& steps, const String& file, std::size_t library) {
+    const String key = plan.targets[library].name + "/" + String(stem(view(file)));
+    const auto [found, is_new] = steps.try_emplace(key, plan.steps.size());
+    if (!is_new && plan.steps[found->second].file != file) {
+        plan.failure = {ExitStatus::arguments,
+                        format_message(msg_same_name, plan.steps[found->second].file.c_str(),
+                                       file.c_str(), plan.targets[library].name.c_str())};
+        return;
+    }
+    if (!is_new) {
+        plan.steps[found->second].kind = StepKind::nothing;
+        found->second = plan.steps.size();
+    }
+    plan.steps.push_back({StepKind::analyse, file, library});
 }
 
 bool is_target(const Plan& plan, const LibraryPlace& place) {
@@ -61,22 +85,17 @@ bool is_target(const Plan& plan, const LibraryPlace& place) {
                        [&](const LibraryPlace& target) { return target.name == place.name; });
 }
 
-/// The words that every call shares, up to what it is about.
-Vector<String> common_words(std::string_view ghdl, const char* command, const Plan& plan,
-                            const Step& step) {
-    const LibraryPlace& own = plan.targets[step.library];
+/// The words that every call on a library shares, up to what it is about.
+Vector<String> common_words(const GhdlCalls& calls, const char* command, std::string_view library) {
     Vector<String> words;
-    words.emplace_back(ghdl);
+    words.push_back(calls.program);
     words.emplace_back(command);
-    words.emplace_back(words_of(plan.standard).option);
-    words.push_back("--work=" + own.name);
-    words.push_back("--workdir=" + own.directory);
-    for (const LibraryPlace& place : plan.targets) {
-        if (place.name != own.name)
-            words.push_back("-P" + place.directory);
-    }
-    for (const LibraryPlace& place : plan.others)
-        words.push_back("-P" + place.directory);
+    words.emplace_back(words_of(calls.standard).option);
+    words.push_back("--work=" + String(library));
+    words.push_back("--workdir=" + calls.directory);
+    words.push_back("-P" + calls.directory);
+    for (const String& directory : calls.search)
+        words.push_back("-P" + directory);
     words.emplace_back("-fno-caret-diagnostics");
     words.emplace_back("-fno-color-diagnostics");
     // GHDL's own limit would hide errors from ours.
@@ -89,18 +108,24 @@ Vector<String> common_words(std::string_view ghdl, const char* command, const Pl
 Plan make_plan(const Options& options, const Surroundings& surroundings) {
     Plan plan;
     plan.standard = options.standard;
+    TextMap<std::size_t> steps;
     for (const SourceArgument& source : options.files) {
         const std::size_t library = target_of(plan, view(source.library), surroundings);
+        if (!plan.failure)
+            add_source(plan, steps, source.name, library);
         if (plan.failure)
             return plan;
-        plan.steps.push_back({StepKind::analyse, source.name, library});
     }
     if (!options.top.empty()) {
         const std::size_t library = target_of(plan, k_work_library, surroundings);
-        plan.steps.push_back({StepKind::analyse, options.top, library});
+        if (!plan.failure)
+            add_source(plan, steps, options.top, library);
+        if (plan.failure)
+            return plan;
         plan.steps.push_back({StepKind::elaborate, options.top, library});
     }
-    for (const LibraryPlace& place : surroundings.libraries) {
+    std::erase_if(plan.steps, [](const Step& step) { return step.kind == StepKind::nothing; });
+    for (const LibraryPlace& place : surroundings.visible) {
         if (!is_target(plan, place) && !is_reserved_library(view(place.name)))
             plan.others.push_back(place);
     }
@@ -111,24 +136,16 @@ String library_file_name(std::string_view library, VhdlStandard standard) {
     return String(library) + words_of(standard).library_suffix;
 }
 
-Vector<String> analysis_words(std::string_view ghdl, const Plan& plan, const Step& step) {
-    Vector<String> words = common_words(ghdl, "-a", plan, step);
-    words.push_back(ghdl_file_name(view(step.file)));
+Vector<String> analysis_words(const GhdlCalls& calls, std::string_view library,
+                              std::string_view file) {
+    Vector<String> words = common_words(calls, "-a", library);
+    words.emplace_back(file);
     return words;
 }
 
-Vector<String> listing_words(std::string_view ghdl, const Plan& plan, const Step& step) {
-    Vector<String> words;
-    words.emplace_back(ghdl);
-    words.emplace_back("-f");
-    words.emplace_back(words_of(plan.standard).option);
-    words.push_back(ghdl_file_name(view(step.file)));
-    return words;
-}
-
-Vector<String> elaboration_words(std::string_view ghdl, const Plan& plan, const Step& step,
+Vector<String> elaboration_words(const GhdlCalls& calls, std::string_view library,
                                  std::string_view unit) {
-    Vector<String> words = common_words(ghdl, "-e", plan, step);
+    Vector<String> words = common_words(calls, "-e", library);
     words.emplace_back(unit);
     return words;
 }

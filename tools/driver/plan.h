@@ -9,19 +9,26 @@
 
 namespace pellux {
 
-/// A library and the directory, relative to the current one, that holds its GHDL files.
+/// A library and the directory, relative to the current one or absolute, that holds its files.
 struct LibraryPlace {
     String name; ///< lower case
     String directory;
+
+    bool operator==(const LibraryPlace&) const = default;
 };
 
-/// What the plan must know of the current directory.
+/// What the plan must know of the place where it is carried out.
 struct Surroundings {
-    Vector<String> directories;     ///< names of its directories
-    Vector<LibraryPlace> libraries; ///< those of them that hold a GHDL library of their name
+    struct Target {
+        LibraryPlace place;
+        bool is_installed = false; ///< only to be read
+    };
+    Vector<Target> targets;       ///< the libraries that the arguments name, as they were found
+    Vector<LibraryPlace> visible; ///< those that hold units for the standard
 };
 
 enum class StepKind {
+    nothing,
     analyse,
     elaborate, ///< every unit of the file that nothing else in it uses
 };
@@ -29,7 +36,7 @@ enum class StepKind {
 struct Step {
     StepKind kind = StepKind::analyse;
     String file;             ///< as it stands in the argument vector
-    std::size_t library = 0; ///< index into the plan's targets
+    std::size_t library = 0; ///< number of its target
 };
 
 /// All that a run will do, in order. With a `failure` nothing is done.
@@ -47,13 +54,19 @@ struct Plan {
 /// "alib-obj08.cf": the file that makes a directory the home of library `alib`.
 [[nodiscard]] String library_file_name(std::string_view library, VhdlStandard standard);
 
-// Words of the GHDL calls, its program name first.
-[[nodiscard]] Vector<String> analysis_words(std::string_view ghdl, const Plan& plan,
-                                            const Step& step);
-[[nodiscard]] Vector<String> listing_words(std::string_view ghdl, const Plan& plan,
-                                           const Step& step);
-[[nodiscard]] Vector<String> elaboration_words(std::string_view ghdl, const Plan& plan,
-                                               const Step& step, std::string_view unit);
+/// What all calls of GHDL share.
+struct GhdlCalls {
+    String program; ///< its name, the first word
+    VhdlStandard standard = VhdlStandard::vhdl_2008;
+    String directory;      ///< where it reads and writes the libraries of the run
+    Vector<String> search; ///< directories of further libraries
+};
+
+// Words of the GHDL calls, its program name first. `file` is named as GHDL is given it.
+[[nodiscard]] Vector<String> analysis_words(const GhdlCalls& calls, std::string_view library,
+                                            std::string_view file);
+[[nodiscard]] Vector<String> elaboration_words(const GhdlCalls& calls, std::string_view library,
+                                               std::string_view unit);
 
 /// The file's name as GHDL is given it, so that it is never taken for a switch.
 [[nodiscard]] String ghdl_file_name(std::string_view file);

@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
+#include "tools/driver/compile_session.h"
 #include "tools/driver/ghdl_call.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/local_libraries.h"
@@ -13,6 +14,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -20,27 +22,19 @@ namespace {
 constexpr std::array k_ghdl_names{"ghdl-mcode", "ghdl"};
 constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
-/// What GHDL says when a library lets it down, and what that means.
-struct LibraryFault {
-    std::string_view part;
-    ExitStatus status;
-};
-constexpr std::array k_library_faults{
-    LibraryFault{"cannot create library file", ExitStatus::no_room},
-    LibraryFault{"cannot update library file", ExitStatus::no_room},
-    LibraryFault{"bad library format", ExitStatus::bad_library},
-};
-
 struct Runner {
     Output& output;
     Plan plan;
     PathBuffer ghdl;
+    GhdlCalls calls;
+    CompileSession session;
     Process process;
     SourceNames names;
     Translator translator;
-    const Step* step = nullptr;
-    ExitStatus library_fault = ExitStatus::nothing_failed;
-    String listing; ///< what GHDL prints of the top file's units
+    std::size_t source = k_no_source; ///< that is being analysed
+    bool anything_done = false;
+
+    static constexpr std::size_t k_no_source = static_cast<std::size_t>(-1);
 
     explicit Runner(Output& where) : output(where) {}
 };
@@ -55,6 +49,20 @@ void on_ending(void* context, int) {
     std::exit(static_cast<int>(ExitStatus::errors));
 }
 
+void tell_warnings(Runner& runner) {
+    for (const String& text : std::exchange(runner.session.warnings, {}))
+        warning(-1, msg_as_it_stands, text.c_str());
+}
+
+/// What was compiled stays, whatever ends the run.
+ExitStatus finish_session(Runner& runner, ExitStatus status) {
+    reporter().current_source = nullptr;
+    const Failure failure = commit_session(runner.session);
+    tell_warnings(runner);
+    remove_run_directory(runner.session.run);
+    return failure ? tell_failure(failure) : status;
+}
+
 /// While GHDL runs, the end of the program is the end of GHDL too.
 void on_ending_run(void* context, int status) {
     auto& runner = from_context<Runner>(context);
@@ -62,6 +70,12 @@ void on_ending_run(void* context, int status) {
         kill_process(runner.process);
         wait_for_process(runner.process);
     }
+    // A limit that is met again must not end what is ending.
+    reporter().error_limit = 0;
+    reporter().warning_limit = 0;
+    if (runner.source != Runner::k_no_source)
+        take_failed(runner.session, runner.source);
+    finish_session(runner, ExitStatus::errors);
     on_ending(&runner.output, status);
 }
 
@@ -78,13 +92,7 @@ Severity severity_of(GhdlLevel level) {
 }
 
 void on_diagnostic(void* context, const Diagnostic& diagnostic) {
-    auto& runner = from_context<Runner>(context);
-    if (diagnostic.line == 0) {
-        for (const LibraryFault& fault : k_library_faults) {
-            if (diagnostic.text.find(fault.part) != String::npos)
-                runner.library_fault = fault.status;
-        }
-    }
+    static_cast<void>(context);
     const char* compiled = reporter().current_source;
     if (!diagnostic.file.empty())
         reporter().current_source = diagnostic.file.c_str();
@@ -104,12 +112,6 @@ void on_ghdl_line(void* context, std::string_view line) {
     translate_line(from_context<Runner>(context).translator, line);
 }
 
-void on_listing_line(void* context, std::string_view line) {
-    auto& runner = from_context<Runner>(context);
-    runner.listing += line;
-    runner.listing += '\n';
-}
-
 void on_piece_read(void* context) {
     flush_output(from_context<Runner>(context).output);
 }
@@ -118,14 +120,15 @@ bool on_stop_question(void* context) {
     return must_stop(from_context<Runner>(context).output) || interrupted();
 }
 
-/// True when GHDL ran and ended by itself with success or with errors in the design.
-bool call_ghdl(Runner& runner, const Vector<String>& words,
-               void (*line)(void* context, std::string_view line)) {
+/// True when GHDL calls it a success.
+bool call_ghdl(Runner& runner, const Vector<String>& words) {
     flush_output(runner.output);
     const int errors_before = reporter().error_count;
-    const GhdlEnd end = run_ghdl(
-        runner.process, runner.ghdl.c_str(), words,
-        {.line = line, .piece_read = on_piece_read, .stop = on_stop_question, .context = &runner});
+    const GhdlEnd end = run_ghdl(runner.process, runner.ghdl.c_str(), words,
+                                 {.line = on_ghdl_line,
+                                  .piece_read = on_piece_read,
+                                  .stop = on_stop_question,
+                                  .context = &runner});
     end_translation(runner.translator);
     if (end.stopped)
         return false;
@@ -145,60 +148,83 @@ bool call_ghdl(Runner& runner, const Vector<String>& words,
     }
     if (end.process.code == k_refused && reporter().error_count == errors_before)
         error(-1, msg_ghdl_silent);
-    return true;
+    return end.process.code == 0;
 }
 
-void analyse(Runner& runner) {
-    const String line = format_message(msg_compiling, runner.step->file.c_str());
+/// A failure of the run; one of the source alone is told.
+Failure analyse(Runner& runner, std::size_t number) {
+    CompileSession& session = runner.session;
+    const SessionSource& source = session.sources[number];
+    Judgement judgement;
+    const Failure unreadable = judge_source(session, number, judgement);
+    if (judgement.verdict == Verdict::up_to_date && !unreadable)
+        return {};
+    runner.anything_done = true;
+    tell_warnings(runner);
+    const String line = format_message(msg_compiling, source.name.c_str());
     // The environment shows each file as soon as its packet comes.
     send_pending(runner.output.packets);
     print_lines(runner.output, view(line));
+    if (unreadable) {
+        tell_failure(unreadable);
+        take_failed(session, number);
+        return {};
+    }
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    runner.names.names[number].ghdl = source.ghdl_name;
     begin_source(runner.translator);
-    static_cast<void>(call_ghdl(
-        runner, analysis_words(view(runner.translator.program), runner.plan, *runner.step),
-        on_ghdl_line));
-    if (runner.library_fault != ExitStatus::nothing_failed)
-        return;
-    // GHDL takes no notice of a disk that has become full and calls the analysis a success.
-    reporter().current_source = nullptr;
-    if (const Failure failure = try_library(runner.plan.targets[runner.step->library]))
-        runner.library_fault = tell_failure(failure);
+    runner.source = number;
+    const bool success =
+        call_ghdl(runner, analysis_words(runner.calls,
+                                         view(session.targets[source.library].library.place.name),
+                                         view(source.ghdl_name)));
+    runner.source = Runner::k_no_source;
+    if (success)
+        return take_compiled(session, number);
+    take_failed(session, number);
+    return {};
 }
 
-void elaborate(Runner& runner) {
+/// The entities and configurations of a source that nothing else in it uses.
+Vector<String> tops_of(const SessionSource& source, std::string_view text) {
+    Vector<String> units;
+    for (const GhdlUnit& unit : source.entry.units) {
+        if (unit.kind == GhdlUnitKind::entity || unit.kind == GhdlUnitKind::configuration)
+            units.push_back(unit.name);
+    }
+    return unused_units(units, text);
+}
+
+Failure elaborate(Runner& runner, std::size_t number) {
+    CompileSession& session = runner.session;
     if (reporter().error_count > 0)
-        return;
-    const std::string_view program = view(runner.translator.program);
-    runner.listing.clear();
-    if (!call_ghdl(runner, listing_words(program, runner.plan, *runner.step), on_listing_line))
-        return;
-    const String file = ghdl_file_name(view(runner.step->file));
-    String source;
-    SystemError failure = SystemError::none;
-    if (read_text_file(view(file), k_source_max, source, failure) != TextFileStatus::read) {
-        const String reason =
-            failed(failure) ? error_text(failure) : format_message(msg_file_too_large);
-        error(-1, msg_cannot_read, file.c_str(), reason.c_str());
-        return;
+        return {};
+    const SessionSource& source = session.sources[number];
+    const Digest digest = elaboration_digest(session, number);
+    if (source.record.elaborated == digest)
+        return {};
+    String text;
+    SystemError unreadable = SystemError::none;
+    if (read_text_file(view(source.ghdl_name), k_source_max, text, unreadable) !=
+        TextFileStatus::read) {
+        const String reason = error_text(unreadable);
+        error(-1, msg_cannot_read, source.name.c_str(), reason.c_str());
+        return {};
     }
-    for (const String& unit : unused_units(listed_units(view(runner.listing)), view(source))) {
-        if (!call_ghdl(runner, elaboration_words(program, runner.plan, *runner.step, view(unit)),
-                       on_ghdl_line))
-            return;
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    runner.anything_done = true;
+    for (const String& unit : tops_of(source, view(text))) {
+        if (!call_ghdl(runner,
+                       elaboration_words(runner.calls,
+                                         view(session.targets[source.library].library.place.name),
+                                         view(unit))))
+            return {};
     }
-}
-
-void carry_out(Runner& runner) {
-    reporter().current_source = runner.step->file.c_str();
-    switch (runner.step->kind) {
-    case StepKind::analyse:
-        analyse(runner);
-        break;
-    case StepKind::elaborate:
-        elaborate(runner);
-        break;
-    }
-    reporter().current_source = nullptr;
+    if (reporter().error_count == 0)
+        take_elaborated(session, number, digest);
+    return {};
 }
 
 bool find_ghdl(PathBuffer& path) {
@@ -210,15 +236,40 @@ bool find_ghdl(PathBuffer& path) {
 }
 
 ExitStatus run_steps(Runner& runner) {
+    std::size_t next = 0;
     for (const Step& step : runner.plan.steps) {
-        runner.step = &step;
-        carry_out(runner);
+        const bool is_analysis = step.kind == StepKind::analyse;
+        const std::size_t number = is_analysis ? next++ : next - 1;
+        reporter().current_source = runner.session.sources[number].name.c_str();
+        const Failure failure = is_analysis ? analyse(runner, number) : elaborate(runner, number);
+        reporter().current_source = nullptr;
+        if (failure)
+            return tell_failure(failure);
         if (on_stop_question(&runner))
             return ExitStatus::errors;
-        if (runner.library_fault != ExitStatus::nothing_failed)
-            return runner.library_fault;
+    }
+    if (!runner.anything_done && reporter().error_count == 0) {
+        const String line = format_message(msg_up_to_date);
+        print_lines(runner.output, view(line));
     }
     return reporter().error_count > 0 ? ExitStatus::errors : ExitStatus::nothing_failed;
+}
+
+void on_waiting(void* context, const LibraryPlace& place) {
+    auto& runner = from_context<Runner>(context);
+    const String line = format_message(msg_waiting_for_library, place.name.c_str());
+    print_lines(runner.output, view(line));
+    flush_output(runner.output);
+}
+
+void set_up_calls(Runner& runner) {
+    runner.calls = {String(runner.ghdl.view()), runner.plan.standard, runner.session.run.path,
+                    runner.session.search};
+    runner.translator.program = runner.ghdl.view();
+    runner.translator.names = &runner.names;
+    runner.translator.diagnostic = on_diagnostic;
+    runner.translator.plain_line = on_plain_line;
+    runner.translator.context = &runner;
 }
 
 } // namespace
@@ -231,24 +282,24 @@ ExitStatus run_compiler(const Options& options, Output& output) {
         print_lines(output, view(banner));
     }
     Runner runner(output);
-    runner.plan = make_plan(options, look_around(options.standard));
+    Surroundings surroundings;
+    if (const Failure failure = look_around(options, surroundings))
+        return tell_failure(failure);
+    runner.plan = make_plan(options, surroundings);
     if (runner.plan.failure)
         return tell_failure(runner.plan.failure);
     if (!find_ghdl(runner.ghdl))
         return tell_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
-    for (const LibraryPlace& place : runner.plan.targets) {
-        if (const Failure failure = prepare_library(place))
-            return tell_failure(failure);
-    }
-    runner.names = source_names(options);
-    runner.translator.program = runner.ghdl.view();
-    runner.translator.names = &runner.names;
-    runner.translator.diagnostic = on_diagnostic;
-    runner.translator.plain_line = on_plain_line;
-    runner.translator.context = &runner;
+    const WaitGuard guard{on_waiting, on_stop_question, &runner};
+    if (const Failure failure = open_session(runner.session, runner.plan, options.only_changed,
+                                             runner.ghdl.view(), guard))
+        return tell_failure(failure);
+    tell_warnings(runner);
+    runner.names = source_names(runner.plan);
+    set_up_calls(runner);
     reporter().ending = on_ending_run;
     reporter().ending_context = &runner;
-    const ExitStatus status = run_steps(runner);
+    const ExitStatus status = finish_session(runner, run_steps(runner));
     report_to(output);
     return status;
 }

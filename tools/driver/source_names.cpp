@@ -1,15 +1,13 @@
 #include "tools/driver/source_names.h"
 
-#include "tools/driver/plan.h"
-
 namespace pellux {
 
-SourceNames source_names(const Options& options) {
+SourceNames source_names(const Plan& plan) {
     SourceNames names;
-    for (const SourceArgument& source : options.files)
-        names.names.push_back({source.name, ghdl_file_name(view(source.name)), false, {}});
-    if (!options.top.empty())
-        names.names.push_back({options.top, ghdl_file_name(view(options.top)), false, {}});
+    for (const Step& step : plan.steps) {
+        if (step.kind == StepKind::analyse)
+            names.names.push_back({step.file, ghdl_file_name(view(step.file)), false, {}});
+    }
     return names;
 }
 

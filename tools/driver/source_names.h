@@ -2,7 +2,7 @@
 
 #include "core/common/containers.h"
 #include "core/os/files.h"
-#include "tools/driver/options.h"
+#include "tools/driver/plan.h"
 
 #include <string_view>
 
@@ -19,7 +19,8 @@ struct SourceNames {
     Vector<Name> names;
 };
 
-[[nodiscard]] SourceNames source_names(const Options& options);
+/// The sources that the plan analyses, in its order.
+[[nodiscard]] SourceNames source_names(const Plan& plan);
 
 /// The argument vector's spelling of the file that GHDL calls `path`, be it another path to the
 /// same file; else `path`. The view lasts as long as `names` and `path`.

@@ -1,15 +1,14 @@
 #include "tools/driver/top_units.h"
 
 #include "tools/driver/library_name.h"
+#include "tools/driver/vhdl_lexer.h"
 #include "tools/driver/vhdl_tokens.h"
-
-#include <array>
 
 namespace pellux {
 namespace {
 
 String compared(std::string_view name) {
-    return name.starts_with('\\') ? String(name) : lower_case(name);
+    return name.starts_with('\\') ? String(name) : folded_identifier(name);
 }
 
 struct UseFinder {
@@ -71,30 +70,7 @@ void read_instance(UseFinder& finder, std::size_t i) {
         finder.use(finder.at(name));
 }
 
-constexpr std::array<std::string_view, 2> k_listed_kinds{"entity ", "configuration "};
-
-/// The name at the front of a listing's line, what GHDL marks behind it left out.
-std::string_view first_name(std::string_view text) {
-    if (text.starts_with('\\'))
-        return text.substr(0, text.rfind('\\') + 1);
-    return text.substr(0, text.find(' '));
-}
-
 } // namespace
-
-Vector<String> listed_units(std::string_view listing) {
-    Vector<String> units;
-    while (!listing.empty()) {
-        const std::size_t end = listing.find('\n');
-        const std::string_view line = listing.substr(0, end);
-        listing.remove_prefix(end == std::string_view::npos ? listing.size() : end + 1);
-        for (const std::string_view kind : k_listed_kinds) {
-            if (line.starts_with(kind))
-                units.emplace_back(first_name(line.substr(kind.size())));
-        }
-    }
-    return units;
-}
 
 Vector<String> unused_units(const Vector<String>& units, std::string_view source) {
     const Vector<String> tokens = vhdl_tokens(source);

@@ -120,6 +120,8 @@ TEST_F(BprProgram, OneBadFileOfManyDoesNotHideTheOthers) {
         std::count(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(begin), '\n') + 2;
     source.insert(begin + 6, "\t  no_such_signal <= '1';\n");
     directory_.write(third, source);
+    for (const char* library : {"pipeline/blocks", "pipeline/work"})
+        fs::remove_all(library);
     const Outcome bad = bpr("compile " + project);
     EXPECT_EQ(bad.status, 1);
     EXPECT_EQ(count(bad.text, "Compiling '"), 24U);
@@ -149,9 +151,11 @@ TEST_F(BprProgram, ARebuildRequestIsCarriedOutOnceAndWrittenBack) {
     ASSERT_EQ(bpr("make rebuild.json " + project).status, 0);
     directory_.write("counter/counter.bde", "x");
     EXPECT_EQ(bpr("compile " + project).text.find(" -m "), std::string::npos);
-    EXPECT_FALSE(fs::exists("counter/counter.bde"));
+    EXPECT_NE(directory_.read("counter/counter.bde"), "x");
     EXPECT_NE(bpr("show " + project).text.find("\"flags\": 34164739", flags), std::string::npos);
-    EXPECT_NE(bpr("compile " + project).text.find(" -m "), std::string::npos);
+    const std::string again = bpr("compile " + project).text;
+    EXPECT_NE(again.find(" -m "), std::string::npos);
+    EXPECT_EQ(count(again, "Compiling '"), 0U);
 }
 
 TEST_F(BprProgram, ACompilerThatDiesOrCannotRunIsAFailure) {

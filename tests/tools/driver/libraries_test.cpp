@@ -43,18 +43,31 @@ TEST(Libraries, NoRightAndNoRoomDifferFromABadPlace) {
     }
 }
 
-TEST(Libraries, LocalOnesAreThoseWithALibraryFileOfTheStandard) {
+TEST(Libraries, EachNameIsFoundInTheFirstPlaceThatHasIt) {
     const Scratch scratch;
-    for (const char* file : {"Alib/alib-obj08.cf", "blib/blib-obj93.cf", "src/other-obj08.cf",
-                             "elsewhere/clib-obj08.cf", "a b/x", "file"})
+    for (const char* file :
+         {"Alib/alib-obj08.cf", "blib/blib-obj93.cf", "src/other-obj08.cf",
+          "elsewhere/clib-obj08.cf", "a b/x", "file", "far/dlib-obj08.cf", "dlib/dlib-obj08.cf",
+          "tree/lib/alib/work/alib-obj08.cf", "tree/lib/elib/work/elib-obj08.cf"})
         scratch.write(file, "");
+    scratch.write("brix.rc", "# alib far\nDLIB far\nflib tree/lib/elib/work\n");
     std::filesystem::create_directory_symlink("elsewhere", "clib");
-    const Surroundings around = look_around(VhdlStandard::vhdl_2008);
-    EXPECT_EQ(around.directories, (Vector<String>{"Alib", "blib", "clib", "elsewhere", "src"}));
-    ASSERT_EQ(around.libraries.size(), 2u);
-    EXPECT_EQ(around.libraries[0].name, "alib");
-    EXPECT_EQ(around.libraries[0].directory, "Alib");
-    EXPECT_EQ(around.libraries[1].directory, "clib");
+    const test::ScopedVariable install("VELMORA_DIR", scratch.path("tree").c_str());
+    Options options;
+    options.files = {{"a.vhd", "ALIB"}, {"b.vhd", "new"}, {"c.vhd", "elib"}, {"d.vhd", "flib"}};
+    Surroundings around;
+    ASSERT_FALSE(look_around(options, around));
+    const String installed(scratch.path("tree/lib/elib/work"));
+    EXPECT_EQ(around.visible,
+              (Vector<LibraryPlace>{
+                  {"dlib", "far"}, {"alib", "Alib"}, {"clib", "clib"}, {"elib", installed}}));
+    ASSERT_EQ(around.targets.size(), 4u);
+    EXPECT_EQ(around.targets[0].place, (LibraryPlace{"alib", "Alib"}));
+    EXPECT_FALSE(around.targets[0].is_installed);
+    EXPECT_EQ(around.targets[1].place, (LibraryPlace{"new", "new"}));
+    EXPECT_TRUE(around.targets[2].is_installed);
+    EXPECT_TRUE(around.targets[3].is_installed);
+    EXPECT_EQ(make_plan(options, around).failure.text, "Library 'elib' is an installed library.");
 }
 
 } // namespace

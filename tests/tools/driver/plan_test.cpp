@@ -31,16 +31,27 @@ TEST(Plan, TopIsAnalysedLastInWorkAndThenElaborated) {
     EXPECT_EQ(joined(steps), "a:alib/a.vhd a:work/b.vhd a:work/t.vhd e:work/t.vhd ");
 }
 
-TEST(Plan, OneLibraryHasOneDirectoryWhateverItsCase) {
-    const Surroundings around{.directories = {"ALIB", "Alib", "WORK", "src"}, .libraries = {}};
+TEST(Plan, OneLibraryIsOneTargetWhateverItsCase) {
+    const Surroundings around{.targets = {{{"alib", "ALIB"}}}, .visible = {}};
     const Plan plan =
         make_plan(options_of({{"a.vhd", "ALib"}, {"b.vhd", "alib"}}, "t.vhd"), around);
-    ASSERT_EQ(plan.targets.size(), 2u);
-    EXPECT_EQ(plan.targets[0].name, "alib");
-    EXPECT_EQ(plan.targets[0].directory, "ALIB");
-    EXPECT_EQ(plan.targets[1].directory, "WORK");
-    const Surroundings exact{.directories = {"ALIB", "alib"}, .libraries = {}};
-    EXPECT_EQ(make_plan(options_of({{"a.vhd", "ALib"}}), exact).targets[0].directory, "alib");
+    EXPECT_EQ(plan.targets, (Vector<LibraryPlace>{{"alib", "ALIB"}, {"work", "work"}}));
+}
+
+TEST(Plan, ALibraryHasOneSourceOfAName) {
+    const auto failure = [](Vector<SourceArgument> files, const char* top) {
+        const Failure told = make_plan(options_of(std::move(files), top), {}).failure;
+        return std::to_string(static_cast<int>(told.status)) + told.text.c_str();
+    };
+    EXPECT_EQ(failure({{"a/x.vhd", "lib"}, {"b/x.vhd", "LIB"}}, ""),
+              "2'a/x.vhd' and 'b/x.vhd' would be one source of library 'lib'.");
+    EXPECT_EQ(failure({{"x.vhdl", "work"}}, "x.vhd"),
+              "2'x.vhdl' and 'x.vhd' would be one source of library 'work'.");
+    EXPECT_EQ(failure({{"a/x.vhd", "lib"}, {"b/x.vhd", "work"}}, "y.vhd"), "0");
+    // The top design is the last, wherever it stands.
+    const Plan plan = make_plan(options_of({{"t.vhd", "work"}, {"a.vhd", "work"}}, "t.vhd"), {});
+    ASSERT_EQ(plan.steps.size(), 3u);
+    EXPECT_EQ(plan.steps[0].file, "a.vhd");
 }
 
 TEST(Plan, RefusesNamesThatAreNoLibraryOfTheUsers) {
@@ -53,19 +64,18 @@ TEST(Plan, RefusesNamesThatAreNoLibraryOfTheUsers) {
 }
 
 TEST(Plan, CallsNameTheLibrariesInPlay) {
-    Options options = options_of({{"a.vhd", "alib"}, {"-x.vhd", "work"}}, "-t.vhd");
-    options.standard = VhdlStandard::vhdl_93;
-    const Surroundings around{.directories = {},
-                              .libraries = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}}};
-    const Plan plan = make_plan(options, around);
-    EXPECT_EQ(joined(analysis_words("/bin/g", plan, plan.steps[0])),
-              "/bin/g -a --std=93 --work=alib --workdir=alib -Pwork -PMore "
+    const Surroundings around{.targets = {},
+                              .visible = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}}};
+    const Plan plan = make_plan(options_of({{"a.vhd", "alib"}}), around);
+    EXPECT_EQ(plan.others, (Vector<LibraryPlace>{{"more", "More"}}));
+    const GhdlCalls calls{"/bin/g", VhdlStandard::vhdl_93, "run", {"More"}};
+    EXPECT_EQ(joined(analysis_words(calls, "alib", "a.vhd")),
+              "/bin/g -a --std=93 --work=alib --workdir=run -Prun -PMore "
               "-fno-caret-diagnostics -fno-color-diagnostics -fmax-errors=100000 a.vhd ");
-    EXPECT_EQ(analysis_words("g", plan, plan.steps[1]).back(), "./-x.vhd");
-    EXPECT_EQ(joined(elaboration_words("g", plan, plan.steps[3], "top")),
-              "g -e --std=93 --work=work --workdir=work -Palib -PMore "
+    EXPECT_EQ(joined(elaboration_words(calls, "work", "top")),
+              "/bin/g -e --std=93 --work=work --workdir=run -Prun -PMore "
               "-fno-caret-diagnostics -fno-color-diagnostics -fmax-errors=100000 top ");
-    EXPECT_EQ(joined(listing_words("g", plan, plan.steps[3])), "g -f --std=93 ./-t.vhd ");
+    EXPECT_EQ(ghdl_file_name("-x.vhd"), "./-x.vhd");
 }
 
 } // namespace

@@ -7,15 +7,6 @@
 namespace pellux {
 namespace {
 
-TEST(TopUnits, ListingGivesEntitiesAndConfigurations) {
-    const Vector<String> expected{"Leaf", "top", "\\Ext Ent\\", "cfg"};
-    EXPECT_EQ(listed_units("entity Leaf\narchitecture a of Leaf\nentity top **\npackage p\n"
-                           "package body p\npackage instance q\nentity \\Ext Ent\\ **\n"
-                           "context c\n???\nx.vhd:1:1: entity is bad\nconfiguration cfg"),
-              expected);
-    EXPECT_TRUE(listed_units("").empty());
-}
-
 TEST(TopUnits, UnitsThatSomethingElseUsesAreLeftOut) {
     struct Row {
         Vector<String> units;

@@ -130,7 +130,7 @@ TEST_F(Translation, NamesAreTheVectorsOwn) {
     Options options;
     options.files = {{"./sub/../a.vhd", "work"}, {"gone.vhd", "work"}};
     options.top = "-t.vhd";
-    names = source_names(options);
+    names = source_names(make_plan(options, {}));
     call("./-t.vhd:1:1: top\n" + scratch.path("a.vhd") + ":2:1: same file\n" +
          "./sub/../a.vhd:3:1: same words\nother.vhd:4:1: another\ngone.vhd:5:1: missing\n");
     EXPECT_EQ(told, (Lines{"E -t.vhd(1,1) top", "E ./sub/../a.vhd(2,1) same file",

@@ -1,0 +1,48 @@
+#include "tools/driver/source_scan.h"
+#include "tools/driver/vhdl_lexer.h"
+#include "tools/driver/vhdl_tokens.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+namespace {
+
+using namespace pellux;
+
+void require(bool holds) {
+    if (!holds)
+        __builtin_trap();
+}
+
+/// A token that some text may hold as a word or an extended identifier.
+bool is_identifier(const String& token) {
+    return token.size() > 1 && token[0] == '\\' ? true : vhdl_class(token[0]) == VhdlClass::letter;
+}
+
+} // namespace
+
+/// Scans the input in all ways; the ways must agree on its identifiers.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // A block of its own size, so that a look behind its end is seen.
+    const Vector<char> copy(data, data + size);
+    const std::string_view text(copy.data(), copy.size());
+    SourceScan scan;
+    scan_source("left over", scan);
+    scan_source(text, scan);
+    TextSet names;
+    for (const String& token : vhdl_tokens(text)) {
+        if (is_identifier(token))
+            names.insert(token);
+    }
+    require(scan.identifiers.size() == names.size());
+    scan.identifiers.for_each([&](std::string_view name) { require(names.contains(name)); });
+    for (const String& name : names)
+        require(scan.identifiers.contains(view(name)));
+    for (const DeclaredUnit& unit : declared_units(text))
+        require(names.contains(unit.name) && (unit.entity.empty() || names.contains(unit.entity)));
+    std::string spaced(text);
+    std::replace(spaced.begin(), spaced.end(), '\n', '\r');
+    require(token_digest(spaced) == token_digest(text));
+    return 0;
+}

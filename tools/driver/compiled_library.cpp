@@ -1,0 +1,96 @@
+#include "tools/driver/compiled_library.h"
+
+#include "core/common/text_file.h"
+#include "core/os/files.h"
+#include "tools/driver/source_place.h"
+
+namespace pellux {
+namespace {
+
+constexpr std::size_t k_library_file_max = std::size_t{1} << 30;
+
+/// The place of a source as the library keeps it; empty when it keeps none or nothing is there.
+String kept_path(const CompiledLibrary& library, std::string_view path) {
+    const String copy = copy_path(view(library.directory), path);
+    if (file_name_part(directory_part(path)) == k_copies_directory && file_exists(view(copy)))
+        return copy;
+    const String way = read_vif(view(library.directory), path);
+    if (way.empty())
+        return {};
+    const String kept = absolute_path(view(library.directory), view(way));
+    return file_exists(view(kept)) ? kept : String();
+}
+
+void mend(CompiledLibrary& library) {
+    for (GhdlSource& source : library.sources) {
+        const String path = source_path(source);
+        const String kept = kept_path(library, view(path));
+        if (kept.empty() || kept == absolute_path("/", view(path)))
+            continue;
+        set_source_path(source, {}, view(kept));
+        library.mended = true;
+    }
+}
+
+} // namespace
+
+LibraryState read_library(CompiledLibrary& library, VhdlStandard standard) {
+    PathBuffer resolved;
+    if (failed(real_path(view(library.place.directory), resolved)))
+        return LibraryState::missing;
+    library.directory = resolved.view();
+    PathBuffer path;
+    if (!library_file_path(resolved.view(), view(library.place.name), standard, path))
+        return LibraryState::unreadable;
+    SystemError error = SystemError::none;
+    switch (read_text_file(path.view(), k_library_file_max, library.text, error)) {
+    case TextFileStatus::too_large:
+        return LibraryState::damaged;
+    case TextFileStatus::failed:
+        return is_missing(error) ? LibraryState::missing : LibraryState::unreadable;
+    case TextFileStatus::read:
+        break;
+    }
+    GhdlLibrary read;
+    switch (parse_ghdl_library(view(library.text), read)) {
+    case GhdlLibraryStatus::other_format:
+        return LibraryState::other_format;
+    case GhdlLibraryStatus::damaged:
+        return LibraryState::damaged;
+    case GhdlLibraryStatus::read:
+        break;
+    }
+    library.sources = std::move(read.sources);
+    return LibraryState::read;
+}
+
+LibraryState load_library(CompiledLibrary& library, VhdlStandard standard) {
+    const LibraryState state = read_library(library, standard);
+    mend(library);
+    return state;
+}
+
+bool library_file_path(std::string_view directory, std::string_view library, VhdlStandard standard,
+                       PathBuffer& path) {
+    return path.assign(directory) && path.join(view(library_file_name(library, standard)));
+}
+
+void set_source_path(GhdlSource& source, std::string_view current, std::string_view path) {
+    source.name = path;
+    source.directory.clear();
+    if (is_absolute(path))
+        return;
+    source.directory = current;
+    if (!is_separator(current.back()))
+        source.directory += path_separator();
+}
+
+String copy_path(std::string_view library_directory, std::string_view file) {
+    String path(library_directory);
+    path += path_separator();
+    path += k_copies_directory;
+    path += path_separator();
+    return path += file_name_part(file);
+}
+
+} // namespace pellux

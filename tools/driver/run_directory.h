@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/os/system_error.h"
+
+#include <string_view>
+
+namespace pellux {
+
+/// A directory of one run's own, in which GHDL writes: a library changes only when the run replaces
+/// its files as a whole, whatever becomes of the run. Goes with the structure.
+struct RunDirectory {
+    String path; ///< empty: none
+
+    RunDirectory() = default;
+    RunDirectory(const RunDirectory&) = delete;
+    RunDirectory& operator=(const RunDirectory&) = delete;
+    ~RunDirectory();
+};
+
+/// Makes it inside `parent`, and removes what runs that are gone left there.
+[[nodiscard]] SystemError make_run_directory(RunDirectory& directory, std::string_view parent);
+void remove_run_directory(RunDirectory& directory);
+
+} // namespace pellux
