@@ -1,6 +1,7 @@
 #include "core/launch/command_line.h"
 
 #include "core/diagnostics/message.h"
+#include "core/launch/response_file.h"
 
 namespace pellux {
 

@@ -8,9 +8,9 @@ namespace pellux {
 
 inline constexpr std::size_t k_command_line_max =
     128; ///< bytes with the NUL; above, a response file
-inline constexpr const char* k_response_file = "brix.rsp";
 
-/// The words that a program is started with, and what goes into the response file.
+/// The words that a program is started with, and what goes into the response file; the last word
+/// names it by its usual name.
 struct CommandLine {
     Vector<String> words; ///< element 0 is the program
     bool has_response = false;

@@ -2,7 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/launch/command_line.h"
-#include "core/os/safe_write.h"
+#include "core/launch/response_file.h"
 
 #include <algorithm>
 #include <array>
@@ -18,11 +18,25 @@ constexpr std::int64_t k_close_grace_ms = 2000;
 
 constinit Spawner* g_spawners = nullptr;
 
-/// Starts a composed command line; `process` null starts it detached.
-bool start(const CommandLine& line, Process* process) {
-    if (line.has_response &&
-        failed(safe_write_file(k_response_file, std::as_bytes(std::span(line.response)))))
+/// A program without a channel that has a response file; ends itself.
+struct Reader {
+    Process process;
+    File response;
+};
+
+/// The response file of `line`, if it has one, held open by `response`.
+bool put_response(CommandLine& line, File& response) {
+    String name;
+    if (!line.has_response)
+        return true;
+    if (failed(put_response_file(view(line.response), response, name)))
         return false;
+    line.words.back() = "@" + name;
+    return true;
+}
+
+/// `process` null starts it detached.
+bool start(const CommandLine& line, Process* process) {
     Vector<const char*> words;
     for (const String& word : line.words)
         words.push_back(word.c_str());
@@ -46,7 +60,7 @@ void Spawner::open() {
     watchdog_.context = this;
     grace_.expired = [](void* self) { from_context<Spawner>(self).on_grace_over(); };
     grace_.context = this;
-    process_.ended = [](void* self, ProcessEnd) { from_context<Spawner>(self).on_process_ended(); };
+    process_.ended = [](void* self, ProcessEnd) { from_context<Spawner>(self).complete_if_gone(); };
     process_.context = this;
 
     next_ = std::exchange(g_spawners, this);
@@ -55,9 +69,12 @@ void Spawner::open() {
     // A topic may name any spawner of the process, whatever service it came in by.
     events.connect = [](void*, std::uint64_t connection, std::string_view topic) {
         Spawner* named = find(topic);
-        if (named != nullptr)
-            named->links_.push_back({connection, named->launch_});
-        return named != nullptr;
+        if (named == nullptr)
+            return false;
+        named->links_.push_back({connection, named->launch_of(connection)});
+        if (named->links_.back().launch == named->launch_)
+            named->response_ = {};
+        return true;
     };
     events.poke = [](void*, std::uint64_t connection, std::string_view topic, std::string_view item,
                      std::span<const std::byte> data) {
@@ -73,8 +90,7 @@ void Spawner::open() {
             return;
         std::erase_if(named->links_,
                       [=](const Link& link) { return link.connection == connection; });
-        if (named->running_ && named->process_.id == 0 && !named->has_live_link())
-            named->complete(1);
+        named->complete_if_gone();
     };
     // Without a channel there is no address, and launching fails.
     static_cast<void>(open_channel_server(*server_));
@@ -115,23 +131,43 @@ bool Spawner::launch(const char* program, const char* const* argv) {
         return false;
     if (process_.id != 0)
         end_process_later(process_, k_close_grace_ms);
+    if (child_ != 0)
+        earlier_children_.push_back(child_);
+    last_earlier_connection_ = accept_channel_connections(*server_);
     ++launch_;
     status_ = 0;
     child_window_ = 0;
-    running_ = start(compose_command_line(program, handle(), argv), &process_);
+    CommandLine line = compose_command_line(program, handle(), argv);
+    running_ = put_response(line, response_) && start(line, &process_);
+    child_ = process_.id;
+    // A number may be used again.
+    std::erase(earlier_children_, child_);
     if (running_)
         start_timer(watchdog_, k_first_poke_ms);
+    else
+        response_ = {};
     return running_;
 }
 
 bool Spawner::run(const char* program, const char* const* argv) {
-    return start(compose_command_line(program, 0, argv), nullptr);
+    CommandLine line = compose_command_line(program, 0, argv);
+    if (!line.has_response)
+        return start(line, nullptr);
+    Owned<Reader> reader = make_owned<Reader>();
+    reader->process.context = reader.get();
+    reader->process.ended = [](void* self, ProcessEnd) {
+        const Owned<Reader> ended(&from_context<Reader>(self));
+    };
+    if (!put_response(line, reader->response) || !start(line, &reader->process))
+        return false;
+    static_cast<void>(reader.release());
+    return true;
 }
 
 void Spawner::halt() {
     if (!running_)
         return;
-    if (child_window_ == 0) {
+    if (child_window_ == 0 && process_.id != 0) {
         kill_process(process_);
         return;
     }
@@ -154,6 +190,16 @@ bool Spawner::has_live_link() const {
                        [this](const Link& link) { return link.launch == launch_; });
 }
 
+std::uint64_t Spawner::launch_of(std::uint64_t connection) const {
+    const std::int64_t peer = channel_peer_process(connection);
+    const std::int64_t group = process_group(peer);
+    const bool earlier =
+        connection <= last_earlier_connection_ ||
+        std::any_of(earlier_children_.begin(), earlier_children_.end(),
+                    [=](std::int64_t child) { return child == peer || child == group; });
+    return earlier ? 0 : launch_;
+}
+
 void Spawner::forward(const char* text, int done, int status) {
     if (callback_ != nullptr)
         callback_(text, done, status);
@@ -164,6 +210,7 @@ void Spawner::forward(const char* text, int done, int status) {
 void Spawner::complete(int status) {
     stop_timer(watchdog_);
     stop_timer(grace_);
+    response_ = {};
     status_ = status;
     running_ = false;
     forward(nullptr, 1, status);
@@ -201,8 +248,15 @@ void Spawner::on_poke(std::uint64_t connection, std::string_view item,
 }
 
 bool Spawner::child_is_there() const {
-    return child_window_ != 0 && process_exists(child_window_) &&
-           (process_.id == 0 || is_descendant_or_self(process_.id, child_window_));
+    if (!process_exists(child_window_))
+        return false;
+    // A grandchild that has left the group and lost its parent is known by its connection alone.
+    return process_group(child_window_) == child_ ||
+           is_descendant_or_self(process_.id, child_window_) ||
+           std::any_of(links_.begin(), links_.end(), [this](const Link& link) {
+               return link.launch == launch_ &&
+                      channel_peer_process(link.connection) == child_window_;
+           });
 }
 
 void Spawner::on_watchdog() {
@@ -231,8 +285,9 @@ void Spawner::on_grace_over() {
         complete(1);
 }
 
-void Spawner::on_process_ended() {
-    if (!running_)
+/// The child has ended, or something that it left behind has stopped to speak.
+void Spawner::complete_if_gone() {
+    if (!running_ || process_.id != 0)
         return;
     // What the child wrote last may still be on its way; reading it may complete the launch, start
     // another one, or end this spawner.

@@ -2,6 +2,7 @@
 
 #include "core/common/containers.h"
 #include "core/os/channel.h"
+#include "core/os/files.h"
 #include "core/os/process.h"
 
 #include <cstdint>
@@ -13,6 +14,10 @@ namespace pellux {
 /// Text comes as `(text, 0, 0)`, possibly several lines in one; the end once as `(null, 1,
 /// status)`, from the loop. The object stays at one address. A callback may launch again, halt or
 /// destroy the spawner. GUI thread only.
+///
+/// What the processes of an earlier launch still send is answered and ignored: connections from
+/// before this launch, and those out of an earlier child's process group. Any other one, also of a
+/// process that nothing relates to a child any more, speaks for this launch.
 class Spawner {
 public:
     using Callback = void (*)(const char* text, int done, int status);
@@ -27,9 +32,11 @@ public:
 
     /// Starts `program` with the pipe switch and the arguments of `argv` (ends with a null, element
     /// 0 is the program) in the current directory. False, and nothing is started, while a child
-    /// runs, without a channel, or when the response file or the program fails.
+    /// runs, without a channel, or when the response file or the program fails. The response file
+    /// is this launch's until its first connection or its end: a child reads it before it connects.
     [[nodiscard]] bool launch(const char* program, const char* const* argv);
-    /// Starts a program that has no channel and whose end interests nobody.
+    /// Starts a program that has no channel and whose end interests nobody. Its response file is
+    /// its own until it or this program has ended.
     [[nodiscard]] static bool run(const char* program, const char* const* argv);
     /// Asks the child to close; one that does not within two seconds, or that was never heard of,
     /// is ended with all that it started.
@@ -47,7 +54,8 @@ public:
     [[nodiscard]] std::int64_t child_window() const { return child_window_; }
 
 private:
-    /// A connection that named this spawner, and the launch that it belongs to.
+    /// A connection that named this spawner, and the launch that it belongs to; 0 is an earlier
+    /// one.
     struct Link {
         std::uint64_t connection = 0;
         std::uint64_t launch = 0;
@@ -59,9 +67,10 @@ private:
     void on_poke(std::uint64_t connection, std::string_view item, std::span<const std::byte> data);
     void on_watchdog();
     void on_grace_over();
-    void on_process_ended();
+    void complete_if_gone();
     [[nodiscard]] bool has_live_link() const;
     [[nodiscard]] bool child_is_there() const;
+    [[nodiscard]] std::uint64_t launch_of(std::uint64_t connection) const;
 
     static Spawner* find(std::string_view topic);
     static Spawner* find(std::uint64_t connection);
@@ -76,7 +85,11 @@ private:
     Timer watchdog_;
     Timer grace_;
     Process process_;
-    std::uint64_t launch_ = 0; ///< counts the launches; a connection belongs to one of them
+    std::uint64_t launch_ = 0; ///< counts the launches
+    std::int64_t child_ = 0;   ///< process id and group of this launch, also after the child's end
+    Vector<std::int64_t> earlier_children_;
+    std::uint64_t last_earlier_connection_ = 0; ///< there before the launch, as all up to it
+    File response_;                             ///< open until the child must have read it
     Vector<Link> links_;
     Spawner* next_ = nullptr; ///< in the process's list of live spawners
 };

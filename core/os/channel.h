@@ -83,6 +83,10 @@ struct ChannelServer {
 [[nodiscard]] SystemError open_channel_server(ChannelServer& server);
 void close_channel_server(ChannelServer& server); ///< nothing when it is closed
 
+/// Accepts the connections that wait, without reading any. Answers the number of the process's
+/// latest connection: what was there before the call has at most that number, what comes later a
+/// higher one.
+std::uint64_t accept_channel_connections(ChannelServer& server);
 /// Reads at once what has arrived on all connections, also on those not yet accepted, without
 /// waiting and without the limit of a turn. For the moment after a child's end.
 void drain_channel_server(ChannelServer& server);

@@ -78,6 +78,9 @@ void end_process_later(Process& process, std::int64_t grace_ms);
 [[nodiscard]] bool process_exists(std::int64_t id);
 /// Is `id` the process `child` or one that descends from it, as far as its parents are alive?
 [[nodiscard]] bool is_descendant_or_self(std::int64_t child, std::int64_t id);
+/// The process group of `id`, 0 when there is no such process. A child's group has the number of
+/// the child, also after its end, and what the child starts stays in it unless it leaves.
+[[nodiscard]] std::int64_t process_group(std::int64_t id);
 [[nodiscard]] std::int64_t current_process_id();
 
 /// A pipe; both ends close on exec.

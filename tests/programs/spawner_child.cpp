@@ -1,8 +1,10 @@
 // A child of the spawner with a role: spawner_child -%bpipeN ROLE [ARGUMENT...] or @brix.rsp.
 
+#include "core/launch/spawner.h"
 #include "core/os/channel.h"
 #include "core/os/process.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -63,6 +65,25 @@ void flood_pipe(int lines) {
     }
 }
 
+/// Launches children of its own, again and again; how often one saw anything but its own words.
+int launch_children(const char* program, const std::string& tag, int rounds) {
+    int strangers = 0;
+    for (int round = 0; round < rounds; ++round) {
+        std::string heard;
+        Spawner spawner(
+            [](void* context, const char* text, int done, int) {
+                if (done == 0)
+                    *static_cast<std::string*>(context) += text;
+            },
+            &heard);
+        const std::string word = tag + std::to_string(round) + std::string(150, '.');
+        const char* const argv[] = {program, "arguments", word.c_str(), nullptr};
+        const bool well = spawner.launch(program, argv) && spawner.wait() == 0;
+        strangers += well && heard.ends_with("]arguments " + word + "\n") ? 0 : 1;
+    }
+    return strangers;
+}
+
 std::string joined(const std::vector<std::string>& words, std::size_t from) {
     std::string text;
     for (std::size_t i = from; i < words.size(); ++i)
@@ -70,18 +91,13 @@ std::string joined(const std::vector<std::string>& words, std::size_t from) {
     return text;
 }
 
-void play(const std::vector<std::string>& words) {
+void play(const std::vector<std::string>& words, const std::string& response) {
     const std::string& role = words[0];
     if (role == "say") {
         say(words[2]);
         finish(static_cast<unsigned>(std::atoi(words[1].c_str())));
     } else if (role == "arguments" || role[0] == '@') {
-        std::string text = joined(words, 0);
-        if (role[0] == '@') {
-            std::ifstream file(role.substr(1), std::ios::binary);
-            text += std::string(std::istreambuf_iterator<char>(file), {});
-        }
-        say(text);
+        say(joined(words, 0) + response);
         finish(0);
     } else if (role == "die") {
         say("last words\n");
@@ -93,14 +109,6 @@ void play(const std::vector<std::string>& words) {
         poke(std::string("1\4\0\0\0", 5));
         static_cast<void>(flush_channel(g_client));
         wait_for_completion_seen(g_client);
-    } else if (role == "odd_packets") {
-        poke("");
-        poke("?what");
-        poke("1\1");
-        say(std::string(1023, 'x'));
-        say("a\0b"
-            "and no more");
-        finish(0x80000005);
     } else if (role == "obey_close") {
         say("ready\n");
         static_cast<void>(flush_channel(g_client));
@@ -137,17 +145,18 @@ int main(int argc, char** argv) {
         flood_pipe(std::atoi(words[1].c_str()));
         return 0;
     }
+    if (words[0] == "launcher")
+        return std::min(launch_children(argv[0], words[1], std::atoi(words[2].c_str())), 90);
     ChannelAddress address = 0;
     const char* digits = argv[1] + std::strlen(k_switch);
     std::from_chars(digits, digits + std::strlen(digits), address);
-    const std::string item =
-        words[0] == "no_item" ? "window" : std::to_string(current_process_id());
-    if (failed(connect_channel(g_client, address, item)))
-        return 97;
-    if (words[0] == "no_item") {
-        say("heard\n");
-        finish(0);
+    std::string response;
+    if (words[0][0] == '@') {
+        std::ifstream file(words[0].substr(1), std::ios::binary);
+        response.assign(std::istreambuf_iterator<char>(file), {});
     }
-    play(words);
+    if (failed(connect_channel(g_client, address, std::to_string(current_process_id()))))
+        return 97;
+    play(words, response);
     return 0;
 }

@@ -170,6 +170,10 @@ void end_connection(ChannelConnection& connection) {
     --connections.count;
 }
 
+std::uint64_t last_connection_number() {
+    return connections.last_number;
+}
+
 void flush_output(ChannelConnection& connection) {
     std::size_t sent = 0;
     while (sent < connection.waiting) {

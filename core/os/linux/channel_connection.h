@@ -24,6 +24,7 @@ void mark_gone(const ChannelServer& server);
 void begin_connection(ChannelConnection& connection, ChannelServer& server, OwnedHandle handle,
                       std::int64_t peer_process);
 void end_connection(ChannelConnection& connection);
+[[nodiscard]] std::uint64_t last_connection_number();
 
 /// Sends what the system takes of the output.
 void flush_output(ChannelConnection& connection);

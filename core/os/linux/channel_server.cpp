@@ -156,6 +156,12 @@ void close_channel_server(ChannelServer& server) {
     server.address = 0;
 }
 
+std::uint64_t accept_channel_connections(ChannelServer& server) {
+    if (server.address != 0)
+        accept_connections(server);
+    return last_connection_number();
+}
+
 void drain_channel_server(ChannelServer& server) {
     if (server.address == 0)
         return;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -73,6 +74,12 @@ bool is_descendant_or_self(std::int64_t child, std::int64_t id) {
         id = found.parent;
     }
     return false;
+}
+
+std::int64_t process_group(std::int64_t id) {
+    // For the system 0 is the caller itself.
+    const bool possible = id > 0 && id <= std::numeric_limits<pid_t>::max();
+    return possible ? std::max(::getpgid(static_cast<pid_t>(id)), pid_t{0}) : 0;
 }
 
 std::int64_t current_process_id() {

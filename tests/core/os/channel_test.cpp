@@ -473,6 +473,7 @@ TEST_F(ChannelTest, ClientCountsItsRepliesAndLearnsOfCloseAndEnd) {
     EXPECT_TRUE(poke_channel(client, bytes("0")) && flush_channel(client));
     ASSERT_TRUE(turn_until([&] { return client.replies_due == 0; }));
     EXPECT_EQ(client.pokes_not_taken, 1U);
+    EXPECT_FALSE(wait_for_completion_seen(client, 1));
 
     EXPECT_EQ(changes, 0);
     const RawChild unknown(environment.address);

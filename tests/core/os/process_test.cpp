@@ -124,6 +124,17 @@ TEST(Process, ChildrenThatNobodyWaitsForAreReaped) {
     EXPECT_TRUE(turn_until_no_child());
 }
 
+TEST(Process, OneTooManyIsRefusedUntilOthersHaveEnded) {
+    const ChildRequest request({"exit", "0"});
+    std::array<Process, k_processes_max> processes;
+    for (Process& process : processes)
+        ASSERT_FALSE(failed(start_process(process, request)));
+    EXPECT_TRUE(failed(start_detached(request)));
+    EXPECT_TRUE(turn_until_no_child());
+    EXPECT_FALSE(failed(start_detached(request)));
+    EXPECT_TRUE(turn_until_no_child());
+}
+
 TEST(Process, GivenUpChildIsEndedWithItsGroupWhenTheGraceIsOver) {
     ManualClock clock;
     Family family("family");

@@ -1,0 +1,159 @@
+#include "core/launch/response_file.h"
+
+#include "tests/core/launch/spawner_fixture.h"
+
+namespace pellux {
+namespace {
+
+using ResponseFile = SpawnerTest;
+
+/// The name that a response file of another program would get now; empty when there is none.
+std::string next_name(File& held) {
+    String name;
+    return failed(put_response_file("text", held, name)) ? "" : std::string(name.c_str());
+}
+
+std::string next_name() {
+    File held;
+    return next_name(held);
+}
+
+TEST_F(ResponseFile, NameThatIsHeldIsPassedOverAndALeftoverReplaced) {
+    directory_.write("brix.rsp", "a longer leftover");
+    std::vector<File> held(k_response_files_max);
+    for (int i = 0; i < k_response_files_max; ++i)
+        EXPECT_EQ(next_name(held[static_cast<std::size_t>(i)]),
+                  i == 0 ? "brix.rsp" : "brix" + std::to_string(i + 1) + ".rsp");
+    EXPECT_EQ(directory_.read("brix.rsp"), "text");
+    EXPECT_EQ(next_name(), "");
+    held[2] = {};
+    EXPECT_EQ(next_name(), "brix3.rsp");
+    held[0] = {};
+    EXPECT_EQ(next_name(), "brix.rsp");
+    EXPECT_EQ(directory_.names().size(), held.size());
+}
+
+TEST_F(ResponseFile, FailureLeavesTheOldFileAndTakesNoName) {
+    struct Fault {
+        int countdown;
+        static SystemError decide(void* context, FileOperation operation, std::string_view,
+                                  std::size_t& partial) {
+            partial = 2;
+            if (operation == FileOperation::remove || --from_context<Fault>(context).countdown != 0)
+                return SystemError::none;
+            return SystemError{EIO};
+        }
+    };
+    int failures = 0;
+    for (Fault fault{0}; fault.countdown <= 0;) {
+        directory_.write("brix.rsp", "old");
+        fault.countdown = ++failures;
+        set_file_fault_hook(Fault::decide, &fault);
+        const std::string name = next_name();
+        set_file_fault_hook(nullptr, nullptr);
+        EXPECT_EQ(directory_.read("brix.rsp"), name.empty() ? "old" : "text") << failures;
+        EXPECT_EQ(directory_.names(), std::set<std::string>{"brix.rsp"});
+    }
+    EXPECT_GT(failures, 10);
+    for (const bool is_link : {false, true}) {
+        std::filesystem::remove("brix.rsp");
+        if (is_link)
+            std::filesystem::create_symlink("elsewhere", "brix.rsp");
+        else
+            std::filesystem::create_directory("brix.rsp");
+        EXPECT_EQ(next_name(), "");
+        EXPECT_EQ(directory_.names(), std::set<std::string>{"brix.rsp"});
+    }
+}
+
+TEST_F(ResponseFile, FileThatTookTheNameAtTheLastMomentIsNotReplaced) {
+    struct Rival {
+        File file;
+        int locks = 0;
+        static SystemError act(void* context, FileOperation operation, std::string_view,
+                               std::size_t&) {
+            Rival& rival = from_context<Rival>(context);
+            // The first lock is that of the new file itself, the second one the old file's.
+            if (operation == FileOperation::lock && ++rival.locks == 2)
+                std::filesystem::rename("rival", "brix.rsp");
+            return SystemError::none;
+        }
+    } rival;
+    directory_.write("brix.rsp", "old");
+    directory_.write("rival", "rival");
+    ASSERT_FALSE(failed(open_file(rival.file, "rival", OpenMode::update)));
+    ASSERT_FALSE(failed(lock_file(rival.file, FileLock::exclusive)));
+    set_file_fault_hook(Rival::act, &rival);
+    EXPECT_EQ(next_name(), "brix2.rsp");
+    set_file_fault_hook(nullptr, nullptr);
+    EXPECT_EQ(directory_.read("brix.rsp"), "rival");
+}
+
+TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
+    ManualClock clock;
+    const Meeting go("go");
+    const std::string pad = "pad=" + std::string(150, '.');
+    Words steps = {pad, "meet=go", "hello", "sync", "closed"};
+    {
+        Spawner spawner(Log::take, &log_);
+        ASSERT_TRUE(launch_hostile(spawner, steps));
+        EXPECT_EQ(next_name(), "brix2.rsp");
+        ASSERT_TRUE(go.meet());
+        EXPECT_TRUE(turn_until([] { return next_name() == "brix.rsp"; }));
+        EXPECT_TRUE(spawner.running());
+    }
+    EXPECT_TRUE(turn_until_alone());
+    const auto end_by_watchdog = [](Spawner&, ManualClock& now) { now.advance(20000); };
+    const auto end_by_halt = [](Spawner& spawner, ManualClock&) { spawner.halt(); };
+    using End = void (*)(Spawner & spawner, ManualClock & now);
+    for (const End end : {End(end_by_watchdog), End(end_by_halt), End(nullptr)}) {
+        auto spawner = std::make_unique<Spawner>(Log::take, &log_);
+        ASSERT_TRUE(launch_hostile(*spawner, {pad, "stay"}));
+        EXPECT_EQ(next_name(), "brix2.rsp");
+        if (end == nullptr) {
+            spawner.reset();
+        } else {
+            end(*spawner, clock);
+            EXPECT_EQ(spawner->wait(), 1);
+        }
+        EXPECT_EQ(next_name(), "brix.rsp");
+        clock.advance(2000);
+        EXPECT_TRUE(turn_until_alone());
+    }
+    const Vectored missing("/no/such/program", {pad});
+    Spawner spawner(Log::take, &log_);
+    EXPECT_FALSE(spawner.launch("/no/such/program", missing.pointers.data()));
+    EXPECT_FALSE(Spawner::run("/no/such/program", missing.pointers.data()));
+    EXPECT_EQ(next_name(), "brix.rsp");
+}
+
+TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
+    const Meeting first("first"), second("second");
+    for (const Meeting* meeting : {&first, &second}) {
+        const Vectored vector(k_hostile_child, {"pad=" + std::string(150, '.'),
+                                                std::string("meet=") + meeting->name});
+        ASSERT_TRUE(Spawner::run(k_hostile_child.c_str(), vector.pointers.data()));
+    }
+    EXPECT_EQ(next_name(), "brix3.rsp");
+    ASSERT_TRUE(first.meet() && turn_until([] { return next_name() == "brix.rsp"; }));
+    ASSERT_TRUE(second.meet() && turn_until_alone());
+    File held;
+    EXPECT_EQ(next_name(held), "brix.rsp");
+    EXPECT_EQ(next_name(), "brix2.rsp");
+}
+
+TEST_F(ResponseFile, ProgramsThatLaunchAtOnceNeverMixTheirArguments) {
+    struct Launcher : Process {
+        explicit Launcher(const char* tag) {
+            const Vectored vector(k_child, {"-%bpipe0", "launcher", tag, "100"});
+            EXPECT_FALSE(failed(start_process(
+                *this, {.program = k_child.c_str(), .arguments = vector.pointers.data()})));
+        }
+    };
+    Launcher first("one"), second("two");
+    EXPECT_EQ(wait_for_process(first).code, 0);
+    EXPECT_EQ(wait_for_process(second).code, 0);
+}
+
+} // namespace
+} // namespace pellux

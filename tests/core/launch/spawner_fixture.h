@@ -1,0 +1,118 @@
+#pragma once
+
+#include "core/common/callback.h"
+#include "core/launch/spawner.h"
+#include "core/os/clock.h"
+#include "tests/core/os/frames.h"
+#include "tests/core/os/running.h"
+#include "tests/core/os/scoped_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace pellux {
+
+inline const std::string k_programs = std::string(PELLUX_BINARY_DIR) + "/tests/programs/";
+inline const std::string k_child = k_programs + "spawner_child";
+inline const std::string k_hostile_child = k_programs + "hostile_child";
+
+using Words = std::vector<std::string>;
+
+/// The argument vector of a program.
+struct Vectored {
+    Words words;
+    std::vector<const char*> pointers;
+
+    Vectored(const std::string& program, Words arguments) : words(std::move(arguments)) {
+        words.insert(words.begin(), program);
+        for (const std::string& word : words)
+            pointers.push_back(word.c_str());
+        pointers.push_back(nullptr);
+    }
+};
+
+/// What a spawner told, and what is to be done at its words.
+struct Log {
+    std::string text;
+    int ends = 0;
+    int status = -2;
+    bool quit_at_text = false;
+
+    static void take(void* context, const char* text, int done, int status) {
+        Log& log = from_context<Log>(context);
+        if (done != 0) {
+            EXPECT_EQ(text, nullptr);
+            ++log.ends;
+            log.status = status;
+            return;
+        }
+        EXPECT_EQ(status, 0);
+        log.text += text;
+        if (log.quit_at_text)
+            quit_loop();
+    }
+};
+
+/// A directory of its own to work and to keep the channels in.
+class SpawnerTest : public testing::Test {
+protected:
+    SpawnerTest() : inside_(directory_.path()) {}
+    /// Ends the grace of all children that were given up.
+    ~SpawnerTest() override {
+        install_loop(nullptr);
+        ManualClock clock;
+        clock.advance(1'000'000);
+        EXPECT_TRUE(turn_until_alone());
+    }
+
+    static bool launch(Spawner& spawner, Words arguments, const std::string& program = k_child) {
+        const Vectored vector(program, std::move(arguments));
+        return spawner.launch(program.c_str(), vector.pointers.data());
+    }
+    static bool launch_hostile(Spawner& spawner, Words steps) {
+        return launch(spawner, std::move(steps), k_hostile_child);
+    }
+    /// Turns the loop until the child was heard of.
+    static void hear(const Spawner& spawner) {
+        while (spawner.child_window() == 0 && spawner.running())
+            run_turn(TurnWait::until_event);
+    }
+    /// Turns the loop until every child of this program is gone and read.
+    static bool turn_until_alone() {
+        const bool alone = turn_until([] {
+            siginfo_t info{};
+            return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0;
+        });
+        while (run_turn(TurnWait::none) != TurnResult::idle)
+            continue;
+        return alone;
+    }
+
+    test::TemporaryDirectory directory_;
+    test::ScopedDirectory inside_;
+    test::ScopedVariable runtime_{"XDG_RUNTIME_DIR", directory_.path().c_str()};
+    Log log_;
+};
+
+/// A place where two programs wait for each other.
+struct Meeting {
+    const char* name;
+
+    explicit Meeting(const char* fifo) : name(fifo) { EXPECT_EQ(::mkfifo(fifo, 0600), 0); }
+    /// Turns the loop until the other one is there.
+    [[nodiscard]] bool meet() const {
+        return turn_until([this] {
+            const OwnedHandle end{
+                static_cast<SystemHandle>(::open(name, O_WRONLY | O_NONBLOCK | O_CLOEXEC))};
+            return static_cast<bool>(end);
+        });
+    }
+};
+
+} // namespace pellux

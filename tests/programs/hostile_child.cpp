@@ -1,0 +1,235 @@
+// A child of the spawner that sends what it is told: hostile_child -%bpipeN STEP... or @brix.rsp.
+// Steps are VERB or VERB=ARGUMENT, see the table at the end; bytes are in hexadecimal.
+
+#include "core/os/environment.h"
+#include "core/os/process.h"
+#include "tests/core/os/frames.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace pellux;
+
+/// One connection.
+struct Line {
+    int socket = -1;
+    FrameReader reader;
+    long replies_due = 0;
+    bool completion_seen = false;
+    bool ended = false;
+};
+
+std::vector<std::unique_ptr<Line>> g_lines;
+Line* g_line = nullptr;
+std::string g_topic;
+std::string g_item; ///< empty for the process id
+long g_times = 1;
+std::array<int, 2> g_parent{-1, -1}; ///< to tell the parent to end, and to see it
+
+[[noreturn]] void give_up(const char* why) {
+    std::fprintf(stderr, "hostile_child: %s\n", why);
+    std::_Exit(90);
+}
+
+void check(bool well, const char* what) {
+    if (!well)
+        give_up(what);
+}
+
+std::string bytes_of(const char* digits) {
+    std::string text;
+    for (unsigned byte = 0; std::sscanf(digits, "%2x", &byte) == 1; digits += 2)
+        text += static_cast<char>(byte);
+    return text;
+}
+
+void take(std::span<const std::byte> bytes) {
+    for (Frame frame;;) {
+        const FrameStatus status = next_frame(g_line->reader, bytes, frame);
+        check(status != FrameStatus::damaged, "a damaged frame came");
+        if (status == FrameStatus::incomplete)
+            return;
+        if (frame.kind == FrameKind::reply)
+            --g_line->replies_due;
+        else
+            g_line->completion_seen |= frame.message == k_message_completion_seen;
+    }
+}
+
+/// Waits until something can be read or, given `writes`, written; reads what is there.
+void turn(bool writes) {
+    pollfd wanted{g_line->socket, static_cast<short>(writes ? POLLIN | POLLOUT : POLLIN), 0};
+    ::poll(&wanted, 1, -1);
+    std::array<std::byte, 4096> piece;
+    const ssize_t got = ::recv(g_line->socket, piece.data(), piece.size(), MSG_DONTWAIT);
+    if (got > 0)
+        take(std::span(piece).first(static_cast<std::size_t>(got)));
+    else if (got == 0 || errno != EAGAIN)
+        g_line->ended = true;
+}
+
+void send_bytes(const std::string& text) {
+    for (std::size_t sent = 0; sent < text.size() && !g_line->ended;) {
+        const ssize_t count = ::send(g_line->socket, text.data() + sent, text.size() - sent,
+                                     MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count >= 0)
+            sent += static_cast<std::size_t>(count);
+        else
+            turn(errno == EAGAIN);
+    }
+}
+
+void wait_until(bool (*done)()) {
+    while (!done()) {
+        check(!g_line->ended, "the connection has ended");
+        turn(false);
+    }
+}
+
+void play_connect(const char*) {
+    g_lines.push_back(std::make_unique<Line>());
+    g_line = g_lines.back().get();
+    g_line->socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un at{};
+    at.sun_family = AF_UNIX;
+    const char* directory = environment_variable("XDG_RUNTIME_DIR");
+    std::snprintf(at.sun_path, sizeof at.sun_path, "%s/pellux/DDE_brixmsg_%s",
+                  directory != nullptr ? directory : "", g_topic.c_str());
+    check(::connect(g_line->socket, reinterpret_cast<const sockaddr*>(&at), sizeof at) == 0,
+          "no connection");
+}
+
+void play_hello(const char* topic) {
+    play_connect(nullptr);
+    ++g_line->replies_due;
+    send_bytes(frame("C" + (*topic != '\0' ? std::string(topic) : g_topic)));
+}
+
+void play_send(const char* digits) {
+    const std::string text = bytes_of(digits);
+    for (; g_times > 0; --g_times)
+        send_bytes(text);
+    g_times = 1;
+}
+
+void play_poke(const char* digits) {
+    const std::string item = g_item.empty() ? std::to_string(current_process_id()) : g_item;
+    const std::string text = poke(item, bytes_of(digits));
+    for (; g_times > 0; --g_times) {
+        ++g_line->replies_due;
+        send_bytes(text);
+    }
+    g_times = 1;
+}
+
+void play_fork(const char*) {
+    check(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_parent.data()) == 0, "no pair");
+    const bool goes_on = ::fork() == 0;
+    ::close(g_parent[goes_on ? 0 : 1]);
+    char byte = 0;
+    if (!goes_on) {
+        static_cast<void>(!::read(g_parent[0], &byte, 1));
+        std::_Exit(5);
+    }
+}
+
+void play_orphan(const char*) {
+    char byte = 0;
+    check(::write(g_parent[1], &byte, 1) == 1, "no parent");
+    static_cast<void>(!::read(g_parent[1], &byte, 1));
+}
+
+/// Both ends of a meeting wait for each other.
+void play_meet(const char* fifo) {
+    check(::open(fifo, O_RDONLY | O_CLOEXEC) >= 0, "nobody met");
+}
+
+void play_invite(const char* fifo) {
+    check(::open(fifo, O_WRONLY | O_CLOEXEC) >= 0, "nobody met");
+}
+
+struct Verb {
+    const char* name;
+    void (*play)(const char* argument);
+};
+
+constexpr Verb k_verbs[] = {
+    {"connect", play_connect}, ///< without a frame; later steps are about this connection
+    {"hello", play_hello},     ///< the same with a topic, the own one when none is given
+    {"send", play_send},       ///< bytes as they are
+    {"poke", play_poke},       ///< a frame with these data
+    {"item", [](const char* text) { g_item = text; }},
+    {"times", [](const char* count) { g_times = std::atol(count); }}, ///< of the next two verbs
+    {"use",
+     [](const char* number) { g_line = g_lines.at(std::strtoul(number, nullptr, 10)).get(); }},
+    {"drop", [](const char*) { ::close(g_line->socket); }},
+    {"sync", [](const char*) { wait_until([] { return g_line->replies_due == 0; }); }},
+    {"seen", [](const char*) { wait_until([] { return g_line->completion_seen; }); }},
+    {"closed",
+     [](const char*) {
+         while (!g_line->ended)
+             turn(false);
+     }},
+    {"fork", play_fork},     ///< what follows is done by a grandchild
+    {"orphan", play_orphan}, ///< lets its parent end, and waits for that
+    {"leave", [](const char*) { check(::setsid() > 0, "no session"); }},
+    {"meet", play_meet},
+    {"invite", play_invite},
+    {"pad", [](const char*) {}},
+    {"stay",
+     [](const char*) {
+         for (;;)
+             ::pause();
+     }},
+    {"exit", [](const char* status) { std::_Exit(std::atoi(status)); }},
+    {"signal",
+     [](const char* number) {
+         std::signal(std::atoi(number), SIG_DFL);
+         ::raise(std::atoi(number));
+     }},
+};
+
+void play(const std::string& step) {
+    const std::size_t end = step.find('=');
+    for (const Verb& verb : k_verbs) {
+        if (step.substr(0, end) == verb.name)
+            return verb.play(end == std::string::npos ? "" : step.c_str() + end + 1);
+    }
+    give_up("an unknown step");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> steps(argv + 1, argv + argc);
+    constexpr std::string_view k_switch = "-%bpipe";
+    if (!steps.empty() && steps[0].starts_with(k_switch)) {
+        g_topic = steps[0].substr(k_switch.size());
+        steps.erase(steps.begin());
+    }
+    if (!steps.empty() && steps[0].starts_with('@')) {
+        std::ifstream file(steps[0].substr(1));
+        steps.assign(std::istream_iterator<std::string>(file), {});
+    }
+    for (const std::string& step : steps)
+        play(step);
+    std::_Exit(0);
+}
