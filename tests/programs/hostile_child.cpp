@@ -177,7 +177,8 @@ constexpr Verb k_verbs[] = {
     {"send", play_send},       ///< bytes as they are
     {"poke", play_poke},       ///< a frame with these data
     {"item", [](const char* text) { g_item = text; }},
-    {"times", [](const char* count) { g_times = std::atol(count); }}, ///< of the next two verbs
+    {"times",
+     [](const char* count) { g_times = std::atol(count); }}, ///< of the next "send" or "poke"
     {"use",
      [](const char* number) { g_line = g_lines.at(std::strtoul(number, nullptr, 10)).get(); }},
     {"drop", [](const char*) { ::close(g_line->socket); }},
