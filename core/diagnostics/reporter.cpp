@@ -82,12 +82,7 @@ void on_allocator_fault(AllocatorFault fault, const char* text) {
 
 void emit(const MessageBuffer& message, bool to_report_file_only) {
     const std::string_view text = message.text();
-    if (g_reporter.report) {
-        const std::byte line_end[] = {std::byte{'\n'}};
-        if (failed(write_all(g_reporter.report, std::as_bytes(std::span(text)))) ||
-            failed(write_all(g_reporter.report, line_end)))
-            closeReport();
-    }
+    write_report(text);
     if (to_report_file_only)
         return;
     if (g_reporter.output != nullptr) {
@@ -186,6 +181,15 @@ bool openReport(const char* file_name, bool truncate, bool quiet) {
 
 void closeReport() {
     g_reporter.report = {};
+}
+
+void write_report(std::string_view line) {
+    if (!g_reporter.report)
+        return;
+    const std::byte line_end[] = {std::byte{'\n'}};
+    if (failed(write_all(g_reporter.report, std::as_bytes(std::span(line)))) ||
+        failed(write_all(g_reporter.report, line_end)))
+        closeReport();
 }
 
 void report(const Report& what, const char* format, ...) {

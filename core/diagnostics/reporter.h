@@ -45,6 +45,9 @@ void start_diagnostics(const char* program_name);
 /// directory. On failure `quiet` leaves the word to the runtime's error print.
 bool openReport(const char* file_name, bool truncate, bool quiet);
 void closeReport();
+/// Writes a line, given without its end, to the report file if it is open. A file that can't be
+/// written is closed.
+void write_report(std::string_view line);
 
 /// One report, taken apart; `format` fits what follows it.
 struct Report {

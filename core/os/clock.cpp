@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <chrono>
+#include <ctime>
 
 namespace pellux {
 namespace {
@@ -32,6 +33,15 @@ std::int64_t monotonic_ms() {
 std::int64_t wall_seconds() {
     return manual.active ? manual.wall_ms / 1000
                          : since_start<std::chrono::seconds, std::chrono::system_clock>();
+}
+
+const char* local_time_text(std::int64_t seconds, TimeText& text) {
+    const auto time = static_cast<std::time_t>(seconds);
+    const std::tm* const local = std::localtime(&time);
+    if (local == nullptr ||
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", local) == 0)
+        text[0] = '\0';
+    return text.data();
 }
 
 ManualClock::ManualClock() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace pellux {
@@ -11,6 +12,11 @@ namespace pellux {
 /// Like `monotonic_ms`, but real also while a manual clock stands: for limits on waiting for
 /// another process.
 [[nodiscard]] std::int64_t real_monotonic_ms();
+
+using TimeText = std::array<char, 24>;
+/// Puts such a second as "2026-05-04 13:02:45", in the user's time zone, into `text`, and answers
+/// it; empty when the system knows no such year.
+[[nodiscard]] const char* local_time_text(std::int64_t seconds, TimeText& text);
 
 /// While one is alive, both clocks stand still and move only by `advance`. For tests; one at a
 /// time.

@@ -110,4 +110,27 @@ GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& wo
     return result;
 }
 
+Vector<String> ghdl_answer(Process& process, const char* program, const char* word,
+                           bool (*stop)(void* context), void* context) {
+    struct Answer {
+        Vector<String> lines;
+        bool (*stop)(void* context);
+        void* context;
+    };
+    Answer answer{{}, stop, context};
+    const LineReceiver receiver{
+        .line = [](void* to,
+                   std::string_view line) { from_context<Answer>(to).lines.emplace_back(line); },
+        .piece_read = [](void*) {},
+        .stop =
+            [](void* to) {
+                const auto& asked = from_context<Answer>(to);
+                return asked.stop(asked.context);
+            },
+        .context = &answer,
+    };
+    const GhdlEnd end = run_ghdl(process, program, {String(program), String(word)}, receiver);
+    return failed(end.not_started) ? Vector<String>() : answer.lines;
+}
+
 } // namespace pellux

@@ -27,4 +27,9 @@ struct GhdlEnd {
 [[nodiscard]] GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,
                                const LineReceiver& receiver);
 
+/// The lines that GHDL prints when it is called with that one word; none when it cannot be run.
+/// `stop` as above.
+[[nodiscard]] Vector<String> ghdl_answer(Process& process, const char* program, const char* word,
+                                         bool (*stop)(void* context), void* context);
+
 } // namespace pellux

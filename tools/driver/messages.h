@@ -72,4 +72,32 @@ inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
 
+inline Message<const char*> msg_report_started{"E1980", "Started:        %s"};
+inline Message<const char*> msg_report_top{"E1981", "Top design:     %s"};
+inline Message<const char*> msg_report_standard{"E1982", "VHDL standard:  %s"};
+inline Message<int> msg_report_error_limit{"E1983", "Error limit:    %d"};
+inline Message<int> msg_report_warning_limit{"E1984", "Warning limit:  %d"};
+inline Message<const char*> msg_report_device{"E1985", "Device:         %s"};
+inline Message<const char*> msg_report_package{"E1986", "Package:        %s"};
+inline Message<const char*> msg_report_fitting{"E1987", "Fitting:        %s"};
+inline Message<const char*, const char*> msg_report_directive{"E1988", "%s (a directive in '%s')"};
+inline Message<const char*, const char*, const char*, const char*> msg_report_source{
+    "E1989", "%s (library '%s', written %s): %s"};
+inline Message<> msg_reason_up_to_date{"E1990", "up to date"};
+inline Message<> msg_reason_all{"E1991", "compiled, as every file is"};
+inline Message<> msg_reason_never_compiled{"E1992", "compiled for the first time"};
+inline Message<> msg_reason_not_in_library{"E1993", "compiled, as its library does not hold it"};
+inline Message<> msg_reason_changed{"E1994", "compiled, as its text was changed"};
+inline Message<> msg_reason_settings{"E1995", "compiled, as the standard or GHDL is another"};
+inline Message<const char*> msg_reason_uses{"E1996",
+                                            "compiled, as it may use what was changed: %s"};
+inline Message<const char*> msg_report_units{"E1997", "Library '%s':"};
+inline Message<const char*, const char*> msg_report_unit{"E1998", "  %s (%s)"};
+inline Message<int, int, int, int> msg_report_sources{
+    "E1999", "Files: %d compiled, %d up to date, %d failed, %d not reached"};
+inline Message<int, int, const char*> msg_report_end{"E2000",
+                                                     "Errors: %d, warnings: %d, seconds: %s"};
+inline Message<const char*> msg_report_in_use{
+    "E2001", "'%s' is no report; the report of this run is not written."};
+
 } // namespace pellux

@@ -9,6 +9,7 @@
 #include "tools/driver/local_libraries.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/plan.h"
+#include "tools/driver/run_report.h"
 #include "tools/driver/top_units.h"
 #include "tools/driver/translator.h"
 
@@ -31,6 +32,7 @@ struct Runner {
     Process process;
     SourceNames names;
     Translator translator;
+    RunReport report;
     std::size_t source = k_no_source; ///< that is being analysed
     bool anything_done = false;
 
@@ -60,7 +62,9 @@ ExitStatus finish_session(Runner& runner, ExitStatus status) {
     const Failure failure = commit_session(runner.session);
     tell_warnings(runner);
     remove_run_directory(runner.session.run);
-    return failure ? tell_failure(failure) : status;
+    const ExitStatus end = failure ? tell_failure(failure) : status;
+    end_report(runner.report, runner.session);
+    return end;
 }
 
 /// While GHDL runs, the end of the program is the end of GHDL too.
@@ -157,6 +161,10 @@ Failure analyse(Runner& runner, std::size_t number) {
     const SessionSource& source = session.sources[number];
     Judgement judgement;
     const Failure unreadable = judge_source(session, number, judgement);
+    if (!unreadable)
+        report_source(runner.report, source,
+                      view(session.targets[source.library].library.place.name), judgement,
+                      !session.only_changed);
     if (judgement.verdict == Verdict::up_to_date && !unreadable)
         return {};
     runner.anything_done = true;
@@ -295,6 +303,12 @@ ExitStatus run_compiler(const Options& options, Output& output) {
                                              runner.ghdl.view(), guard))
         return tell_failure(failure);
     tell_warnings(runner);
+    if (!options.top.empty()) {
+        const Vector<String> version = ghdl_answer(runner.process, runner.ghdl.c_str(), "--version",
+                                                   on_stop_question, &runner);
+        begin_report(runner.report, options, runner.plan,
+                     version.empty() ? runner.ghdl.view() : view(version.front()));
+    }
     runner.names = source_names(runner.plan);
     set_up_calls(runner);
     reporter().ending = on_ending_run;
