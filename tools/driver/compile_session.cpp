@@ -18,16 +18,6 @@ namespace {
 
 constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
-/// Everything about GHDL and the way it is called that a library's contents may hang on.
-Digest settings_digest(const Plan& plan, std::string_view ghdl) {
-    FileStat stat;
-    static_cast<void>(stat_file(ghdl, stat));
-    const String text =
-        format_text("%d %s %lld %lld", static_cast<int>(plan.standard), String(ghdl).c_str(),
-                    static_cast<long long>(stat.size), static_cast<long long>(stat.modified_ns));
-    return digest_of(view(text));
-}
-
 bool is_there(const GhdlSource& source, std::string_view directory) {
     FileStat stat;
     return !is_missing(stat_file(view(absolute_path(directory, view(source_path(source)))), stat));
@@ -412,11 +402,20 @@ void record_sources(CompileSession& session) {
 
 } // namespace
 
+Digest settings_digest(VhdlStandard standard, std::string_view ghdl) {
+    FileStat stat;
+    static_cast<void>(stat_file(ghdl, stat));
+    const String text =
+        format_text("%d %s %lld %lld", static_cast<int>(standard), String(ghdl).c_str(),
+                    static_cast<long long>(stat.size), static_cast<long long>(stat.modified_ns));
+    return digest_of(view(text));
+}
+
 Failure open_session(CompileSession& session, const Plan& plan, bool only_changed,
                      std::string_view ghdl, const WaitGuard& guard) {
     session.plan = &plan;
     session.only_changed = only_changed;
-    session.settings = settings_digest(plan, ghdl);
+    session.settings = settings_digest(plan.standard, ghdl);
     PathBuffer current;
     if (const SystemError error = current_directory(current); failed(error))
         return {ExitStatus::errors,

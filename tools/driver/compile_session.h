@@ -79,6 +79,9 @@ struct CompileSession {
     Vector<String> warnings; ///< about what was found, to be told
 };
 
+/// Everything about GHDL and the way it is called that a library's contents may hang on.
+[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl);
+
 /// Locks and reads the libraries. `ghdl` is the program that will write them.
 [[nodiscard]] Failure open_session(CompileSession& session, const Plan& plan, bool only_changed,
                                    std::string_view ghdl, const WaitGuard& guard);

@@ -45,15 +45,17 @@ bool holds_library(const LibraryPlace& place, VhdlStandard standard) {
            file_exists(file.view());
 }
 
+bool is_known(const Vector<LibraryPlace>& places, const String& name) {
+    return std::any_of(places.begin(), places.end(),
+                       [&](const LibraryPlace& known) { return known.name == name; });
+}
+
 /// Adds a library that may be read, unless one of its name has been found before.
 void add_visible_library(Surroundings& surroundings, std::string_view name,
                          std::string_view directory) {
     LibraryPlace place{lower_case(name), String(directory)};
-    for (const LibraryPlace& known : surroundings.visible) {
-        if (known.name == place.name)
-            return;
-    }
-    surroundings.visible.push_back(std::move(place));
+    if (!is_known(surroundings.visible, place.name))
+        surroundings.visible.push_back(std::move(place));
 }
 
 void add_target(Surroundings& surroundings, const RcFile& file, std::string_view library) {
@@ -68,14 +70,19 @@ void add_target(Surroundings& surroundings, const RcFile& file, std::string_view
     surroundings.targets.push_back({{name, std::move(found.path)}, is_installed});
 }
 
-void add_installed_libraries(Surroundings& surroundings) {
+void find_installed_libraries(Surroundings& surroundings) {
     PathBuffer root;
     if (!find_install_library_root(root))
         return;
     for (const String& name : directories_in(root.view())) {
         PathBuffer directory(root.view());
-        if (directory.join(view(name)) && directory.join("work") && file_exists(directory.view()))
-            add_visible_library(surroundings, view(name), directory.view());
+        LibraryPlace place{lower_case(view(name)), {}};
+        if (!directory.join(view(name)) || !directory.join("work") ||
+            !file_exists(directory.view()) || is_known(surroundings.visible, place.name) ||
+            is_known(surroundings.installed, place.name))
+            continue;
+        place.directory = directory.view();
+        surroundings.installed.push_back(std::move(place));
     }
 }
 
@@ -129,7 +136,7 @@ Failure look_around(const Options& options, Surroundings& surroundings) {
                         });
     for (const String& name : directories_in("."))
         add_visible_library(surroundings, view(name), view(name));
-    add_installed_libraries(surroundings);
+    find_installed_libraries(surroundings);
     std::erase_if(surroundings.visible, [&](const LibraryPlace& place) {
         return !holds_library(place, options.standard);
     });

@@ -42,6 +42,12 @@ inline Message<const char*, const char*> msg_library_unusable{"E1943",
 inline Message<const char*, const char*> msg_library_unwritable{
     "E1944", "Library '%s' can't be written: %s"};
 
+inline Message<const char*> msg_installed_analysis{
+    "E2002", "Preparing installed library '%s' for this standard and GHDL."};
+inline Message<const char*, int, int, const char*> msg_installed_refused{
+    "E2003", "Installed library '%s': GHDL refuses %d of its %d files, the first is '%s'."};
+inline Message<const char*, const char*> msg_installed_not_analysed{
+    "E2004", "Installed library '%s' can't be prepared: %s"};
 inline Message<const char*> msg_installed_library{"E1957", "Library '%s' is an installed library."};
 inline Message<const char*, const char*> msg_library_in_use{
     "E1945", "Library '%s' is in use by another compilation (process %s)."};

@@ -12,20 +12,21 @@ namespace {
 struct StandardWords {
     const char* option;
     const char* library_suffix;
+    const char* directory;
 };
 
 StandardWords words_of(VhdlStandard standard) {
     switch (standard) {
     case VhdlStandard::vhdl_87:
-        return {"--std=87", "-obj87.cf"};
+        return {"--std=87", "-obj87.cf", "v87"};
     case VhdlStandard::vhdl_93:
-        return {"--std=93", "-obj93.cf"};
+        return {"--std=93", "-obj93.cf", "v93"};
     case VhdlStandard::vhdl_2002:
-        return {"--std=02", "-obj93.cf"};
+        return {"--std=02", "-obj93.cf", "v93"};
     case VhdlStandard::vhdl_2008:
         break;
     }
-    return {"--std=08", "-obj08.cf"};
+    return {"--std=08", "-obj08.cf", "v08"};
 }
 
 Failure refused(std::string_view given, const String& name) {
@@ -125,15 +126,23 @@ Plan make_plan(const Options& options, const Surroundings& surroundings) {
         plan.steps.push_back({StepKind::elaborate, options.top, library});
     }
     std::erase_if(plan.steps, [](const Step& step) { return step.kind == StepKind::nothing; });
-    for (const LibraryPlace& place : surroundings.visible) {
-        if (!is_target(plan, place) && !is_reserved_library(view(place.name)))
-            plan.others.push_back(place);
-    }
+    const auto add_readable = [&](const Vector<LibraryPlace>& places, Vector<LibraryPlace>& to) {
+        for (const LibraryPlace& place : places) {
+            if (!is_target(plan, place) && !is_reserved_library(view(place.name)))
+                to.push_back(place);
+        }
+    };
+    add_readable(surroundings.visible, plan.others);
+    add_readable(surroundings.installed, plan.installed);
     return plan;
 }
 
 String library_file_name(std::string_view library, VhdlStandard standard) {
     return String(library) + words_of(standard).library_suffix;
+}
+
+const char* standard_directory(VhdlStandard standard) {
+    return words_of(standard).directory;
 }
 
 Vector<String> analysis_words(const GhdlCalls& calls, std::string_view library,

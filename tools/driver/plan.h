@@ -23,8 +23,9 @@ struct Surroundings {
         LibraryPlace place;
         bool is_installed = false; ///< only to be read
     };
-    Vector<Target> targets;       ///< the libraries that the arguments name, as they were found
-    Vector<LibraryPlace> visible; ///< those that hold units for the standard
+    Vector<Target> targets;         ///< the libraries that the arguments name, as they were found
+    Vector<LibraryPlace> visible;   ///< those that hold units for the standard
+    Vector<LibraryPlace> installed; ///< of the installation, whatever they hold
 };
 
 enum class StepKind {
@@ -43,8 +44,9 @@ struct Step {
 struct Plan {
     Failure failure;
     VhdlStandard standard = VhdlStandard::vhdl_2008;
-    Vector<LibraryPlace> targets; ///< libraries that are written, each once
-    Vector<LibraryPlace> others;  ///< further ones that may be read
+    Vector<LibraryPlace> targets;   ///< libraries that are written, each once
+    Vector<LibraryPlace> others;    ///< further ones that may be read
+    Vector<LibraryPlace> installed; ///< ones that may be read once they fit GHDL
     Vector<Step> steps;
 };
 
@@ -53,6 +55,9 @@ struct Plan {
 
 /// "alib-obj08.cf": the file that makes a directory the home of library `alib`.
 [[nodiscard]] String library_file_name(std::string_view library, VhdlStandard standard);
+
+/// "v08": where GHDL keeps what its own libraries hold for the standard.
+[[nodiscard]] const char* standard_directory(VhdlStandard standard);
 
 /// What all calls of GHDL share.
 struct GhdlCalls {

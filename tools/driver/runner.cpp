@@ -5,6 +5,7 @@
 #include "core/diagnostics/reporter.h"
 #include "tools/driver/compile_session.h"
 #include "tools/driver/ghdl_call.h"
+#include "tools/driver/installed_libraries.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/local_libraries.h"
 #include "tools/driver/messages.h"
@@ -263,11 +264,15 @@ ExitStatus run_steps(Runner& runner) {
     return reporter().error_count > 0 ? ExitStatus::errors : ExitStatus::nothing_failed;
 }
 
-void on_waiting(void* context, const LibraryPlace& place) {
+void on_told(void* context, std::string_view line) {
     auto& runner = from_context<Runner>(context);
-    const String line = format_message(msg_waiting_for_library, place.name.c_str());
-    print_lines(runner.output, view(line));
+    print_lines(runner.output, line);
     flush_output(runner.output);
+}
+
+void on_waiting(void* context, const LibraryPlace& place) {
+    const String line = format_message(msg_waiting_for_library, place.name.c_str());
+    on_told(context, view(line));
 }
 
 void set_up_calls(Runner& runner) {
@@ -299,6 +304,11 @@ ExitStatus run_compiler(const Options& options, Output& output) {
     if (!find_ghdl(runner.ghdl))
         return tell_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
     const WaitGuard guard{on_waiting, on_stop_question, &runner};
+    add_installed_libraries(runner.plan, {runner.process, runner.ghdl.c_str(),
+                                          settings_digest(options.standard, runner.ghdl.view()),
+                                          guard, on_told, runner.session.warnings});
+    if (on_stop_question(&runner))
+        return ExitStatus::errors;
     if (const Failure failure = open_session(runner.session, runner.plan, options.only_changed,
                                              runner.ghdl.view(), guard))
         return tell_failure(failure);

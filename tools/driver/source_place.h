@@ -23,4 +23,8 @@ namespace pellux {
 /// has none that can be used.
 [[nodiscard]] String read_vif(std::string_view library_directory, std::string_view file);
 
+/// The absolute paths of all sources that the library in the absolute directory keeps and that are
+/// there, ascending.
+[[nodiscard]] Vector<String> kept_sources(std::string_view library_directory);
+
 } // namespace pellux

@@ -32,7 +32,7 @@ TEST(Plan, TopIsAnalysedLastInWorkAndThenElaborated) {
 }
 
 TEST(Plan, OneLibraryIsOneTargetWhateverItsCase) {
-    const Surroundings around{.targets = {{{"alib", "ALIB"}}}, .visible = {}};
+    const Surroundings around{.targets = {{{"alib", "ALIB"}}}, .visible = {}, .installed = {}};
     const Plan plan =
         make_plan(options_of({{"a.vhd", "ALib"}, {"b.vhd", "alib"}}, "t.vhd"), around);
     EXPECT_EQ(plan.targets, (Vector<LibraryPlace>{{"alib", "ALIB"}, {"work", "work"}}));
@@ -65,9 +65,11 @@ TEST(Plan, RefusesNamesThatAreNoLibraryOfTheUsers) {
 
 TEST(Plan, CallsNameTheLibrariesInPlay) {
     const Surroundings around{.targets = {},
-                              .visible = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}}};
+                              .visible = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}},
+                              .installed = {{"alib", "x"}, {"far", "f"}}};
     const Plan plan = make_plan(options_of({{"a.vhd", "alib"}}), around);
     EXPECT_EQ(plan.others, (Vector<LibraryPlace>{{"more", "More"}}));
+    EXPECT_EQ(plan.installed, (Vector<LibraryPlace>{{"far", "f"}}));
     const GhdlCalls calls{"/bin/g", VhdlStandard::vhdl_93, "run", {"More"}};
     EXPECT_EQ(joined(analysis_words(calls, "alib", "a.vhd")),
               "/bin/g -a --std=93 --work=alib --workdir=run -Prun -PMore "

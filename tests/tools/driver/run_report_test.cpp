@@ -74,8 +74,9 @@ TEST_F(RunReport, TakesTheNameOfNothingElse) {
     EXPECT_EQ(report({"good.vhd", "-b", "top.rpt"}, 1), "-- good\n");
     EXPECT_EQ(report({"good.vhd", "-b", "sub/top.vhd"}, 1), "-- good\n");
     std::filesystem::remove("top.rpt");
+    std::filesystem::remove_all("work");
     std::filesystem::create_directory("top.rpt");
-    scratch.write("top.vhd", "-- top\n");
+    scratch.write("top.vhd", "package top is end;\n");
     EXPECT_EQ(run_brix({"-b", "top.vhd"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_directory("top.rpt"));
 }
