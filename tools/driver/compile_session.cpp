@@ -95,6 +95,10 @@ void sort_sources(CompileSession& session, std::size_t number) {
     target.library.sources.clear();
 }
 
+Failure bad_place(const String& directory) {
+    return {ExitStatus::bad_library, format_message(msg_bad_place, directory.c_str())};
+}
+
 Failure open_targets(CompileSession& session, const WaitGuard& guard) {
     const Plan& plan = *session.plan;
     Vector<std::size_t> order(plan.targets.size());
@@ -111,6 +115,12 @@ Failure open_targets(CompileSession& session, const WaitGuard& guard) {
             return failure;
         if (Failure failure = lock_library(plan.targets[i], target.lock, guard))
             return failure;
+    }
+    for (const SessionTarget& target : session.targets) {
+        PathBuffer resolved;
+        if (!failed(real_path(view(target.library.place.directory), resolved)) &&
+            breaks_library_files(resolved.view()))
+            return bad_place(String(resolved.view()));
     }
     for (std::size_t i = 0; i < session.targets.size(); ++i) {
         CompiledLibrary& library = session.targets[i].library;
@@ -141,8 +151,14 @@ void open_others(CompileSession& session) {
     }
 }
 
-Failure write_copy(CompileSession& session, const GhdlLibrary& contents,
-                   const CompiledLibrary& library) {
+/// GHDL refuses the whole of a library that names a source in a way that it cannot read.
+void drop_unreadable(GhdlLibrary& library, std::string_view directory) {
+    std::erase_if(library.sources,
+                  [=](GhdlSource& source) { return !make_readable(source, directory); });
+}
+
+Failure write_copy(CompileSession& session, GhdlLibrary contents, const CompiledLibrary& library) {
+    drop_unreadable(contents, view(session.run.path));
     PathBuffer path;
     if (!library_file_path(view(session.run.path), view(library.place.name), session.plan->standard,
                            path))
@@ -164,7 +180,7 @@ Failure expose_others(CompileSession& session) {
     return {};
 }
 
-/// Gives GHDL a copy of a source that holds more than VHDL.
+/// Gives GHDL a copy of a source that it cannot be given as it is.
 SystemError make_plain_copy(CompileSession& session, SessionSource& source) {
     const String& directory = session.targets[source.library].library.directory;
     source.ghdl_name = copy_path(view(directory), view(source.file));
@@ -173,12 +189,22 @@ SystemError make_plain_copy(CompileSession& session, SessionSource& source) {
     return failed(error) ? error : write_derived_file(view(source.ghdl_name), view(source.text));
 }
 
+/// Does the source lie where GHDL finds it again?
+bool lies_well(const CompileSession& session, const SessionSource& source) {
+    GhdlSource entry;
+    set_source_path(entry, view(session.current), view(source.ghdl_name));
+    return make_readable(entry, view(session.targets[source.library].library.directory));
+}
+
 Failure read_source(CompileSession& session, SessionSource& source) {
     source.ghdl_name = ghdl_file_name(view(source.name));
     SystemError error = SystemError::none;
     const TextFileStatus status =
         read_text_file(view(source.ghdl_name), k_source_max, source.text, error);
-    if (status == TextFileStatus::read && has_directives(view(source.text)))
+    if (!is_readable_by_ghdl(view(source.file)))
+        return {ExitStatus::errors, format_message(msg_bad_file_name, source.name.c_str())};
+    if (status == TextFileStatus::read &&
+        (has_directives(view(source.text)) || !lies_well(session, source)))
         error = make_plain_copy(session, source);
     if (status == TextFileStatus::read && !failed(error))
         return {};
@@ -370,7 +396,8 @@ Failure commit_target(CompileSession& session, std::size_t number) {
         if (const SystemError error = write_vif(session, source); failed(error))
             return library_failure(target.library.place, error);
     }
-    const GhdlLibrary library = contents(session, number, Moment::end);
+    GhdlLibrary library = contents(session, number, Moment::end);
+    drop_unreadable(library, view(target.library.directory));
     const String text = ghdl_library_text(library);
     PathBuffer path;
     if (!library_file_path(view(target.library.directory), view(target.library.place.name),
@@ -421,6 +448,8 @@ Failure open_session(CompileSession& session, const Plan& plan, bool only_change
         return {ExitStatus::errors,
                 format_message(msg_cannot_read, ".", error_text(error).c_str())};
     session.current = current.view();
+    if (breaks_library_files(current.view()))
+        return bad_place(session.current);
     for (const Step& step : plan.steps) {
         if (step.kind == StepKind::analyse) {
             SessionSource source;
@@ -484,8 +513,8 @@ Failure expose_libraries(CompileSession& session) {
     if (std::exchange(session.exposed, true))
         return {};
     for (std::size_t i = 0; i < session.targets.size(); ++i) {
-        const GhdlLibrary library = contents(session, i, Moment::next_source);
-        if (Failure failure = write_copy(session, library, session.targets[i].library))
+        if (Failure failure = write_copy(session, contents(session, i, Moment::next_source),
+                                         session.targets[i].library))
             return failure;
     }
     return {};
@@ -509,6 +538,8 @@ Failure take_compiled(CompileSession& session, std::size_t number) {
         return {ExitStatus::no_room,
                 format_message(msg_library_not_written, target.library.place.name.c_str())};
     source.state = SessionSource::State::compiled;
+    // GHDL would not read again what it has just written.
+    session.exposed = is_readable_by_ghdl(view(made->directory));
     place_entry(session, source, std::move(*made));
     claim_units(session, number);
     session.time_stamps[number] = source.entry.time_stamp;

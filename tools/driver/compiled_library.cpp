@@ -23,6 +23,10 @@ String kept_path(const CompiledLibrary& library, std::string_view path) {
 
 void mend(CompiledLibrary& library) {
     for (GhdlSource& source : library.sources) {
+        if (source.directory == ".")
+            set_source_path(source, view(library.directory), view(String(std::move(source.name))));
+        library.mended = library.mended || !is_readable_by_ghdl(view(source.directory)) ||
+                         !is_readable_by_ghdl(view(source.name));
         const String path = source_path(source);
         const String kept = kept_path(library, view(path));
         if (kept.empty() || kept == absolute_path("/", view(path)))
@@ -83,6 +87,14 @@ void set_source_path(GhdlSource& source, std::string_view current, std::string_v
     source.directory = current;
     if (!is_separator(current.back()))
         source.directory += path_separator();
+}
+
+bool make_readable(GhdlSource& source, std::string_view directory) {
+    if (is_readable_by_ghdl(view(source.directory)) && is_readable_by_ghdl(view(source.name)))
+        return true;
+    source.name = relative_path(directory, view(absolute_path("/", view(source_path(source)))));
+    source.directory = ".";
+    return is_readable_by_ghdl(view(source.name));
 }
 
 String copy_path(std::string_view library_directory, std::string_view file) {

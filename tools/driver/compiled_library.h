@@ -14,8 +14,8 @@ struct CompiledLibrary {
     LibraryPlace place;
     String directory;           ///< of the place, absolute, links resolved
     String text;                ///< of GHDL's library file as it lies there
-    Vector<GhdlSource> sources; ///< with the paths that are right today
-    bool mended = false;        ///< some path is another one in `text`
+    Vector<GhdlSource> sources; ///< with the paths that are right today; loaded: absolute ones
+    bool mended = false;        ///< GHDL does not find or read some path as it is in `text`
 };
 
 enum class LibraryState {
@@ -40,7 +40,12 @@ enum class LibraryState {
 /// Splits a path as GHDL does for a file that it is given by it in the directory `current`.
 void set_source_path(GhdlSource& source, std::string_view current, std::string_view path);
 
-/// Copies without directive lines lie in this directory of their library.
+/// Gives a source with an absolute path the form in which GHDL can read it again from a library
+/// file in the absolute `directory`: as it stands, else the way from there. False when it refuses
+/// both.
+[[nodiscard]] bool make_readable(GhdlSource& source, std::string_view directory);
+
+/// Copies of sources that GHDL cannot be given as they are lie in this directory of their library.
 inline constexpr std::string_view k_copies_directory = "plain";
 [[nodiscard]] String copy_path(std::string_view library_directory, std::string_view file);
 

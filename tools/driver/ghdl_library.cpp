@@ -34,9 +34,14 @@ bool is_lower_case_letter(char c) {
     return (c >= 'a' && c <= 'z') || (byte >= 0xDF && byte != 0xF7);
 }
 
+/// May stand within quotes.
+bool is_quotable(char c) {
+    return static_cast<unsigned char>(c) >= 0x20 && c != '"';
+}
+
 bool is_readable(char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x20 && c != '"' && (byte < 0x7F || byte > 0x9F);
+    return is_quotable(c) && (byte < 0x7F || byte > 0x9F);
 }
 
 /// What is left of a text of which nothing but GHDL's own form is taken: what was read is the text
@@ -76,7 +81,7 @@ struct Reader {
 
     String quoted() {
         expect("\"");
-        String text = take_while(is_readable);
+        String text = take_while(is_quotable);
         expect("\"");
         if (text.empty())
             fail();
@@ -260,6 +265,10 @@ String ghdl_library_text(const GhdlLibrary& library) {
 
 String source_path(const GhdlSource& source) {
     return source.directory == "." ? source.name : source.directory + source.name;
+}
+
+bool breaks_library_files(std::string_view directory) {
+    return !std::all_of(directory.begin(), directory.end(), is_quotable);
 }
 
 bool is_readable_by_ghdl(std::string_view directory_or_name) {

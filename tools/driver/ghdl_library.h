@@ -70,7 +70,8 @@ enum class GhdlLibraryStatus {
     damaged,
 };
 
-/// Replaces what `library` holds; leaves it empty unless the text was `read`.
+/// Replaces what `library` holds; leaves it empty unless the text was `read`. Paths may hold what
+/// GHDL writes, but refuses to read.
 [[nodiscard]] GhdlLibraryStatus parse_ghdl_library(std::string_view text, GhdlLibrary& library);
 
 /// Byte for byte what GHDL writes.
@@ -83,5 +84,8 @@ enum class GhdlLibraryStatus {
 /// refuses the whole library for a quote, a control character or a byte from 0x80 to 0x9F, which
 /// occur in the UTF-8 form of many letters.
 [[nodiscard]] bool is_readable_by_ghdl(std::string_view directory_or_name);
+
+/// Does such a directory make a library file that nobody can read?
+[[nodiscard]] bool breaks_library_files(std::string_view directory);
 
 } // namespace pellux

@@ -48,6 +48,10 @@ inline Message<const char*, int, int, const char*> msg_installed_refused{
     "E2003", "Installed library '%s': GHDL refuses %d of its %d files, the first is '%s'."};
 inline Message<const char*, const char*> msg_installed_not_analysed{
     "E2004", "Installed library '%s' can't be prepared: %s"};
+inline Message<const char*> msg_bad_place{
+    "E2005", "GHDL can't work in '%s': a quote or control character is in the name."};
+inline Message<const char*> msg_bad_file_name{
+    "E2006", "GHDL can't work with the letters in the name of '%s'; rename the file."};
 inline Message<const char*> msg_installed_library{"E1957", "Library '%s' is an installed library."};
 inline Message<const char*, const char*> msg_library_in_use{
     "E1945", "Library '%s' is in use by another compilation (process %s)."};

@@ -91,5 +91,33 @@ TEST_F(RealGhdl, LibrariesSeeEachOtherUnderTheChosenStandard) {
     EXPECT_EQ(run_brix({"-q", "use.vhd"}).status, 1);
 }
 
+TEST_F(RealGhdl, ReadsItsLibrariesAgainWhateverTheDirectories) {
+    // GHDL writes each of these names, but takes a library that holds it for damaged.
+    scratch.write("\xC3\x9F/p.vhd", "package p is constant n : integer := 1; end;\n");
+    scratch.write("\xC3\x9F/\xC3\x80\"/t.vhd", "entity t is generic (g : bit := work.p.n); end;\n");
+    const std::vector<const char*> words = {"-q", "-m", "p.vhd", "\xC3\x80\"/t.vhd"};
+    {
+        const test::ScopedDirectory inside("\xC3\x9F");
+        const BrixRun run = run_brix(words);
+        EXPECT_EQ(run.text,
+                  "Compiling 'p.vhd'\nCompiling '\xC3\x80\"/t.vhd'\n\xC3\x80\"/t.vhd (line 1, "
+                  "col 40):  can't match 'n' with type bit\n");
+        scratch.write("\xC3\x9F/\xC3\x80\"/t.vhd", "use work.p.all; package t is end;\n");
+        EXPECT_EQ(run_brix(words).text, "Compiling '\xC3\x80\"/t.vhd'\n");
+        EXPECT_EQ(run_brix(words).text, "All files are up to date.\n");
+    }
+    std::filesystem::rename("\xC3\x9F", "\xC3\x90");
+    const test::ScopedDirectory inside("\xC3\x90");
+    EXPECT_EQ(run_brix(words).text, "All files are up to date.\n");
+    scratch.write("\xC3\x90/\xC3\x80.vhd", "");
+    BrixRun run = run_brix({"-q", "\xC3\x80.vhd"});
+    EXPECT_NE(run.text.find("letters in the name of '\xC3\x80.vhd'"), std::string::npos);
+    EXPECT_EQ(run.status, 1);
+    const test::ScopedDirectory deeper("\xC3\x80\"");
+    run = run_brix({"-q", "t.vhd"});
+    EXPECT_NE(run.text.find("\"': a quote"), std::string::npos) << run.text;
+    EXPECT_EQ(run.status, 5);
+}
+
 } // namespace
 } // namespace pellux
