@@ -1,4 +1,5 @@
-// `bpr compile` of the example of 24 files, against GHDL called by hand on the same files.
+// `bpr compile` of the example of 24 files, all of them or what was changed, against GHDL called by
+// hand on the same files.
 
 #include "bench/ratio.h"
 #include "core/os/process.h"
@@ -6,9 +7,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -43,63 +48,190 @@ int run(const std::vector<std::string>& words) {
     return wait_for_process(process).code;
 }
 
+using Words = std::vector<std::string>;
+
+Words ghdl_words(const char* mode, const std::string& library, const std::string& what) {
+    return {"ghdl-mcode",
+            mode,
+            "--std=08",
+            "--work=" + library,
+            "--workdir=" + library,
+            "-Pwork",
+            "-Pblocks",
+            "-fno-caret-diagnostics",
+            what};
+}
+
+void expect_success(const Words& words) {
+    if (run(words) != 0)
+        std::printf("%s failed\n", words.front().c_str());
+}
+
+void analyse_by_hand(const VHDL_source& source) {
+    const NullableText& library = source.options.library;
+    expect_success(
+        ghdl_words("-a", library.present() ? library.c_str() : "work", source.file_name.c_str()));
+}
+
+void elaborate_by_hand() {
+    expect_success(ghdl_words("-e", "work", "system_tb"));
+}
+
 void clean() {
-    fs::remove_all("work");
-    fs::remove_all("blocks");
-}
-
-void by_hand(const Project& project) {
-    clean();
-    const auto words = [](const char* mode, const std::string& library, const std::string& what) {
-        return std::vector<std::string>{"ghdl-mcode",
-                                        mode,
-                                        "--std=08",
-                                        "--work=" + library,
-                                        "--workdir=" + library,
-                                        "-Pwork",
-                                        "-Pblocks",
-                                        "-fno-caret-diagnostics",
-                                        what};
-    };
-    fs::create_directory("work");
-    fs::create_directory("blocks");
-    int failures = 0;
-    for (const auto& source : project.sources) {
-        const NullableText& library = source->options.library;
-        failures += run(words("-a", library.present() ? library.c_str() : "work",
-                              source->file_name.c_str())) != 0;
+    for (const char* library : {"work", "blocks"}) {
+        fs::remove_all(library);
+        fs::create_directory(library);
     }
-    failures += run(words("-e", "work", "system_tb")) != 0;
-    if (failures != 0)
-        std::printf("GHDL failed %d times\n", failures);
 }
 
-void by_bpr(const std::string& bpr) {
+void compile_by_hand(const Project& project) {
     clean();
-    if (run({bpr, "compile", "brix.bpr"}) != 0)
-        std::printf("bpr failed\n");
+    for (const auto& source : project.sources)
+        analyse_by_hand(*source);
+    elaborate_by_hand();
+}
+
+/// A leaf of the hierarchy that is another file at each change.
+class Leaf {
+public:
+    /// `marks` are put before its architecture's declarations in turn.
+    Leaf(fs::path path, std::array<const char*, 2> marks) : path_(std::move(path)), marks_(marks) {
+        std::ifstream file(path_);
+        original_.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    ~Leaf() { write(original_); }
+    Leaf(const Leaf&) = delete;
+    Leaf& operator=(const Leaf&) = delete;
+
+    void change() {
+        std::string text = original_;
+        const std::string before = "architecture rtl of serial_sender is\n";
+        text.insert(text.find(before) + before.size(), marks_[++changes_ % 2]);
+        write(text);
+    }
+
+private:
+    void write(const std::string& text) { std::ofstream(path_) << text; }
+
+    fs::path path_;
+    std::array<const char*, 2> marks_;
+    std::string original_;
+    unsigned changes_ = 0;
+};
+
+constexpr std::array k_comments{"-- a\n", "-- b\n"};
+constexpr std::array k_signals{"  signal spare_a : std_logic;\n",
+                               "  signal spare_b : std_logic;\n"};
+
+/// Three copies of the example: one that GHDL alone compiles, one compiled in full, one by `-m`.
+struct Trees {
+    fs::path root = fs::temp_directory_path() / "pellux-bench-compile";
+    fs::path by_hand = root / "by-hand";
+    fs::path full = root / "full";
+    fs::path kept = root / "kept";
+    Words bpr{std::string(k_tree) + "/bin/bpr", "compile", "brix.bpr"};
+
+    Trees() {
+        fs::remove_all(root);
+        fs::create_directories(root);
+        for (const fs::path& tree : {by_hand, full, kept})
+            fs::copy(std::string(k_tree) + "/share/examples/pipeline", tree,
+                     fs::copy_options::recursive);
+    }
+    ~Trees() {
+        fs::current_path("/");
+        fs::remove_all(root);
+    }
+    Trees(const Trees&) = delete;
+    Trees& operator=(const Trees&) = delete;
+
+    void compile_full() const {
+        fs::current_path(full);
+        clean();
+        expect_success(bpr);
+    }
+    void compile_changed() const {
+        fs::current_path(kept);
+        expect_success(bpr);
+    }
+};
+
+const VHDL_source& source_of(const Project& project, std::string_view name) {
+    return **std::find_if(project.sources.begin(), project.sources.end(),
+                          [=](const auto& source) { return source->file_name.view() == name; });
+}
+
+constexpr const char* k_leaf = "parts/serial_sender.vhd";
+constexpr std::array k_users{"cpu/system.vhd", "cpu/system_tb.vhd"};
+
+enum class ByHand { leaf, leaf_users_and_elaboration };
+
+void measure_changed_leaf(const Trees& trees, const Project& project, bool moment,
+                          const RatioRow& row, std::array<const char*, 2> marks, ByHand by_hand) {
+    Leaf theirs(trees.by_hand / k_leaf, marks);
+    Leaf ours(trees.kept / k_leaf, marks);
+    compare(
+        row, moment,
+        [&] {
+            fs::current_path(trees.by_hand);
+            theirs.change();
+            analyse_by_hand(source_of(project, k_leaf));
+            if (by_hand == ByHand::leaf)
+                return;
+            for (const char* user : k_users)
+                analyse_by_hand(source_of(project, user));
+            elaborate_by_hand();
+        },
+        [&] {
+            ours.change();
+            trees.compile_changed();
+        });
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     const bool moment = is_moment(argc, argv);
-    const fs::path scratch = fs::temp_directory_path() / "pellux-bench-compile";
-    fs::remove_all(scratch);
-    fs::copy(std::string(k_tree) + "/share/examples/pipeline", scratch,
-             fs::copy_options::recursive);
-    fs::current_path(scratch);
     ::setenv("VELMORA_DIR", k_tree, 1);
+    const Trees trees;
+    fs::current_path(trees.by_hand);
     const Owned<Project> project = read_project("brix.bpr");
     if (project == nullptr)
         return 1;
     compare(
         {.name = "bpr compile of the example of 24 files",
          .yardstick = "GHDL by hand",
-         .reach = 1.15,
+         .reach = 1.2,
          .round_ms = 2000},
-        moment, [&] { by_hand(*project); }, [&] { by_bpr(std::string(k_tree) + "/bin/bpr"); });
-    fs::current_path("/");
-    fs::remove_all(scratch);
+        moment,
+        [&] {
+            fs::current_path(trees.by_hand);
+            compile_by_hand(*project);
+        },
+        [&] { trees.compile_full(); });
+    compare(
+        {.name = "the same with nothing changed",
+         .yardstick = "in full",
+         .reach = 0.15,
+         .round_ms = 2000},
+        moment, [&] { trees.compile_full(); }, [&] { trees.compile_changed(); });
+    measure_changed_leaf(trees, *project, moment,
+                         {.name = "the same after a comment in a leaf",
+                          .yardstick = "GHDL by hand on that file",
+                          .reach = 3,
+                          .round_ms = 1000},
+                         k_comments, ByHand::leaf);
+    measure_changed_leaf(trees, *project, moment,
+                         {.name = "the same after a signal in a leaf",
+                          .yardstick = "GHDL by hand on that file",
+                          .reach = 3,
+                          .round_ms = 1000},
+                         k_signals, ByHand::leaf);
+    measure_changed_leaf(trees, *project, moment,
+                         {.name = "the same after a signal in a leaf",
+                          .yardstick = "GHDL by hand on that file, what uses it, and elaboration",
+                          .reach = 0,
+                          .round_ms = 1000},
+                         k_signals, ByHand::leaf_users_and_elaboration);
     return 0;
 }
