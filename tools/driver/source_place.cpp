@@ -4,13 +4,14 @@
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/os/path.h"
+#include "tools/driver/library_name.h"
 
 #include <algorithm>
 
 namespace pellux {
 namespace {
 
-constexpr std::string_view k_way_extension = ".vif";
+constexpr std::string_view k_way_extension = "vif";
 
 /// Takes the first component off `path`, separators passed over; empty at the end.
 std::string_view next_component(std::string_view& path) {
@@ -84,6 +85,7 @@ String vif_name(std::string_view library_directory, std::string_view file) {
     String path(library_directory);
     path += path_separator();
     path += name.substr(0, name.rfind('.'));
+    path += '.';
     return path += k_way_extension;
 }
 
@@ -101,9 +103,14 @@ Vector<String> kept_sources(std::string_view library_directory) {
     const auto visit = [](void* context, std::string_view name, FileKind) {
         auto& all = from_context<Found>(context);
         PathBuffer path(all.directory);
-        if (!name.ends_with(k_way_extension) || !path.join(name))
+        if (!path.join(name))
             return true;
-        const String way = read_way(path.view());
+        const String extension = lower_case(extension_part(name));
+        String way(name);
+        if (extension == k_way_extension)
+            way = read_way(path.view());
+        else if (extension != "vhd" && extension != "vhdl")
+            return true;
         String source = absolute_path(all.directory, view(way));
         if (!way.empty() && file_exists(view(source)))
             all.sources.push_back(std::move(source));
@@ -111,6 +118,8 @@ Vector<String> kept_sources(std::string_view library_directory) {
     };
     static_cast<void>(list_directory(library_directory, visit, &found));
     std::sort(found.sources.begin(), found.sources.end());
+    found.sources.erase(std::unique(found.sources.begin(), found.sources.end()),
+                        found.sources.end());
     return std::move(found.sources);
 }
 

@@ -23,8 +23,8 @@ namespace pellux {
 /// has none that can be used.
 [[nodiscard]] String read_vif(std::string_view library_directory, std::string_view file);
 
-/// The absolute paths of all sources that the library in the absolute directory keeps and that are
-/// there, ascending.
+/// The absolute paths, ascending, of the VHDL files in the library's absolute directory and of the
+/// other sources that it keeps the way to, as far as they are there.
 [[nodiscard]] Vector<String> kept_sources(std::string_view library_directory);
 
 } // namespace pellux

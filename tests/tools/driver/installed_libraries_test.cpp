@@ -48,6 +48,9 @@ struct InstalledLibraries : testing::Test {
 };
 
 TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
+    // One is shipped with its source in the library's own directory.
+    fs::rename("tree/lib/lbase/src/base.vhd", "tree/lib/lbase/work/base.vhd");
+    fs::remove("tree/lib/lbase/work/base.vif");
     const std::map<std::string, std::string> before = installation();
     const std::string base = "Preparing installed library 'lbase' for this standard and GHDL.\n";
     const std::string gates = "Preparing installed library 'lgates' for this standard and GHDL.\n";
@@ -67,7 +70,7 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
     EXPECT_EQ(installation(), before);
 
     // A later installation is noticed, a half-made analysis made anew.
-    scratch.write("tree/lib/lbase/src/base.vhd",
+    scratch.write("tree/lib/lbase/work/base.vhd",
                   "package base is constant width : integer := 31; end;\n");
     for (const auto& entry : fs::directory_iterator("cache/pellux/libraries")) {
         if (entry.path().filename().string().starts_with("lgates"))
