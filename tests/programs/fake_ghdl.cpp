@@ -77,7 +77,7 @@ void record(const std::string& file, int count, char** words) {
 
 int analyse(const std::string& file) {
     const std::string role = role_of(file);
-    if (role == "good" || role == "top" || role == "forgetful")
+    if (role == "good" || role == "top" || role == "forgetful" || role.starts_with("run_"))
         return 0;
     if (role == "warnings")
         say_each(file, 3, "warning: doubt [-Wunused]");
@@ -105,6 +105,31 @@ int analyse(const std::string& file) {
     return role == "fault" ? 2 : role == "warnings" ? 0 : 1;
 }
 
+/// Writes a waveform of some moments, the last one perhaps cut.
+void write_waveform(int count, char** words, bool whole) {
+    if (std::FILE* file = std::fopen(word_behind("--vcd=", count, words).c_str(), "w")) {
+        std::fputs("$enddefinitions $end\n#0\n0!\n#5\n1!\n#1", file);
+        std::fputs(whole ? "0\n" : "", file);
+        std::fclose(file);
+    }
+}
+
+int simulate(const std::string& role, int count, char** words) {
+    if (role != "run_empty")
+        write_waveform(count, words, role != "run_hang" && role != "run_cut");
+    if (role == "run_hang") {
+        say("x.vhd:1:1:@0ms:(report note): runs\n");
+        hang();
+    }
+    if (role == "run_flood") {
+        for (int i = 0; i < 20000; ++i)
+            say("x.vhd:2:1:@5ns:(assertion warning): again\nand text\n");
+    }
+    if (role == "run_crash")
+        ::raise(SIGKILL);
+    return role == "run_fault" ? 2 : role == "run_silent" ? 1 : 0;
+}
+
 } // namespace
 
 int main(int count, char** words) {
@@ -122,6 +147,12 @@ int main(int count, char** words) {
         if (status == 0 && role_of(subject) != "forgetful")
             record(subject, count, words);
         return status;
+    }
+    if (command == "-r") {
+        int unit = count - 1;
+        while (words[unit][0] == '-')
+            --unit;
+        return simulate(words[unit], count, words);
     }
     if (command == "-e" && role_of(subject) == "other") {
         say("/nowhere/x.vhd:3:2: unit is missing\n");

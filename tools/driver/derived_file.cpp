@@ -2,6 +2,7 @@
 
 #include "core/os/files.h"
 
+#include <array>
 #include <span>
 
 namespace pellux {
@@ -19,6 +20,19 @@ SystemError write_derived_file(std::string_view path, std::string_view text) {
     if (failed(error))
         static_cast<void>(remove_file(name.view()));
     return error;
+}
+
+SystemError try_writing(std::string_view path) {
+    constexpr std::array<std::byte, 4096> k_page{};
+    File file;
+    PathBuffer name;
+    SystemError error = create_temporary(path, 0600, file, name);
+    if (failed(error))
+        return error;
+    error = write_all(file, k_page);
+    const SystemError closing = close_file(file);
+    static_cast<void>(remove_file(name.view()));
+    return failed(error) ? error : closing;
 }
 
 } // namespace pellux

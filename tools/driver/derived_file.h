@@ -10,4 +10,7 @@ namespace pellux {
 /// it, but without waiting for the disk. Its reader must find out what a loss of power left.
 [[nodiscard]] SystemError write_derived_file(std::string_view path, std::string_view text);
 
+/// Can files be written beside `path`? Leaves nothing there.
+[[nodiscard]] SystemError try_writing(std::string_view path);
+
 } // namespace pellux

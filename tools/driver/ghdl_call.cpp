@@ -9,6 +9,7 @@
 namespace pellux {
 namespace {
 
+constexpr std::array k_ghdl_names{"ghdl-mcode", "ghdl"};
 constexpr std::size_t k_line_max = 65536;
 
 struct Call {
@@ -80,6 +81,14 @@ SystemError start(Call& call, Process& process, const char* program, const Vecto
 }
 
 } // namespace
+
+bool find_ghdl(PathBuffer& path) {
+    for (const char* name : k_ghdl_names) {
+        if (find_program(name, path))
+            return true;
+    }
+    return false;
+}
 
 GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,
                  const LineReceiver& receiver) {

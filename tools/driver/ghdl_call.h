@@ -7,6 +7,9 @@
 
 namespace pellux {
 
+/// The installed GHDL: the light one, else any. False when there is none.
+[[nodiscard]] bool find_ghdl(PathBuffer& path);
+
 /// Takes GHDL's output, standard output and errors in the order written, line by line without line
 /// ends; `piece_read` after each burst of lines.
 struct LineReceiver {

@@ -5,12 +5,11 @@
 #include "core/library/install_root.h"
 #include "core/library/resolve.h"
 #include "core/os/files.h"
+#include "tools/driver/derived_file.h"
 #include "tools/driver/library_name.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>
-#include <array>
-#include <span>
 
 namespace pellux {
 namespace {
@@ -86,25 +85,12 @@ void find_installed_libraries(Surroundings& surroundings) {
     }
 }
 
-SystemError write_something(std::string_view path) {
-    constexpr std::array<std::byte, 4096> k_page{};
-    File file;
-    PathBuffer name;
-    SystemError error = create_temporary(path, 0600, file, name);
-    if (failed(error))
-        return error;
-    error = write_all(file, k_page);
-    const SystemError closing = close_file(file);
-    static_cast<void>(remove_file(name.view()));
-    return failed(error) ? error : closing;
-}
-
 /// Can files be written there at all?
 Failure try_library(const LibraryPlace& place) {
     PathBuffer path(view(place.directory));
     if (!path.join("trial"))
         return library_failure(place, refuse(Refusal::path_too_long));
-    const SystemError error = write_something(path.view());
+    const SystemError error = try_writing(path.view());
     if (failed(error))
         return library_failure(place, error);
     return {};

@@ -82,6 +82,37 @@ inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
 
+inline Message<const char*> msg_simulator_banner{"E1961",
+                                                 "BRIXSIM, the simulator of Pellux, version %s"};
+inline Message<const char*> msg_simulating{"E1962", "Simulating '%s'"};
+inline Message<> msg_no_design{"E1963", "No design to simulate."};
+inline Message<const char*> msg_switch_needs_seconds{
+    "E1964", "Switch '%s' needs seconds, from 0.001 to 1000000."};
+inline Message<const char*> msg_switch_needs_time{
+    "E1965", "Switch '%s' needs a simulated time such as 100ns."};
+inline Message<const char*> msg_unknown_waveform{
+    "E1966", "Unknown format '%s' of a waveform; there are vcd and ghw."};
+inline Message<const char*> msg_no_top_design{
+    "E1967", "Project '%s' has no top design and names no test bench unit."};
+inline Message<const char*> msg_not_compiled{
+    "E1968", "Library 'work' holds nothing of '%s'; compile it first."};
+inline Message<const char*> msg_no_such_unit{
+    "E1969", "Library 'work' holds no entity or configuration '%s'."};
+inline Message<const char*> msg_no_top_unit{"E1970", "'%s' has no unit that could be simulated."};
+inline Message<const char*, const char*> msg_several_top_units{
+    "E1971", "'%s' has several units to simulate: %s. Name one with -u."};
+inline Message<const char*, const char*> msg_waveform_unwritable{
+    "E1972", "Waveform '%s' can't be written: %s"};
+inline Message<> msg_waveform_not_whole{"E1973", "GHDL left no whole file; the disk may be full."};
+inline Message<const char*> msg_library_no_use{
+    "E1974", "Library '%s' is damaged or of another GHDL; compile it again."};
+inline Message<const char*, const char*> msg_report_at{"E1975", "at %s: %s"};
+inline Message<const char*, const char*> msg_failure_at{"E1976", "failure at %s: %s"};
+inline Message<const char*, const char*> msg_simulation_limit{
+    "E1977", "Simulation of '%s' ended by the limit of %s seconds."};
+inline Message<const char*, const char*> msg_waveform_written{"E1978", "Waveform of '%s' in '%s'."};
+inline Message<const char*, const char*> msg_no_library_copies{
+    "E1979", "Can't copy the libraries into '%s': %s"};
 inline Message<const char*> msg_report_started{"E1980", "Started:        %s"};
 inline Message<const char*> msg_report_top{"E1981", "Top design:     %s"};
 inline Message<const char*> msg_report_standard{"E1982", "VHDL standard:  %s"};

@@ -123,24 +123,17 @@ Failure take_switch(Parser& parser, const SwitchRow& row, std::string_view word)
         options.banner = false;
         return {};
     case SwitchKind::standard:
-        for (const StandardRow& known : k_standards) {
-            if (known.number == operand) {
-                options.standard = known.standard;
-                return {};
-            }
-        }
-        return bad(format_message(msg_unknown_standard, String(operand).c_str()));
+        if (!find_standard(operand, options.standard))
+            return bad(format_message(msg_unknown_standard, String(operand).c_str()));
+        return {};
     case SwitchKind::error_limit:
         return take_number(word, operand, options.error_limit);
     case SwitchKind::warning_limit:
         return take_number(word, operand, options.warning_limit);
-    case SwitchKind::channel: {
-        const auto address = number_of<std::uint64_t>(operand);
-        if (!address || *address == 0)
+    case SwitchKind::channel:
+        if (!parse_channel(operand, options.channel))
             return bad(format_message(msg_switch_needs_number, String(word).c_str()));
-        options.channel = *address;
         return {};
-    }
     case SwitchKind::fitting:
         if (row.operand == Operand::number && !number_of<int>(operand))
             return bad(format_message(msg_switch_needs_number, String(word).c_str()));
@@ -154,13 +147,9 @@ Failure take_word(Parser& parser, std::string_view word);
 
 Failure take_response(Parser& parser, std::string_view name) {
     const String file(name);
-    String text;
-    String reason;
-    if (!parser.reader.read(parser.reader.context, name, text, reason))
-        return bad(format_message(msg_cannot_read, file.c_str(), reason.c_str()));
     Vector<String> words;
-    if (!split_response(view(text), words))
-        return bad(format_message(msg_damaged_response, file.c_str()));
+    if (Failure failure = read_response(parser.reader, file, words))
+        return failure;
     parser.response = file.c_str();
     for (const String& word : words) {
         if (Failure failure = take_word(parser, view(word)))
@@ -249,6 +238,24 @@ Failure parse_arguments(std::span<const char* const> words, ResponseReader reade
     return {};
 }
 
+bool find_standard(std::string_view number, VhdlStandard& standard) {
+    for (const StandardRow& known : k_standards) {
+        if (known.number == number) {
+            standard = known.standard;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool parse_channel(std::string_view digits, std::uint64_t& channel) {
+    const auto address = number_of<std::uint64_t>(digits);
+    if (!address || *address == 0)
+        return false;
+    channel = *address;
+    return true;
+}
+
 bool split_response(std::string_view text, Vector<String>& words) {
     bool in_word = false;
     bool in_quotes = false;
@@ -273,6 +280,16 @@ bool split_response(std::string_view text, Vector<String>& words) {
         words.back() += c;
     }
     return !in_quotes;
+}
+
+Failure read_response(ResponseReader reader, const String& file, Vector<String>& words) {
+    String text;
+    String reason;
+    if (!reader.read(reader.context, view(file), text, reason))
+        return bad(format_message(msg_cannot_read, file.c_str(), reason.c_str()));
+    if (!split_response(view(text), words))
+        return bad(format_message(msg_damaged_response, file.c_str()));
+    return {};
 }
 
 ResponseReader disk_response_reader() {

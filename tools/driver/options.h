@@ -50,6 +50,16 @@ struct ResponseReader {
 /// False when a quote is not closed or the text holds a NUL.
 [[nodiscard]] bool split_response(std::string_view text, Vector<String>& words);
 
+/// Gets the words of a response file.
+[[nodiscard]] Failure read_response(ResponseReader reader, const String& file,
+                                    Vector<String>& words);
+
+/// Finds a standard by its number in a switch, "93".
+[[nodiscard]] bool find_standard(std::string_view number, VhdlStandard& standard);
+
+/// Reads the number of the environment's channel.
+[[nodiscard]] bool parse_channel(std::string_view digits, std::uint64_t& channel);
+
 /// Reads response files of at most `k_response_max` bytes from the disk.
 [[nodiscard]] ResponseReader disk_response_reader();
 

@@ -11,17 +11,15 @@
 #include "tools/driver/messages.h"
 #include "tools/driver/plan.h"
 #include "tools/driver/run_report.h"
+#include "tools/driver/telling.h"
 #include "tools/driver/top_units.h"
 #include "tools/driver/translator.h"
 
-#include <array>
-#include <cstdlib>
 #include <utility>
 
 namespace pellux {
 namespace {
 
-constexpr std::array k_ghdl_names{"ghdl-mcode", "ghdl"};
 constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 struct Runner {
@@ -42,16 +40,6 @@ struct Runner {
     explicit Runner(Output& where) : output(where) {}
 };
 
-void on_reported(void* context, std::string_view text) {
-    print_lines(from_context<Output>(context), text);
-}
-
-/// The reporter ends the program at a limit; it ends as a run with errors does.
-void on_ending(void* context, int) {
-    finish_output(from_context<Output>(context), ExitStatus::errors);
-    std::exit(static_cast<int>(ExitStatus::errors));
-}
-
 void tell_warnings(Runner& runner) {
     for (const String& text : std::exchange(runner.session.warnings, {}))
         warning(-1, msg_as_it_stands, text.c_str());
@@ -69,7 +57,7 @@ ExitStatus finish_session(Runner& runner, ExitStatus status) {
 }
 
 /// While GHDL runs, the end of the program is the end of GHDL too.
-void on_ending_run(void* context, int status) {
+void on_ending_run(void* context, int) {
     auto& runner = from_context<Runner>(context);
     if (runner.process.id != 0) {
         kill_process(runner.process);
@@ -81,32 +69,11 @@ void on_ending_run(void* context, int status) {
     if (runner.source != Runner::k_no_source)
         take_failed(runner.session, runner.source);
     finish_session(runner, ExitStatus::errors);
-    on_ending(&runner.output, status);
+    end_run(runner.output);
 }
 
-Severity severity_of(GhdlLevel level) {
-    switch (level) {
-    case GhdlLevel::note:
-        return Severity::note;
-    case GhdlLevel::warning:
-        return Severity::warning;
-    case GhdlLevel::error:
-        break;
-    }
-    return Severity::error;
-}
-
-void on_diagnostic(void* context, const Diagnostic& diagnostic) {
-    static_cast<void>(context);
-    const char* compiled = reporter().current_source;
-    if (!diagnostic.file.empty())
-        reporter().current_source = diagnostic.file.c_str();
-    Report told;
-    told.severity = severity_of(diagnostic.level);
-    told.at = {diagnostic.line, diagnostic.column};
-    told.to_report_file_only = diagnostic.level == GhdlLevel::note;
-    report(told, msg_as_it_stands.text(), diagnostic.text.c_str());
-    reporter().current_source = compiled;
+void on_diagnostic(void*, const Diagnostic& diagnostic) {
+    tell_diagnostic(diagnostic, NoteRoad::to_report_file);
 }
 
 void on_plain_line(void* context, std::string_view line) {
@@ -195,16 +162,6 @@ Failure analyse(Runner& runner, std::size_t number) {
     return {};
 }
 
-/// The entities and configurations of a source that nothing else in it uses.
-Vector<String> tops_of(const SessionSource& source, std::string_view text) {
-    Vector<String> units;
-    for (const GhdlUnit& unit : source.entry.units) {
-        if (unit.kind == GhdlUnitKind::entity || unit.kind == GhdlUnitKind::configuration)
-            units.push_back(unit.name);
-    }
-    return unused_units(units, text);
-}
-
 Failure elaborate(Runner& runner, std::size_t number) {
     CompileSession& session = runner.session;
     if (reporter().error_count > 0)
@@ -224,7 +181,7 @@ Failure elaborate(Runner& runner, std::size_t number) {
     if (Failure failure = expose_libraries(session))
         return failure;
     runner.anything_done = true;
-    for (const String& unit : tops_of(source, view(text))) {
+    for (const String& unit : elaborated_units(source.entry, view(text))) {
         if (!call_ghdl(runner,
                        elaboration_words(runner.calls,
                                          view(session.targets[source.library].library.place.name),
@@ -234,14 +191,6 @@ Failure elaborate(Runner& runner, std::size_t number) {
     if (reporter().error_count == 0)
         take_elaborated(session, number, digest);
     return {};
-}
-
-bool find_ghdl(PathBuffer& path) {
-    for (const char* name : k_ghdl_names) {
-        if (find_program(name, path))
-            return true;
-    }
-    return false;
 }
 
 ExitStatus run_steps(Runner& runner) {
@@ -326,18 +275,6 @@ ExitStatus run_compiler(const Options& options, Output& output) {
     const ExitStatus status = finish_session(runner, run_steps(runner));
     report_to(output);
     return status;
-}
-
-void report_to(Output& output) {
-    reporter().output = on_reported;
-    reporter().output_context = &output;
-    reporter().ending = on_ending;
-    reporter().ending_context = &output;
-}
-
-ExitStatus tell_failure(const Failure& failure) {
-    error(-1, msg_as_it_stands, failure.text.c_str());
-    return failure.status;
 }
 
 } // namespace pellux

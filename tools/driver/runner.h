@@ -9,10 +9,4 @@ namespace pellux {
 /// end lead to `output`. The current directory is the project's.
 [[nodiscard]] ExitStatus run_compiler(const Options& options, Output& output);
 
-/// Points the reporter at `output`, until the program ends.
-void report_to(Output& output);
-
-/// Tells `failure` and answers its status.
-ExitStatus tell_failure(const Failure& failure);
-
 } // namespace pellux

@@ -94,4 +94,13 @@ Vector<String> unused_units(const Vector<String>& units, std::string_view source
     return unused;
 }
 
+Vector<String> elaborated_units(const GhdlSource& source, std::string_view text) {
+    Vector<String> units;
+    for (const GhdlUnit& unit : source.units) {
+        if (unit.kind == GhdlUnitKind::entity || unit.kind == GhdlUnitKind::configuration)
+            units.push_back(unit.name);
+    }
+    return unused_units(units, text);
+}
+
 } // namespace pellux

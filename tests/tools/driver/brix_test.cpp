@@ -1,5 +1,5 @@
-#include "core/os/channel.h"
 #include "core/os/loop.h"
+#include "tests/tools/driver/environment.h"
 #include "tests/tools/driver/run_brix.h"
 #include "tests/tools/driver/scratch.h"
 
@@ -46,7 +46,7 @@ std::ptrdiff_t line_count(const std::string& text) {
 
 TEST_F(Brix, EachFileIsCompiledThoughOthersAreBad) {
     scratch.write("top.vhd", "entity top is end;");
-    const BrixRun run =
+    const ToolRun run =
         run_brix({"-q", "errors.vhd", "-aalib", "good.vhd", "-b", "top.vhd", "-e9"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.text, "Compiling 'errors.vhd'\n"
@@ -68,7 +68,7 @@ TEST_F(Brix, EachFileIsCompiledThoughOthersAreBad) {
 TEST_F(Brix, UnusedUnitsOfTheTopAreElaborated) {
     scratch.write("top.vhd", "entity leaf is end; entity top is end; architecture rtl of top is\n"
                              "begin u : entity work.leaf; end;");
-    const BrixRun run = run_brix({"good.vhd", "-b", "top.vhd"});
+    const ToolRun run = run_brix({"good.vhd", "-b", "top.vhd"});
     EXPECT_EQ(calls(), "-a good.vhd; -a top.vhd; -e top; -e other; ");
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.text.starts_with("BRIX"));
@@ -86,11 +86,11 @@ TEST_F(Brix, WhateverGhdlDoesToAFileBecomesItsLines) {
         {"holder.vhd", " (line 1, col 1):  half a line\n"},
     };
     for (const auto& [file, line] : rows) {
-        const BrixRun run = run_brix({"-q", file.c_str(), "good.vhd"});
+        const ToolRun run = run_brix({"-q", file.c_str(), "good.vhd"});
         EXPECT_EQ(run.status, 1) << file;
         EXPECT_TRUE(run.text.ends_with(file + line + "Compiling 'good.vhd'\n")) << run.text;
     }
-    const BrixRun forgetful = run_brix({"-q", "forgetful.vhd", "good.vhd"});
+    const ToolRun forgetful = run_brix({"-q", "forgetful.vhd", "good.vhd"});
     EXPECT_EQ(forgetful.status, 4);
     EXPECT_EQ(forgetful.text, "Compiling 'forgetful.vhd'\nBRIX:  Library 'work' can't be written: "
                               "GHDL left nothing; the disk may be full.\n");
@@ -99,7 +99,8 @@ TEST_F(Brix, WhateverGhdlDoesToAFileBecomesItsLines) {
 TEST_F(Brix, ASignalEndsGhdlToo) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Process process;
-        const OwnedHandle output = start_brix(process, {"-q", "errors.vhd", "endless.vhd"});
+        const OwnedHandle output =
+            start_program(process, "BRIX.EXE", {"-q", "errors.vhd", "endless.vhd"});
         // The fourth fault is told when the fifth is known, so GHDL runs by now.
         const std::string text = read_until(output, "endless.vhd (line 4");
         ::kill(static_cast<pid_t>(process.id), signal);
@@ -108,76 +109,11 @@ TEST_F(Brix, ASignalEndsGhdlToo) {
     }
 }
 
-/// The environment's side of a run.
-struct Environment {
-    ChannelServer server;
-    std::string text;
-    std::size_t packets = 0;
-    std::vector<std::string> completions;
-    std::string item;
-    std::string close_at; ///< asks for the end when a packet holds this
-    bool answers = true;  ///< acknowledges the completion
-    bool ended = false;
-    ProcessEnd end;
-
-    Environment() {
-        server.events.context = this;
-        server.events.poke = [](void* context, std::uint64_t connection, std::string_view,
-                                std::string_view poke_item, std::span<const std::byte> data) {
-            auto& self = *static_cast<Environment*>(context);
-            self.item = poke_item;
-            self.take(connection, {reinterpret_cast<const char*>(data.data()), data.size()});
-            return k_poke_taken;
-        };
-        EXPECT_FALSE(failed(open_channel_server(server)));
-    }
-    void take(std::uint64_t connection, std::string_view data) {
-        ASSERT_FALSE(data.empty());
-        if (data[0] == '0') {
-            ASSERT_EQ(data.back(), '\0');
-            EXPECT_LE(data.size(), 1024u);
-            const std::string_view packet = data.substr(1, data.size() - 2);
-            // The environment shows each file as soon as its packet comes.
-            EXPECT_EQ(packet.find("Compiling '", 1), packet.npos) << packet;
-            text += packet;
-            ++packets;
-            if (!close_at.empty() && packet.find(close_at) != packet.npos)
-                static_cast<void>(send_channel_message(connection, k_message_close, 0));
-            return;
-        }
-        completions.emplace_back(data);
-        if (answers)
-            static_cast<void>(send_channel_message(connection, k_message_completion_seen, 0));
-    }
-    void start(Process& process, std::vector<const char*> words) const {
-        const std::string pipe = "-%bpipe" + std::to_string(server.address);
-        words.insert(words.begin(), pipe.c_str());
-        start_brix(process, words, SystemHandle::none);
-    }
-    void run(std::vector<const char*> words, int status) {
-        Process process;
-        process.context = this;
-        process.ended = [](void* context, ProcessEnd how) {
-            static_cast<Environment*>(context)->ended = true;
-            static_cast<Environment*>(context)->end = how;
-        };
-        start(process, std::move(words));
-        const std::string own_item = std::to_string(process.id);
-        while (!ended)
-            run_turn(TurnWait::until_event);
-        drain_channel_server(server);
-        EXPECT_EQ(item, own_item);
-        const std::string completion{'1', static_cast<char>(status), 0, 0, 0};
-        EXPECT_EQ(completions, std::vector{completion});
-        EXPECT_EQ(status_of(end), status);
-    }
-};
-
 TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
     const std::vector<const char*> words{"-q", "errors.vhd", "long.vhd", "flood.vhd", "good.vhd"};
     Environment environment;
     environment.run(words, 1);
-    const BrixRun run = run_brix(words);
+    const ToolRun run = run_brix(words);
     EXPECT_EQ(environment.text, run.text);
     EXPECT_EQ(line_count(run.text), 4 + 5 + 1 + 20000);
     EXPECT_NE(run.text.find("col 1):  " + std::string(5000, 'x') + "\n"), std::string::npos);
@@ -213,7 +149,7 @@ TEST_F(Brix, LimitsEndTheRunAndGhdl) {
                                        "endless.vhd:  Abort:  (E46) Error limit (2) exceeded\n"))
         << limited.text;
     EXPECT_FALSE(ghdl_still_runs());
-    const BrixRun warnings = run_brix({"-q", "-w1", "warnings.vhd", "good.vhd"});
+    const ToolRun warnings = run_brix({"-q", "-w1", "warnings.vhd", "good.vhd"});
     EXPECT_EQ(warnings.status, 1);
     EXPECT_TRUE(warnings.text.ends_with("Warning limit (1) exceeded\n")) << warnings.text;
     EXPECT_EQ(run_brix({"-q", "-w3", "warnings.vhd"}).status, 0);
@@ -232,7 +168,7 @@ TEST_F(Brix, EveryWayToFailHasItsStatusAndOneLine) {
                                                              {{"-q", "-aafile", "good.vhd"}, 5},
                                                              {{"-q", "-adangling", "good.vhd"}, 5}};
     for (const auto& [words, status] : rows) {
-        const BrixRun run = run_brix(words);
+        const ToolRun run = run_brix(words);
         EXPECT_EQ(run.status, status) << run.text;
         EXPECT_EQ(line_count(run.text), 1) << run.text;
         Environment environment;
@@ -240,7 +176,7 @@ TEST_F(Brix, EveryWayToFailHasItsStatusAndOneLine) {
         EXPECT_EQ(environment.text, run.text);
     }
     EXPECT_EQ(run_brix({"-q", "-zz"}).text, "BRIX:  Unknown switch '-zz'.\n");
-    const BrixRun unreachable = run_brix({"-%bpipe1023", "good.vhd"});
+    const ToolRun unreachable = run_brix({"-%bpipe1023", "good.vhd"});
     EXPECT_EQ(unreachable.status, 2);
     EXPECT_EQ(line_count(unreachable.text), 1) << unreachable.text;
     EXPECT_EQ(calls(), "");

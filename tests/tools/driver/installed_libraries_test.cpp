@@ -54,7 +54,7 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
     const std::map<std::string, std::string> before = installation();
     const std::string base = "Preparing installed library 'lbase' for this standard and GHDL.\n";
     const std::string gates = "Preparing installed library 'lgates' for this standard and GHDL.\n";
-    BrixRun run = run_brix({"-q", "-m", "-b", "top.vhd"});
+    ToolRun run = run_brix({"-q", "-m", "-b", "top.vhd"});
     EXPECT_EQ(run.text, base + gates + "Compiling 'top.vhd'\n");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run_brix({"-q", "-m", "-b", "top.vhd"}).text, "All files are up to date.\n");

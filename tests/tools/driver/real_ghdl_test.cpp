@@ -18,7 +18,7 @@ struct RealGhdl : testing::Test {
 TEST_F(RealGhdl, BrokenExampleHasThreeErrorsInTwoFiles) {
     std::filesystem::copy(PELLUX_SOURCE_DIR "/data/examples/counter_broken", scratch.path(),
                           std::filesystem::copy_options::recursive);
-    const BrixRun run =
+    const ToolRun run =
         run_brix({"-q", "-a", "counter_pkg.vhd", "-a", "counter.vhd", "-b", "counter_tb.vhd"});
     EXPECT_EQ(run.text,
               "Compiling 'counter_pkg.vhd'\n"
@@ -57,7 +57,7 @@ TEST_F(RealGhdl, ItsMessagesBecomeOurLines) {
     for (const Row& row : rows) {
         std::filesystem::remove_all("work");
         scratch.write("t.vhd", row.source);
-        const BrixRun run = run_brix({"-q", "-b", "t.vhd"});
+        const ToolRun run = run_brix({"-q", "-b", "t.vhd"});
         EXPECT_EQ(run.text, std::string("Compiling 't.vhd'\n") + row.lines);
         EXPECT_EQ(run.status, row.status);
     }
@@ -98,7 +98,7 @@ TEST_F(RealGhdl, ReadsItsLibrariesAgainWhateverTheDirectories) {
     const std::vector<const char*> words = {"-q", "-m", "p.vhd", "\xC3\x80\"/t.vhd"};
     {
         const test::ScopedDirectory inside("\xC3\x9F");
-        const BrixRun run = run_brix(words);
+        const ToolRun run = run_brix(words);
         EXPECT_EQ(run.text,
                   "Compiling 'p.vhd'\nCompiling '\xC3\x80\"/t.vhd'\n\xC3\x80\"/t.vhd (line 1, "
                   "col 40):  can't match 'n' with type bit\n");
@@ -110,7 +110,7 @@ TEST_F(RealGhdl, ReadsItsLibrariesAgainWhateverTheDirectories) {
     const test::ScopedDirectory inside("\xC3\x90");
     EXPECT_EQ(run_brix(words).text, "All files are up to date.\n");
     scratch.write("\xC3\x90/\xC3\x80.vhd", "");
-    BrixRun run = run_brix({"-q", "\xC3\x80.vhd"});
+    ToolRun run = run_brix({"-q", "\xC3\x80.vhd"});
     EXPECT_NE(run.text.find("letters in the name of '\xC3\x80.vhd'"), std::string::npos);
     EXPECT_EQ(run.status, 1);
     const test::ScopedDirectory deeper("\xC3\x80\"");

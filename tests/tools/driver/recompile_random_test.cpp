@@ -72,7 +72,7 @@ Outcome compile(const fs::path& tree, const test::GeneratedDesign& design, bool 
     std::vector<const char*> arguments;
     for (const std::string& word : words)
         arguments.push_back(word.c_str());
-    const BrixRun run = run_brix(arguments);
+    const ToolRun run = run_brix(arguments);
     const std::string suffix = words[2] == "-v93" ? "-obj93.cf" : "-obj08.cf";
     Outcome outcome{run.status, 0, {}, library_files(tree, suffix), records(tree)};
     std::istringstream lines(run.text);

@@ -11,13 +11,14 @@
 
 namespace pellux {
 
-/// Starts the driver in the current directory; both its standard outputs are `output`.
-inline void start_brix(Process& process, std::vector<const char*> words, SystemHandle output) {
-    static const std::string s_program = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/BRIX.EXE";
-    words.insert(words.begin(), s_program.c_str());
+/// Starts a program in the current directory; both its standard outputs are `output`.
+inline void start_program(Process& process, const char* name, std::vector<const char*> words,
+                          SystemHandle output) {
+    const std::string program = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/" + name;
+    words.insert(words.begin(), program.c_str());
     words.push_back(nullptr);
     ProcessRequest request;
-    request.program = s_program.c_str();
+    request.program = program.c_str();
     request.arguments = words.data();
     request.output = output;
     request.errors = output;
@@ -25,11 +26,12 @@ inline void start_brix(Process& process, std::vector<const char*> words, SystemH
 }
 
 /// The same with a pipe; its end for reading.
-inline OwnedHandle start_brix(Process& process, std::vector<const char*> words) {
+inline OwnedHandle start_program(Process& process, const char* name,
+                                 std::vector<const char*> words) {
     OwnedHandle read_end;
     OwnedHandle write_end;
     EXPECT_FALSE(failed(make_pipe(read_end, write_end)));
-    start_brix(process, std::move(words), write_end.get());
+    start_program(process, name, std::move(words), write_end.get());
     return read_end;
 }
 
@@ -52,18 +54,22 @@ inline int status_of(ProcessEnd end) {
     return end.by_signal ? 1000 + end.code : end.code;
 }
 
-struct BrixRun {
+struct ToolRun {
     int status = -1;
-    std::string text; ///< all that the driver printed
+    std::string text; ///< all that the program printed
 };
 
-inline BrixRun run_brix(std::vector<const char*> words) {
+inline ToolRun run_program(const char* name, std::vector<const char*> words) {
     Process process;
-    const OwnedHandle output = start_brix(process, std::move(words));
-    BrixRun result;
+    const OwnedHandle output = start_program(process, name, std::move(words));
+    ToolRun result;
     result.text = read_until(output, "");
     result.status = status_of(wait_for_process(process));
     return result;
+}
+
+inline ToolRun run_brix(std::vector<const char*> words) {
+    return run_program("BRIX.EXE", std::move(words));
 }
 
 } // namespace pellux

@@ -13,7 +13,7 @@ struct RunReport : testing::Test {
             std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
         const test::ScopedVariable path{"PATH", fake_first.c_str()};
         words.insert(words.begin(), "-q");
-        const BrixRun run = run_brix(words);
+        const ToolRun run = run_brix(words);
         EXPECT_EQ(run.status, status) << run.text;
         std::string text = scratch.read(name);
         constexpr std::string_view k_time = "2026-05-04 13:02:45";

@@ -1,0 +1,340 @@
+#include "core/os/loop.h"
+#include "core/project/project_file.h"
+#include "tests/tools/driver/environment.h"
+#include "tests/tools/driver/scratch.h"
+
+#include <algorithm>
+#include <csignal>
+#include <map>
+#include <sstream>
+
+namespace pellux {
+namespace {
+
+const std::string k_waveform = "$enddefinitions $end\n#0\n0!\n#5\n1!\n";
+
+/// `top` and the unit may be empty.
+void write_project(const char* file, std::vector<const char*> sources, const char* top,
+                   const char* unit, int standard) {
+    Project project;
+    project.file_name.assign(file);
+    for (const char* name : sources) {
+        auto source = make_owned<VHDL_source>();
+        source->file_name.assign(name);
+        if (std::string(name) == top)
+            project.top_design = source.get();
+        project.sources.push_back(std::move(source));
+    }
+    project.options.text_12.assign(unit);
+    project.options.vhdl_standard = static_cast<std::int16_t>(standard);
+    EXPECT_FALSE(failed(write_project_as(project, file, {}).error));
+}
+
+/// `line` is cut at its blanks.
+ToolRun run_brixsim(const std::string& line) {
+    std::istringstream stream(line);
+    const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
+    std::vector<const char*> arguments{"-q"};
+    for (const std::string& word : words)
+        arguments.push_back(word.c_str());
+    return run_program("brixsim", std::move(arguments));
+}
+
+/// Simulations of a scratch directory; copies of libraries go to one of the directory's own.
+struct Simulations : testing::Test {
+    Scratch scratch;
+    test::ScopedVariable cache{"XDG_CACHE_HOME", scratch.path("cache").c_str()};
+
+    void expect_nothing_left(const std::set<std::string>& before) const {
+        EXPECT_EQ(scratch.names(), before);
+        EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
+    }
+};
+
+struct FakeSimulations : Simulations {
+    std::string fake_first =
+        std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
+    test::ScopedVariable path{"PATH", fake_first.c_str()};
+    test::ScopedVariable log{"FAKE_GHDL_LOG", scratch.path("calls.log").c_str()};
+    std::set<std::string> before;
+
+    void SetUp() override {
+        std::vector<const char*> words{"-q"};
+        for (const char* file :
+             {"run_good.vhd", "run_hang.vhd", "run_cut.vhd", "run_flood.vhd", "run_crash.vhd",
+              "run_empty.vhd", "run_fault.vhd", "run_silent.vhd", "run_twice.vhd"}) {
+            scratch.write(file, "-- a unit\n");
+            words.push_back(file);
+        }
+        ASSERT_EQ(run_brix(words).status, 0);
+        std::filesystem::create_directory("cache");
+        before = scratch.names();
+    }
+    [[nodiscard]] bool ghdl_still_runs() const {
+        const std::string calls = scratch.read("calls.log");
+        return process_exists(std::stoll(calls.substr(calls.rfind('\n', calls.size() - 2) + 1)));
+    }
+};
+
+TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
+    struct Row {
+        const char* unit;
+        const char* word;
+        int status;
+        std::string text; ///< between the first line and the waveform's
+        std::string waveform;
+    };
+    const std::string not_whole =
+        "BRIXSIM:  Waveform 'w' can't be written: GHDL left no whole file; the disk may be full.\n";
+    const std::string whole = k_waveform + "#10\n";
+    const Row rows[] = {
+        {"run_good", "-q", 0, "", whole},
+        {"run_hang", "-l1", 1,
+         "x.vhd (line 1, col 1):  Note: at 0ms: runs\n"
+         "BRIXSIM:  Simulation of 'run_hang' ended by the limit of 1 seconds.\n",
+         k_waveform},
+        {"run_cut", "-q", 4, not_whole, "old"},
+        {"run_empty", "-q", 4, not_whole, "old"},
+        {"run_good", "-wghw", 4, not_whole, "old"},
+        {"run_crash", "-q", 1, "run_crash.vhd:  GHDL itself failed on this file (signal 9).\n",
+         whole},
+        {"run_fault", "-q", 1, "run_fault.vhd:  GHDL itself failed on this file (exit status 2).\n",
+         whole},
+        {"run_silent", "-q", 1, "run_silent.vhd:  GHDL refused this file without a message.\n",
+         whole},
+    };
+    before.insert("w");
+    for (const Row& row : rows) {
+        const std::string unit = row.unit;
+        const std::string file = unit + ".vhd";
+        scratch.write("w", "old");
+        const ToolRun run = run_brixsim(row.word + (" -ow " + file));
+        EXPECT_EQ(run.status, row.status) << run.text;
+        EXPECT_EQ(scratch.read("w"), row.waveform) << file;
+        const bool kept = row.waveform != "old";
+        EXPECT_EQ(run.text, "Simulating '" + unit + "'\n" + row.text +
+                                (kept ? "Waveform of '" + unit + "' in 'w'.\n" : ""));
+        expect_nothing_left(before);
+        EXPECT_FALSE(ghdl_still_runs());
+    }
+}
+
+TEST_F(FakeSimulations, WhoeverEndsItEndsGhdlAndLeavesNothing) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        Process process;
+        const OwnedHandle output = start_program(process, "brixsim", {"run_hang.vhd"});
+        read_until(output, "runs");
+        ::kill(static_cast<pid_t>(process.id), signal);
+        EXPECT_EQ(status_of(wait_for_process(process)), 1);
+        EXPECT_FALSE(ghdl_still_runs());
+        expect_nothing_left(before);
+    }
+    Environment closing{"brixsim"};
+    closing.close_at = "runs";
+    closing.answers = false;
+    closing.run({"-q", "run_hang.vhd"}, 1);
+    EXPECT_EQ(closing.text, "Simulating 'run_hang'\nx.vhd (line 1, col 1):  Note: at 0ms: runs\n");
+    EXPECT_FALSE(ghdl_still_runs());
+    expect_nothing_left(before);
+    Process process;
+    {
+        Environment lost{"brixsim"};
+        lost.start(process, {"run_hang.vhd"});
+        while (lost.text.find("runs") == std::string::npos)
+            run_turn(TurnWait::until_event);
+    }
+    EXPECT_EQ(status_of(wait_for_process(process)), 1);
+    EXPECT_FALSE(ghdl_still_runs());
+    expect_nothing_left(before);
+}
+
+TEST_F(FakeSimulations, AFloodComesWholeAndInOrderOverTheChannel) {
+    Environment environment{"brixsim"};
+    environment.run({"-q", "run_flood.vhd"}, 0);
+    const ToolRun run = run_brixsim("run_flood.vhd");
+    EXPECT_EQ(environment.text, run.text);
+    EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1 + 40000 + 1);
+    EXPECT_TRUE(
+        run.text.find("'\nx.vhd (line 2, col 1):  Warning: at 5ns: again\nand text\nx.vhd") !=
+        std::string::npos);
+    EXPECT_LT(environment.packets, 5000u);
+}
+
+TEST_F(FakeSimulations, EveryWayToFailHasItsStatusAndOneLine) {
+    write_project("none.bpr", {"run_good.vhd"}, "", "", -1);
+    write_project("gone.bpr", {"run_good.vhd"}, "", "gone", -1);
+    write_project("old.bpr", {"run_twice.vhd"}, "run_twice.vhd", "", 93);
+    scratch.write("bad.bpr", "what is this");
+    scratch.write("new.vhd", "");
+    scratch.write("bad.rsp", "@again.rsp");
+    const std::map<int, std::vector<const char*>> rows = {
+        {1,
+         {"gone.vhd", "new.vhd", "-v93 run_good.vhd", "-ugone run_good.vhd", "none.bpr", "gone.bpr",
+          "old.bpr", "bad.bpr"}},
+        {2,
+         {"", "-zz run_good.vhd", "run_good.vhd run_cut.vhd", "run_good.vhd @bad.rsp",
+          "@gone.rsp"}},
+        {4, {"-onowhere/w run_good.vhd", "-o. run_good.vhd"}}};
+    before = scratch.names();
+    for (const auto& [status, lines] : rows) {
+        for (const char* line : lines) {
+            const ToolRun run = run_brixsim(line);
+            EXPECT_EQ(run.status, status) << run.text;
+            EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1) << run.text;
+            expect_nothing_left(before);
+        }
+    }
+    scratch.write("file", "");
+    {
+        const test::ScopedVariable no_cache("XDG_CACHE_HOME", scratch.path("file").c_str());
+        EXPECT_EQ(run_brixsim("run_good.vhd").status, 4);
+    }
+    {
+        const test::ScopedVariable no_path("PATH", scratch.path().c_str());
+        EXPECT_EQ(run_brixsim("run_good.vhd").status, 3);
+    }
+    EXPECT_EQ(run_brixsim("-%bpipe1023 run_good.vhd").status, 2);
+    scratch.write("work/work-obj08.cf", "v 4\nfile");
+    EXPECT_EQ(run_brixsim("run_good.vhd").status, 5);
+}
+
+TEST_F(FakeSimulations, ADesignIsAProjectOrItsTop) {
+    write_project("other.bpr", {"run_cut.vhd"}, "run_cut.vhd", "", -1);
+    scratch.write("damaged.bpr", "what is this");
+    write_project("good.bpr", {"run_cut.vhd", "run_good.vhd"}, "run_good.vhd", "", -1);
+    write_project("bench.bpr", {"run_good.vhd"}, "run_twice.vhd", "RUN_Good", -1);
+    const auto unit_of = [](const char* line) {
+        const std::string text = run_brixsim(line).text;
+        return text.substr(0, text.find('\n'));
+    };
+    EXPECT_EQ(unit_of("good.bpr"), "Simulating 'run_good'");
+    EXPECT_EQ(unit_of("bench.bpr"), "Simulating 'run_good'");
+    EXPECT_EQ(unit_of("-urun_hang -l0.1 bench.bpr"), "Simulating 'run_hang'");
+    EXPECT_TRUE(std::filesystem::exists("good.vcd"));
+    // A source stands for itself unless one project has it as its top.
+    EXPECT_EQ(unit_of("run_twice.vhd"), "Simulating 'run_twice'");
+    write_project("twice.bpr", {"run_twice.vhd"}, "run_twice.vhd", "run_good", -1);
+    EXPECT_EQ(unit_of("./run_twice.vhd"), "Simulating 'run_good'");
+    write_project("twice2.bpr", {"run_twice.vhd"}, "run_twice.vhd", "run_cut", -1);
+    EXPECT_EQ(unit_of("run_twice.vhd"), "Simulating 'run_twice'");
+    // A project elsewhere is simulated there; the waveform stays here.
+    scratch.write("there/x", "");
+    std::filesystem::current_path(scratch.path("there"));
+    EXPECT_EQ(unit_of("-ow.vcd ../good.bpr"), "Simulating 'run_good'");
+    EXPECT_TRUE(std::filesystem::exists("w.vcd"));
+}
+
+/// With the installed GHDL, whose words these tests hold our reading of it against.
+struct RealSimulations : Simulations {
+    void SetUp() override {
+        PathBuffer path;
+        ASSERT_TRUE(find_program("ghdl-mcode", path) || find_program("ghdl", path))
+            << "GHDL is not installed";
+    }
+    static std::map<std::string, std::string> library_files() {
+        std::map<std::string, std::string> files;
+        for (const char* name : {"work", "lib"}) {
+            for (const auto& entry : std::filesystem::recursive_directory_iterator(name)) {
+                if (!entry.is_regular_file())
+                    continue;
+                std::ifstream file(entry.path());
+                files[entry.path().string()] = std::string(std::istreambuf_iterator(file), {});
+            }
+        }
+        return files;
+    }
+};
+
+TEST_F(RealSimulations, ReportsHaveTheirPlacesAndMovedLibrariesStayAsTheyAre) {
+    scratch.write("p/src/check.vhd", R"(package check is procedure fits(n : natural); end;
+package body check is
+  procedure fits(n : natural) is variable v : natural range 0 to 3; begin
+
+    v := n;
+  end; end;
+)");
+    scratch.write("p/src/tb.vhd", R"(library lib; use lib.check.all; use std.textio.all;
+#$ DEVICE x
+entity tb is end;
+architecture a of tb is signal s : bit; component none is port(x : in bit); end component;
+begin
+)"
+                                  "\tu : none port map(s);\n"
+                                  R"(  process variable l : line; begin
+    report "one" & LF & "two";
+    write(l, string'("a:1:2: text")); writeline(output, l);
+    s <= '1' after 3 ns; wait for 5 ns;
+    for i in 1 to 2 loop assert s = '0' report "is one" severity warning; end loop;
+)"
+                                  "\t\tassert false severity error;\n    fits(4);\n"
+                                  "  end process;\nend;\n");
+    std::filesystem::current_path(scratch.path("p"));
+    write_project("p.bpr", {"src/check.vhd", "src/tb.vhd"}, "src/tb.vhd", "", 8);
+    const ToolRun compiled = run_brix({"-q", "-alib", "src/check.vhd", "-b", "src/tb.vhd"});
+    ASSERT_EQ(compiled.status, 0) << compiled.text;
+    std::filesystem::current_path(scratch.path());
+    std::filesystem::rename("p", "moved");
+    std::filesystem::current_path(scratch.path("moved"));
+    const auto files = library_files();
+    const ToolRun run = run_brixsim("p.bpr");
+    EXPECT_EQ(run.text, R"(Simulating 'tb'
+src/tb.vhd (line 6, col 2):  Warning: instance "u" of component "none" is not bound [-Wbinding]
+    (in default configuration of tb(a)) (line 4, col 14)
+src/tb.vhd (line 8, col 5):  Note: at 0ms: one
+two
+a:1:2: text
+src/tb.vhd (line 11, col 26):  Warning: at 5ns: is one
+src/tb.vhd (line 11, col 26):  Warning: at 5ns: is one
+src/tb.vhd (line 12, col 3):  at 5ns: Assertion violation
+src/check.vhd (line 5, col 1):  bound check failure
+    in process .tb(a).P0
+    from: lib.check.fits at check.vhd:5
+    from: process work.tb(a).P0 at tb.vhd:13
+Waveform of 'tb' in 'p.vcd'.
+)");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(scratch.read("moved/p.vcd").find("\n#3000000\n1"), std::string::npos);
+    EXPECT_EQ(library_files(), files);
+    EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
+    // From elsewhere; a change since the compilation is told and nothing simulated.
+    std::filesystem::current_path(scratch.path());
+    EXPECT_EQ(run_brixsim("-s4ns -wghw moved/p.bpr").status, 0);
+    EXPECT_TRUE(scratch.read("moved/p.ghw").starts_with("GHDLwave"));
+    scratch.write("moved/src/check.vhd", "package check is end;\n");
+    const ToolRun stale = run_brixsim("moved/p.bpr");
+    EXPECT_EQ(stale.status, 1);
+    EXPECT_TRUE(stale.text.ends_with("has changed and must be reanalysed\n")) << stale.text;
+}
+
+TEST_F(RealSimulations, EachEndHasItsStatus) {
+    struct Row {
+        const char* body;
+        int status;
+        const char* told; ///< behind the first line, up to the waveform's
+    };
+    const Row rows[] = {
+        {"loop null; end loop", 1,
+         "BRIXSIM:  Simulation of 'e' ended by the limit of 0.2 seconds.\n"},
+        {"report \"bang\" severity failure; wait", 1,
+         "e.vhd (line 3, col 1):  failure at 0ms: bang\n    in process .e(a).P0\n"
+         "    from: process work.e(a).P0 at e.vhd:3\n"},
+        {"std.env.stop(3); wait", 1, "BRIXSIM:  simulation stopped @0ms with status 3\n"},
+        {"std.env.stop(0); wait", 0, "simulation stopped @0ms with status 0\n"},
+        {"std.env.finish; wait", 0, "simulation finished @0ms\n"},
+    };
+    for (const Row& row : rows) {
+        const bool hangs = row.body == rows[0].body;
+        scratch.write(
+            "e.vhd", std::string("entity e is end;\narchitecture a of e is begin process begin\n") +
+                         row.body + "; end process; end;\n");
+        ASSERT_EQ(run_brix({"-q", "e.vhd"}).status, 0);
+        const ToolRun run = run_brixsim(hangs ? "-l0.2 e.vhd" : "e.vhd");
+        EXPECT_EQ(run.text, "Simulating 'e'\n" + std::string(row.told) +
+                                (hangs ? "" : "Waveform of 'e' in 'e.vcd'.\n"));
+        EXPECT_EQ(run.status, row.status) << row.body;
+        EXPECT_EQ(scratch.names().contains("e.vcd"), !hangs);
+    }
+}
+
+} // namespace
+} // namespace pellux

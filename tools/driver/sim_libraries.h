@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "tools/driver/compiled_library.h"
+#include "tools/driver/exit_status.h"
+#include "tools/driver/plan.h"
+#include "tools/driver/run_directory.h"
+#include "tools/driver/source_names.h"
+
+namespace pellux {
+
+/// The libraries that a simulation reads, as they lie. Nothing in them is locked or changed: GHDL
+/// gets copies of their library files.
+struct SimLibraries {
+    Vector<CompiledLibrary> libraries; ///< `work` is the first
+    RunDirectory run;                  ///< of the copies
+
+    [[nodiscard]] const CompiledLibrary& work() const { return libraries.front(); }
+};
+
+/// Finds and reads them. `work` is there, and maybe empty, after a success.
+[[nodiscard]] Failure read_libraries(SimLibraries& libraries, VhdlStandard standard);
+
+/// Makes the copies, in the user's cache directory. They name every source by its absolute path, as
+/// GHDL's messages then do too.
+[[nodiscard]] Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard);
+
+/// How messages show the sources: as in `given`, else relative to the current directory where they
+/// lie in it.
+[[nodiscard]] SourceNames shown_sources(const SimLibraries& libraries, SourceNames& given);
+
+} // namespace pellux

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/diagnostics/reporter.h"
+#include "core/os/files.h"
+#include "core/os/process.h"
+#include "tools/driver/interruption.h"
+#include "tools/driver/messages.h"
+#include "tools/driver/options.h"
+#include "tools/driver/telling.h"
+
+#include <span>
+
+namespace pellux {
+
+/// What a program does between its first and its last instruction; answers its exit status. `name`
+/// is what its messages call it.
+template <typename Options>
+int run_tool(const char* name, std::span<char* const> words,
+             Failure (*parse)(std::span<const char* const>, ResponseReader, Options&),
+             ExitStatus (*run)(const Options&, Output&)) {
+    make_size_limit_an_error();
+    start_diagnostics(name);
+    notice_interruption();
+    Options options;
+    const Failure failure =
+        parse(words.subspan(words.empty() ? 0 : 1), disk_response_reader(), options);
+    Output output;
+    if (options.channel != 0 && !connect_output(output, options.channel)) {
+        // Without its channel the program has no place for its text but standard error.
+        const String text = format_message(msg_no_environment) + "\n";
+        static_cast<void>(write_handle(standard_errors(), std::as_bytes(std::span(text))));
+        return static_cast<int>(ExitStatus::arguments);
+    }
+    report_to(output);
+    const ExitStatus status = failure ? tell_failure(failure) : run(options, output);
+    finish_output(output, status);
+    return static_cast<int>(status);
+}
+
+} // namespace pellux
