@@ -34,6 +34,9 @@ struct ProcessRequest {
     SystemHandle input = SystemHandle::none;
     SystemHandle output = SystemHandle::none;
     SystemHandle errors = SystemHandle::none;
+    /// The system ends the child once it has used this much processor time, also when we are gone;
+    /// 0: no limit.
+    std::int64_t processor_seconds_max = 0;
 };
 
 struct ProcessEnd {

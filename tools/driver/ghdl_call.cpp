@@ -61,7 +61,8 @@ void on_ended(void* context, ProcessEnd end) {
     call.end = end;
 }
 
-SystemError start(Call& call, Process& process, const char* program, const Vector<String>& words) {
+SystemError start(Call& call, Process& process, const char* program, const Vector<String>& words,
+                  std::int64_t processor_seconds_max) {
     OwnedHandle write_end;
     SystemError error = make_pipe(call.output, write_end);
     if (failed(error))
@@ -77,6 +78,7 @@ SystemError start(Call& call, Process& process, const char* program, const Vecto
     request.arguments = arguments.data();
     request.output = write_end.get();
     request.errors = write_end.get();
+    request.processor_seconds_max = processor_seconds_max;
     return start_process(process, request);
 }
 
@@ -91,10 +93,10 @@ bool find_ghdl(PathBuffer& path) {
 }
 
 GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,
-                 const LineReceiver& receiver) {
+                 const LineReceiver& receiver, std::int64_t processor_seconds_max) {
     Call call{receiver, {}, {}, {}, false, false, {}};
     GhdlEnd result;
-    result.not_started = start(call, process, program, words);
+    result.not_started = start(call, process, program, words, processor_seconds_max);
     if (failed(result.not_started))
         return result;
     set_non_blocking(call.output.get());

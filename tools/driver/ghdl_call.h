@@ -25,10 +25,12 @@ struct GhdlEnd {
     ProcessEnd process;
 };
 
-/// Runs GHDL to its end. `process` runs nothing before and after; whoever ends the program in the
-/// middle kills it. NULs and CRs in lines come as blanks, endless lines in pieces.
+/// Runs GHDL to its end, at most for the processor time (0: no limit) even when we are killed.
+/// `process` runs nothing before and after; whoever ends the program in the middle kills it. NULs
+/// and CRs in lines come as blanks, endless lines in pieces.
 [[nodiscard]] GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,
-                               const LineReceiver& receiver);
+                               const LineReceiver& receiver,
+                               std::int64_t processor_seconds_max = 0);
 
 /// The lines that GHDL prints when it is called with that one word; none when it cannot be run.
 /// `stop` as above.

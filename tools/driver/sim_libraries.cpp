@@ -14,19 +14,66 @@ namespace {
 
 constexpr std::string_view k_runs = "simulations";
 
-SystemError write_copies(SimLibraries& libraries, VhdlStandard standard, const PathBuffer& runs) {
-    SystemError error = make_directories(runs.view(), 0700);
+/// Can GHDL read what a copy in a directory of `runs` would name?
+bool reaches_all(const SimLibraries& libraries, std::string_view runs) {
+    const String run = absolute_path(runs, "run");
+    for (const CompiledLibrary& library : libraries.libraries) {
+        for (GhdlSource source : library.sources) {
+            if (!make_readable(source, view(run)))
+                return false;
+        }
+    }
+    return true;
+}
+
+SystemError write_copies(SimLibraries& libraries, VhdlStandard standard, std::string_view runs) {
+    SystemError error = make_directories(runs, 0700);
     if (!failed(error))
-        error = make_run_directory(libraries.run, runs.view());
+        error = make_run_directory(libraries.run, runs);
     for (const CompiledLibrary& library : libraries.libraries) {
         PathBuffer path;
         if (failed(error))
             return error;
         if (!library_file_path(view(libraries.run.path), view(library.place.name), standard, path))
             return refuse(Refusal::path_too_long);
-        error = write_derived_file(path.view(), view(ghdl_library_text({library.sources})));
+        GhdlLibrary copy{library.sources};
+        std::erase_if(copy.sources, [&](GhdlSource& source) {
+            return !make_readable(source, view(libraries.run.path));
+        });
+        error = write_derived_file(path.view(), view(ghdl_library_text(copy)));
     }
     return error;
+}
+
+/// Adds what can be read of a library, with absolute paths.
+LibraryState add_library(SimLibraries& libraries, const LibraryPlace& place,
+                         VhdlStandard standard) {
+    CompiledLibrary library;
+    library.place = place;
+    const LibraryState state = load_library(library, standard);
+    for (GhdlSource& source : library.sources)
+        set_source_path(source, {},
+                        view(absolute_path(view(library.directory), view(source_path(source)))));
+    if (state == LibraryState::read || libraries.libraries.empty())
+        libraries.libraries.push_back(std::move(library));
+    return state;
+}
+
+/// Adds the installed libraries that the sources of the others name.
+void add_installed(SimLibraries& libraries, Vector<LibraryPlace> installed, VhdlStandard standard,
+                   const InstalledLibraryRun& run) {
+    Plan plan;
+    plan.standard = standard;
+    plan.installed = std::move(installed);
+    for (const CompiledLibrary& library : libraries.libraries) {
+        std::erase_if(plan.installed,
+                      [&](const LibraryPlace& place) { return place.name == library.place.name; });
+        for (const GhdlSource& source : library.sources)
+            plan.steps.push_back({StepKind::analyse, source.name, 0});
+    }
+    add_installed_libraries(plan, run);
+    for (const LibraryPlace& place : plan.others)
+        static_cast<void>(add_library(libraries, place, standard));
 }
 
 /// Of a copy without directive lines it is the path of the source itself.
@@ -39,42 +86,33 @@ String original_path(const CompiledLibrary& library, const String& path) {
 
 } // namespace
 
-Failure read_libraries(SimLibraries& libraries, VhdlStandard standard) {
+Failure read_libraries(SimLibraries& libraries, VhdlStandard standard,
+                       const InstalledLibraryRun& run) {
     Options options;
     options.standard = standard;
     options.files.push_back({{}, String(k_work_library)});
     Surroundings surroundings;
     if (Failure failure = look_around(options, surroundings))
         return failure;
-    const LibraryPlace work = surroundings.targets.front().place;
-    std::erase_if(surroundings.visible, [&](const LibraryPlace& place) {
-        return place.name == work.name || is_reserved_library(view(place.name));
-    });
-    surroundings.visible.insert(surroundings.visible.begin(), work);
+    const LibraryPlace& work = surroundings.targets.front().place;
+    const LibraryState state = add_library(libraries, work, standard);
+    if (state != LibraryState::read && state != LibraryState::missing)
+        return {ExitStatus::bad_library, format_message(msg_library_no_use, work.name.c_str())};
     for (const LibraryPlace& place : surroundings.visible) {
-        CompiledLibrary library;
-        library.place = place;
-        const LibraryState state = load_library(library, standard);
-        const bool is_work = place == work;
-        if (is_work && state != LibraryState::read && state != LibraryState::missing)
-            return {ExitStatus::bad_library,
-                    format_message(msg_library_no_use, place.name.c_str())};
-        if (!is_work && state != LibraryState::read)
-            continue;
-        for (GhdlSource& source : library.sources)
-            set_source_path(
-                source, {},
-                view(absolute_path(view(library.directory), view(source_path(source)))));
-        libraries.libraries.push_back(std::move(library));
+        if (place.name != work.name && !is_reserved_library(view(place.name)))
+            static_cast<void>(add_library(libraries, place, standard));
     }
+    add_installed(libraries, std::move(surroundings.installed), standard, run);
     return {};
 }
 
 Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard) {
     PathBuffer runs;
-    const bool has_place = cache_directory(runs) && runs.join(k_runs);
+    bool has_place = cache_directory(runs) && runs.join(k_runs);
+    if (!has_place || !reaches_all(libraries, runs.view()))
+        has_place = runs.assign(view(libraries.work().directory));
     const SystemError error =
-        has_place ? write_copies(libraries, standard, runs) : refuse(Refusal::path_too_long);
+        has_place ? write_copies(libraries, standard, runs.view()) : refuse(Refusal::path_too_long);
     if (!failed(error))
         return {};
     return {ExitStatus::no_room, format_message(msg_no_library_copies, String(runs.view()).c_str(),
@@ -92,7 +130,9 @@ SourceNames shown_sources(const SimLibraries& libraries, SourceNames& given) {
             std::string_view shown = shown_name(given, view(original));
             if (shown.starts_with(view(inside)))
                 shown.remove_prefix(inside.size());
-            names.names.push_back({String(shown), source.name, true, {}});
+            GhdlSource copy = source;
+            static_cast<void>(make_readable(copy, view(libraries.run.path)));
+            names.names.push_back({String(shown), std::move(copy.name), true, {}});
         }
     }
     return names;

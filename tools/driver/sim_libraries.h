@@ -3,6 +3,7 @@
 #include "core/common/containers.h"
 #include "tools/driver/compiled_library.h"
 #include "tools/driver/exit_status.h"
+#include "tools/driver/installed_libraries.h"
 #include "tools/driver/plan.h"
 #include "tools/driver/run_directory.h"
 #include "tools/driver/source_names.h"
@@ -18,11 +19,14 @@ struct SimLibraries {
     [[nodiscard]] const CompiledLibrary& work() const { return libraries.front(); }
 };
 
-/// Finds and reads them. `work` is there, and maybe empty, after a success.
-[[nodiscard]] Failure read_libraries(SimLibraries& libraries, VhdlStandard standard);
+/// Finds and reads them, the installed ones that are there for `run` too. `work` is there, and
+/// maybe empty, after a success.
+[[nodiscard]] Failure read_libraries(SimLibraries& libraries, VhdlStandard standard,
+                                     const InstalledLibraryRun& run);
 
-/// Makes the copies, in the user's cache directory. They name every source by its absolute path, as
-/// GHDL's messages then do too.
+/// Makes the copies, in the user's cache directory, or beside `work` where GHDL would find no
+/// source from there. They name every source by its absolute path, as GHDL's messages then do too,
+/// unless it could not read that.
 [[nodiscard]] Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard);
 
 /// How messages show the sources: as in `given`, else relative to the current directory where they

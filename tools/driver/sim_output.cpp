@@ -41,6 +41,11 @@ bool begins_with_one_of(const std::array<std::string_view, count>& starts, std::
                        [&](std::string_view start) { return text.starts_with(start); });
 }
 
+/// A path of the library copies, or the "*libraries*" that stands where GHDL has no file to name.
+bool is_ghdls_file(std::string_view file) {
+    return is_absolute(file) || file.starts_with("..") || file.starts_with('*');
+}
+
 void settle(SimTranslator& output) {
     end_translation(output.translator);
     // A report is told as often as it is made.
@@ -145,8 +150,7 @@ void translate_simulation_line(SimTranslator& output, std::string_view line) {
     case GhdlLineKind::located:
         if (take_report(output, parsed))
             return;
-        // A "*libraries*" stands where GHDL has no file to name.
-        if (!output.simulating && (is_absolute(parsed.file) || parsed.file.starts_with('*'))) {
+        if (!output.simulating && is_ghdls_file(parsed.file)) {
             forward(output, line, parsed.level);
             return;
         }

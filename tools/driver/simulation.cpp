@@ -4,6 +4,7 @@
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/loop.h"
+#include "tools/driver/compile_session.h"
 #include "tools/driver/ghdl_call.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
@@ -74,6 +75,12 @@ void on_ending_simulation(void* context, int) {
     end_run(simulation.output);
 }
 
+void on_waiting(void* context, const LibraryPlace& place) {
+    const String line = format_message(msg_waiting_for_library, place.name.c_str());
+    on_plain_line(context, view(line));
+    on_piece_read(context);
+}
+
 /// All that comes before GHDL.
 Failure prepare(Simulation& simulation) {
     const SimulationOptions& options = simulation.options;
@@ -86,8 +93,19 @@ Failure prepare(Simulation& simulation) {
         return failure;
     if (Failure failure = find_sim_design(options, design))
         return failure;
-    if (Failure failure = read_libraries(libraries, design.standard))
-        return failure;
+    Vector<String> warnings;
+    const Failure unusable =
+        read_libraries(libraries, design.standard,
+                       {simulation.process,
+                        simulation.ghdl.c_str(),
+                        settings_digest(design.standard, simulation.ghdl.view()),
+                        {on_waiting, on_stop_question, &simulation},
+                        on_plain_line,
+                        warnings});
+    for (const String& text : warnings)
+        warning(-1, msg_as_it_stands, text.c_str());
+    if (unusable)
+        return unusable;
     if (Failure failure = find_sim_unit(design, libraries.work(), simulation.unit))
         return failure;
     return copy_libraries(libraries, design.standard);
@@ -136,7 +154,8 @@ GhdlEnd call_ghdl(Simulation& simulation) {
                  {.line = on_ghdl_line,
                   .piece_read = on_piece_read,
                   .stop = on_stop_question,
-                  .context = &simulation});
+                  .context = &simulation},
+                 simulation.options.limit_ms / 1000 + 1);
     stop_timer(simulation.limit);
     end_simulation_output(simulation.lines);
     return end;

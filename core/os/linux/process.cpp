@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -238,6 +239,11 @@ SystemError start(const ProcessRequest& request, Process* owner) {
     if (error != 0)
         return static_cast<SystemError>(error);
 
+    if (request.processor_seconds_max > 0) {
+        const auto seconds = static_cast<rlim_t>(request.processor_seconds_max);
+        const struct rlimit limit { seconds, seconds };
+        ::prlimit(id, RLIMIT_CPU, &limit, nullptr);
+    }
     table.program = ::getpid();
     record->id = id;
     record->given_up = false;

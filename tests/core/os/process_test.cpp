@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -133,6 +134,25 @@ TEST(Process, OneTooManyIsRefusedUntilOthersHaveEnded) {
     EXPECT_TRUE(turn_until_no_child());
     EXPECT_FALSE(failed(start_detached(request)));
     EXPECT_TRUE(turn_until_no_child());
+}
+
+TEST(Process, ProcessorTimeIsLimitedByTheSystem) {
+    Process process;
+    ChildRequest request({"ignore"});
+    request.processor_seconds_max = 7;
+    ASSERT_FALSE(failed(start_process(process, request)));
+    std::ifstream limits("/proc/" + std::to_string(process.id) + "/limits");
+    std::string line;
+    while (std::getline(limits, line) && !line.starts_with("Max cpu time"))
+        continue;
+    std::istringstream numbers(line.substr(line.find_first_of("0123456789")));
+    int soft = 0;
+    int hard = 0;
+    numbers >> soft >> hard;
+    EXPECT_EQ(soft, 7);
+    EXPECT_EQ(hard, 7);
+    kill_process(process);
+    wait_for_process(process);
 }
 
 TEST(Process, GivenUpChildIsEndedWithItsGroupWhenTheGraceIsOver) {

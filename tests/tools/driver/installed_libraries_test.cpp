@@ -67,6 +67,8 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
                             "'.\nCompiling 'top.vhd'\n");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run_brix({"-q", "-m", "-v93", "-b", "top.vhd"}).text, "All files are up to date.\n");
+    EXPECT_EQ(run_program("brixsim", {"-q", "top.vhd"}).text,
+              "Simulating 'top'\nWaveform of 'top' in 'top.vcd'.\n");
     EXPECT_EQ(installation(), before);
 
     // A later installation is noticed, a half-made analysis made anew.

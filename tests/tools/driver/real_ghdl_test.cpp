@@ -106,6 +106,16 @@ TEST_F(RealGhdl, ReadsItsLibrariesAgainWhateverTheDirectories) {
         EXPECT_EQ(run_brix(words).text, "Compiling '\xC3\x80\"/t.vhd'\n");
         EXPECT_EQ(run_brix(words).text, "All files are up to date.\n");
     }
+    scratch.write("\xC3\x9F/s.vhd",
+                  "use work.p.all; entity s is end; architecture a of s is begin\n"
+                  "assert n = 2 report \"n\"; end;\n");
+    {
+        const test::ScopedDirectory inside("\xC3\x9F");
+        EXPECT_EQ(run_brix({"-q", "-b", "s.vhd"}).status, 0);
+        const ToolRun run = run_program("brixsim", {"-q", "s.vhd"});
+        EXPECT_TRUE(run.text.starts_with("Simulating 's'\ns.vhd (line 2, col 1):  at 0ms: n\n"))
+            << run.text;
+    }
     std::filesystem::rename("\xC3\x9F", "\xC3\x90");
     const test::ScopedDirectory inside("\xC3\x90");
     EXPECT_EQ(run_brix(words).text, "All files are up to date.\n");
