@@ -204,12 +204,32 @@ IndexStatus look_and_open(LibraryIndex& index, std::string_view directory, Index
     return open_file_at(index, path, mode, is_new, wait_ms);
 }
 
+/// A writer that ended while it made the file left a head that means nothing, or no table once
+/// SQLite has undone what the journal tells. True when there is none of that any more.
+bool undo_unfinished_making(std::string_view directory, int wait_ms) {
+    PathBuffer path;
+    PathBuffer journal;
+    FileStat stat;
+    if (!index_path(directory, path) || !journal.assign(path.view()) || !journal.append("-journal"))
+        return false;
+    if (file_exists(journal.view()))
+        return undo_unfinished(path, wait_ms) == SQLITE_OK;
+    return !failed(stat_file(path.view(), stat)) && stat.size == 0;
+}
+
 } // namespace
 
 IndexStatus open_index(LibraryIndex& index, std::string_view directory, IndexMode mode,
                        int wait_ms) {
     close_index(index);
-    const IndexStatus status = look_and_open(index, directory, mode, wait_ms);
+    IndexStatus status = look_and_open(index, directory, mode, wait_ms);
+    if (status == IndexStatus::damaged || status == IndexStatus::other_version) {
+        const SystemError error = index.error;
+        close_index(index);
+        index.error = error;
+        if (undo_unfinished_making(directory, wait_ms))
+            status = look_and_open(index, directory, mode, wait_ms);
+    }
     if (status != IndexStatus::opened) {
         const SystemError error = index.error;
         close_index(index);

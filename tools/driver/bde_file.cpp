@@ -10,6 +10,8 @@
 namespace pellux {
 namespace {
 
+/// Standards and versions of GHDL that are remembered.
+constexpr std::ptrdiff_t k_settings_max = 4;
 constexpr std::size_t k_bde_max = std::size_t{64} << 20;
 constexpr std::string_view k_magic = "pellux bde ";
 constexpr std::string_view k_first_line = "pellux bde 1\n";
@@ -108,6 +110,11 @@ void add_part(String& text, const BdePart& part) {
     add_line(text, "end", view(hex(digest_of(view(text).substr(start)))));
 }
 
+/// Do both speak of the same source and library?
+bool is_of(const BdePart& a, const BdePart& b) {
+    return a.library == b.library && a.file == b.file;
+}
+
 } // namespace
 
 BdeStatus parse_bde(std::string_view text, Vector<BdePart>& parts) {
@@ -166,8 +173,13 @@ SystemError write_bde_part(std::string_view source, const BdePart& part) {
     Vector<BdePart> parts;
     static_cast<void>(read_bde(source, parts));
     std::erase_if(parts, [&](const BdePart& old) {
-        return old.library == part.library && old.file == part.file;
+        return is_of(old, part) && old.record.settings == part.record.settings;
     });
+    const auto others = std::count_if(parts.begin(), parts.end(),
+                                      [&](const BdePart& old) { return is_of(old, part); });
+    if (others == k_settings_max - 1)
+        parts.erase(std::find_if(parts.begin(), parts.end(),
+                                 [&](const BdePart& old) { return is_of(old, part); }));
     parts.push_back(part);
     return write_derived_file(view(bde_name(source)), view(bde_text(parts)));
 }

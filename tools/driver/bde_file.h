@@ -11,7 +11,8 @@ namespace pellux {
 // The file beside a source, named after it with the extension "bde", that tells what the source was
 // compiled from when it last succeeded (docs/formats.md).
 
-/// One library's part; several sources may share a file (alu.vhd and alu.vhdl).
+/// What is known of one library and one standard and GHDL; several sources may share a file
+/// (alu.vhd and alu.vhdl).
 struct BdePart {
     String library;
     String file; ///< base name of the source
@@ -30,7 +31,8 @@ enum class BdeStatus { read, damaged, newer };
 /// A missing or unreadable file has no parts and counts as read.
 [[nodiscard]] BdeStatus read_bde(std::string_view source, Vector<BdePart>& parts);
 
-/// Puts `part` in the place of the one for its library and file. The file is replaced as a whole,
+/// Puts `part` in the place of the one for its library, file and settings; of the latter the newest
+/// few are kept. The file is replaced as a whole,
 /// but not flushed: what a loss of power damages is found out, and costs one more compilation.
 [[nodiscard]] SystemError write_bde_part(std::string_view source, const BdePart& part);
 

@@ -115,6 +115,7 @@ Failure open_targets(CompileSession& session, const WaitGuard& guard) {
             return failure;
         if (Failure failure = lock_library(plan.targets[i], target.lock, guard))
             return failure;
+        remove_leftovers(view(plan.targets[i].directory));
     }
     for (const SessionTarget& target : session.targets) {
         PathBuffer resolved;
@@ -128,9 +129,8 @@ Failure open_targets(CompileSession& session, const WaitGuard& guard) {
         tell_state(session, library, load_library(library, plan.standard));
         if (Failure failure = open_records(records, library, plan.standard))
             return failure;
-        if (records.damaged)
-            session.warnings.push_back(
-                format_message(msg_index_damaged, library.place.name.c_str()));
+        if (records.doubt != nullptr)
+            session.warnings.push_back(format_message(*records.doubt, library.place.name.c_str()));
         sort_sources(session, i);
     }
     return {};
@@ -216,16 +216,24 @@ Failure read_source(CompileSession& session, SessionSource& source) {
 
 bool read_record(CompileSession& session, SessionSource& source) {
     Vector<BdePart> parts;
-    if (read_bde(view(source.name), parts) == BdeStatus::newer)
-        session.warnings.push_back(format_message(
-            msg_newer_record, bde_name(view(source.name)).c_str(), source.name.c_str()));
+    const BdeStatus status = read_bde(view(source.name), parts);
+    bool has_record = false;
     for (BdePart& part : parts) {
-        if (part.library == session.targets[source.library].library.place.name &&
-            part.file == source.file) {
-            source.old_record = std::move(part.record);
+        if (part.library != session.targets[source.library].library.place.name ||
+            part.file != source.file)
+            continue;
+        // One of another standard or GHDL tells at least that there was one.
+        has_record = true;
+        source.old_record = std::move(part.record);
+        if (source.old_record.settings == session.settings)
             return true;
-        }
     }
+    if (has_record)
+        return true;
+    if (status != BdeStatus::read)
+        session.warnings.push_back(
+            format_message(status == BdeStatus::newer ? msg_newer_record : msg_record_damaged,
+                           bde_name(view(source.name)).c_str(), source.name.c_str()));
     return false;
 }
 
@@ -394,7 +402,8 @@ Failure commit_target(CompileSession& session, std::size_t number) {
             source_path(source.entry) == source_path(source.before))
             continue;
         if (const SystemError error = write_vif(session, source); failed(error))
-            return library_failure(target.library.place, error);
+            return library_failure(target.library.place,
+                                   file_name_part(view(vif_name("", view(source.file)))), error);
     }
     GhdlLibrary library = contents(session, number, Moment::end);
     drop_unreadable(library, view(target.library.directory));
@@ -406,7 +415,7 @@ Failure commit_target(CompileSession& session, std::size_t number) {
     if (text != target.library.text) {
         const SystemError error = safe_write_file(path.view(), std::as_bytes(std::span(text)));
         if (failed(error))
-            return library_failure(target.library.place, error);
+            return library_failure(target.library.place, file_name_part(path.view()), error);
     }
     for (const String& file : target.gone)
         remove_traces(target, view(file));
@@ -415,7 +424,11 @@ Failure commit_target(CompileSession& session, std::size_t number) {
 
 void record_sources(CompileSession& session) {
     bool told = false;
+    TextSet cleared;
     for (const SessionSource& source : session.sources) {
+        const String directory(directory_part(view(source.name)));
+        if (cleared.insert(directory).second)
+            remove_half_written(directory.empty() ? "." : view(directory));
         if (!source.record_differs)
             continue;
         const SystemError error =

@@ -45,7 +45,7 @@ Failure lock_library(const LibraryPlace& place, LibraryLock& lock, const WaitGua
     File file;
     SystemError error = open_file(file, path.view(), OpenMode::append);
     if (failed(error))
-        return library_failure(place, error);
+        return library_failure(place, "lock", error);
     Timer retry;
     retry.expired = [](void*) {};
     const std::int64_t give_up = real_monotonic_ms() + wait_ms;
@@ -64,7 +64,7 @@ Failure lock_library(const LibraryPlace& place, LibraryLock& lock, const WaitGua
     if (retry.active)
         stop_timer(retry);
     if (failed(error))
-        return library_failure(place, error);
+        return library_failure(place, "lock", error);
     sign(file);
     lock.file = std::move(file);
     return {};

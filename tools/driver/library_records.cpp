@@ -3,6 +3,7 @@
 #include "core/library/unit_records.h"
 #include "core/os/files.h"
 #include "tools/driver/local_libraries.h"
+#include "tools/driver/messages.h"
 
 #include <array>
 #include <utility>
@@ -124,12 +125,14 @@ Failure open_records(LibraryRecords& records, CompiledLibrary& library, VhdlStan
     case IndexStatus::missing:
         return {};
     case IndexStatus::damaged:
+        records.doubt = &msg_index_damaged;
+        return {};
     case IndexStatus::other_version:
-        records.damaged = true;
+        records.doubt = &msg_index_other_version;
         return {};
     case IndexStatus::denied:
     case IndexStatus::failed:
-        return library_failure(library.place, records.index.error);
+        return library_failure(library.place, k_index_file, records.index.error);
     }
     SourceUnits others;
     Digester origin;
@@ -167,7 +170,7 @@ Failure commit_records(LibraryRecords& records, const CompiledLibrary& library,
         for (const String& file : records.removed)
             before.erase(file);
     } else if (replace_index(records.index, view(library.place.directory)) != IndexStatus::opened) {
-        return library_failure(library.place, records.index.error);
+        return library_failure(library.place, k_index_file, records.index.error);
     }
     Digester origin;
     add_other_standards(now, origin, library, standard);
@@ -177,7 +180,7 @@ Failure commit_records(LibraryRecords& records, const CompiledLibrary& library,
         insert_record(index, k_origin_key, view(record)) && commit_changes(index))
         return {};
     undo_changes(index);
-    return library_failure(library.place, index.error);
+    return library_failure(library.place, k_index_file, index.error);
 }
 
 } // namespace pellux

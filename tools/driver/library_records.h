@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "core/diagnostics/message.h"
 #include "core/library/library_index.h"
 #include "tools/driver/compiled_library.h"
 #include "tools/driver/exit_status.h"
@@ -15,8 +16,8 @@ struct LibraryRecords {
     };
     LibraryIndex index;
     State state = State::behind;
-    bool damaged = false;
-    Vector<String> removed; ///< sources that are in GHDL's library file only
+    Message<const char*>* doubt = nullptr; ///< why the file is made anew, of the library
+    Vector<String> removed;                ///< sources that are in GHDL's library file only
 };
 
 /// Opens the records of a library that was read. When they are in step, what somebody removed from

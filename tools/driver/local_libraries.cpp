@@ -129,13 +129,26 @@ Failure look_around(const Options& options, Surroundings& surroundings) {
     return {};
 }
 
-Failure library_failure(const LibraryPlace& place, SystemError error) {
-    const String reason = error_text(error);
+namespace {
+
+Failure failure_of(const LibraryPlace& place, SystemError error, const String& reason) {
     if (is_denied(error) || is_out_of_room(error))
         return {ExitStatus::no_room,
                 format_message(msg_library_unwritable, place.name.c_str(), reason.c_str())};
     return {ExitStatus::bad_library,
             format_message(msg_library_unusable, place.name.c_str(), reason.c_str())};
+}
+
+} // namespace
+
+Failure library_failure(const LibraryPlace& place, SystemError error) {
+    return failure_of(place, error, error_text(error));
+}
+
+Failure library_failure(const LibraryPlace& place, std::string_view file, SystemError error) {
+    PathBuffer path(view(place.directory));
+    const String name(path.join(file) ? path.view() : file);
+    return failure_of(place, error, "'" + name + "': " + error_text(error));
 }
 
 Failure prepare_library(const LibraryPlace& place) {

@@ -14,5 +14,8 @@ namespace pellux {
 
 /// What a failing operation on the library's files means for the run.
 [[nodiscard]] Failure library_failure(const LibraryPlace& place, SystemError error);
+/// The same, with the file in the library's directory that it is about.
+[[nodiscard]] Failure library_failure(const LibraryPlace& place, std::string_view file,
+                                      SystemError error);
 
 } // namespace pellux

@@ -78,9 +78,13 @@ inline Message<const char*, const char*> msg_no_record{
     "E1955", "Can't write '%s': %s; its source will be compiled again."};
 inline Message<const char*> msg_index_damaged{
     "E1958", "The index of library '%s' is damaged; it is made anew."};
+inline Message<const char*> msg_index_other_version{
+    "E1959", "The index of library '%s' is of another version; it is made anew."};
 inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
+inline Message<const char*, const char*> msg_record_damaged{
+    "E2007", "'%s' is damaged; '%s' is compiled again."};
 
 inline Message<const char*> msg_simulator_banner{"E1961",
                                                  "BRIXSIM, the simulator of Pellux, version %s"};

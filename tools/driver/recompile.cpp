@@ -39,7 +39,7 @@ std::string_view found_by(const GhdlUnit& unit) {
 bool may_use(const VisibleUnits::Unit& unit, const SourceScan& scan) {
     if (unit.kind == GhdlUnitKind::package_body)
         return scan.generic_instance;
-    return unit.architecture.empty() || scan.identifiers.contains(view(unit.architecture));
+    return unit.architecture.empty() || scan.architectures.contains(view(unit.architecture));
 }
 
 bool is_own(std::span<const UnitStamp> own, std::string_view key) {

@@ -18,7 +18,12 @@ struct RunDirectory {
     ~RunDirectory();
 };
 
-/// Makes it inside `parent`, and removes what runs that are gone left there.
+/// Removes the temporary files that runs which are gone left for files that only runs write.
+void remove_half_written(std::string_view directory);
+/// The same in a library's directory, and the directories of those runs.
+void remove_leftovers(std::string_view library_directory);
+
+/// Makes it inside `parent`.
 [[nodiscard]] SystemError make_run_directory(RunDirectory& directory, std::string_view parent);
 void remove_run_directory(RunDirectory& directory);
 

@@ -34,6 +34,7 @@ struct Runner {
     RunReport report;
     std::size_t source = k_no_source; ///< that is being analysed
     bool anything_done = false;
+    Failure unrunnable; ///< GHDL can't be started at all
 
     static constexpr std::size_t k_no_source = static_cast<std::size_t>(-1);
 
@@ -106,7 +107,8 @@ bool call_ghdl(Runner& runner, const Vector<String>& words) {
         return false;
     if (failed(end.not_started)) {
         const String reason = error_text(end.not_started);
-        error(-1, msg_cannot_run, runner.ghdl.c_str(), reason.c_str());
+        runner.unrunnable = {ExitStatus::no_ghdl,
+                             format_message(msg_cannot_run, runner.ghdl.c_str(), reason.c_str())};
         return false;
     }
     if (end.process.by_signal) {
@@ -158,6 +160,9 @@ Failure analyse(Runner& runner, std::size_t number) {
     runner.source = Runner::k_no_source;
     if (success)
         return take_compiled(session, number);
+    // What could not be tried stays as it was.
+    if (runner.unrunnable)
+        return std::move(runner.unrunnable);
     take_failed(session, number);
     return {};
 }
@@ -186,7 +191,7 @@ Failure elaborate(Runner& runner, std::size_t number) {
                        elaboration_words(runner.calls,
                                          view(session.targets[source.library].library.place.name),
                                          view(unit))))
-            return {};
+            return std::move(runner.unrunnable);
     }
     if (reporter().error_count == 0)
         take_elaborated(session, number, digest);

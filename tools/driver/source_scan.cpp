@@ -233,23 +233,31 @@ void Identifiers::clear() {
 
 void scan_source(std::string_view text, SourceScan& scan) {
     scan.identifiers.clear();
+    scan.architectures.clear();
     scan.generic_instance = false;
     bool after_is = false;
+    // "entity work.alu(rtl)", and "for rtl" in a configuration.
+    bool names_architecture = false;
     VhdlLexer lexer(text);
     for (;;) {
         const VhdlToken kind = lexer.next();
         if (kind == VhdlToken::none)
             return;
         const std::string_view token = lexer.text();
+        const std::string_view rest(token.data(), token.size() + lexer.rest().size());
         if (kind == VhdlToken::word) {
-            scan.identifiers.add_basic({token.data(), token.size() + lexer.rest().size()},
-                                       token.size());
+            scan.identifiers.add_basic(rest, token.size());
+            if (names_architecture)
+                scan.architectures.add_basic(rest, token.size());
             if (after_is && lexer.is_word("new"))
                 scan.generic_instance = true;
         } else if (kind == VhdlToken::extended) {
             scan.identifiers.add_extended(token, token.size());
+            if (names_architecture)
+                scan.architectures.add_extended(token, token.size());
         }
         after_is = lexer.is_word("is");
+        names_architecture = token == "(" || lexer.is_word("for");
     }
 }
 

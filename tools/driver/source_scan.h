@@ -57,6 +57,7 @@ private:
 
 struct SourceScan {
     Identifiers identifiers;       ///< reserved words too
+    Identifiers architectures;     ///< those that stand where an architecture is named
     bool generic_instance = false; ///< "is new" occurs
 };
 

@@ -246,6 +246,33 @@ TEST_F(Index, AKilledWriterLeavesTheOldRecords) {
     }
 }
 
+TEST_F(Index, AKilledMakerLeavesNone) {
+    // Its first page is written, or only later ones are.
+    for (const char* made : {"BEGIN; CREATE TABLE t(a); PRAGMA application_id=0x506C7849; "
+                             "PRAGMA user_version=1",
+                             "PRAGMA cache_size=1; BEGIN; CREATE TABLE t(a); "
+                             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE "
+                             "i < 9999) INSERT INTO t SELECT randomblob(50) FROM n"}) {
+        for (const IndexMode mode : {IndexMode::read, IndexMode::update}) {
+            fs::remove("index");
+            const pid_t child = ::fork();
+            if (child == 0) {
+                sqlite3* database = nullptr;
+                const bool ready =
+                    sqlite3_open("index", &database) == SQLITE_OK &&
+                    sqlite3_exec(database, made, nullptr, nullptr, nullptr) == SQLITE_OK &&
+                    (made[0] == 'P' || sqlite3_db_cacheflush(database) == SQLITE_OK);
+                ::kill(::getpid(), ready ? SIGKILL : SIGTERM);
+            }
+            int status = 0;
+            ASSERT_EQ(::waitpid(child, &status, 0), child);
+            ASSERT_EQ(WTERMSIG(status), SIGKILL);
+            ASSERT_GT(scratch.read("index").size(), 100u);
+            EXPECT_EQ(open_index(index, "", mode), IndexStatus::missing) << made;
+        }
+    }
+}
+
 TEST_F(Index, WhereRoomRunsOutAllOrNothingLasts) {
     make_size_limit_an_error();
     rlimit old{};

@@ -1,0 +1,244 @@
+#include "core/diagnostics/message.h"
+#include "tests/tools/driver/compiled_tree.h"
+#include "tests/tools/driver/rounds.h"
+#include "tests/tools/driver/scratch.h"
+#include "tools/driver/library_name.h"
+
+#include <algorithm>
+#include <array>
+#include <random>
+
+namespace pellux {
+namespace {
+
+const fs::path k_sources = "/usr/lib/ghdl/src"; ///< of the packages that come with GHDL
+
+/// One of them, which goes into a library that is named after its folder.
+struct Source {
+    std::string path;
+    std::string library;
+    std::string text;
+    bool accepted = false; ///< by GHDL alone, which says `first` about it
+    std::string first{};
+
+    [[nodiscard]] std::string unit() const {
+        const std::string stem = fs::path(path).stem();
+        return stem.substr(0, stem.find("-body"));
+    }
+};
+
+/// The character that GHDL's column stands for; behind the line's end every column is one.
+int character(const std::string& text, int line, int column) {
+    std::istringstream lines(text);
+    std::string found;
+    for (int i = 0; i < line; ++i)
+        std::getline(lines, found);
+    int reached = 0;
+    for (std::size_t i = 0;; ++i) {
+        reached = i < found.size() && found[i] == '\t' ? reached / 8 * 8 + 8 : reached + 1;
+        if (column <= reached)
+            return static_cast<int>(i) + 1;
+    }
+}
+
+/// GHDL alone, in the current directory, with the driver's options on one file. Its messages are
+/// told as ours must be.
+struct BareGhdl {
+    int status = -1;
+    std::vector<std::string> messages;
+
+    BareGhdl(const std::string& standard, const Source& source) {
+        const std::string command =
+            "ghdl-mcode -a --std=" + standard + " --work=" + source.library +
+            " --workdir=. -P. -fno-caret-diagnostics -fno-color-diagnostics -fmax-errors=100000 " +
+            source.path + " >log 2>&1";
+        status = std::system(command.c_str());
+        std::ifstream log("log", std::ios::binary);
+        for (std::string line; std::getline(log, line);) {
+            const std::size_t size = source.path.size();
+            int row = 0;
+            int column = 0;
+            int read = 0;
+            if (!line.starts_with(source.path) || line.find(":note:") != line.npos ||
+                std::sscanf(line.c_str() + size, ":%d:%d:%n", &row, &column, &read) != 2)
+                continue;
+            std::string text = line.substr(size + static_cast<std::size_t>(read));
+            if (text.starts_with("warning:"))
+                text.replace(0, 1, " W");
+            messages.push_back(format_text("%s (line %d, col %d): %s", source.path.c_str(), row,
+                                           character(source.text, row, column), text.c_str())
+                                   .c_str());
+        }
+    }
+    [[nodiscard]] std::string first() const { return messages.empty() ? "" : messages[0]; }
+};
+
+/// Our lines behind the line "Compiling" of a file, without those that only explain.
+std::vector<std::string> messages_about(const std::string& path, const std::string& text) {
+    const std::string begin = "Compiling '" + path + "'\n";
+    std::vector<std::string> messages;
+    const std::size_t at = text.find(begin);
+    std::istringstream lines(at == text.npos ? "not compiled" : text.substr(at + begin.size()));
+    for (std::string line; std::getline(lines, line) && !line.starts_with("Compiling '");) {
+        if (!line.starts_with(' '))
+            messages.push_back(line);
+    }
+    return messages;
+}
+
+std::string standard_of(const test::Rounds& rounds, int round) {
+    constexpr std::array k_standards{"87", "08", "93", "02"};
+    return k_standards[(rounds.seed + static_cast<unsigned>(round)) % k_standards.size()];
+}
+
+ToolRun brix(const std::string& standard, bool only_changed, const std::vector<Source>& sources) {
+    const std::string digits = standard[0] == '0' ? standard.substr(1) : standard;
+    std::vector<std::string> words{"-q", only_changed ? "-m" : "-yt", "-v" + digits};
+    for (const Source& source : sources)
+        words.insert(words.end(), {"-a" + source.library, source.path});
+    std::vector<const char*> arguments;
+    for (const std::string& word : words)
+        arguments.push_back(word.c_str());
+    return run_brix(arguments);
+}
+
+/// All sources, those first that GHDL alone accepts in the current directory, in an order in which
+/// it does.
+std::vector<Source> judged_sources(const std::string& standard) {
+    std::vector<Source> waiting;
+    for (const auto& entry : fs::recursive_directory_iterator(k_sources)) {
+        std::string library =
+            "of_" + entry.path().parent_path().lexically_relative(k_sources).string();
+        std::replace(library.begin(), library.end(), '/', '_');
+        if (entry.path().extension() == ".vhdl")
+            waiting.push_back({entry.path(), library, contents(entry.path())});
+    }
+    std::sort(waiting.begin(), waiting.end(),
+              [](const Source& a, const Source& b) { return a.path < b.path; });
+    std::vector<Source> judged;
+    for (std::size_t before = 1; before != waiting.size();) {
+        before = waiting.size();
+        std::erase_if(waiting, [&](Source& source) {
+            const BareGhdl bare(standard, source);
+            source.accepted = bare.status == 0;
+            source.first = bare.first();
+            if (source.accepted)
+                judged.push_back(source);
+            return source.accepted;
+        });
+    }
+    judged.insert(judged.end(), waiting.begin(), waiting.end());
+    return judged;
+}
+
+TEST(GhdlSources, AreJudgedAsByGhdlAloneAndCompiledOnce) {
+    const test::Rounds rounds(1);
+    for (int round = 0; round < rounds.count; ++round) {
+        const std::string standard = standard_of(rounds, round);
+        const Scratch scratch;
+        fs::create_directory("bare");
+        std::vector<Source> sources;
+        {
+            const test::ScopedDirectory inside("bare");
+            sources = judged_sources(standard);
+        }
+        ASSERT_GT(sources.size(), 50u) << k_sources << " holds less than GHDL brings";
+        const ToolRun run = brix(standard, false, sources);
+        EXPECT_EQ(run.status, 1);
+        for (const Source& source : sources) {
+            const std::vector<std::string> own = messages_about(source.path, run.text);
+            EXPECT_EQ(own.empty() ? "" : own[0], source.first) << standard;
+        }
+        std::erase_if(sources, [](const Source& source) { return !source.accepted; });
+        EXPECT_GT(sources.size(), 12u) << standard;
+        const ToolRun again = brix(standard, true, sources);
+        EXPECT_EQ(again.status, 0);
+        EXPECT_EQ(again.text, "All files are up to date.\n") << standard;
+    }
+}
+
+/// A character deleted, replaced or inserted.
+std::string with_fault(std::string text, std::mt19937& random) {
+    const std::size_t at = random() % text.size();
+    const unsigned kind = random() % 8;
+    const char c = kind == 0   ? '\t'
+                   : kind == 1 ? static_cast<char>(random() % 256)
+                               : static_cast<char>(' ' + random() % 95);
+    switch (random() % 3) {
+    case 0:
+        return text.erase(at, 1);
+    case 1:
+        text[at] = c;
+        return text;
+    default:
+        return text.insert(at, 1, c);
+    }
+}
+
+TEST(GhdlSources, FirstMessageAboutAPlantedFaultIsGhdlsOwn) {
+    const test::Rounds rounds(12);
+    std::map<std::string, std::vector<Source>> judged;
+    for (int round = 0; round < rounds.count; ++round) {
+        std::mt19937 random(rounds.seed + static_cast<unsigned>(round));
+        const std::string at = "seed " + std::to_string(rounds.seed + static_cast<unsigned>(round));
+        const std::string standard = standard_of(rounds, round / 50);
+        const Scratch scratch;
+        fs::create_directory("bare");
+        std::vector<Source>& all = judged[standard];
+        if (all.empty()) {
+            const test::ScopedDirectory inside("bare");
+            all = judged_sources(standard);
+            std::erase_if(all, [](const Source& source) { return !source.accepted; });
+            fs::remove_all(scratch.path("bare"));
+            fs::create_directory(scratch.path("bare"));
+        }
+        const std::size_t chosen = random() % all.size();
+        std::vector<Source> needed{all[chosen]};
+        for (std::size_t i = chosen; i-- > 0;) {
+            const auto names = [&](const Source& source) {
+                return lower_case(source.text).find(all[i].unit()) != String::npos;
+            };
+            if (all[i].library == all[chosen].library &&
+                std::any_of(needed.begin(), needed.end(), names))
+                needed.insert(needed.begin(), all[i]);
+        }
+        for (Source& source : needed)
+            source.path = fs::path(source.path).filename();
+        Source& faulty = needed.back();
+        const auto analyse = [&](const char* place, const Source& source) {
+            const test::ScopedDirectory inside(place);
+            std::ofstream(source.path, std::ios::binary) << source.text;
+            return BareGhdl(standard, source);
+        };
+        for (const Source& source : needed) {
+            if (&source != &faulty) {
+                EXPECT_EQ(analyse("bare", source).status, 0) << at << source.path;
+            }
+        }
+        const BareGhdl bare = [&] {
+            for (;;) {
+                faulty.text = with_fault(all[chosen].text, random);
+                // What it accepts is in its library from then on.
+                fs::remove_all("tried");
+                fs::copy("bare", "tried");
+                BareGhdl tried = analyse("tried", faulty);
+                // GHDL itself fails on some.
+                if (tried.status != 0 && !tried.messages.empty())
+                    return tried;
+            }
+        }();
+        for (const Source& source : needed)
+            scratch.write(source.path, source.text);
+        const ToolRun run = brix(standard, false, needed);
+        EXPECT_EQ(run.status, 1) << at;
+        const std::vector<std::string> own = messages_about(faulty.path, run.text);
+        ASSERT_FALSE(own.empty() || bare.messages.empty()) << at << "\n" << run.text;
+        EXPECT_EQ(own[0], bare.first()) << at << " standard " << standard;
+        for (const std::string& message : own)
+            EXPECT_TRUE(std::count(bare.messages.begin(), bare.messages.end(), message))
+                << at << " " << message;
+    }
+}
+
+} // namespace
+} // namespace pellux
