@@ -197,6 +197,7 @@ void make_analysis(const Plan& plan, const InstalledLibraryRun& run, const Candi
                    const LibraryPlace& cache) {
     const String line = format_message(msg_installed_analysis, cache.name.c_str());
     run.tell(run.guard.context, view(line));
+    remove_leftovers(view(cache.directory));
     RunDirectory directory;
     if (const SystemError error = make_run_directory(directory, view(cache.directory));
         failed(error)) {

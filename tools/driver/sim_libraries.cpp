@@ -28,6 +28,7 @@ bool reaches_all(const SimLibraries& libraries, std::string_view runs) {
 
 SystemError write_copies(SimLibraries& libraries, VhdlStandard standard, std::string_view runs) {
     SystemError error = make_directories(runs, 0700);
+    remove_leftovers(runs);
     if (!failed(error))
         error = make_run_directory(libraries.run, runs);
     for (const CompiledLibrary& library : libraries.libraries) {
