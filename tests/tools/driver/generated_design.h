@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace pellux::test {
@@ -41,6 +43,18 @@ public:
         }
         words.insert(words.end(), {"-b", files_.back().name});
         return words;
+    }
+
+    /// Is a unit in two files of a library? Then the first of them is compiled every time.
+    [[nodiscard]] bool has_unit_twice() const {
+        std::set<std::tuple<std::string, Kind, int>> units;
+        for (const File& file : files_) {
+            for (const Part& part : file.parts) {
+                if (!units.emplace(file.library, part.kind, part.id).second)
+                    return true;
+            }
+        }
+        return false;
     }
 
     /// One edit, told in a word.

@@ -27,7 +27,7 @@ TEST(Recompile, AgreesWithACompilationOfEverythingAfterRandomEdits) {
             ASSERT_EQ(difference(changed, whole), "") << at;
             ASSERT_LE(changed.compiled.size(), whole.compiled.size()) << at;
             saved += static_cast<int>(whole.compiled.size() - changed.compiled.size());
-            if (whole.status == 0) {
+            if (whole.status == 0 && !design.has_unit_twice()) {
                 ASSERT_EQ(compile(tree, design.words(), true).compiled, std::vector<std::string>())
                     << at;
             }
