@@ -1,0 +1,115 @@
+#include "core/os/settings.h"
+#include "tests/core/os/temporary_directory.h"
+#include "windows/app/placement.h"
+#include "windows/app/start_options.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace pellux {
+
+/// For the messages of failing tests.
+void PrintTo(const Rect& rect, std::ostream* out) {
+    *out << rect.top << ' ' << rect.left << ' ' << rect.bottom << ' ' << rect.right;
+}
+void PrintTo(const Placement& placement, std::ostream* out) {
+    PrintTo(placement.rect, out);
+    *out << (placement.is_maximized ? " maximized" : "");
+}
+
+namespace {
+
+TEST(StartOptions, TakeTwoSwitchesAndTheFirstOtherWord) {
+    const struct {
+        std::vector<const char*> words;
+        const char* told; ///< project, directory, and "later" for the start-up picture
+    } rows[] = {
+        {{}, "-,-,now"},
+        {{"a.bpr", "b.bpr"}, "a.bpr,-,now"},
+        {{"-%Ddir", "-%S", "a.bpr"}, "a.bpr,dir,later"},
+        {{"-%d/x y", "-%s"}, "-,/x y,later"},
+        {{"/%Ddir", "/%S"}, "-,dir,later"},
+        {{"-%D"}, "-,,now"},
+        {{"-%Done", "-%Dtwo"}, "-,two,now"},
+        {{"/home/a.bpr", "-x", "-%x", "-", "-%", "--help", "-D", ""}, "/home/a.bpr,-,now"},
+        {{"", "/%x.bpr"}, "/%x.bpr,-,now"},
+    };
+    for (const auto& row : rows) {
+        const StartOptions options = parse_start_options(row.words);
+        const std::string told = std::string(options.project.value_or("-").c_str()) + "," +
+                                 options.directory.value_or("-").c_str() + "," +
+                                 (options.opens_projects ? "now" : "later");
+        EXPECT_EQ(told, row.told);
+    }
+}
+
+TEST(TaskPlacement, ComesFromTheStoredOneOrTheWorkArea) {
+    const Rect work{30, 0, 1030, 2000};
+    const std::array screens{Rect{0, 0, 1080, 2000}, Rect{0, 2000, 1080, 4000}};
+    const Rect usual{80, 100, 980, 1900};
+    const struct {
+        const char* position; ///< null: none
+        bool maximized;
+        Placement placed;
+    } rows[] = {
+        {nullptr, false, {usual, false}},
+        {nullptr, true, {usual, true}},
+        {"100 200 500 700", false, {{100, 200, 500, 700}, false}},
+        {" +100\t200 500 700 and more", false, {{100, 200, 500, 700}, false}},
+        {"-20 -30 500 700", false, {{0, 0, 520, 730}, false}},
+        {"30 0 1030 2000", false, {usual, true}},
+        {"31 0 1030 2000", false, {{31, 0, 1030, 2000}, false}},
+        {"-99999999999 0 99999999999 2000", false, {usual, true}},
+        {"100 2100 500 2700", false, {{100, 2100, 500, 2700}, false}},
+        {"100 5000 500 5500", false, {usual, false}},
+        {"500 700 100 200", false, {usual, false}},
+        {"1 2 3", false, {usual, false}},
+        {"1 2 3 x", false, {usual, false}},
+        {"+-1 2 3 4", false, {usual, false}},
+        {"", false, {usual, false}},
+    };
+    for (const auto& row : rows) {
+        StoredPlacement stored{std::nullopt, row.maximized};
+        if (row.position != nullptr)
+            stored.position = parse_position(row.position);
+        EXPECT_EQ(place_task_window(stored, work, screens), row.placed)
+            << (row.position != nullptr ? row.position : "none");
+    }
+}
+
+TEST(TaskPlacement, IsKeptInTheSettings) {
+    const test::TemporaryDirectory directory;
+    const test::ScopedVariable place("XDG_CONFIG_HOME", directory.path().c_str());
+    EXPECT_FALSE(read_placement().position);
+    Placement placement{{1, 2, 300, 400}, false};
+    remember_placement(placement, {0, 0, 100, 500}, false);
+    remember_placement(placement, {0, 0, 500, 100}, false);
+    write_placement(placement, "/somewhere");
+    EXPECT_EQ(read_placement().position, (Rect{1, 2, 300, 400}));
+    EXPECT_FALSE(read_placement().is_maximized);
+    std::array<char, 256> buffer{};
+    std::string_view value;
+    EXPECT_TRUE(read_setting("LastDir", buffer, value));
+    EXPECT_EQ(value, "/somewhere");
+
+    remember_placement(placement, {5, 6, 107, 108}, true);
+    write_placement(placement, "/" + std::string(255, 'd'));
+    EXPECT_TRUE(read_placement().is_maximized);
+    EXPECT_FALSE(read_placement().position);
+    EXPECT_TRUE(read_setting("LastDir", buffer, value));
+    EXPECT_EQ(value, "/somewhere");
+    EXPECT_TRUE(read_setting("position", buffer, value));
+    EXPECT_EQ(value, "5 6 107 108");
+    for (const auto& [written, is_maximized] :
+         {std::pair{"yES", true}, {"Yes ", false}, {"No", false}, {"", false}}) {
+        const std::array settings{Setting{"Maximized", written}};
+        ASSERT_TRUE(write_settings(settings));
+        EXPECT_EQ(read_placement().is_maximized, is_maximized) << written;
+    }
+}
+
+} // namespace
+} // namespace pellux

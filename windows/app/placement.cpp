@@ -1,0 +1,113 @@
+#include "windows/app/placement.h"
+
+#include "core/common/containers.h"
+#include "core/diagnostics/message.h"
+#include "core/os/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+
+namespace pellux {
+namespace {
+
+constexpr std::string_view k_position = "Position";
+constexpr std::string_view k_maximized = "Maximized";
+constexpr std::string_view k_last_directory = "LastDir";
+constexpr std::string_view k_yes = "Yes";
+constexpr std::size_t k_value_max = 128;
+constexpr std::size_t k_directory_max = 255;
+constexpr int k_least_size = 100;
+constexpr int k_border = 20; ///< of the work area's size
+
+/// Takes a number off `text`, as scanf does.
+bool take_number(std::string_view& text, int& number) {
+    constexpr std::string_view k_blanks = " \t\r\n\v\f";
+    text.remove_prefix(std::min(text.find_first_not_of(k_blanks), text.size()));
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    std::int16_t value = 0;
+    const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::invalid_argument)
+        return false;
+    using Limits = std::numeric_limits<std::int16_t>;
+    number = error == std::errc() ? value : text.starts_with('-') ? Limits::min() : Limits::max();
+    text.remove_prefix(static_cast<std::size_t>(rest - text.data()));
+    return true;
+}
+
+bool is_yes(std::string_view text) {
+    return std::equal(text.begin(), text.end(), k_yes.begin(), k_yes.end(),
+                      [](char a, char b) { return (a | 0x20) == (b | 0x20); });
+}
+
+Rect shrunk(const Rect& work) {
+    const int rows = height(work) / k_border;
+    const int columns = width(work) / k_border;
+    return {work.top + rows, work.left + columns, work.bottom - rows, work.right - columns};
+}
+
+} // namespace
+
+std::optional<Rect> parse_position(std::string_view text) {
+    Rect rect;
+    if (take_number(text, rect.top) && take_number(text, rect.left) &&
+        take_number(text, rect.bottom) && take_number(text, rect.right))
+        return rect;
+    return std::nullopt;
+}
+
+StoredPlacement read_placement() {
+    StoredPlacement stored;
+    std::array<char, k_value_max> buffer{};
+    std::string_view value;
+    if (read_setting(k_maximized, buffer, value) && is_yes(value))
+        stored.is_maximized = true;
+    else if (read_setting(k_position, buffer, value))
+        stored.position = parse_position(value);
+    return stored;
+}
+
+Placement place_task_window(const StoredPlacement& stored, const Rect& work,
+                            std::span<const Rect> screens) {
+    Placement placement{{}, stored.is_maximized};
+    std::optional<Rect> position = stored.position;
+    if (position) {
+        const int down = std::max(0, -position->top);
+        const int right = std::max(0, -position->left);
+        position = Rect{position->top + down, position->left + right, position->bottom + down,
+                        position->right + right};
+        const bool is_seen = std::any_of(screens.begin(), screens.end(), [&](const Rect& screen) {
+            return meets(*position, screen);
+        });
+        if (!is_seen || width(*position) <= 0 || height(*position) <= 0)
+            position.reset();
+    }
+    if (position && !placement.is_maximized && contains(*position, work))
+        placement.is_maximized = true;
+    placement.rect = !position || placement.is_maximized ? shrunk(work) : *position;
+    return placement;
+}
+
+void remember_placement(Placement& remembered, const Rect& outer, bool is_maximized) {
+    if (width(outer) > k_least_size && height(outer) > k_least_size)
+        remembered.rect = outer;
+    remembered.is_maximized = is_maximized;
+}
+
+void write_placement(const Placement& placement, std::string_view directory) {
+    const Rect& rect = placement.rect;
+    const String position =
+        format_text("%d %d %d %d", rect.top, rect.left, rect.bottom, rect.right);
+    const std::array settings{
+        Setting{k_position, view(position)},
+        Setting{k_maximized, placement.is_maximized ? k_yes : "No"},
+        Setting{k_last_directory, directory},
+    };
+    const std::size_t count = settings.size() - (directory.size() > k_directory_max ? 1 : 0);
+    static_cast<void>(write_settings(std::span(settings).first(count)));
+}
+
+} // namespace pellux

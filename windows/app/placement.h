@@ -1,0 +1,43 @@
+#pragma once
+
+#include "windows/toolkit/geometry.h"
+
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace pellux {
+
+// Where the task window stands, kept across runs.
+
+struct Placement {
+    Rect rect; ///< outer; of a maximized window the one that it has otherwise
+    bool is_maximized = false;
+
+    bool operator==(const Placement&) const = default;
+};
+
+/// What the settings hold of the last run.
+struct StoredPlacement {
+    std::optional<Rect> position;
+    bool is_maximized = false; ///< then there is no position
+};
+[[nodiscard]] StoredPlacement read_placement();
+
+/// "top left bottom right" in decimal, each clamped to 16 bits; nothing for any other text. What
+/// follows the fourth number does not matter.
+[[nodiscard]] std::optional<Rect> parse_position(std::string_view text);
+
+/// Where the task window goes. `work` is the part of the screen that is left for windows; a
+/// position without an area, or that none of `screens` shows anything of, counts as missing.
+[[nodiscard]] Placement place_task_window(const StoredPlacement& stored, const Rect& work,
+                                          std::span<const Rect> screens);
+
+/// Takes note of where the window stands, unless it is too small to be found again.
+void remember_placement(Placement& remembered, const Rect& outer, bool is_maximized);
+
+/// Writes `Position`, `Maximized` and `LastDir`, the latter only when `directory` has at most 255
+/// bytes. A failure leaves the settings as they are, and nobody is told.
+void write_placement(const Placement& placement, std::string_view directory);
+
+} // namespace pellux
