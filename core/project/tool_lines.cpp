@@ -13,7 +13,7 @@ constexpr std::string_view k_section = "tools_dos";
 
 bool has_two_words(std::string_view line) {
     std::string_view word;
-    return next_word(line, word) && next_word(line, word);
+    return next_word(line, word) && !trim_blanks(line).empty();
 }
 
 /// Takes the label off `rest`; a quote that is not closed reaches to the end.
