@@ -6,7 +6,7 @@ std::string_view trim_blanks(std::string_view text) {
     constexpr std::string_view k_trimmed = " \t\r\n";
     const std::size_t start = text.find_first_not_of(k_trimmed);
     if (start == std::string_view::npos)
-        return {};
+        return text.substr(0, 0);
     return text.substr(start, text.find_last_not_of(k_trimmed) + 1 - start);
 }
 
