@@ -226,6 +226,16 @@ LoopOperations native_loop() {
     return {on_watch, on_unwatch, on_start, on_stop, on_post, on_cancel, on_turn, on_quit, nullptr};
 }
 
+SystemHandle native_loop_handle() {
+    return static_cast<SystemHandle>(poll_descriptor());
+}
+
+std::optional<std::int64_t> native_loop_due_ms() {
+    if (loop.first_timer == nullptr)
+        return std::nullopt;
+    return loop.first_timer->due_ms;
+}
+
 void clear_native_quit() {
     loop.quits = false;
 }
