@@ -1,0 +1,565 @@
+#include "core/os/environment.h"
+#include "core/os/files.h"
+#include "core/os/loop.h"
+#include "tests/core/os/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+
+#include <functional>
+#include <set>
+#include <string>
+
+namespace pellux {
+namespace {
+
+/// What the user does to the box that is asked next.
+void at_box(const std::function<void(QDialog&)>& act) {
+    QTimer::singleShot(0, qApp, [act] {
+        auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([box] { return QApplication::activeWindow() == box; }));
+        act(*box);
+    });
+}
+
+QWidget* focus_of(QDialog& box) {
+    return box.focusWidget() == nullptr ? &box : box.focusWidget();
+}
+
+void press(QDialog& box, Qt::Key key, Qt::KeyboardModifiers with = {}) {
+    QTest::keyClick(focus_of(box), key, with);
+}
+
+void at_box_press(Qt::Key key, Qt::KeyboardModifiers with = {}) {
+    at_box([=](QDialog& box) { press(box, key, with); });
+}
+
+void type(QWidget* field, const QString& text) {
+    for (const QChar c : text) {
+        QKeyEvent event(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(field, &event);
+    }
+}
+
+QString plain_title(const QAbstractButton& button) {
+    return button.text().remove(u'&');
+}
+
+QAbstractButton* button_of(const QDialog& box, const char* title) {
+    for (auto* button : box.findChildren<QAbstractButton*>())
+        if (plain_title(*button) == QLatin1String(title))
+            return button;
+    return nullptr;
+}
+
+/// Changes a check box or radio button by its mnemonic.
+void toggle(QDialog& box, const char* title, Qt::Key mnemonic) {
+    const QAbstractButton* button = button_of(box, title);
+    ASSERT_NE(button, nullptr);
+    const bool was_checked = button->isChecked();
+    press(box, mnemonic, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([=] { return button->isChecked() != was_checked; }));
+}
+
+constexpr DialogRowResource k_rows[] = {
+    {1, DialogRowKind::text, "Where & how <b>?"},
+    {2, DialogRowKind::edit, "&Name:", 5},
+    {3, DialogRowKind::button, "&More..."},
+    {4, DialogRowKind::list, "&List:"},
+    {5, DialogRowKind::check, "&Check"},
+    {6, DialogRowKind::radio, "&One"},
+    {7, DialogRowKind::radio, "&Two"},
+    {8, DialogRowKind::edit, "&Fixed:"},
+};
+constexpr const char* k_buttons[] = {"OK", "Cancel"};
+constexpr DialogResource k_dialogs[] = {{7101, "All rows", k_rows, k_buttons}};
+const bool k_is_registered = [] {
+    xvt_res_register({.dialogs = k_dialogs});
+    return true;
+}();
+
+Question question_with(std::initializer_list<const char*> buttons) {
+    Question question;
+    question.kind = QuestionKind::ask;
+    question.text = "?";
+    question.buttons.assign(buttons.begin(), buttons.end());
+    return question;
+}
+
+TEST(ScriptedAnswers, FailOnAQuestionThatIsNotTheNextOne) {
+    int answer = -2;
+    EXPECT_NONFATAL_FAILURE(
+        {
+            const ScriptedAnswers answers;
+            answer = xvt_dm_post_ask("OK", "Cancel", nullptr, "Quit %s?", "Pellux");
+        },
+        "unexpected question: ask '': \"Quit Pellux?\"\n  [OK] [Cancel]");
+    EXPECT_EQ(answer, 1);
+    ScriptedAnswers answers;
+    answers.expect_note("5*%");
+    EXPECT_NONFATAL_FAILURE(xvt_dm_post_error("50%%"), "expected next: 5*%");
+    EXPECT_NONFATAL_FAILURE(xvt_dm_post_note("50%% off"), "unexpected");
+    EXPECT_NONFATAL_FAILURE(xvt_dm_post_fatal_exit("over"), "fatal exit: \"over\"");
+    xvt_dm_post_note("50%%");
+    EXPECT_EQ(answers.left(), 0U);
+}
+
+TEST(ScriptedAnswers, FailWhenNobodyAskedForOne) {
+    EXPECT_NONFATAL_FAILURE(
+        {
+            ScriptedAnswers answers;
+            answers.expect_warning("late");
+        },
+        "nobody asked: warning \"late\"");
+    const AskSeam before = install_ask({});
+    install_ask(before);
+    EXPECT_NE(before.ask, nullptr) << "the seam before was not put back";
+}
+
+TEST(ScriptedAnswers, FailOnWhatNoUserCanDo) {
+    ScriptedAnswers answers;
+    String value;
+    answers.expect_ask("?", "Maybe");
+    EXPECT_NONFATAL_FAILURE(static_cast<void>(xvt_dm_post_ask("Yes", "No", nullptr, "?")),
+                            "no button 'Maybe'");
+    answers.expect_string("?", "123456");
+    EXPECT_NONFATAL_FAILURE(static_cast<void>(xvt_dm_post_string_prompt("?", value, 5)),
+                            "no user can type");
+    for (const RowEdit& edit : {RowEdit{2, "123456"}, RowEdit{8, "x"}, RowEdit{4, "", 3},
+                                RowEdit{1, "", 0}, RowEdit{9, ""}}) {
+        Dialog dialog;
+        ASSERT_TRUE(xvt_dlg_create_res(dialog, 7101));
+        find_row(dialog, 4)->value = "a\nb\nc";
+        find_row(dialog, 8)->is_enabled = false;
+        answers.expect_dialog("All rows", "OK", {edit});
+        EXPECT_NONFATAL_FAILURE(static_cast<void>(xvt_dlg_ask(dialog)), "to row");
+    }
+}
+
+TEST(Questions, HoldTheWholeTextAndTheRightAnswers) {
+    ScriptedAnswers answers;
+    const std::string name(100000, 'n');
+    answers.expect_error("'" + name + "'");
+    xvt_dm_post_error("'%s'", name.c_str());
+    for (const char* button : {"Yes", "No", "Cancel"}) {
+        answers.expect_ask("Save?", button);
+        const char* const buttons[] = {"Yes", "No", "Cancel"};
+        EXPECT_STREQ(buttons[xvt_dm_post_ask("Yes", "No", "Cancel", "Save?")], button);
+    }
+    FileChoice choice;
+    answers.expect(QuestionKind::file_open, "Open...", [](const Question& question) {
+        EXPECT_EQ(describe_question(question),
+                  "file_open 'Open...': \"\", 'x' in '/d', type VHDL files 'vhd', type All files "
+                  "''\n  [Open] [Cancel]");
+        return closed_answer(question);
+    });
+    EXPECT_FALSE(xvt_dm_post_file_open({"Open...", "/d", "x", "vhd"}, choice));
+    answers.expect_file(QuestionKind::file_save, "Save...", "/d", "");
+    EXPECT_FALSE(xvt_dm_post_file_save({.title = "Save..."}, choice)) << "a file without a name";
+    Dialog none;
+    EXPECT_FALSE(xvt_dlg_create_res(none, 7199));
+    EXPECT_EQ(xvt_dlg_ask(none), -1);
+    const struct {
+        std::initializer_list<const char*> buttons;
+        int escape;
+    } rows[] = {{{"OK"}, 0},
+                {{"Cancel", "OK"}, 0},
+                {{"Yes", "No"}, 1},
+                {{"No", "Yes", "&Cancel"}, 2},
+                {{"Retry", "Ignore"}, -1},
+                {{}, -1}};
+    for (const auto& row : rows)
+        EXPECT_EQ(escape_button(question_with(row.buttons)), row.escape);
+}
+
+TEST(ToolkitErrors, GoToStandardErrorUnlessTheFilterTakesThem) {
+    xvt_errmsg_set_filter({[](void*, const ToolkitError& error) { return error.severity < 3; }});
+    testing::internal::CaptureStderr();
+    xvt_errmsg_signal({2, 7, "mild"});
+    xvt_errmsg_signal({4, 7, "grave"});
+    const AskSeam before = install_ask({});
+    xvt_dm_post_fatal_exit("Exiting with code -1.");
+    install_ask(before);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "grave\nExiting with code -1.\n");
+    xvt_errmsg_set_filter({});
+}
+
+TEST(MessageBox, AnswersByKeyAndMnemonicInTheGivenOrder) {
+    in_application([] {
+        const struct {
+            std::initializer_list<const char*> buttons;
+            Qt::Key key;
+            Qt::KeyboardModifiers with;
+            int answer;
+        } rows[] = {
+            {{"Cancel", "OK"}, Qt::Key_Return, {}, 0},
+            {{"Cancel", "OK"}, Qt::Key_Escape, {}, 0},
+            {{"Yes", "No", "Cancel"}, Qt::Key_Escape, {}, 2},
+            {{"Yes", "No"}, Qt::Key_Escape, {}, 1},
+            {{"OK"}, Qt::Key_Escape, {}, 0},
+            {{"Retry", "Ignore"}, Qt::Key_Escape, {}, -1},
+            {{"Yes", "No", "Cancel"}, Qt::Key_N, Qt::AltModifier, 1},
+            {{"Cut", "Copy", "C"}, Qt::Key_O, Qt::AltModifier, 1},
+        };
+        for (const auto& row : rows) {
+            at_box([&row](QDialog& box) {
+                int right = 0;
+                for (const char* title : row.buttons) {
+                    const QAbstractButton* button = button_of(box, title);
+                    ASSERT_NE(button, nullptr);
+                    EXPECT_GE(button->x(), right);
+                    right = button->geometry().right();
+                }
+                EXPECT_NE(box.parentWidget(), nullptr);
+                press(box, row.key, row.with);
+            });
+            EXPECT_EQ(ask(question_with(row.buttons)).button, row.answer);
+        }
+        at_box([](QDialog& box) {
+            press(box, Qt::Key_Tab);
+            press(box, Qt::Key_Space);
+        });
+        EXPECT_EQ(ask(question_with({"Yes", "No"})).button, 1);
+        at_box([](QDialog& box) { box.close(); });
+        EXPECT_EQ(ask(question_with({"Yes", "No"})).button, 1);
+    });
+}
+
+TEST(MessageBox, ShowsAnyTextAsItStands) {
+    in_application([] {
+        std::string many_lines;
+        for (int i = 0; i < 300; ++i)
+            many_lines += "line\n";
+        for (const std::string& text :
+             {std::string("'<b>a</b>&amp;<img src=x>'\nnot found."), std::string(5000, 'w'),
+              many_lines, std::string("caf\xC3\xA9 & co"), std::string()}) {
+            at_box([&text](QDialog& box) {
+                const auto* shown = box.findChild<QTextEdit*>();
+                ASSERT_NE(shown, nullptr);
+                EXPECT_EQ(shown->toPlainText().toStdString(), text);
+                EXPECT_TRUE(shown->textInteractionFlags() & Qt::TextSelectableByMouse);
+                const QSize room = box.screen()->availableSize();
+                EXPECT_TRUE(room.width() >= box.width() && room.height() >= box.height());
+                // All of it can be reached: nothing is cut at the right, and what is too high
+                // scrolls.
+                EXPECT_LE(shown->document()->idealWidth(), shown->viewport()->width());
+                const bool is_whole =
+                    shown->document()->size().height() <= shown->viewport()->height() + 1;
+                EXPECT_NE(is_whole, shown->verticalScrollBarPolicy() == Qt::ScrollBarAsNeeded);
+                press(box, Qt::Key_Return);
+            });
+            xvt_dm_post_note("%s", text.c_str());
+        }
+    });
+}
+
+/// Lets the loop turn a while under the box that is shown next, then presses its button. Its clock
+/// is the box's own: others stand still.
+class LastBoxUser : public QObject {
+public:
+    LastBoxUser() { qApp->installEventFilter(this); }
+    int turns = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* box = qobject_cast<QDialog*>(watched);
+        if (box != nullptr && event->type() == QEvent::Show)
+            box->startTimer(1);
+        if (box != nullptr && event->type() == QEvent::Timer && ++turns == 20)
+            press(*box, Qt::Key_Return);
+        return false;
+    }
+};
+
+TEST(MessageBox, ServesWithoutATaskWindowAndWhenTheProgramEnds) {
+    at_box_press(Qt::Key_Return);
+    xvt_dm_post_error("No window yet");
+    in_application([] {
+        at_box([](QDialog&) { xvt_app_destroy(); });
+        EXPECT_EQ(ask(question_with({"Yes", "No"})).button, 1);
+        // The loop is told to end now; the last box waits all the same, and nothing runs beneath.
+        int ticks = 0;
+        Timer timer;
+        timer.context = &ticks;
+        timer.expired = [](void* count) { ++*static_cast<int*>(count); };
+        start_timer(timer, 1);
+        const LastBoxUser user;
+        xvt_dm_post_fatal_exit("Exiting with code -1.");
+        EXPECT_EQ(user.turns, 20);
+        EXPECT_EQ(ticks, 0);
+        stop_timer(timer);
+    });
+}
+
+TEST(StringPrompt, LimitsBytesAndKeepsWhatWasNotTyped) {
+    in_application([] {
+        const struct {
+            const char* value;
+            const char16_t* typed; ///< null: nothing
+            const char* answer;    ///< null: cancelled
+        } rows[] = {
+            {"12", u"", "12"},
+            {"12", u"345678", "34567"},
+            {"", u"\u20AC\u00E9x", "\u20AC\u00E9"},
+            {"", u"ab\U0001F600", "ab"},
+            {"", u"a\U0001F600", "a\U0001F600"},
+            {"a\xFFz", u"", "a\xFFz"},
+            {"12", nullptr, nullptr},
+        };
+        for (const auto& row : rows) {
+            at_box([&row](QDialog& box) {
+                if (row.typed == nullptr) {
+                    press(box, Qt::Key_Escape);
+                    return;
+                }
+                auto* field = qobject_cast<QLineEdit*>(box.focusWidget());
+                ASSERT_NE(field, nullptr);
+                if (const QString text = QString::fromUtf16(row.typed); !text.isEmpty())
+                    field->insert(text);
+                press(box, Qt::Key_Return);
+            });
+            String value = row.value;
+            EXPECT_EQ(xvt_dm_post_string_prompt("Go to <line>:", value, 5), row.answer != nullptr);
+            EXPECT_EQ(value, row.answer == nullptr ? row.value : row.answer);
+        }
+        at_box([](QDialog& box) {
+            type(box.focusWidget(), "12345");
+            press(box, Qt::Key_Home);
+            type(box.focusWidget(), "0");
+            press(box, Qt::Key_Return);
+        });
+        String value;
+        EXPECT_TRUE(xvt_dm_post_string_prompt("?", value, 5));
+        EXPECT_EQ(value, "12345") << "a character in the middle pushed one out";
+    });
+}
+
+class FileBox : public testing::Test {
+protected:
+    // The box keeps its own settings there.
+    FileBox() { set_environment_variable("XDG_CONFIG_HOME", directory_.path("config").c_str()); }
+
+    std::string ask_one(QuestionKind kind, const char* name,
+                        const std::function<void(QDialog&)>& act, std::string in = {}) {
+        const std::string start = in.empty() ? directory_.path("files") : in;
+        FileChoice choice;
+        at_box(act);
+        const FileQuestion question{"Open VHDL file...", start, name, "vhd"};
+        const bool is_chosen = kind == QuestionKind::file_save
+                                   ? xvt_dm_post_file_save(question, choice)
+                                   : xvt_dm_post_file_open(question, choice);
+        return is_chosen ? std::string(choice.directory + "|" + choice.name) : "cancelled";
+    }
+
+    test::TemporaryDirectory directory_;
+};
+
+void type_name(QDialog& box, const QString& name) {
+    auto* field = box.findChild<QLineEdit*>("fileNameEdit");
+    field->selectAll();
+    field->insert(name);
+    QTest::keyClick(field, Qt::Key_Return);
+}
+
+TEST_F(FileBox, OffersTheFilesOfATypeWhateverItsCase) {
+    for (const char* name : {"files/a.vhd", "files/B.VHD", "files/c.vhdl", "files/d.txt",
+                             "files/<i>e\n.vhd", "files/bad\xFF.vhd", "files/vhd"})
+        directory_.write(name, "x");
+    in_application([this] {
+        const auto shown = [](QDialog& box) {
+            QStringList names;
+            const auto* list = box.findChild<QListView*>("listView");
+            for (int i = 0; i < list->model()->rowCount(list->rootIndex()); ++i)
+                names += list->model()->index(i, 0, list->rootIndex()).data().toString();
+            names.sort();
+            return names;
+        };
+        const auto act = [&](QDialog& box) {
+            EXPECT_EQ(box.windowTitle(), "Open VHDL file...");
+            EXPECT_TRUE(QTest::qWaitFor([&] { return shown(box).size() == 3; }));
+            EXPECT_EQ(shown(box), QStringList({"<i>e\n.vhd", "B.VHD", "a.vhd"}));
+            press(box, Qt::Key_Escape);
+        };
+        EXPECT_EQ(ask_one(QuestionKind::file_open, "", act), "cancelled");
+    });
+}
+
+TEST_F(FileBox, AnswersTheNameThatWasChosenAndChangesNothing) {
+    directory_.write("files/a.vhd", "x");
+    directory_.write("files/b.vhd", "x");
+    directory_.write("files/sub/c.vhd", "x");
+    std::filesystem::create_directory_symlink(directory_.path("files"), directory_.path("link"));
+    std::filesystem::create_symlink(directory_.path("files/b.vhd"), directory_.path("files/l.vhd"));
+    const std::string files = directory_.path("files") + "|";
+    PathBuffer before;
+    ASSERT_FALSE(failed(current_directory(before)));
+    in_application([&] {
+        const auto takes = [](const QString& name) {
+            return [name](QDialog& box) { type_name(box, name); };
+        };
+        const auto enter = [](QDialog& box) {
+            QTest::keyClick(box.findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+        };
+        const auto open = QuestionKind::file_open;
+        const auto save = QuestionKind::file_save;
+        EXPECT_EQ(ask_one(open, "", takes("a.vhd")), files + "a.vhd");
+        EXPECT_EQ(ask_one(open, "", takes("none.vhd")), files + "none.vhd");
+        EXPECT_EQ(ask_one(open, "", takes("l.vhd")), files + "l.vhd") << "a link was followed";
+        EXPECT_EQ(ask_one(open, "", takes("sub/../b.vhd")), files + "b.vhd");
+        EXPECT_EQ(ask_one(open, "", takes("a.vhd"), directory_.path("link")), files + "a.vhd")
+            << "one directory has two names";
+        EXPECT_EQ(ask_one(save, "", takes("b.vhd")), files + "b.vhd") << "asks by itself";
+        EXPECT_EQ(ask_one(save, "new one.vhd", enter), files + "new one.vhd");
+        for (const char* name : {"a\"<b>&.vhd", "\"q\" \"r\"", "100%25.vhd", "a#b?.vhd", " b.vhd ",
+                                 "~x.vhd", "$HOME", "b\\c.vhd", "\xC3\xA9.vhd"})
+            EXPECT_EQ(ask_one(save, name, enter), files + name);
+        // A name that can't be shown is not offered as another one.
+        const auto replaces_nothing = [](QDialog& box) {
+            EXPECT_EQ(box.findChild<QLineEdit*>("fileNameEdit")->text(), "");
+            type_name(box, "good.vhd");
+        };
+        EXPECT_EQ(ask_one(save, "bad\xFF.vhd", replaces_nothing), files + "good.vhd");
+        const std::string here = std::string(before.view()) + "|x.vhd";
+        EXPECT_EQ(ask_one(save, "x.vhd", enter, directory_.path("bad\xFF")), here);
+        EXPECT_EQ(ask_one(save, "x.vhd", enter, directory_.path("missing")), here);
+
+        Vector<String> names;
+        String where;
+        at_box(takes("\"a.vhd\" \"l.vhd\""));
+        const std::string start = directory_.path("files");
+        EXPECT_TRUE(xvt_dm_post_files_open({"Add", start, "", "vhd"}, where, names));
+        EXPECT_EQ(where, start.c_str());
+        EXPECT_EQ(names, (Vector<String>{"a.vhd", "l.vhd"}));
+    });
+    PathBuffer after;
+    ASSERT_FALSE(failed(current_directory(after)));
+    EXPECT_EQ(before.view(), after.view());
+    EXPECT_EQ(directory_.names("files"), (std::set<std::string>{"a.vhd", "b.vhd", "l.vhd", "sub"}));
+}
+
+TEST(ModalDialog, TakesEveryRowByTheKeyboard) {
+    in_application([] {
+        Dialog dialog;
+        ASSERT_TRUE(xvt_dlg_create_res(dialog, 7101));
+        find_row(dialog, 4)->value = "a\n<b>\nc";
+        find_row(dialog, 4)->selected = 0;
+        find_row(dialog, 6)->selected = 1;
+        find_row(dialog, 8)->value = "kept\xFF";
+        find_row(dialog, 8)->is_enabled = false;
+        at_box([](QDialog& box) {
+            EXPECT_EQ(box.windowTitle(), "All rows");
+            EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText(), "Where & how <b>?");
+            EXPECT_EQ(focus_of(box)->accessibleName(), "Name");
+            type(focus_of(box), "abcdefg");
+            press(box, Qt::Key_L, Qt::AltModifier);
+            EXPECT_EQ(focus_of(box)->accessibleName(), "List");
+            press(box, Qt::Key_Down);
+            toggle(box, "Check", Qt::Key_C);
+            toggle(box, "Two", Qt::Key_T);
+            // The focus goes round through all that can be changed, first to last.
+            QStringList round;
+            for (int i = 0; i < 7; ++i) {
+                press(box, Qt::Key_Tab);
+                const auto* button = qobject_cast<QAbstractButton*>(focus_of(box));
+                round += button == nullptr ? focus_of(box)->accessibleName() : plain_title(*button);
+            }
+            EXPECT_EQ(round.join(u' '), "OK Cancel Name More... List Check Two");
+            press(box, Qt::Key_Return);
+        });
+        EXPECT_EQ(xvt_dlg_ask(dialog), 0);
+        std::string told;
+        for (const DialogRow& row : dialog.rows)
+            told += std::string(row.value) + "|" + std::to_string(row.selected) + " ";
+        EXPECT_EQ(told, "|0 abcde|0 |0 a\n<b>\nc|1 |1 |0 |1 kept\xFF|0 ");
+        at_box_press(Qt::Key_Escape);
+        EXPECT_EQ(xvt_dlg_ask(dialog), 1);
+    });
+}
+
+TEST(ModalDialog, StaysBetweenItsQuestions) {
+    in_application([] {
+        QPointer<QDialog> first;
+        {
+            Dialog dialog;
+            ASSERT_TRUE(xvt_dlg_create_res(dialog, 7101));
+            at_box([&first](QDialog& box) {
+                first = &box;
+                type(focus_of(box), "old");
+                button_of(box, "More...")->setFocus();
+                press(box, Qt::Key_Space);
+            });
+            EXPECT_EQ(xvt_dlg_ask(dialog), k_button_rows + 3);
+            ASSERT_TRUE(first);
+            EXPECT_TRUE(first->isVisible());
+            button_of(*first, "OK")->click();
+            // What is asked in between stands over it.
+            at_box([&first](QDialog& box) {
+                EXPECT_EQ(box.parentWidget(), first);
+                press(box, Qt::Key_Return);
+            });
+            xvt_dm_post_note("Busy");
+            find_row(dialog, 2)->value = "new";
+            find_row(dialog, 3)->label = "&Less";
+            at_box([&first](QDialog& box) {
+                EXPECT_EQ(&box, first);
+                EXPECT_EQ(box.findChild<QLineEdit*>()->text(), "new");
+                EXPECT_EQ(focus_of(box), button_of(box, "Less"));
+                press(box, Qt::Key_Escape);
+            });
+            EXPECT_EQ(xvt_dlg_ask(dialog), 1);
+            // Other rows under the same number.
+            dialog.rows.resize(1);
+            at_box([](QDialog& box) {
+                EXPECT_EQ(box.findChild<QLineEdit*>(), nullptr);
+                press(box, Qt::Key_Return);
+            });
+            EXPECT_EQ(xvt_dlg_ask(dialog), 0);
+        }
+        EXPECT_TRUE(!first || !first->isVisible());
+    });
+}
+
+TEST(FontBox, GivesBackTheFontThatItGot) {
+    in_application([] {
+        for (const char* family : {"courier", "helvetica"})
+            for (const int style : {0, 1, 2, 3, 4, 7}) {
+                Font font;
+                xvt_font_set_family(font, family);
+                xvt_font_set_style(font, static_cast<std::uint16_t>(style));
+                xvt_font_set_size(font, 13);
+                const Font before = font;
+                at_box_press(Qt::Key_Return);
+                EXPECT_TRUE(xvt_dm_post_font_sel(font));
+                EXPECT_EQ(font, before) << family << ' ' << style;
+                at_box([](QDialog& box) {
+                    toggle(box, "Underline", Qt::Key_U);
+                    press(box, Qt::Key_Return);
+                });
+                EXPECT_TRUE(xvt_dm_post_font_sel(font));
+                EXPECT_EQ(font.style, before.style ^ 4);
+                at_box_press(Qt::Key_Escape);
+                EXPECT_FALSE(xvt_dm_post_font_sel(font));
+            }
+    });
+}
+
+} // namespace
+} // namespace pellux

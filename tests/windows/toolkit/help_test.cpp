@@ -1,0 +1,325 @@
+#include "windows/toolkit/help.h"
+
+#include "tests/core/os/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QHelpContentWidget>
+#include <QHelpEngine>
+#include <QHelpIndexWidget>
+#include <QHelpLink>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextBrowser>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+#include <string>
+
+namespace pellux {
+namespace {
+
+using test::TemporaryDirectory;
+
+const std::string k_directory = PELLUX_BINARY_DIR "/velmora/bin";
+const std::string k_path = k_directory + "/pellux.hlp";
+
+std::string read_book() {
+    std::ifstream file(k_path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Runs the loop until `is_true`, which what is under way brings about; the test's own limit of
+/// time is the last resort.
+void run_until(const std::function<bool()>& is_true) {
+    while (!is_true())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void collect(QHelpContentItem& item, std::set<QString>& pages) {
+    pages.insert(item.url().toString());
+    for (int i = 0; i < item.childCount(); ++i)
+        collect(*item.child(i), pages);
+}
+
+TEST(HelpBook, LeadsFromEveryEntryKeywordTopicAndLinkToAPage) {
+    QTemporaryDir directory;
+    QHelpEngine engine(directory.filePath("help.qhc"));
+    engine.setReadOnly(false);
+    engine.setUsesFilterEngine(true);
+    ASSERT_TRUE(engine.setupData());
+    ASSERT_TRUE(engine.registerDocumentation(QString::fromStdString(k_path)));
+    const QString name = QHelpEngineCore::namespaceName(QString::fromStdString(k_path));
+    const auto exists = [&engine](const QUrl& page) {
+        return page.scheme() == "qthelp" && !engine.fileData(page).isEmpty();
+    };
+
+    engine.contentModel()->createContents({});
+    engine.indexModel()->createIndex({});
+    run_until([&engine] {
+        return !engine.contentModel()->isCreatingContents() &&
+               engine.contentModel()->rowCount() > 0 && engine.indexModel()->rowCount() > 0;
+    });
+    std::set<QString> contents;
+    collect(*engine.contentModel()->contentItemAt(engine.contentModel()->index(0, 0)), contents);
+    for (const QString& page : contents)
+        EXPECT_TRUE(exists(QUrl(page))) << page.toStdString();
+    const auto keywords = engine.indexModel()->stringList();
+    EXPECT_GT(keywords.size(), contents.size());
+    for (const QString& keyword : keywords) {
+        const auto links = engine.documentsForKeyword(keyword);
+        EXPECT_TRUE(links.size() == 1 && exists(links.first().url)) << keyword.toStdString();
+    }
+
+    const QRegularExpression reference("(?:href|src)=\"([^\"]*)\"");
+    for (const QUrl& page : engine.files(name, QStringList(), "html")) {
+        EXPECT_TRUE(contents.contains(page.toString())) << page.toString().toStdString();
+        const QString text = QString::fromUtf8(engine.fileData(page));
+        for (auto found = reference.globalMatch(text); found.hasNext();) {
+            const QString link = found.next().captured(1);
+            EXPECT_TRUE(exists(page.resolved(link)))
+                << page.toString().toStdString() << ": " << link.toStdString();
+        }
+    }
+
+    QFile source(PELLUX_SOURCE_DIR "/docs/help/pellux.qhp");
+    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
+    const QString project = QString::fromUtf8(source.readAll());
+    int topics = 0;
+    for (auto found = QRegularExpression(" id=\"([^\"]*)\"").globalMatch(project); found.hasNext();
+         ++topics) {
+        const QString topic = found.next().captured(1);
+        EXPECT_TRUE(QRegularExpression("^topic-[1-9][0-9]*$").match(topic).hasMatch());
+        EXPECT_EQ(engine.documentsForIdentifier(topic).size(), 1) << topic.toStdString();
+    }
+    EXPECT_EQ(engine.documentsForIdentifier("topic-1").size(), 1);
+    EXPECT_GE(topics, contents.size());
+}
+
+/// A database of its own making; the bytes of its file.
+std::string database_of(const std::vector<const char*>& commands) {
+    const TemporaryDirectory place;
+    {
+        auto database = QSqlDatabase::addDatabase("QSQLITE", "made");
+        database.setDatabaseName(QString::fromStdString(place.path("made")));
+        EXPECT_TRUE(database.open());
+        QSqlQuery query(database);
+        for (const char* command : commands)
+            EXPECT_TRUE(query.exec(command)) << command;
+    }
+    QSqlDatabase::removeDatabase("made");
+    return place.read("made");
+}
+
+/// All temporary files of the program go there for a while.
+struct ScopedTemporaries {
+    TemporaryDirectory place;
+    ScopedTemporaries() { qputenv("TMPDIR", QByteArray::fromStdString(place.path())); }
+    ~ScopedTemporaries() { qunsetenv("TMPDIR"); }
+};
+
+void expect_refused(const std::string& directory, const std::string& what) {
+    EXPECT_EQ(xvt_help_open_helpfile(directory, "book"), HelpFile::none) << what;
+    EXPECT_FALSE(xvt_help_show_contents(directory + "/book.hlp")) << what;
+}
+
+TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {
+    const TemporaryDirectory books;
+    const std::vector<const char*> tables = {
+        "CREATE TABLE FolderTable(Id)",   "CREATE TABLE FileNameTable(Id)",
+        "CREATE TABLE FileDataTable(Id)", "CREATE TABLE ContentsTable(Id)",
+        "CREATE TABLE IndexTable(Id)",
+    };
+    const ScopedTemporaries temporaries;
+    expect_refused(books.path("nowhere"), "missing directory");
+    expect_refused(std::string(5000, 'x'), "long path");
+    std::filesystem::create_directory(books.path("book.hlp"));
+    expect_refused(books.path(), "directory");
+    std::filesystem::remove(books.path("book.hlp"));
+
+    const std::string whole = read_book();
+    ASSERT_GT(whole.size(), 100u);
+    const auto changed = [&whole](std::size_t at, std::string_view bytes) {
+        return std::string(whole).replace(at, bytes.size(), bytes);
+    };
+    const auto with = [&tables](std::vector<const char*> more) {
+        more.insert(more.begin(), tables.begin(), tables.end());
+        return database_of(more);
+    };
+    const struct {
+        const char* what;
+        std::string bytes;
+    } rows[] = {
+        {"empty", ""},
+        {"zero bytes", std::string(whole.size(), '\0')},
+        {"text", std::string(whole.size(), 'x')},
+        {"head alone", whole.substr(0, 100)},
+        {"a byte more", whole + '\0'},
+        {"page size 0", changed(16, {"\0\0", 2})},
+        {"page count of more than there is", changed(28, "\xFF\xFF\xFF\xFF")},
+        {"a journal mode with files beside", changed(18, "\2\2")},
+        {"tables gone", changed(100, std::string(900, '\0'))},
+        {"tables scrambled", changed(100, std::string(900, '\xFF'))},
+        {"second page gone", changed(4096, std::string(4096, '\xFF'))},
+        {"no help", database_of({"CREATE TABLE Other(Name)"})},
+        {"a name and no book", database_of({"CREATE TABLE NamespaceTable(Name)",
+                                            "INSERT INTO NamespaceTable VALUES('x')"})},
+        {"no name", with({"CREATE TABLE NamespaceTable(Name)"})},
+        {"a name that never ends",
+         with({"CREATE VIEW NamespaceTable AS WITH RECURSIVE c(Name) AS (SELECT 1 UNION ALL SELECT "
+               "Name FROM c) SELECT max(Name) AS Name FROM c"})},
+    };
+    for (const auto& row : rows) {
+        books.write("book.hlp", row.bytes);
+        expect_refused(books.path(), row.what);
+    }
+    for (std::size_t length = 0; length < whole.size(); length += 1021) {
+        books.write("book.hlp", whole.substr(0, length));
+        expect_refused(books.path(), "truncated at " + std::to_string(length));
+    }
+    std::filesystem::resize_file(books.path("book.hlp"), std::uintmax_t{1} << 40);
+    expect_refused(books.path(), "huge");
+    EXPECT_EQ(books.names(), std::set<std::string>{"book.hlp"});
+    EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});
+}
+
+QMainWindow* help_window() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->windowTitle().startsWith("Pellux Help"))
+            return qobject_cast<QMainWindow*>(widget);
+    }
+    return nullptr;
+}
+
+/// The file name of the page that is shown; empty without a window.
+std::string shown_page() {
+    const QMainWindow* window = help_window();
+    return window == nullptr
+               ? ""
+               : window->findChild<QTextBrowser*>()->source().fileName().toStdString();
+}
+
+constexpr WindowResource k_window{.number = 7801, .title = "A window", .width = 300, .height = 200};
+
+TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
+    const ScopedTemporaries temporaries;
+    xvt_res_register({.windows = {&k_window, 1}});
+    in_application([&temporaries] {
+        // A window in the task window; both, a control and commands have their topics.
+        const Window window = xvt_win_create_res(7801, {});
+        const HelpFile file = xvt_help_open_helpfile(k_directory, "pellux");
+        ASSERT_NE(file, HelpFile::none);
+        EXPECT_EQ(temporaries.place.names(), std::set<std::string>{}) << "no window, no files";
+        const auto ask = [file](Window about, const HelpEvent& event) {
+            EXPECT_TRUE(xvt_help_process_event(file, about, Event{event}));
+            return shown_page();
+        };
+        EXPECT_EQ(ask(window, {}), "index.html");
+        xvt_help_associate(file, {.window = xvt_win_get_task()}, 20);
+        xvt_help_associate(file, {.window = window, .control = 5}, 31);
+        xvt_help_associate(file, {.command = 9}, 50);
+        xvt_help_associate(file, {.window = window, .command = 8}, 60);
+        EXPECT_EQ(ask(window, {}), "projects.html");
+        xvt_help_associate(file, {.window = window}, 21);
+        EXPECT_EQ(ask(window, {}), "windows.html");
+        EXPECT_EQ(ask(window, {.control = 6}), "windows.html");
+        EXPECT_EQ(ask(window, {.control = 5}), "messages.html");
+        EXPECT_EQ(ask(xvt_win_get_task(), {.control = 5}), "projects.html");
+        EXPECT_EQ(ask(window, {.control = 5, .command = 9}), "keys.html");
+        EXPECT_EQ(ask(window, {.command = 8}), "command_line.html");
+        EXPECT_EQ(ask(window, {.topic = 70, .command = 9}), "settings.html");
+        EXPECT_EQ(ask(Window::none, {}), "index.html");
+        EXPECT_EQ(ask(window, {.topic = 999}), "index.html");
+        xvt_help_associate(file, {.window = window, .control = 5}, 40);
+        EXPECT_EQ(ask(window, {.control = 5}), "tools.html");
+
+        for (const Event& other : {Event{CommandEvent{9}}, Event{CloseEvent{}}})
+            EXPECT_FALSE(xvt_help_process_event(file, window, other));
+        EXPECT_FALSE(xvt_help_process_event(HelpFile::none, window, Event{HelpEvent{}}));
+        xvt_help_close_helpfile(file);
+        EXPECT_EQ(help_window(), nullptr);
+        EXPECT_FALSE(xvt_help_process_event(file, window, Event{HelpEvent{}}));
+        EXPECT_TRUE(xvt_help_show_contents(k_path));
+        EXPECT_EQ(shown_page(), "index.html");
+    });
+    EXPECT_EQ(help_window(), nullptr) << "the application took it down";
+    EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});
+}
+
+TEST(HelpSystem, ShowsNoPageWithoutRoomForItsFiles) {
+    in_application([] {
+        const ScopedTemporaries temporaries;
+        qputenv("TMPDIR", "/dev/null");
+        EXPECT_FALSE(xvt_help_show_contents(k_path));
+        EXPECT_EQ(help_window(), nullptr);
+    });
+}
+
+TEST(HelpWindow, IsReadWithKeysAlone) {
+    const ScopedTemporaries temporaries;
+    in_application([&temporaries] {
+        ASSERT_TRUE(xvt_help_show_contents(k_path));
+        QMainWindow* window = help_window();
+        auto* tabs = window->findChild<QTabWidget*>();
+        process_events();
+
+        press_key("Tab");
+        press_key("Return");
+        EXPECT_EQ(shown_page(), "starting.html") << "the first link";
+        press_key("Alt+Left");
+        EXPECT_EQ(shown_page(), "index.html");
+        press_key("Alt+Right");
+        EXPECT_EQ(shown_page(), "starting.html");
+
+        run_until(
+            [window] { return window->findChild<QHelpIndexWidget*>()->model()->rowCount() > 0; });
+        press_key("Alt+I");
+        type_text("exit");
+        press_key("Return");
+        EXPECT_EQ(shown_page(), "messages.html");
+
+        press_key("Alt+S");
+        type_text("waveform gtkwave");
+        press_key("Return");
+        auto* results = tabs->currentWidget()->findChild<QListWidget*>();
+        run_until([results] { return results->count() > 0; });
+        press_key("Tab");
+        press_key("Return");
+        EXPECT_EQ(shown_page(), "tools.html");
+
+        auto* viewer = window->findChild<QTextBrowser*>();
+        press_key("Ctrl+F");
+        type_text("index");
+        press_key("Return");
+        EXPECT_EQ(viewer->textCursor().selectedText(), "index");
+        const int first = viewer->textCursor().position();
+        press_key("F3");
+        press_key("Shift+F3");
+        EXPECT_EQ(viewer->textCursor().position(), first);
+
+        viewer->setSource(QUrl("file:///etc/hostname"));
+        viewer->setSource(QUrl("nowhere.html"));
+        EXPECT_EQ(shown_page(), "tools.html") << "a page of the book or none";
+
+        press_key("Alt+Home");
+        EXPECT_EQ(shown_page(), "index.html");
+        press_key("Ctrl+W");
+        EXPECT_EQ(help_window(), nullptr);
+        EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});
+    });
+}
+
+} // namespace
+} // namespace pellux

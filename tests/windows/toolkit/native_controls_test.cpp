@@ -1,0 +1,181 @@
+#include "core/common/callback.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+namespace pellux {
+namespace {
+
+constexpr WindowResource k_windows[] = {{7150, "Controls", 400, 400}};
+const bool k_is_registered = [] {
+    xvt_res_register({.windows = k_windows});
+    return true;
+}();
+
+/// A window whose controls' events are told as text.
+struct Form {
+    Window window = Window::none;
+    std::string told;
+    std::function<void(const ControlEvent&)> act;
+    int next_top = 0;
+
+    Form() { window = xvt_win_create_res(7150, {on_event, this}); }
+    ~Form() { xvt_vobj_destroy(window); }
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+
+    static long on_event(void* context, Window, const Event& event) {
+        auto& form = from_context<Form>(context);
+        if (const auto* control = event.get<ControlEvent>()) {
+            constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
+            form.told += std::to_string(control->id) + " " +
+                         k_actions[static_cast<int>(control->action)] + "; ";
+            if (form.act)
+                form.act(*control);
+        }
+        return 0;
+    }
+    Window add(ControlKind kind, std::string_view title, int height = 24) {
+        const int top = next_top;
+        next_top += height + 2;
+        return xvt_ctl_create({window, kind, top + 1, title, {top, 10, top + height, 200}});
+    }
+    std::string take() { return std::exchange(told, {}); }
+};
+
+TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
+    in_application([] {
+        Form form;
+        const Window button = form.add(ControlKind::button, "&Go");   // 1
+        const Window check = form.add(ControlKind::check, "&Check");  // 27
+        const Window edit = form.add(ControlKind::edit, "");          // 53
+        const Window list = form.add(ControlKind::list, "Files", 80); // 79
+        const Window combo = form.add(ControlKind::list_button, "");  // 161
+        const Window field = form.add(ControlKind::list_edit, "");    // 187
+        const Vector<String> items = {"a", "b", "c"};
+        for (const Window each : {list, combo, field}) {
+            xvt_list_set_items(each, items);
+            EXPECT_EQ(xvt_list_get_selection(each), -1);
+            xvt_list_set_selection(each, 1);
+            EXPECT_EQ(xvt_list_get_selection(each), 1);
+        }
+        xvt_ctl_set_checked(check, true);
+        xvt_vobj_set_title(edit, "text");
+        EXPECT_EQ(form.take(), "") << "the program's own changes are told";
+
+        click(button, {20, 10});
+        click(check, {8, 12});
+        EXPECT_EQ(form.take(), "1 pressed; 27 pressed; ");
+        EXPECT_FALSE(xvt_ctl_is_checked(check));
+        xvt_vobj_set_focus(edit);
+        type_text("x");
+        press_key("Return");
+        EXPECT_EQ(form.take(), "53 edited; 53 chosen; ");
+        EXPECT_EQ(xvt_vobj_get_title(edit), "textx");
+        xvt_vobj_set_focus(list);
+        press_key("Down");
+        press_key("Return");
+        EXPECT_EQ(form.take(), "79 selected; 79 chosen; ");
+        EXPECT_EQ(xvt_list_get_selection(list), 2);
+        xvt_vobj_set_focus(combo);
+        press_key("Down");
+        EXPECT_EQ(form.take(), "161 selected; ");
+        xvt_vobj_set_focus(field);
+        press_key("End");
+        type_text("z");
+        EXPECT_EQ(form.take(), "187 edited; ");
+        EXPECT_EQ(xvt_vobj_get_title(field), "bz");
+        EXPECT_EQ(xvt_list_get_selection(field), -1) << "what was typed is no entry";
+        xvt_list_set_items(field, items);
+        EXPECT_EQ(xvt_vobj_get_title(field), "bz") << "filling a list took the typed text";
+    });
+}
+
+TEST(NativeControls, JoinRadioButtonsInARowAndLabelsWithTheirFields) {
+    in_application([] {
+        Form form;
+        const Window work = form.add(ControlKind::radio, "W&ork");
+        const Window other = form.add(ControlKind::radio, "Ot&her");
+        const Window label = form.add(ControlKind::text, "&Name <b>:");
+        const Window edit = form.add(ControlKind::edit, "");
+        const Window apart = form.add(ControlKind::radio, "Apart");
+        xvt_ctl_set_checked(apart, true);
+        xvt_ctl_set_checked(work, true);
+        click(other, {8, 12});
+        EXPECT_FALSE(xvt_ctl_is_checked(work));
+        EXPECT_TRUE(xvt_ctl_is_checked(other));
+        EXPECT_TRUE(xvt_ctl_is_checked(apart)) << "groups are mixed up";
+        xvt_ctl_set_checked(other, false);
+        EXPECT_FALSE(xvt_ctl_is_checked(other));
+        press_key("Alt+N");
+        EXPECT_TRUE(xvt_vobj_has_focus(edit));
+        EXPECT_EQ(xvt_vobj_get_title(label), "&Name <b>:");
+        EXPECT_EQ(xvt_win_get_ctl(form.window, xvt_vobj_get_id(edit)), edit);
+    });
+}
+
+TEST(NativeControls, KeepTheBytesOfManyEntries) {
+    in_application([] {
+        Form form;
+        for (const ControlKind kind : {ControlKind::list, ControlKind::list_many,
+                                       ControlKind::list_button, ControlKind::list_edit}) {
+            const Window list = form.add(kind, "", 60);
+            Vector<String> items;
+            for (int i = 0; i < 10000; ++i)
+                items.push_back(std::to_string(i).c_str());
+            items[0] = "bad\xFF\n<b>";
+            xvt_list_set_items(list, items);
+            EXPECT_EQ(xvt_list_count(list), 10000);
+            EXPECT_EQ(xvt_list_get_item(list, 0), items[0]);
+            for (const int index : {9999, 0, 5000}) {
+                xvt_list_set_selection(list, index);
+                EXPECT_EQ(xvt_list_get_selection(list), index);
+            }
+            for (const int index : {-1, 10000, -7}) {
+                xvt_list_set_selection(list, index);
+                EXPECT_EQ(xvt_list_get_selection(list), -1);
+                EXPECT_EQ(xvt_list_get_item(list, index), "");
+            }
+            xvt_list_set_selection(list, 9999);
+            xvt_list_set_items(list, {});
+            EXPECT_EQ(xvt_list_get_selection(list), -1);
+        }
+    });
+}
+
+TEST(NativeControls, MayEndInTheirOwnEvents) {
+    in_application([] {
+        Form form;
+        const Window button = form.add(ControlKind::button, "End");
+        form.act = [](const ControlEvent& event) { xvt_vobj_destroy(event.control); };
+        click(button, {20, 10});
+        EXPECT_FALSE(xvt_vobj_is_valid(button));
+        const Window list = form.add(ControlKind::list, "", 80);
+        const Vector<String> items = {"a", "b"};
+        xvt_list_set_items(list, items);
+        form.act = [&form](const ControlEvent&) { xvt_vobj_destroy(form.window); };
+        xvt_vobj_set_focus(list);
+        press_key("Down");
+        EXPECT_FALSE(xvt_vobj_is_valid(list));
+
+        EXPECT_EQ(form.add(ControlKind::edit, "late"), Window::none);
+        for (const Window gone : {button, list, Window::none}) {
+            xvt_list_set_items(gone, items);
+            xvt_list_set_selection(gone, 1);
+            xvt_ctl_set_checked(gone, true);
+            EXPECT_EQ(xvt_list_count(gone), 0);
+            EXPECT_EQ(xvt_list_get_selection(gone), -1);
+            EXPECT_FALSE(xvt_ctl_is_checked(gone));
+        }
+    });
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,243 @@
+#include "tests/windows/toolkit/robot.h"
+
+#include "tests/windows/toolkit/application.h"
+#include "windows/toolkit/qt/session_end.h"
+#include "windows/toolkit/qt/task_window.h"
+#include "windows/toolkit/qt/text_conversion.h"
+#include "windows/toolkit/qt/window_table.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+#include <QTimer>
+
+namespace pellux {
+namespace {
+
+QWidget* widget_at(Window window) {
+    const WindowRecord* record = find_window(window);
+    return record == nullptr ? nullptr : record->widget.data();
+}
+
+/// A place in the window as one in its widget, in logical pixels.
+QPoint logical(Window window, Point at) {
+    const WindowRecord* record = find_window(window);
+    const bool is_device =
+        record != nullptr && record->surface && record->surface->units == PixelUnits::device;
+    const double ratio = is_device ? record->widget->devicePixelRatioF() : 1;
+    return {static_cast<int>(at.x / ratio), static_cast<int>(at.y / ratio)};
+}
+
+Qt::MouseButton qt_button(PointerButton button) {
+    switch (button) {
+    case PointerButton::left:
+        return Qt::LeftButton;
+    case PointerButton::middle:
+        return Qt::MiddleButton;
+    case PointerButton::right:
+        return Qt::RightButton;
+    case PointerButton::none:
+        break;
+    }
+    return Qt::NoButton;
+}
+
+Qt::KeyboardModifiers qt_modifiers(Modifiers with) {
+    return (with.shift ? Qt::ShiftModifier : Qt::NoModifier) |
+           (with.control ? Qt::ControlModifier : Qt::NoModifier) |
+           (with.alt ? Qt::AltModifier : Qt::NoModifier);
+}
+
+QWidget* focus_widget() {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal->focusWidget() != nullptr ? modal->focusWidget() : modal;
+    if (QWidget* focus = QApplication::focusWidget())
+        return focus;
+    return task_window();
+}
+
+QAction* find_action(const QList<QAction*>& actions, int tag) {
+    for (QAction* action : actions) {
+        if (action->menu() != nullptr) {
+            if (QAction* found = find_action(action->menu()->actions(), tag))
+                return found;
+        } else if (!action->isSeparator() && action->data().isValid() &&
+                   action->data().toInt() == tag) {
+            return action;
+        }
+    }
+    return nullptr;
+}
+
+void list_actions(const QList<QAction*>& actions, int depth, std::string& list) {
+    for (const QAction* action : actions) {
+        list += std::string(static_cast<std::size_t>(depth) * 2, ' ');
+        if (action->isSeparator()) {
+            list += "-\n";
+            continue;
+        }
+        std::string title = action->text().toStdString();
+        if (!action->shortcut().isEmpty())
+            title += "\t" + action->shortcut().toString(QKeySequence::PortableText).toStdString();
+        list += (action->isEnabled() ? title : "(" + title + ")") + "\n";
+        if (action->menu() != nullptr)
+            list_actions(action->menu()->actions(), depth + 1, list);
+    }
+}
+
+} // namespace
+
+void press_key(std::string_view key) {
+    const QKeySequence sequence(to_qstring(key), QKeySequence::PortableText);
+    QWidget* focus = focus_widget();
+    if (sequence.isEmpty() || focus == nullptr)
+        return;
+    const QKeyCombination combination = sequence[0];
+    QTest::keyClick(focus, combination.key(), combination.keyboardModifiers());
+    process_events();
+}
+
+void type_text(std::string_view text) {
+    for (const char c : text) {
+        QWidget* focus = focus_widget();
+        if (focus == nullptr)
+            return;
+        const QString typed = QString::fromLatin1(&c, 1);
+        const int code = typed[0].toUpper().unicode();
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, code, Qt::NoModifier, typed);
+            QApplication::sendEvent(focus, &event);
+        }
+        process_events();
+    }
+}
+
+void press_pointer(Window window, Point at, PointerButton button, Modifiers with) {
+    if (QWidget* widget = widget_at(window))
+        QTest::mousePress(widget, qt_button(button), qt_modifiers(with), logical(window, at));
+    process_events();
+}
+
+void release_pointer(Window window, Point at, PointerButton button) {
+    if (QWidget* widget = widget_at(window))
+        QTest::mouseRelease(widget, qt_button(button), {}, logical(window, at));
+    process_events();
+}
+
+void move_pointer(Window window, Point at, PointerButton held) {
+    QWidget* widget = widget_at(window);
+    if (widget == nullptr)
+        return;
+    const QPoint place = logical(window, at);
+    QMouseEvent event(QEvent::MouseMove, place, widget->mapToGlobal(place), Qt::NoButton,
+                      qt_button(held), Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+    process_events();
+}
+
+void click(Window window, Point at, PointerButton button, Modifiers with) {
+    press_pointer(window, at, button, with);
+    release_pointer(window, at, button);
+}
+
+void double_click(Window window, Point at) {
+    if (QWidget* widget = widget_at(window))
+        QTest::mouseDClick(widget, Qt::LeftButton, {}, logical(window, at));
+    process_events();
+}
+
+bool choose_item(int tag) {
+    TaskWindow* task = task_window();
+    QAction* action = task == nullptr ? nullptr : find_action(task->menuBar()->actions(), tag);
+    if (action == nullptr || !action->isEnabled())
+        return false;
+    action->trigger();
+    process_events();
+    return true;
+}
+
+std::string shown_menus() {
+    std::string list;
+    if (TaskWindow* task = task_window())
+        list_actions(task->menuBar()->actions(), 0, list);
+    return list;
+}
+
+bool open_menu(int tag) {
+    TaskWindow* task = task_window();
+    if (task == nullptr)
+        return false;
+    for (QAction* action : task->menuBar()->actions()) {
+        if (action->menu() == nullptr || action->menu()->menuAction()->data().toInt() != tag)
+            continue;
+        const QRect at = task->menuBar()->actionGeometry(action);
+        action->menu()->popup(task->menuBar()->mapToGlobal(at.bottomLeft()));
+        process_events();
+        return true;
+    }
+    return false;
+}
+
+void in_box(const std::function<void()>& act) {
+    constexpr int k_wait_ms = 10;
+    QTimer::singleShot(k_wait_ms, [act] {
+        if (QApplication::activeModalWidget() == nullptr)
+            in_box(act);
+        else
+            act();
+    });
+}
+
+void close_by_frame(Window window) {
+    const WindowRecord* record = find_window(window);
+    QWidget* widget = record == nullptr ? nullptr : record->widget.data();
+    if (widget != nullptr && record->kind == WindowKind::document)
+        widget = widget->parentWidget();
+    if (widget != nullptr)
+        widget->close();
+    process_events();
+}
+
+bool end_session() {
+    const bool may_end = session_may_end();
+    process_events();
+    return may_end;
+}
+
+std::uint32_t shown_pixel(Window window, Point at) {
+    QWidget* widget = widget_at(window);
+    if (widget == nullptr)
+        return 0;
+    const QImage shown = widget->grab().toImage();
+    const WindowRecord* record = find_window(window);
+    const bool is_device = record->surface && record->surface->units == PixelUnits::device;
+    const double scale = is_device ? 1 : shown.devicePixelRatio();
+    return shown.pixel(static_cast<int>(at.x * scale), static_cast<int>(at.y * scale)) & 0xFFFFFF;
+}
+
+bool save_front_picture(std::string_view path) {
+    QWidget* front = QApplication::activePopupWidget();
+    if (front == nullptr)
+        front = QApplication::activeModalWidget();
+    if (front == nullptr)
+        front = QApplication::activeWindow();
+    if (front == nullptr)
+        return false;
+    const bool is_saved = front->grab().save(to_qstring(path), "PNG");
+    if (QWidget* popup = QApplication::activePopupWidget())
+        popup->close();
+    return is_saved;
+}
+
+bool save_picture(Window window, std::string_view path) {
+    QWidget* widget = widget_at(window);
+    if (widget == nullptr)
+        return false;
+    const WindowRecord* record = find_window(window);
+    QWidget* shown = record->kind == WindowKind::document ? widget->parentWidget() : widget;
+    return shown->grab().save(to_qstring(path), "PNG");
+}
+
+} // namespace pellux

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "windows/toolkit/event.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace pellux {
+
+// A user's hands and eyes: real key and pointer events, and pictures of what is shown. Everything
+// that an event leads to has happened when a call returns.
+
+/// A key by its portable name ("Ctrl+S", "F7", "Shift+Left", "A"), pressed and released where the
+/// focus is.
+void press_key(std::string_view key);
+/// Types characters of Latin-1 where the focus is.
+void type_text(std::string_view text);
+
+/// Places are in the window's own units.
+void press_pointer(Window window, Point at, PointerButton button = PointerButton::left,
+                   Modifiers with = {});
+void release_pointer(Window window, Point at, PointerButton button = PointerButton::left);
+void move_pointer(Window window, Point at, PointerButton held = PointerButton::none);
+void click(Window window, Point at, PointerButton button = PointerButton::left,
+           Modifiers with = {});
+void double_click(Window window, Point at);
+
+/// Chooses the item of a tag from the menus that are shown; false when it is not there or disabled.
+bool choose_item(int tag);
+/// The menus that are shown, one per line, items indented: "Title", "Title\tKey", "(Title)" for a
+/// disabled one, "-" for a separator.
+[[nodiscard]] std::string shown_menus();
+
+/// Opens the menu of a tag; the next menu or picture ends it.
+bool open_menu(int tag);
+
+/// Calls `act` once, as soon as a box or dialog waits for an answer.
+void in_box(const std::function<void()>& act);
+
+/// Clicks on a frame's close button.
+void close_by_frame(Window window);
+/// What the desktop asks before it ends the session: may it end?
+bool end_session();
+
+/// The colour of a pixel that is shown, 0xRRGGBB; in the window's units.
+[[nodiscard]] std::uint32_t shown_pixel(Window window, Point at);
+/// Writes what the window shows as a PNG file.
+bool save_picture(Window window, std::string_view path);
+/// The same of the menu, box or other window of the program that lies in front of all.
+bool save_front_picture(std::string_view path);
+
+} // namespace pellux

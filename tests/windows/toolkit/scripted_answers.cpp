@@ -1,0 +1,265 @@
+#include "tests/windows/toolkit/scripted_answers.h"
+
+#include "core/common/callback.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace pellux {
+namespace {
+
+const char* name_of(QuestionKind kind) {
+    constexpr const char* k_names[] = {"ask",       "note",       "warning",   "error", "string",
+                                       "file_open", "files_open", "file_save", "font",  "dialog"};
+    return k_names[static_cast<int>(kind)];
+}
+
+/// What a pattern is compared with.
+std::string_view subject_of(const Question& question) {
+    const bool is_text = question.kind <= QuestionKind::string;
+    return view(is_text ? question.text : question.title);
+}
+
+bool fits(std::string_view text, std::string_view pattern) {
+    const std::size_t star = pattern.find('*');
+    if (star == std::string_view::npos)
+        return text == pattern;
+    if (!text.starts_with(pattern.substr(0, star)))
+        return false;
+    for (std::size_t i = star; i <= text.size(); ++i)
+        if (fits(text.substr(i), pattern.substr(star + 1)))
+            return true;
+    return false;
+}
+
+std::string plain(const String& title) {
+    std::string shown(title);
+    std::erase(shown, '&');
+    return shown;
+}
+
+/// The number of the button that is shown with this title; -1 and a failure when there is none.
+int find_button(const Question& question, std::string_view title) {
+    for (std::size_t i = 0; i < question.buttons.size(); ++i)
+        if (plain(question.buttons[i]) == title)
+            return static_cast<int>(i);
+    for (const DialogRow& row : question.rows)
+        if (row.kind == DialogRowKind::button && row.is_enabled && plain(row.label) == title)
+            return k_button_rows + row.id;
+    ADD_FAILURE() << "no button '" << title << "' in " << describe_question(question);
+    return -1;
+}
+
+int line_count(const String& text) {
+    const bool is_open = !text.empty() && text.back() != '\n';
+    return static_cast<int>(std::ranges::count(text, '\n')) + (is_open ? 1 : 0);
+}
+
+/// How many values a row that is no edit field can be given.
+int choice_count(const DialogRow& row) {
+    switch (row.kind) {
+    case DialogRowKind::list:
+        return line_count(row.value);
+    case DialogRowKind::check:
+        return 2;
+    case DialogRowKind::radio:
+    case DialogRowKind::text:
+    case DialogRowKind::edit:
+    case DialogRowKind::button:
+        break;
+    }
+    return 0;
+}
+
+/// Checks one of the radio buttons that stand together.
+void check_radio(Vector<DialogRow>& rows, Vector<DialogRow>::iterator row) {
+    const auto is_radio = [](const DialogRow& each) { return each.kind == DialogRowKind::radio; };
+    auto first = row;
+    while (first != rows.begin() && is_radio(*std::prev(first)))
+        --first;
+    for (; first != rows.end() && is_radio(*first); ++first)
+        first->selected = first == row ? 1 : 0;
+}
+
+void do_edit(const RowEdit& edit, const Question& question, Vector<DialogRow>& rows) {
+    const auto row = std::ranges::find(rows, edit.id, &DialogRow::id);
+    bool can = row != rows.end() && row->is_enabled;
+    if (can && row->kind == DialogRowKind::edit) {
+        can =
+            row->length_max == 0 || edit.value.size() <= static_cast<std::size_t>(row->length_max);
+        row->value = edit.value;
+    } else if (can && row->kind == DialogRowKind::radio) {
+        can = edit.selected == 1;
+        check_radio(rows, row);
+    } else if (can) {
+        can = edit.selected >= 0 && edit.selected < choice_count(*row);
+        row->selected = edit.selected;
+    }
+    EXPECT_TRUE(can) << "no user can do this to row " << edit.id << " of "
+                     << describe_question(question);
+}
+
+Answer pressed(const Question& question) {
+    Answer answer = closed_answer(question);
+    answer.button = 0;
+    return answer;
+}
+
+} // namespace
+
+std::string describe_question(const Question& question) {
+    std::string told = name_of(question.kind);
+    told += " '" + std::string(question.title) + "': \"" + std::string(question.text) + "\"";
+    if (!question.value.empty() || !question.directory.empty())
+        told +=
+            ", '" + std::string(question.value) + "' in '" + std::string(question.directory) + "'";
+    for (const FileType& type : question.types)
+        told += ", type " + std::string(type.label) + " '" + std::string(type.extension) + "'";
+    for (const DialogRow& row : question.rows)
+        told += "\n  row " + std::to_string(row.id) + " '" + std::string(row.label) + "' '" +
+                std::string(row.value) + "' " + std::to_string(row.selected) +
+                (row.is_enabled ? "" : " disabled");
+    told += "\n ";
+    for (const String& button : question.buttons)
+        told += " [" + plain(button) + "]";
+    return told;
+}
+
+ScriptedAnswers::ScriptedAnswers() {
+    before_ = install_ask({
+        .ask =
+            [](void* self, const Question& question) {
+                return from_context<ScriptedAnswers>(self).on_ask(question);
+            },
+        .fatal_exit =
+            [](void* self, const char* text) {
+                from_context<ScriptedAnswers>(self).on_fatal_exit(text);
+            },
+        .end_dialog = nullptr,
+        .context = this,
+    });
+}
+
+ScriptedAnswers::~ScriptedAnswers() {
+    install_ask(before_);
+    for (const Expected& expected : expected_)
+        ADD_FAILURE() << "nobody asked: "
+                      << (expected.is_fatal_exit ? "fatal exit" : name_of(expected.kind)) << " \""
+                      << expected.pattern << "\"";
+}
+
+Answer ScriptedAnswers::on_ask(const Question& question) {
+    const bool is_next = !expected_.empty() && !expected_.front().is_fatal_exit &&
+                         expected_.front().kind == question.kind &&
+                         fits(subject_of(question), expected_.front().pattern);
+    if (!is_next) {
+        ADD_FAILURE() << "unexpected question: " << describe_question(question)
+                      << "\nexpected next: "
+                      << (expected_.empty() ? "none" : expected_.front().pattern);
+        return closed_answer(question);
+    }
+    // The reply may lead to further questions.
+    const Reply reply = std::move(expected_.front().reply);
+    expected_.pop_front();
+    return reply(question);
+}
+
+void ScriptedAnswers::on_fatal_exit(std::string_view text) {
+    if (expected_.empty() || !expected_.front().is_fatal_exit ||
+        !fits(text, expected_.front().pattern)) {
+        ADD_FAILURE() << "unexpected fatal exit: \"" << text << "\"";
+        return;
+    }
+    expected_.pop_front();
+}
+
+void ScriptedAnswers::expect(QuestionKind kind, std::string_view pattern, Reply reply) {
+    expected_.push_back({kind, false, std::string(pattern), std::move(reply)});
+}
+
+void ScriptedAnswers::expect_ask(std::string_view pattern, std::string_view button) {
+    expect(QuestionKind::ask, pattern, [title = std::string(button)](const Question& question) {
+        Answer answer;
+        answer.button = find_button(question, title);
+        return answer;
+    });
+}
+
+void ScriptedAnswers::expect_note(std::string_view pattern) {
+    expect(QuestionKind::note, pattern, pressed);
+}
+
+void ScriptedAnswers::expect_warning(std::string_view pattern) {
+    expect(QuestionKind::warning, pattern, pressed);
+}
+
+void ScriptedAnswers::expect_error(std::string_view pattern) {
+    expect(QuestionKind::error, pattern, pressed);
+}
+
+void ScriptedAnswers::expect_string(std::string_view pattern, std::string_view value) {
+    expect(QuestionKind::string, pattern, [value = String(value)](const Question& question) {
+        EXPECT_TRUE(question.length_max == 0 ||
+                    value.size() <= static_cast<std::size_t>(question.length_max))
+            << "no user can type '" << value << "' into " << describe_question(question);
+        Answer answer = pressed(question);
+        answer.value = value;
+        return answer;
+    });
+}
+
+void ScriptedAnswers::expect_file(QuestionKind kind, std::string_view title,
+                                  std::string_view directory, std::string_view name) {
+    expect(kind, title,
+           [directory = String(directory), name = String(name)](const Question& question) {
+               Answer answer = pressed(question);
+               answer.directory = directory;
+               answer.value = name;
+               return answer;
+           });
+}
+
+void ScriptedAnswers::expect_files(std::string_view title, std::string_view directory,
+                                   std::initializer_list<std::string_view> names) {
+    const Vector<String> files(names.begin(), names.end());
+    expect(QuestionKind::files_open, title,
+           [directory = String(directory), files](const Question& question) {
+               Answer answer = pressed(question);
+               answer.directory = directory;
+               answer.files = files;
+               return answer;
+           });
+}
+
+void ScriptedAnswers::expect_font(std::string_view title, Font font) {
+    expect(QuestionKind::font, title, [font](const Question& question) {
+        Answer answer = pressed(question);
+        answer.font = font;
+        return answer;
+    });
+}
+
+void ScriptedAnswers::expect_dialog(std::string_view title, std::string_view button,
+                                    std::initializer_list<RowEdit> edits) {
+    expect(QuestionKind::dialog, title,
+           [button = std::string(button), edits = std::vector(edits)](const Question& question) {
+               Answer answer = pressed(question);
+               for (const RowEdit& edit : edits)
+                   do_edit(edit, question, answer.rows);
+               answer.button = find_button(question, button);
+               return answer;
+           });
+}
+
+void ScriptedAnswers::expect_closed(QuestionKind kind, std::string_view pattern) {
+    expect(kind, pattern, closed_answer);
+}
+
+void ScriptedAnswers::expect_fatal_exit(std::string_view pattern) {
+    expected_.push_back({QuestionKind::error, true, std::string(pattern), {}});
+}
+
+} // namespace pellux

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "windows/toolkit/ask.h"
+
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pellux {
+
+/// What a test's user does to a row of a dialog.
+struct RowEdit {
+    int id = 0;
+    std::string value; ///< of an edit field
+    int selected = -1; ///< of the other kinds
+};
+
+/// Stands for the user as long as it lives: the questions that a test expects, in their order, with
+/// the answers to them.
+///
+/// A question that is not the next one fails the test and is closed; one that never came fails it
+/// at the end, and so does an answer that no user could give. A pattern is compared with the text
+/// of a question, or with the title of a file box, font box or dialog; '*' in it is any text.
+class ScriptedAnswers {
+public:
+    using Reply = std::function<Answer(const Question&)>;
+
+    ScriptedAnswers();
+    ~ScriptedAnswers();
+    ScriptedAnswers(const ScriptedAnswers&) = delete;
+    ScriptedAnswers& operator=(const ScriptedAnswers&) = delete;
+
+    void expect(QuestionKind kind, std::string_view pattern, Reply reply);
+
+    /// Answered by the button of this title, as it is shown.
+    void expect_ask(std::string_view pattern, std::string_view button);
+    void expect_note(std::string_view pattern);
+    void expect_warning(std::string_view pattern);
+    void expect_error(std::string_view pattern);
+    void expect_string(std::string_view pattern, std::string_view value);
+    /// `kind` is that of a box for one file.
+    void expect_file(QuestionKind kind, std::string_view title, std::string_view directory,
+                     std::string_view name);
+    void expect_files(std::string_view title, std::string_view directory,
+                      std::initializer_list<std::string_view> names);
+    void expect_font(std::string_view title, Font font);
+    /// Answered by a button's title, a button row's too, after the edits.
+    void expect_dialog(std::string_view title, std::string_view button,
+                       std::initializer_list<RowEdit> edits = {});
+    /// The user closes the box or presses Escape.
+    void expect_closed(QuestionKind kind, std::string_view pattern);
+    void expect_fatal_exit(std::string_view pattern);
+
+    /// Questions that are still to come.
+    [[nodiscard]] std::size_t left() const { return expected_.size(); }
+
+private:
+    struct Expected {
+        QuestionKind kind = QuestionKind::note;
+        bool is_fatal_exit = false;
+        std::string pattern;
+        Reply reply;
+    };
+
+    Answer on_ask(const Question& question);
+    void on_fatal_exit(std::string_view text);
+
+    std::deque<Expected> expected_;
+    AskSeam before_;
+};
+
+/// All that a question says, for the messages of failing tests.
+[[nodiscard]] std::string describe_question(const Question& question);
+
+} // namespace pellux

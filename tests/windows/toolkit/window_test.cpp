@@ -1,0 +1,405 @@
+#include "core/common/callback.h"
+#include "core/os/clock.h"
+#include "core/os/loop.h"
+#include "core/os/process.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/draw.h"
+#include "windows/toolkit/menu.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/timer.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+constexpr MenuResource k_task_items[] = {
+    {.tag = 11, .title = "&Open...", .shortcut = "Ctrl+O"},
+    {},
+    {.tag = 12, .title = "Save && &quit", .is_enabled = false},
+};
+constexpr MenuResource k_help_items[] = {{.tag = 13, .title = "&Contents"}};
+constexpr MenuResource k_task_menus[] = {
+    {.tag = 10, .title = "&File", .items = k_task_items},
+    {.tag = 9, .title = "&Help", .items = k_help_items},
+};
+constexpr MenuResource k_own_items[] = {{.tag = 21, .title = "&Do it", .shortcut = "F7"}};
+constexpr MenuResource k_own_menus[] = {{.tag = 20, .title = "&Own", .items = k_own_items}};
+constexpr MenuBarResource k_bars[] = {{1, k_task_menus}, {2, k_own_menus}};
+constexpr WindowResource k_windows[] = {
+    {.number = 1, .title = "Plain", .width = 300, .height = 200},
+    {.number = 2, .title = "Own menus", .width = 200, .height = 100, .menu_bar = 2},
+    {.number = 3, .width = 120, .height = 80, .draws = true, .units = PixelUnits::device},
+};
+constexpr AppConfig k_config{
+    .menu_bar = 1, .help_menu = 9, .base_name = "x", .name = "X", .task_title = "Task"};
+
+void run(const std::function<void()>& script, EventHandler handler = {}) {
+    xvt_res_register({.menu_bars = k_bars, .windows = k_windows});
+    in_application(script, k_config, handler);
+}
+
+/// Writes down what comes, and may do something at one type of event.
+struct Log {
+    std::string text;
+    EventType at = EventType::help;
+    std::function<void(Window)> act;
+    long answer = 0;
+
+    EventHandler handler() { return {on_event, this}; }
+    std::string take() { return std::exchange(text, {}); }
+
+    static long on_event(void* context, Window window, const Event& event) {
+        auto& log = from_context<Log>(context);
+        const EventType type = event.type();
+        if (type == EventType::size || type == EventType::focus || type == EventType::update ||
+            type == EventType::pointer_move || type == EventType::pointer_leave ||
+            type == EventType::pointer_up || type == EventType::theme)
+            return 0;
+        log.text += std::to_string(static_cast<int>(type));
+        if (const auto* key = event.get<CharacterEvent>())
+            log.text += ":" + std::to_string(key->code);
+        if (const auto* command = event.get<CommandEvent>())
+            log.text += ":" + std::to_string(command->tag);
+        if (const auto* press = event.get<PointerDownEvent>())
+            log.text += ":" + std::to_string(press->at.x) + "," + std::to_string(press->at.y) +
+                        "*" + std::to_string(press->clicks);
+        log.text += " ";
+        if (type == log.at && log.act)
+            std::exchange(log.act, nullptr)(window);
+        return log.answer;
+    }
+};
+
+TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
+    Log task;
+    run(
+        [&] {
+            EXPECT_EQ(task.take(), "0 ");
+            Log log;
+            const Window window = xvt_win_create_res(1, log.handler());
+            EXPECT_EQ(log.take(), "0 ");
+            Log inner;
+            const Window pane = xvt_win_create_pane(
+                {.parent = window, .id = 5, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
+            process_events();
+            EXPECT_EQ(xvt_win_get_ctl(window, 5), pane);
+            EXPECT_EQ(xvt_win_get_ctl(window, 6), Window::none);
+            EXPECT_EQ(xvt_vobj_get_client_rect(pane), (Rect{0, 0, 50, 100}));
+            click(pane, {7, 9});
+            double_click(pane, {7, 9});
+            click(window, {200, 150});
+            EXPECT_EQ(inner.take(), "0 6:7,9*1 6:7,9*2 ");
+            EXPECT_EQ(log.take(), "6:200,150*1 ");
+            xvt_vobj_set_focus(pane);
+            press_key("A");
+            inner.answer = 1;
+            press_key("Ctrl+B");
+            EXPECT_EQ(inner.take(), "10:97 10:2 ");
+            EXPECT_EQ(log.take(), "10:2 ");
+            press_key("F1");
+            EXPECT_EQ(inner.take() + log.take() + task.take(), "18 18 ");
+            close_by_frame(window);
+            EXPECT_EQ(log.take(), "5 ");
+            EXPECT_TRUE(xvt_vobj_is_valid(window));
+            xvt_vobj_destroy(window);
+            EXPECT_EQ(inner.take(), "1 ");
+            EXPECT_EQ(log.take(), "1 ");
+            process_events();
+            close_by_frame(xvt_win_get_task());
+            EXPECT_EQ(task.take(), "5 ");
+        },
+        task.handler());
+    EXPECT_EQ(task.take(), "1 ");
+    EXPECT_EQ(xvt_win_get_task(), Window::none);
+}
+
+TEST(Windows, MayBeDestroyedInsideAnyOfTheirEvents) {
+    run([] {
+        const std::pair<EventType, std::function<void(Window)>> rows[] = {
+            {EventType::creation, [](Window) {}},
+            {EventType::pointer_down,
+             [](Window window) {
+                 press_pointer(window, {5, 5});
+             }},
+            {EventType::character, [](Window) { press_key("X"); }},
+            {EventType::close, [](Window window) { close_by_frame(window); }},
+            {EventType::command, [](Window) { EXPECT_TRUE(choose_item(21)); }},
+            {EventType::notice,
+             [](Window window) { xvt_cxo_notify(xvt_win_get_ctl(window, 1), {}); }},
+            {EventType::update,
+             [](Window window) {
+                 xvt_dwin_invalidate_rect(window, {0, 0, 9, 9});
+             }},
+        };
+        for (const auto& [type, provoke] : rows) {
+            Log log;
+            log.at = type;
+            log.act = [](Window window) { xvt_vobj_destroy(window); };
+            const Window window = xvt_win_create_res(2, log.handler());
+            EXPECT_EQ(window == Window::none, type == EventType::creation);
+            if (type == EventType::update)
+                log.act(window);
+            xvt_win_create_pane({.parent = window, .id = 1, .rect = {50, 0, 60, 60}});
+            process_events();
+            xvt_vobj_set_focus(window);
+            provoke(window);
+            process_events();
+            EXPECT_FALSE(xvt_vobj_is_valid(window)) << static_cast<int>(type);
+            EXPECT_TRUE(log.text.ends_with("1 ")) << log.text;
+        }
+    });
+}
+
+TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
+    run([] {
+        const Window gone = xvt_win_create_res(3, {});
+        process_events();
+        xvt_vobj_destroy(gone);
+        const Window next = xvt_win_create_res(3, {});
+        EXPECT_NE(next, gone);
+        for (Window window : {gone, Window::none, static_cast<Window>(~0ULL)}) {
+            xvt_vobj_destroy(window);
+            xvt_vobj_move(window, {0, 0, 9, 9});
+            xvt_vobj_set_title(window, "x");
+            xvt_vobj_set_visible(window, true);
+            xvt_vobj_set_enabled(window, true);
+            xvt_vobj_raise(window);
+            xvt_vobj_set_focus(window);
+            xvt_vobj_maximize(window);
+            xvt_vobj_set_tool_tip(window, "x");
+            xvt_vobj_set_name(window, "x");
+            xvt_vobj_set_data(window, &window);
+            xvt_win_set_minimum_size(window, 5, 5);
+            xvt_dwin_draw_text(window, 0, 0, "x");
+            xvt_dwin_draw_rect(window, {0, 0, 9, 9});
+            xvt_dwin_scroll_rect(window, {0, 0, 9, 9}, 1, 1);
+            xvt_dwin_update(window);
+            xvt_menu_set_tree(window, {});
+            xvt_menu_set_item_enabled(window, 11, false);
+            xvt_ctl_set_checked(window, true);
+            xvt_list_set_selection(window, 1);
+            EXPECT_EQ(xvt_win_dispatch_event(window, Event{CloseEvent{}}), 0);
+            EXPECT_EQ(xvt_vobj_get_outer_rect(window), Rect{});
+            EXPECT_EQ(xvt_vobj_get_inner_rect(window), Rect{});
+            EXPECT_EQ(xvt_vobj_get_client_rect(window), Rect{});
+            EXPECT_EQ(xvt_vobj_get_title(window), "");
+            EXPECT_EQ(xvt_vobj_get_data(window), nullptr);
+            EXPECT_EQ(xvt_vobj_get_parent(window), Window::none);
+            EXPECT_EQ(xvt_vobj_get_pixel_ratio(window), 1);
+            EXPECT_EQ(xvt_dwin_get_text_width(window, "x"), 0);
+            EXPECT_EQ(xvt_list_count(window), 0);
+            EXPECT_TRUE(xvt_menu_get_tree(window).empty());
+            EXPECT_FALSE(xvt_vobj_is_enabled(window) || xvt_vobj_has_focus(window) ||
+                         xvt_vobj_is_maximized(window) || xvt_cxo_notify(window, {}));
+            EXPECT_EQ(xvt_win_create_pane({.parent = window, .id = 1}), Window::none);
+            EXPECT_EQ(xvt_ctl_create({.parent = window, .id = 1}), Window::none);
+            EXPECT_EQ(xvt_timer_create(window, 5), TimerId::none);
+        }
+        EXPECT_EQ(xvt_win_create_res(99, {}), Window::none);
+        EXPECT_EQ(xvt_cxo_create({.class_name = "none", .parent = next, .id = 1}), Window::none);
+        EXPECT_EQ(xvt_vobj_get_parent(next), xvt_win_get_task());
+    });
+}
+
+TEST(Windows, StandWhereTheyAreMoved) {
+    run([] {
+        const Window task = xvt_win_get_task();
+        const Window window = xvt_win_create_res(1, {});
+        for (const Window moved : {task, window}) {
+            process_events();
+            const Rect outer = xvt_vobj_get_outer_rect(moved);
+            const Rect inner = xvt_vobj_get_inner_rect(moved);
+            EXPECT_TRUE(contains(outer, inner));
+            xvt_vobj_move(moved, inner);
+            process_events();
+            EXPECT_EQ(xvt_vobj_get_outer_rect(moved), outer);
+            xvt_vobj_move(moved, {60, 70, 260, 470});
+            process_events();
+            EXPECT_EQ(xvt_vobj_get_inner_rect(moved), (Rect{60, 70, 260, 470}));
+        }
+        xvt_vobj_maximize(window);
+        EXPECT_TRUE(xvt_vobj_is_maximized(window));
+        EXPECT_FALSE(xvt_vobj_is_maximized(task));
+    });
+}
+
+TEST(Menus, AreThoseOfTheActiveWindow) {
+    Log task;
+    Log log;
+    run(
+        [&] {
+            const std::string of_task = "&File\n  &Open...\tCtrl+O\n  -\n  (Save && &quit)\n"
+                                        "&Help\n  &Contents\n";
+            EXPECT_EQ(shown_menus(), of_task);
+            const Window own = xvt_win_create_res(2, log.handler());
+            process_events();
+            EXPECT_EQ(shown_menus(), "&Own\n  &Do it\tF7\n");
+            EXPECT_FALSE(choose_item(11));
+            press_key("F7");
+            EXPECT_EQ(log.take(), "0 13:21 ");
+            // Changed while another window's menus are shown, and then while they are.
+            xvt_menu_set_item_enabled(xvt_win_get_task(), 12, true);
+            xvt_menu_set_item_checked(own, 21, true);
+            xvt_menu_set_item_title(own, 21, "Don't");
+            EXPECT_EQ(shown_menus(), "&Own\n  Don't\tF7\n");
+            const Window plain = xvt_win_create_res(1, {});
+            process_events();
+            task.take();
+            press_key("Ctrl+O");
+            EXPECT_TRUE(choose_item(12));
+            EXPECT_EQ(task.take(), "13:11 13:12 ");
+            Vector<MenuItem> menus = xvt_menu_get_tree(xvt_win_get_task());
+            MenuItem added;
+            added.tag = 30;
+            added.title = "R&D";
+            added.items.emplace_back().tag = 31;
+            added.items[0].title = "up";
+            added.items[0].mnemonic = 1;
+            menus.insert(menus.begin() + 1, added);
+            xvt_menu_set_tree(xvt_win_get_task(), menus);
+            EXPECT_EQ(shown_menus(), "&File\n  &Open...\tCtrl+O\n  -\n  Save && &quit\nR&&D\n"
+                                     "  u&p\n&Help\n  &Contents\n");
+            xvt_vobj_destroy(plain);
+            xvt_vobj_set_focus(own);
+            process_events();
+            EXPECT_TRUE(choose_item(21));
+            EXPECT_EQ(log.take(), "13:21 ");
+        },
+        task.handler());
+}
+
+TEST(Keys, BecomeTheirCodes) {
+    Log log;
+    run([&] {
+        const Window window = xvt_win_create_res(1, {});
+        const Window pane = xvt_win_create_pane({.parent = window,
+                                                 .id = 1,
+                                                 .rect = {0, 0, 50, 50},
+                                                 .handler = log.handler(),
+                                                 .takes_tab = true});
+        process_events();
+        xvt_vobj_set_focus(pane);
+        log.take();
+        const std::pair<const char*, int> rows[] = {
+            {"Ctrl+A", 1},      {"Ctrl+Z", 26},  {"Backspace", 8}, {"Tab", 9},
+            {"Shift+Tab", 9},   {"Return", 13},  {"Esc", 27},      {"Del", 127},
+            {"Up", 301},        {"Down", 302},   {"Right", 303},   {"Left", 304},
+            {"PgUp", 305},      {"PgDown", 306}, {"Home", 309},    {"Ctrl+End", 310},
+            {"Shift+Ins", 312}, {"F2", 402},     {"F12", 412},     {"Menu", 413},
+        };
+        for (const auto& [key, code] : rows) {
+            press_key(key);
+            EXPECT_EQ(log.take(), "10:" + std::to_string(code) + " ") << key;
+        }
+        press_key("Shift");
+        type_text("z{\xE4");
+        EXPECT_EQ(log.take(), "10:122 10:123 10:228 ");
+    });
+}
+
+TEST(Timers, TellTheirWindowUntilTheyEnd) {
+    run([] {
+        ManualClock clock;
+        Log log;
+        const Window window = xvt_win_create_res(1, log.handler());
+        const TimerId kept = xvt_timer_create(window, 1000);
+        const TimerId ended = xvt_timer_create(window, 400);
+        log.take();
+        clock.advance(400);
+        process_events();
+        EXPECT_EQ(log.take(), "14 ");
+        log.at = EventType::timer;
+        log.act = [&](Window) { xvt_timer_destroy(ended); };
+        clock.advance(5000);
+        process_events();
+        EXPECT_EQ(log.take(), "14 14 ");
+        clock.advance(1000);
+        process_events();
+        EXPECT_EQ(log.take(), "14 ");
+        xvt_vobj_destroy(window);
+        log.take();
+        clock.advance(5000);
+        process_events();
+        EXPECT_EQ(log.take(), "");
+        xvt_timer_destroy(kept);
+    });
+}
+
+TEST(Loop, WaitsForPipesTimersAndCallsUnderTheDesktopsLoop) {
+    run([] {
+        OwnedHandle read_end;
+        OwnedHandle write_end;
+        ASSERT_EQ(make_pipe(read_end, write_end), SystemError::none);
+        std::string told;
+        DescriptorWatch watch;
+        watch.handle = read_end.get();
+        watch.context = &told;
+        watch.ready = [](void* context, bool, bool) { from_context<std::string>(context) += "p"; };
+        watch_descriptor(watch);
+        Timer timer;
+        timer.context = &told;
+        timer.expired = [](void* context) { from_context<std::string>(context) += "t"; };
+        start_timer(timer, 1);
+        while (told.empty())
+            run_turn(TurnWait::until_event);
+        stop_timer(timer);
+        EXPECT_EQ(told, "t");
+        const std::byte one{1};
+        ASSERT_EQ(write_handle(write_end.get(), {&one, 1}), SystemError::none);
+        while (told.size() < 2)
+            run_turn(TurnWait::until_event);
+        unwatch_descriptor(watch);
+        PostedCall call;
+        call.context = &told;
+        call.call = [](void* context) { from_context<std::string>(context) += "c"; };
+        post_call(call);
+        while (told.size() < 3)
+            run_turn(TurnWait::until_event);
+        EXPECT_EQ(told, "tpc");
+        EXPECT_EQ(run_turn(TurnWait::none), TurnResult::idle);
+    });
+}
+
+TEST(SessionEnd, IsRefusedUntilTheTaskAllowsIt) {
+    std::string told;
+    bool allows = false;
+    struct Both {
+        std::string* told;
+        bool* allows;
+    } both{&told, &allows};
+    const EventHandler handler{[](void* context, Window, const Event& event) -> long {
+                                   const auto& state = from_context<Both>(context);
+                                   const auto* quit = event.get<QuitEvent>();
+                                   if (quit == nullptr)
+                                       return 0;
+                                   *state.told += quit->is_query ? "query " : "quit ";
+                                   if (quit->is_query && *state.allows)
+                                       xvt_app_allow_quit();
+                                   if (!quit->is_query)
+                                       xvt_app_destroy();
+                                   return 0;
+                               },
+                               &both};
+    run(
+        [&] {
+            EXPECT_FALSE(end_session());
+            allows = true;
+            EXPECT_TRUE(end_session());
+            EXPECT_EQ(xvt_vobj_is_valid(xvt_win_get_task()), false);
+        },
+        handler);
+    EXPECT_EQ(told, "query query quit ");
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "windows/toolkit/font.h"
+#include "windows/toolkit/resource.h"
+
+#include <cstdint>
+
+namespace pellux {
+
+// Every question to the user, and every box that is only read, is one value that is put to one
+// function and brings one answer back. On the screen a box answers; a test puts a list of the
+// questions that it expects, with the answers, in its place.
+
+enum class QuestionKind {
+    ask,  ///< one of up to three buttons
+    note, ///< the boxes that are read: one button
+    warning,
+    error,
+    string,     ///< a line of text
+    file_open,  ///< an existing file
+    files_open, ///< some existing files
+    file_save,  ///< a file, maybe new
+    font,
+    dialog, ///< rows, and one of some buttons
+};
+
+struct FileType {
+    String extension; ///< "vhd"; empty: every file
+    String label;     ///< "VHDL files"
+};
+
+struct DialogRow {
+    int id = 0;
+    DialogRowKind kind = DialogRowKind::text;
+    String label;     ///< '&' before its mnemonic, but in a text row
+    String value;     ///< of an edit field; of a list, its entries by line ends
+    int selected = 0; ///< of a check box or radio button 1 or 0; of a list an index, -1 none
+    int length_max = 0;
+    bool is_enabled = true;
+};
+
+struct Question {
+    QuestionKind kind = QuestionKind::note;
+    String title;
+    String text;
+    Vector<String> buttons;    ///< in the order of their numbers; the first is the default
+    bool closing_is_no = true; ///< false: where closing stands for "No" it would lose something
+
+    String value;             ///< the first text, or the first file name
+    int length_max = 0;       ///< of the text, bytes; 0: any
+    String directory;         ///< a file box starts there
+    Vector<FileType> types;   ///< of a file box
+    Font font;                ///< the first one of a font box
+    Vector<DialogRow> rows;   ///< of a dialog
+    std::uint64_t dialog = 0; ///< number of a dialog that stays on the screen between two questions
+};
+
+struct Answer {
+    /// Number of a button, or of a dialog's button row as `k_button_rows` + its id; -1: closed or
+    /// Escape where no button means that.
+    int button = -1;
+    String value;         ///< text, or file name without a directory
+    String directory;     ///< of the file or files
+    Vector<String> files; ///< names of the files of `files_open`
+    Font font;
+    Vector<DialogRow> rows; ///< as the user left them
+};
+inline constexpr int k_button_rows = 1000;
+
+struct AskSeam {
+    Answer (*ask)(void* context, const Question& question) = nullptr;
+    /// The last box of a program that can't go on; it takes no memory of ours.
+    void (*fatal_exit)(void* context, const char* text) = nullptr;
+    /// A dialog that stayed on the screen is done with.
+    void (*end_dialog)(void* context, std::uint64_t dialog) = nullptr;
+    void* context = nullptr;
+};
+
+/// Puts another one in place and answers the one before.
+AskSeam install_ask(const AskSeam& seam);
+/// Asks. Without a seam every question is as if it had been closed.
+[[nodiscard]] Answer ask(const Question& question);
+/// Without a seam the text goes to standard error.
+void ask_fatal_exit(const char* text);
+void ask_end_dialog(std::uint64_t dialog);
+
+/// The button that Escape and the close box stand for: "Cancel" where there is one, else "No" (see
+/// `closing_is_no`), else the only one; -1 for none.
+[[nodiscard]] int escape_button(const Question& question);
+/// What closing a box answers.
+[[nodiscard]] Answer closed_answer(const Question& question);
+
+} // namespace pellux

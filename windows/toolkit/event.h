@@ -1,0 +1,208 @@
+#pragma once
+
+#include "windows/toolkit/geometry.h"
+
+#include <cstdint>
+#include <variant>
+
+namespace pellux {
+
+/// Anything that is seen: the task window, a window in it, a pane, a control. A handle is never
+/// used again, and every operation on one that is gone does nothing and answers 0, false or empty.
+enum class Window : std::uint64_t { none = 0 };
+
+enum class TimerId : std::uint64_t { none = 0 };
+
+/// Numbers of the window events.
+enum class EventType {
+    creation = 0,
+    destruction = 1,
+    focus = 2,
+    size = 3,
+    update = 4,
+    close = 5,
+    pointer_down = 6,
+    pointer_up = 7,
+    pointer_move = 8,
+    pointer_leave = 9,
+    character = 10,
+    control = 11,
+    notice = 12,
+    command = 13,
+    timer = 14,
+    theme = 15,
+    quit = 17,
+    help = 18,
+};
+
+/// The window is complete, but not shown yet.
+struct CreationEvent {
+    static constexpr EventType type = EventType::creation;
+};
+/// The last event of a window; its handle is still good, what it contained is gone.
+struct DestructionEvent {
+    static constexpr EventType type = EventType::destruction;
+};
+struct FocusEvent {
+    static constexpr EventType type = EventType::focus;
+    bool gained = false;
+};
+/// The client area has this size now.
+struct SizeEvent {
+    static constexpr EventType type = EventType::size;
+    int width = 0;
+    int height = 0;
+};
+/// `rect` must be drawn again. The handler draws and does nothing else.
+struct UpdateEvent {
+    static constexpr EventType type = EventType::update;
+    Rect rect;
+};
+/// The user wants the window closed; it stays until it is destroyed.
+struct CloseEvent {
+    static constexpr EventType type = EventType::close;
+};
+
+struct Modifiers {
+    bool shift = false;
+    bool control = false;
+    bool alt = false;
+
+    bool operator==(const Modifiers&) const = default;
+};
+enum class PointerButton { none, left, middle, right };
+
+struct PointerDownEvent {
+    static constexpr EventType type = EventType::pointer_down;
+    Point at;
+    PointerButton button = PointerButton::left;
+    Modifiers with;
+    int clicks = 1; ///< 2 for a double click, 3 for a triple one
+};
+struct PointerUpEvent {
+    static constexpr EventType type = EventType::pointer_up;
+    Point at;
+    PointerButton button = PointerButton::left;
+    Modifiers with;
+};
+/// Also without a button. While one is held, moves are told from outside the window too.
+struct PointerMoveEvent {
+    static constexpr EventType type = EventType::pointer_move;
+    Point at;
+    PointerButton button = PointerButton::none;
+    Modifiers with;
+};
+struct PointerLeaveEvent {
+    static constexpr EventType type = EventType::pointer_leave;
+};
+
+/// Codes of keys without a character.
+enum class KeyCode {
+    up = 301,
+    down = 302,
+    right = 303,
+    left = 304,
+    page_up = 305,
+    page_down = 306,
+    line_home = 307,
+    line_end = 308,
+    home = 309,
+    end = 310,
+    insert = 312,
+    copy = 328,
+    cut = 329,
+    paste = 330,
+    find = 332,
+    find_next = 333,
+    replace = 334,
+    replace_selection = 335,
+    function_1 = 401, ///< and so on to `function_12`
+    function_12 = 412,
+    context_menu = 413,
+};
+
+/// A key: 8 backspace, 9 tab, 13 Enter, 27 Escape, 127 Delete, 1 to 26 a letter with Control, 32
+/// to 255 a character of Latin-1, over 300 a `KeyCode`; 0 for a character beyond Latin-1. A handler
+/// that has no use for the key answers 1, and it goes on to the window around.
+struct CharacterEvent {
+    static constexpr EventType type = EventType::character;
+    int code = 0;
+    Modifiers with;
+};
+
+/// What happened to a native control.
+enum class ControlAction { pressed, edited, selected, chosen };
+struct ControlEvent {
+    static constexpr EventType type = EventType::control;
+    int id = 0;
+    Window control = Window::none;
+    ControlAction action = ControlAction::pressed;
+};
+
+/// A menu's item.
+struct CommandEvent {
+    static constexpr EventType type = EventType::command;
+    int tag = 0;
+};
+
+struct Event;
+/// What a custom control tells its owner.
+struct NoticeEvent {
+    static constexpr EventType type = EventType::notice;
+    int number = 0; ///< the control class's own
+    int id = 0;     ///< of the control
+    Window control = Window::none;
+    /// For a control inside the one that tells: its id, its type, and what happened to it, which
+    /// lives as long as the call.
+    int part_id = 0;
+    int part_type = 0;
+    const Event* cause = nullptr;
+    void* item = nullptr; ///< the control class's own
+};
+
+struct TimerEvent {
+    static constexpr EventType type = EventType::timer;
+    TimerId timer = TimerId::none;
+};
+/// Colours, the font or the pixel ratio of the desktop changed; an update follows.
+struct ThemeEvent {
+    static constexpr EventType type = EventType::theme;
+};
+/// The desktop's session ends. A query is answered with `xvt_app_allow_quit`.
+struct QuitEvent {
+    static constexpr EventType type = EventType::quit;
+    bool is_query = false;
+};
+/// The user asks for help on a window, one of its controls or a command.
+struct HelpEvent {
+    static constexpr EventType type = EventType::help;
+    int topic = 0; ///< 0: none is known yet
+    int control = 0;
+    int command = 0;
+};
+
+/// One value for all events: a reader asks for the data of the type that it handles.
+struct Event {
+    using Data = std::variant<CreationEvent, DestructionEvent, FocusEvent, SizeEvent, UpdateEvent,
+                              CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
+                              PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent,
+                              NoticeEvent, TimerEvent, ThemeEvent, QuitEvent, HelpEvent>;
+    Data data;
+
+    [[nodiscard]] EventType type() const {
+        return std::visit([](const auto& now) { return now.type; }, data);
+    }
+    /// The data of `T`, or null when this is another event.
+    template <typename T>
+    [[nodiscard]] const T* get() const {
+        return std::get_if<T>(&data);
+    }
+};
+
+/// Takes the events of a window, one at a time; the answer is the event's own, usually 0.
+struct EventHandler {
+    long (*handle)(void* context, Window window, const Event& event) = nullptr;
+    void* context = nullptr;
+};
+
+} // namespace pellux

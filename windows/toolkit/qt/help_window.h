@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QTemporaryDir>
+#include <QUrl>
+
+class QHelpEngine;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QTabWidget;
+class QToolBar;
+
+namespace pellux {
+
+class HelpViewer;
+
+/// The window on one help file: contents, index and search beside the page that is read.
+///
+/// The help engine keeps what it makes of the file in a temporary directory, which goes with the
+/// window. It indexes the text in a thread of its own; nothing of ours runs there.
+class HelpWindow : public QMainWindow {
+public:
+    /// `path` is a help file. The window isn't shown yet.
+    explicit HelpWindow(const QString& path);
+    ~HelpWindow() override;
+
+    /// False when the engine could not take the file: no page will come.
+    [[nodiscard]] bool is_open() const { return engine_ != nullptr; }
+    [[nodiscard]] const QString& path() const { return path_; }
+    void show_home();
+    /// The page of a topic's number, or the first one where the file has none for it.
+    void show_topic(int topic);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    bool open_engine();
+    QWidget* make_contents();
+    QWidget* make_index();
+    QWidget* make_search();
+    void make_actions();
+    void show_icons();
+    void make_find_bar();
+    void search();
+    void list_results();
+    void find_in_page(bool backwards);
+    [[nodiscard]] QUrl page_of_topic(int topic) const;
+
+    QString path_;
+    QTemporaryDir directory_;
+    QHelpEngine* engine_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
+    HelpViewer* viewer_ = nullptr;
+    QLineEdit* search_field_ = nullptr;
+    QLabel* search_state_ = nullptr;
+    QListWidget* results_ = nullptr;
+    QToolBar* bar_ = nullptr;
+    QToolBar* find_bar_ = nullptr;
+    QLineEdit* find_field_ = nullptr;
+    QUrl home_;
+    bool is_indexed_ = false; ///< the text can be searched
+};
+
+} // namespace pellux

@@ -1,0 +1,125 @@
+#include "windows/toolkit/qt/task_window.h"
+
+#include "windows/toolkit/app.h"
+#include "windows/toolkit/qt/canvas.h"
+#include "windows/toolkit/qt/menus.h"
+#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/window.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMdiArea>
+#include <QScreen>
+#include <QTimer>
+
+namespace pellux {
+namespace {
+
+TaskWindow* the_task_window = nullptr;
+
+Window document_of(const QMdiSubWindow* frame) {
+    const QWidget* client = frame == nullptr ? nullptr : frame->widget();
+    return client == nullptr ? Window::none : window_of(*client);
+}
+
+} // namespace
+
+TaskWindow* task_window() {
+    return the_task_window;
+}
+
+void set_task_window(TaskWindow* window) {
+    the_task_window = window;
+}
+
+TaskWindow::TaskWindow(Window window, int help_menu)
+    : window_(window), help_menu_(help_menu), area_(new QMdiArea) {
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(area_);
+    set_ground();
+    // Until the application gives it a place.
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        resize(screen->availableSize() * 9 / 10);
+    connect(area_, &QMdiArea::subWindowActivated, this, [this] {
+        if (menu_owner() != shown_menus_)
+            show_menus();
+    });
+}
+
+TaskWindow::~TaskWindow() {
+    // The area tells of activations while its frames go.
+    area_->disconnect(this);
+}
+
+Window TaskWindow::menu_owner() const {
+    const Window document = document_of(area_->activeSubWindow());
+    const WindowRecord* record = find_window(document);
+    return record != nullptr && record->menus ? document : window_;
+}
+
+void TaskWindow::show_menus() {
+    const Window owner = menu_owner();
+    shown_menus_ = owner;
+    if (const WindowRecord* record = find_window(owner); record != nullptr && record->menus)
+        fill_menu_bar(*menuBar(), owner, *record->menus, help_menu_);
+}
+
+void TaskWindow::place(const Rect& client) {
+    const QRect before = geometry();
+    const QRect frame = frameGeometry();
+    const QSize size(client.right - client.left, client.bottom - client.top);
+    if (isVisible() || frame != before) {
+        move(client.left - (before.left() - frame.left()),
+             client.top - (before.top() - frame.top()));
+        resize(size);
+        return;
+    }
+    move(client.left, client.top);
+    resize(size);
+    outer_wanted_ = size;
+}
+
+void TaskWindow::mend_place() {
+    const QSize frame = frameGeometry().size() - geometry().size();
+    if (!outer_wanted_ || frame.isEmpty() || isMaximized())
+        return;
+    // The user may have been quicker.
+    if (size() == *outer_wanted_)
+        resize(*outer_wanted_ - frame);
+    outer_wanted_.reset();
+}
+
+void TaskWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    deliver(window_, Event{CloseEvent{}});
+}
+
+void TaskWindow::set_ground() {
+    constexpr int k_darker_percent = 108;
+    area_->setBackground(palette().window().color().darker(k_darker_percent));
+}
+
+bool TaskWindow::event(QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::PaletteChange)
+        set_ground();
+    if (outer_wanted_ && (type == QEvent::Show || type == QEvent::Move || type == QEvent::Resize ||
+                          type == QEvent::WindowActivate))
+        QTimer::singleShot(0, this, [this] { mend_place(); });
+    return QMainWindow::event(event);
+}
+
+DocumentFrame::DocumentFrame(QWidget* parent, Window window)
+    : QMdiSubWindow(parent), window_(window) {}
+
+void DocumentFrame::closeEvent(QCloseEvent* event) {
+    if (find_window(window_) == nullptr) {
+        QMdiSubWindow::closeEvent(event);
+        return;
+    }
+    event->ignore();
+    deliver(window_, Event{CloseEvent{}});
+}
+
+} // namespace pellux
