@@ -1,0 +1,370 @@
+#include "core/common/callback.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/controls/controls.h"
+#include "windows/controls/pictures.h"
+#include "windows/controls/status_bar.h"
+#include "windows/controls/toggle_button.h"
+#include "windows/controls/toolbar.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/draw.h"
+#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+constexpr WindowResource k_windows[] = {{.number = 8100, .width = 400, .height = 120}};
+
+/// A window with a control in it, and what it and the toolkit's error print were told since the
+/// last `take`: ":code" for a character, "focus", "number id type cause" for a notice.
+struct Owner {
+    Window window = Window::none;
+    Window control = Window::none;
+    std::string told;
+    std::function<void()> at_notice;
+
+    std::string take() { return std::exchange(told, {}); }
+
+    static long on_event(void* context, Window, const Event& event) {
+        auto& owner = from_context<Owner>(context);
+        if (const auto* key = event.get<CharacterEvent>())
+            owner.told += ":" + std::to_string(key->code) + " ";
+        if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained)
+            owner.told += "focus ";
+        if (const auto* notice = event.get<NoticeEvent>()) {
+            owner.told += std::to_string(notice->number) + " " + std::to_string(notice->part_id) +
+                          " " + std::to_string(notice->part_type) + " ";
+            owner.told += notice->cause->get<ControlEvent>() != nullptr  ? "control\n"
+                          : notice->cause->get<NoticeEvent>() != nullptr ? "notice\n"
+                                                                         : "?\n";
+            if (owner.at_notice)
+                owner.at_notice();
+        }
+        return 0;
+    }
+    static bool on_error(void* context, const ToolkitError& error) {
+        // What is less severe is kept quiet in the program too.
+        if (error.severity > 2)
+            from_context<Owner>(context).told += "! " + std::string(error.text) + "\n";
+        return true;
+    }
+};
+
+using Lines = std::vector<std::string_view>;
+
+/// Runs a script on a window 400 wide with a control that is 28 high.
+void with_control(std::string_view class_name, const Lines& lines, std::string_view title,
+                  const std::function<void(Owner&)>& script) {
+    register_controls();
+    xvt_res_register({.windows = k_windows});
+    in_application([&] {
+        Owner owner;
+        xvt_errmsg_set_filter({Owner::on_error, &owner});
+        owner.window = xvt_win_create_res(8100, {Owner::on_event, &owner});
+        owner.told.clear();
+        owner.control = xvt_cxo_create({.class_name = class_name,
+                                        .parent = owner.window,
+                                        .id = 7,
+                                        .rect = {0, 0, 28, 400},
+                                        .title = title,
+                                        .properties = lines});
+        ASSERT_TRUE(xvt_vobj_is_valid(owner.control));
+        process_events();
+        script(owner);
+        xvt_vobj_destroy(owner.window);
+        xvt_errmsg_set_filter({});
+    });
+}
+void with_toolbar(const Lines& lines, const std::function<void(Owner&)>& script) {
+    with_control(k_toolbar_class, lines, "Tools", script);
+}
+
+constexpr Point k_inside{11, 11};
+constexpr Point k_outside{11, 60};
+
+TEST(Toolbar, TellsItsOwnerWhatHappensToItsControls) {
+    const Lines lines{"t",
+                      "PICBUTN=201,301,\"Open file.\"",
+                      "SEPARATOR=202",
+                      "TOGLBUTN=203,302",
+                      "TOGLTEXT=204,STATE=DOWN",
+                      "BUTTON=205,Go",
+                      "LISTBUTTON=206,\"One;Two\",80,1"};
+    with_toolbar(lines, [](Owner& owner) {
+        EXPECT_EQ(owner.take(), "");
+        const auto part = [&](int id) { return toolbar_get_control(owner.control, id); };
+        EXPECT_EQ(xvt_vobj_get_outer_rect(part(201)), (Rect{3, 4, 25, 26}));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(part(203)), (Rect{3, 32, 25, 54}));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(part(206)).bottom, 25);
+        EXPECT_EQ(xvt_list_get_selection(part(206)), 1);
+        EXPECT_FALSE(xvt_vobj_is_valid(part(202)) || xvt_vobj_is_valid(part(9)));
+
+        click(part(201), k_inside);
+        EXPECT_EQ(owner.take(), "101 201 4 notice\n");
+        EXPECT_EQ(toggle_button_get_state(part(201)), ToggleState::push);
+        click(part(203), k_inside);
+        EXPECT_EQ(owner.take(), "101 203 5 notice\n");
+        EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::down);
+        click(part(204), k_inside);
+        EXPECT_EQ(toggle_button_get_state(part(204)), ToggleState::down);
+        click(part(203), k_inside);
+        EXPECT_EQ(owner.take(), "101 204 6 notice\n101 203 5 notice\n");
+        EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::up);
+        click(part(205), k_inside);
+        EXPECT_EQ(owner.take(), "101 205 1 control\n");
+
+        owner.at_notice = [&] { xvt_vobj_destroy(owner.window); };
+        click(part(203), k_inside);
+        EXPECT_EQ(owner.take(), "101 203 5 notice\n");
+        EXPECT_FALSE(xvt_vobj_is_valid(owner.control));
+        EXPECT_FALSE(toolbar_add_control(owner.control, {}));
+        EXPECT_EQ(owner.take(), "");
+    });
+}
+
+TEST(Toolbar, RefusesControlsThatCannotBe) {
+    const Lines lines{"t", "KNOB=1", "PICBUTN=1,301", "PICBUTN=1,302", "TOGLTEXT=2", "KNOB=3"};
+    with_toolbar(lines, [](Owner& owner) {
+        EXPECT_EQ(owner.take(), "! Toolbar could not parse title from 'TOGLTEXT=2'\n"
+                                "! 'KNOB' is not a legal control type for toolbar.\n"
+                                "! Could not create control #1 in toolbar\n");
+        ToolbarItem item;
+        const auto add = [&](int type, int id) {
+            item.type = static_cast<ToolbarPart>(type);
+            item.id = id;
+            return toolbar_add_control(owner.control, item);
+        };
+        const std::string illegal = "! Need a legal control id and type in toolbar_add_control!\n";
+        EXPECT_FALSE(add(4, 0) || add(0, 5) || add(9, 5) || add(7, 5));
+        EXPECT_EQ(owner.take(), illegal + illegal +
+                                    "! Toolbar given an illegal control type=9\n"
+                                    "! Could not create control #5 in toolbar\n");
+        EXPECT_FALSE(
+            toolbar_add_custom_control(owner.control, {.class_name = "no such class", .id = 6}));
+        EXPECT_EQ(owner.take(), "! Could not create control #6 in toolbar\n");
+        EXPECT_TRUE(toolbar_add_custom_control(owner.control,
+                                               {.class_name = k_toggle_button_class, .id = 6}));
+        click(toolbar_get_control(owner.control, 6), k_inside);
+        EXPECT_EQ(owner.take(), "101 6 7 notice\n");
+        // What was refused took no room.
+        EXPECT_EQ(xvt_vobj_get_outer_rect(toolbar_get_control(owner.control, 6)).left, 26);
+        for (int id = 10; id < 58; ++id)
+            EXPECT_TRUE(add(id % 2 == 0 ? 8 : 4, id));
+        EXPECT_FALSE(add(4, 58));
+        EXPECT_EQ(owner.take(), "! Could not create control #58 in toolbar\n");
+
+        const Window gone = toolbar_get_control(owner.control, 6);
+        toolbar_delete_all_controls(owner.control);
+        EXPECT_FALSE(xvt_vobj_is_valid(gone));
+        EXPECT_TRUE(add(4, 58));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(toolbar_get_control(owner.control, 58)).left, 4);
+        toolbar_force_update(owner.control);
+    });
+    with_toolbar({}, [](Owner& owner) {
+        EXPECT_EQ(owner.take(), "! Could not get properties for toolbar in toolbar E_CREATE!\n");
+    });
+    with_toolbar(Lines(51, "PICBUTN=1,301"), [](Owner& owner) {
+        EXPECT_EQ(owner.take(), "! Too many lines of instance data (51 > 50)\n");
+        EXPECT_FALSE(xvt_vobj_is_valid(toolbar_get_control(owner.control, 1)));
+    });
+}
+
+TEST(Toolbar, TellsOfItselfWhenAskedTo) {
+    with_toolbar(
+        {"t", "DEBUG=TRUE", "SIZE=400x28", "PICBUTN=201,301,x", "SEPARATOR", "BUTTON=5,Go,40"},
+        [](Owner& owner) {
+            EXPECT_EQ(owner.take(), "! TOOLBAR_PICBUTN '': id=201, size='22x22', POS='4,3'\n"
+                                    "! Separator of width=6 being added to toolbar\n\n"
+                                    "! TOOLBAR_BUTTON 'Go': id=5, toolbar index=2, width=40\n"
+                                    "! TOOLBAR created @ win=" +
+                                        std::to_string(static_cast<long>(owner.control)) +
+                                        " with 3 controls\n! Toolbar is NOT autosized\n");
+            toolbar_autosize(owner.control);
+            EXPECT_EQ(owner.take(), "");
+        });
+    with_toolbar({"t", "DEBUG=TRUE"}, [](Owner& owner) {
+        owner.take();
+        xvt_vobj_move(owner.control, {5, 5, 33, 50});
+        toolbar_autosize(owner.control);
+        EXPECT_EQ(owner.take(), "! toolbar_autosize autosized toolbar to parent: 400x28\n");
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.control), (Rect{0, 0, 28, 400}));
+    });
+}
+
+TEST(ToggleButton, FollowsThePointerAndTheKeys) {
+    const Lines lines{"t",         "PICBUTN=1,301",  "PICBUTN=2,302",
+                      "SEPARATOR", "TOGLBUTN=3,303", "PICBUTN=4,304"};
+    with_toolbar(lines, [](Owner& owner) {
+        const auto part = [&](int id) { return toolbar_get_control(owner.control, id); };
+        press_pointer(part(1), k_inside);
+        EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::mouse_down);
+        move_pointer(part(1), k_outside, PointerButton::left);
+        EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::push);
+        release_pointer(part(1), k_outside);
+        EXPECT_EQ(owner.take(), "focus ");
+        press_pointer(part(1), k_inside);
+        move_pointer(part(1), k_outside, PointerButton::left);
+        move_pointer(part(1), k_inside, PointerButton::left);
+        release_pointer(part(1), k_inside);
+        click(part(1), k_inside, PointerButton::right);
+        EXPECT_EQ(owner.take(), "101 1 4 notice\n");
+
+        // The numbers that windows set buttons by.
+        toggle_button_set_state(part(2), static_cast<ToggleState>(4));
+        click(part(2), k_inside);
+        EXPECT_FALSE(xvt_vobj_is_enabled(part(2)));
+        EXPECT_EQ(owner.take(), "focus ") << "the window takes the click";
+
+        xvt_vobj_set_focus(part(1));
+        press_key("Space");
+        press_key("Return");
+        EXPECT_EQ(owner.take(), "101 1 4 notice\n101 1 4 notice\n");
+        press_key("Ctrl+M");
+        type_text("x");
+        press_key("Down");
+        EXPECT_EQ(owner.take(), ":13 :120 :302 ");
+        for (const int id : {3, 4, 1}) {
+            press_key("Right");
+            EXPECT_TRUE(xvt_vobj_has_focus(part(id))) << id;
+        }
+        press_key("Left");
+        press_key("Left");
+        press_key("Space");
+        EXPECT_EQ(owner.take(), "101 3 5 notice\n");
+        EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::down);
+        press_key("Tab");
+        EXPECT_FALSE(xvt_vobj_has_focus(part(3)) || xvt_vobj_has_focus(part(1)));
+        xvt_vobj_set_focus(part(1));
+        press_key("Esc");
+        EXPECT_EQ(owner.take(), "focus focus ");
+
+        toggle_button_set_state(part(2), static_cast<ToggleState>(0));
+        click(part(2), k_inside);
+        EXPECT_EQ(owner.take(), "101 2 4 notice\n");
+        // One that is disabled under a press is not clicked by its end.
+        press_pointer(part(2), k_inside);
+        toggle_button_set_state(part(2), ToggleState::disabled);
+        toggle_button_set_state(part(2), ToggleState::push);
+        release_pointer(part(2), k_inside);
+        EXPECT_EQ(owner.take(), "");
+        toggle_button_set_state(part(3), ToggleState::push);
+        EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::up);
+    });
+}
+
+TEST(ToggleButton, EachOfItsLooksIsTold) {
+    with_toolbar({"t", "PICBUTN=1,999", "TOGLBUTN=2,999"}, [](Owner& owner) {
+        const Window push = toolbar_get_control(owner.control, 1);
+        const Window toggle = toolbar_get_control(owner.control, 2);
+        constexpr Point k_ground{11, 4};
+        const auto ground = [&](Window window) { return shown_pixel(window, k_ground); };
+        const std::uint32_t rest = ground(push);
+        EXPECT_EQ(rest, shown_pixel(owner.control, {200, 10}));
+        move_pointer(push, k_inside);
+        const std::uint32_t hover = ground(push);
+        press_pointer(push, k_inside);
+        const std::uint32_t pressed = ground(push);
+        release_pointer(push, k_inside);
+        toggle_button_set_state(toggle, ToggleState::down);
+        process_events();
+        const std::uint32_t down = ground(toggle);
+        toggle_button_set_state(toggle, ToggleState::indeterminate);
+        process_events();
+        EXPECT_EQ((std::set{rest, hover, pressed, down, ground(toggle)}).size(), 5U);
+        EXPECT_EQ(shown_pixel(push, {0, 0}), rest) << "the ground has round corners";
+
+        // The ring is for the keyboard's focus.
+        constexpr Point k_ring{11, 0};
+        EXPECT_EQ(shown_pixel(push, k_ring), hover);
+        xvt_vobj_set_focus(toggle);
+        press_key("Left");
+        EXPECT_TRUE(xvt_vobj_has_focus(push));
+        EXPECT_NE(shown_pixel(push, k_ring), hover);
+        press_key("Tab");
+        EXPECT_EQ(shown_pixel(push, k_ring), hover);
+    });
+}
+
+/// Where runs of ink begin in the middle rows of a bar, texts apart by 10 pixels of ground or more.
+std::vector<int> ink_starts(Window bar) {
+    std::vector<int> starts;
+    const std::uint32_t ground = shown_pixel(bar, {2, 14});
+    int last = -10;
+    for (int x = 0; x < width(xvt_vobj_get_client_rect(bar)); ++x) {
+        bool has_ink = false;
+        for (int y = 6; y < 22; ++y)
+            has_ink = has_ink || shown_pixel(bar, {x, y}) != ground;
+        if (has_ink && x - last >= 10)
+            starts.push_back(x);
+        if (has_ink)
+            last = x;
+    }
+    return starts;
+}
+
+TEST(StatusBar, ShowsFieldsThatDoNotJump) {
+    const Lines lines{"t", "DEFAULT_TEXT=\"IIII\"", "FIELD_OFFSET=16"};
+    with_control(k_status_bar_class, lines, "", [](Owner& owner) {
+        const auto starts = [&] {
+            process_events();
+            return ink_starts(owner.control);
+        };
+        const auto first = starts();
+        ASSERT_EQ(first.size(), 1U);
+        EXPECT_TRUE(first[0] >= 8 && first[0] <= 12);
+        set_status_text(owner.control, "III\tI1000\tII");
+        EXPECT_EQ(xvt_vobj_get_title(owner.control), "III\tI1000\tII");
+        const auto wide = starts();
+        ASSERT_EQ(wide.size(), 3U);
+        EXPECT_GT(wide[1], 250);
+        set_status_text(owner.control, "III\tI9\tII");
+        EXPECT_EQ(starts(), wide);
+        set_status_text(owner.control, "III\tI1000000\tII");
+        const auto wider = starts();
+        ASSERT_EQ(wider.size(), 3U);
+        EXPECT_TRUE(wider[1] < wide[1] && wider[2] == wide[2]);
+        set_status_text(owner.control, "III\tII");
+        EXPECT_EQ(starts().size(), 2U);
+        set_status_text(owner.control, "");
+        EXPECT_EQ(starts(), first);
+
+        set_status_text(owner.window, "not a bar");
+        const std::string many(200, 'I');
+        set_status_text(owner.control, many + "\tI1");
+        process_events();
+        set_status_text(owner.control, many + "\tI100000000");
+        EXPECT_EQ(starts().size(), 2U) << "nothing is left between the fields";
+        xvt_vobj_move(owner.control, {0, 5, 28, 60});
+        status_bar_autosize(owner.control);
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.control), (Rect{92, 0, 120, 400}));
+        xvt_vobj_move(owner.control, {92, 0, 120, 60});
+        set_status_text(owner.control, "IIIIIIIIIIIIIIIIIIIIIIII\tIIII");
+        EXPECT_EQ(starts().size(), 2U) << "room is left for both";
+    });
+}
+
+TEST(Pictures, AreKnownToTheToolkitWithTheirFilesInPlace) {
+    register_controls();
+    for (const ImageResource& picture : control_pictures()) {
+        ASSERT_EQ(xvt_res_get_image(picture.number), &picture);
+        std::string path = PELLUX_SOURCE_DIR "/data/icons/";
+        FILE* file = std::fopen((path + picture.name + ".svg").c_str(), "r");
+        EXPECT_NE(file, nullptr) << picture.name;
+        if (file != nullptr)
+            std::fclose(file);
+    }
+}
+
+} // namespace
+} // namespace pellux
