@@ -34,6 +34,33 @@ function(pellux_tests folder)
         ENVIRONMENT "VELMORA_DIR=${CMAKE_BINARY_DIR}/velmora" TIMEOUT 600)
 endfunction()
 
+# pellux_window_tests(windows/app USES target... NEEDS target...)
+# As pellux_tests, from tests/windows/app/*_test.cpp; windows are shown on no screen.
+function(pellux_window_tests folder)
+    if(NOT PELLUX_TESTS)
+        return()
+    endif()
+    cmake_parse_arguments(arg "" "" "USES;NEEDS" ${ARGN})
+    if(NOT TARGET pellux_window_answers)
+        add_library(pellux_window_answers STATIC tests/windows/toolkit/scripted_answers.cpp
+            tests/windows/toolkit/window_main.cpp)
+        target_link_libraries(pellux_window_answers PUBLIC pellux_window_robot GTest::gtest)
+    endif()
+    string(REPLACE "/" "_" name ${folder})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*_test.cpp)
+    add_executable(${name}_tests ${sources})
+    target_link_libraries(${name}_tests PRIVATE ${arg_USES} pellux_window_answers)
+    if(arg_NEEDS)
+        add_dependencies(${name}_tests ${arg_NEEDS})
+    endif()
+    target_compile_definitions(${name}_tests PRIVATE
+        PELLUX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" PELLUX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    add_test(NAME ${folder} COMMAND ${name}_tests)
+    set_tests_properties(${folder} PROPERTIES ENVIRONMENT
+        "VELMORA_DIR=${CMAKE_BINARY_DIR}/velmora;QT_QPA_PLATFORM=offscreen;QTEST_DISABLE_STACK_DUMP=1"
+        TIMEOUT 600)
+endfunction()
+
 # pellux_bench(name USES target...): bench/name.cpp
 function(pellux_bench name)
     if(NOT PELLUX_BENCH)

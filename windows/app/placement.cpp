@@ -1,6 +1,5 @@
 #include "windows/app/placement.h"
 
-#include "core/common/containers.h"
 #include "core/diagnostics/message.h"
 #include "core/os/settings.h"
 
@@ -68,6 +67,14 @@ StoredPlacement read_placement() {
     else if (read_setting(k_position, buffer, value))
         stored.position = parse_position(value);
     return stored;
+}
+
+std::optional<String> read_last_directory() {
+    std::array<char, k_directory_max + 1> buffer{};
+    std::string_view value;
+    if (!read_setting(k_last_directory, buffer, value))
+        return std::nullopt;
+    return String(value);
 }
 
 Placement place_task_window(const StoredPlacement& stored, const Rect& work,

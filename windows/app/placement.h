@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/common/containers.h"
 #include "windows/toolkit/geometry.h"
 
 #include <optional>
@@ -23,6 +24,8 @@ struct StoredPlacement {
     bool is_maximized = false; ///< then there is no position
 };
 [[nodiscard]] StoredPlacement read_placement();
+/// Where the last run ended.
+[[nodiscard]] std::optional<String> read_last_directory();
 
 /// "top left bottom right" in decimal, each clamped to 16 bits; nothing for any other text. What
 /// follows the fourth number does not matter.

@@ -1,0 +1,163 @@
+#include "core/os/process.h"
+#include "core/project/device_catalogue.h"
+#include "tests/core/os/running.h"
+#include "tests/windows/app/program.h"
+#include "windows/app/messages.h"
+#include "windows/toolkit/menu.h"
+#include "windows/toolkit/message_box.h"
+
+#include <array>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace pellux {
+namespace {
+
+class Menus : public test::Program {
+protected:
+    Menus() { catalogue_reader().file = {}; }
+    ~Menus() override { catalogue_reader().file = {}; }
+
+    /// What the program's children say while `act` runs and until they have ended.
+    static std::string said_during(const std::function<void()>& act) {
+        Pipe pipe;
+        const int kept = ::dup(STDOUT_FILENO);
+        ::dup2(static_cast<int>(pipe.write_end.get()), STDOUT_FILENO);
+        act();
+        ::dup2(kept, STDOUT_FILENO);
+        ::close(kept);
+        pipe.write_end.reset();
+        return pipe.read();
+    }
+};
+
+TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
+    const test::ScopedVariable install("VELMORA_DIR", directory_.path().c_str());
+    const test::ScopedVariable place("TEST_PLACE", PELLUX_BINARY_DIR "/tests/programs");
+    const std::string lines(
+        "\"~Echo it\" $TEST_PLACE/os_child echo a $TEST_PLACE\nMissing $TEST_PLACE/no x\n"
+        "\"only label\"\n");
+    directory_.write("bin/devices.dat",
+                     "seek: tools_dos:0," + std::to_string(lines.size()) + "\n" + lines);
+    test::make_project_file(directory_.path(), "a.bpr");
+    run([&] {
+        for (const Window window : {xvt_win_get_task(), test::window_of_project(0)}) {
+            const Vector<MenuItem> menus = xvt_menu_get_tree(window);
+            EXPECT_EQ(menus.at(menus.size() - 2).tag, 5100);
+        }
+        const char* tools = "\nT&ools\n  &Echo it\n  Missing\n  only label\n&Help\n";
+        EXPECT_NE(shown_menus().find(tools), std::string::npos) << shown_menus();
+        std::filesystem::current_path("/");
+        const std::string said = said_during([] { EXPECT_TRUE(choose_item(5000)); });
+        EXPECT_TRUE(said.starts_with("[a][$TEST_PLACE]")) << said;
+        EXPECT_TRUE(said.find("directory " + directory_.path()) != said.npos) << said;
+        user_.expect_error("Can't run '" PELLUX_BINARY_DIR "/tests/programs/no'.");
+        EXPECT_TRUE(choose_item(5001));
+        user_.expect_error("Can't run ''.");
+        tell_task(Event{CommandEvent{5002}});
+        tell_task(Event{CommandEvent{5003}});
+        tell_task(Event{CommandEvent{4999}});
+    });
+}
+
+TEST_F(Menus, HaveNoToolsWithoutCatalogue) {
+    const test::ScopedVariable install("VELMORA_DIR", directory_.path().c_str());
+    user_.expect_closed(QuestionKind::dialog, "New Project");
+    run([&] {
+        EXPECT_EQ(shown_menus(),
+                  "&Project\n  &New...\tCtrl+N\n  &Open...\tCtrl+O\n"
+                  "  &Quit\tCtrl+Q\n&Help\n  &Contents\tF1\n  -\n  &About Pellux...\n");
+        user_.expect_closed(QuestionKind::dialog, "New Project");
+        press_key("Ctrl+N");
+        user_.expect_closed(QuestionKind::file_open, "Open project...");
+        press_key("Ctrl+O");
+        user_.expect_error("Can't open help file '" + directory_.path() + "/bin/pellux.hlp'.");
+        EXPECT_TRUE(choose_item(1005));
+        user_.expect_ask("Quit Pellux?", "Cancel");
+        press_key("Ctrl+Q");
+    });
+}
+
+class HelpHooksTest : public test::Program {
+protected:
+    HelpHooksTest() { std::filesystem::copy(k_installed, directory_.path("other.hlp")); }
+
+    static bool offer(const EventHook& hook, const Event& event) {
+        return hook.consumes(hook.context, xvt_win_get_task(), event);
+    }
+
+    static constexpr const char* k_installed = PELLUX_BINARY_DIR "/velmora/bin/pellux.hlp";
+};
+
+TEST_F(HelpHooksTest, SimpleOneLooksOnceWhereTheEnvironmentSays) {
+    for (const bool is_there : {false, true}) {
+        const test::ScopedVariable place("HELP", is_there ? PELLUX_BINARY_DIR "/velmora/bin"
+                                                          : directory_.path().c_str());
+        in_application([&] {
+            HelpHooks hooks;
+            const EventHook hook = simple_help_hook(hooks);
+            associate_help(hooks, {xvt_win_get_task(), 0, 0}, 1);
+            EXPECT_FALSE(offer(hook, Event{HelpEvent{.topic = 7}}));
+            EXPECT_EQ(hooks.waiting.empty(), is_there);
+            set_environment_variable("HELP", PELLUX_BINARY_DIR "/velmora/bin");
+            EXPECT_EQ(offer(hook, Event{HelpEvent{}}), is_there);
+            EXPECT_FALSE(offer(hook, Event{CommandEvent{5}}));
+            close_help(hooks);
+            EXPECT_FALSE(offer(hook, Event{HelpEvent{}}));
+        });
+    }
+}
+
+TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {
+    directory_.write("text.hlp", "no help");
+    directory_.write("text", "no help");
+    std::filesystem::create_directory(directory_.path("directory.hlp"));
+    constexpr const char* k_title = "Please Find and Open help file...";
+    in_application([&] {
+        HelpHooks hooks;
+        const EventHook hook = locating_help_hook(hooks);
+        for (const int tag : {32449, 32463})
+            EXPECT_FALSE(offer(hook, Event{CommandEvent{tag}}));
+        for (int i = 0; i < 120; ++i)
+            associate_help(hooks, {xvt_win_get_task(), 0, i}, 1);
+        EXPECT_EQ(hooks.waiting.size(), 120u);
+        EXPECT_EQ(hooks.waiting.capacity(), 150u);
+        user_.expect_closed(QuestionKind::file_open, k_title);
+        EXPECT_FALSE(offer(hook, Event{CommandEvent{32450}}));
+        const auto choose = [&](const char* name) {
+            user_.expect_file(QuestionKind::file_open, k_title, directory_.path(), name);
+        };
+        choose("missing.hlp");
+        user_.expect_error("Help file is unreadable, please choose another.");
+        choose("directory.hlp");
+        user_.expect_error("Invalid help file, please choose another.");
+        for (const char* name : {"text.hlp", "text"}) {
+            choose(name);
+            user_.expect_note("Invalid help file, please choose another.");
+        }
+        choose("other.hlp");
+        EXPECT_TRUE(offer(hook, Event{HelpEvent{.command = 119}}));
+        EXPECT_TRUE(hooks.waiting.empty());
+        EXPECT_EQ(user_.left(), 0u);
+        EXPECT_TRUE(offer(hook, Event{HelpEvent{}}));
+        close_help(hooks);
+    });
+}
+
+class BoxDiagnostics : public test::Program {};
+
+TEST_F(BoxDiagnostics, ShowEveryMessageAndTheEnd) {
+    user_.expect_error("Warning: (W7) Can't run '50% of %s'.");
+    warning(7, msg_cannot_run_tool, "50% of %s");
+    user_.expect_fatal_exit("Exiting with code -1.");
+    reporter().ending(reporter().ending_context, -1);
+    testing::internal::CaptureStderr();
+    for (const ToolkitError& error :
+         {ToolkitError{1, 1, "one"}, {2, 2, "two"}, {3, 3, "three"}, {4, 0x01830003, "known"}})
+        xvt_errmsg_signal(error);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "three\n");
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "core/diagnostics/reporter.h"
+#include "tests/core/os/scoped_directory.h"
+#include "tests/core/os/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "tests/windows/workspace/project_files.h"
+#include "windows/app/box_diagnostics.h"
+#include "windows/app/resources.h"
+#include "windows/app/shell.h"
+#include "windows/app/task_window.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace pellux::test {
+
+/// The whole program in a directory of its own, with the user in front of it.
+class Program : public testing::Test {
+protected:
+    Program() {
+        reporter() = {};
+        start_box_diagnostics();
+    }
+    ~Program() override {
+        reset_text_msgs();
+        reporter() = {};
+    }
+
+    /// Runs the program with these words on its command line, and `script` once it has started.
+    void run(const std::vector<const char*>& words, const std::function<void()>& script) {
+        shell_ = std::make_unique<Shell>();
+        start_shell(*shell_, words);
+        in_application(script, app_config(), task_handler(*shell_));
+    }
+    void run(const std::function<void()>& script) { run({}, script); }
+    [[nodiscard]] static bool runs() { return xvt_vobj_is_valid(xvt_win_get_task()); }
+    static void tell_task(const Event& event) {
+        xvt_win_dispatch_event(xvt_win_get_task(), event);
+        process_events();
+    }
+
+    TemporaryDirectory directory_;
+    TemporaryDirectory settings_;
+    ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    ScopedVariable no_help_{"HELP", nullptr};
+    ScopedDirectory here_{directory_.path()};
+    ScriptedAnswers user_;
+    std::unique_ptr<Shell> shell_;
+};
+
+} // namespace pellux::test

@@ -1,0 +1,145 @@
+#include "core/common/containers.h"
+#include "core/diagnostics/message.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/app/box_diagnostics.h"
+#include "windows/app/environment.h"
+#include "windows/app/resources.h"
+#include "windows/app/shell.h"
+#include "windows/app/task_window.h"
+#include "windows/app/tools_menu.h"
+#include "windows/controls/controls.h"
+#include "windows/controls/pictures.h"
+#include "windows/controls/status_bar.h"
+#include "windows/controls/toggle_button.h"
+#include "windows/controls/toolbar.h"
+#include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+// tour DIRECTORY: plays a short visit to the program in the current directory, a project's, and
+// leaves pictures of what it shows in DIRECTORY. Status 1 when one is missing.
+
+namespace {
+
+using namespace pellux;
+
+constexpr int k_show_number = 9001;
+constexpr std::array k_show{
+    WindowResource{.number = k_show_number, .title = "Toolbars", .width = 760, .height = 260}};
+constexpr std::array k_bar_heights_px{22, 30, 38, 54};
+
+struct Tour {
+    std::string_view directory;
+    int missing = 0;
+
+    void keep(bool is_saved, std::string_view name) {
+        if (is_saved)
+            return;
+        ++missing;
+        std::fprintf(stderr, "no picture of %.*s\n", static_cast<int>(name.size()), name.data());
+    }
+    [[nodiscard]] String file(std::string_view name) const {
+        return String(directory) + "/" + String(name) + ".png";
+    }
+    void picture(Window window, std::string_view name) {
+        keep(save_picture(window, file(name)), name);
+    }
+    void front(std::string_view name) { keep(save_front_picture(file(name)), name); }
+};
+
+/// A window with all pictures in toolbars of several heights, some of them disabled, and a status
+/// bar.
+Window show_toolbars() {
+    const Window window = xvt_win_create_res(k_show_number, {});
+    int top = 0;
+    for (const int bar_px : k_bar_heights_px) {
+        Vector<String> lines{"AUTOSIZED=FALSE"};
+        for (const ImageResource& image : control_pictures()) {
+            if (image.number >= static_cast<int>(Picture::vhdl_file))
+                break;
+            lines.push_back(
+                format_text("PICBUTN=%d,%d,\"%s\"", image.number - 100, image.number, image.name));
+            if (image.number == 303 || image.number == 310)
+                lines.push_back("SEPARATOR");
+        }
+        const Vector<std::string_view> properties(lines.begin(), lines.end());
+        const Window bar = xvt_cxo_create({.class_name = k_toolbar_class,
+                                           .parent = window,
+                                           .id = bar_px,
+                                           .rect = {top, 0, top + bar_px, 760},
+                                           .title = "Toolbar",
+                                           .properties = properties});
+        for (const int id : {204, 205, 224})
+            toggle_button_set_state(toolbar_get_control(bar, id), ToggleState::disabled);
+        top += bar_px + 10;
+    }
+    const std::array<std::string_view, 1> status{"DEFAULT_TEXT=\"Ready\""};
+    const Window bar = xvt_cxo_create({.class_name = k_status_bar_class,
+                                       .parent = window,
+                                       .id = 1,
+                                       .rect = {236, 0, 260, 760},
+                                       .properties = status});
+    set_status_text(bar, "Line 12 of 340\tUndos:  3\tModified");
+    process_events();
+    return window;
+}
+
+void visit_program(Tour& tour) {
+    const Window task = xvt_win_get_task();
+    tour.picture(task, "task");
+    tour.keep(open_menu(k_tools_menu), "tools_menu");
+    tour.front("tools_menu");
+
+    const Window bars = show_toolbars();
+    tour.picture(bars, "toolbars");
+    xvt_vobj_destroy(bars);
+    process_events();
+
+    const auto box = [&](int tag, std::string_view name) {
+        in_box([&tour, name] {
+            tour.front(name);
+            press_key("Esc");
+        });
+        xvt_win_dispatch_event(task, Event{CommandEvent{tag}});
+        process_events();
+    };
+    box(static_cast<int>(TaskCommand::quit), "question");
+    box(static_cast<int>(TaskCommand::new_project), "new_project");
+    box(static_cast<int>(TaskCommand::open), "file_box");
+
+    xvt_win_dispatch_event(task, Event{CommandEvent{static_cast<int>(TaskCommand::help_contents)}});
+    process_events();
+    tour.front("help");
+}
+
+void run(std::span<const char* const> words, const std::function<void()>& script) {
+    Shell shell;
+    start_shell(shell, words);
+    in_application(script, app_config(), task_handler(shell));
+}
+
+} // namespace
+
+int main(int argument_count, char** arguments) {
+    if (argument_count != 2) {
+        std::fputs("usage: tour DIRECTORY\n", stderr);
+        return 2;
+    }
+    Tour tour{arguments[1]};
+    int toolkit_arguments = 1;
+    xvt_app_start(toolkit_arguments, arguments);
+    install_search_paths();
+    start_box_diagnostics();
+    xvt_res_register({.windows = k_show});
+    const std::array<const char*, 1> picture{"-%S"};
+    run(picture, [&] { tour.picture(xvt_win_get_task(), "start_picture"); });
+    const std::array<const char*, 1> project{"brix.bpr"};
+    run(project, [&] { visit_program(tour); });
+    xvt_app_end();
+    return tour.missing == 0 ? 0 : 1;
+}

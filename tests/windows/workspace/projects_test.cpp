@@ -1,0 +1,274 @@
+#include "core/common/callback.h"
+#include "core/diagnostics/reporter.h"
+#include "tests/core/os/scoped_directory.h"
+#include "tests/core/os/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "tests/windows/workspace/project_files.h"
+#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/window.h"
+#include "windows/workspace/new_project.h"
+
+#include <filesystem>
+#include <functional>
+#include <limits>
+
+namespace pellux {
+namespace {
+
+using test::make_project_file;
+using test::open_names;
+using test::window_of_project;
+
+constexpr const char* k_open = "Open project...";
+constexpr const char* k_name = "Name new project.";
+
+/// The program around the windows as its projects see it, and the user in front of it.
+class ProjectWindows : public testing::Test {
+protected:
+    ProjectWindows() {
+        reporter() = {};
+        reporter().output = [](void*, std::string_view text) {
+            xvt_dm_post_error("%s", std::string(text).c_str());
+        };
+        make_project_file(top_, "a.bpr");
+    }
+    ~ProjectWindows() override {
+        set_file_fault_hook(nullptr, nullptr);
+        reporter() = {};
+    }
+
+    void run(const std::function<void()>& script) {
+        static constexpr auto say = [](void* self, const std::string& word) {
+            from_context<ProjectWindows>(self).calls_ += word + " ";
+            if (word == "end")
+                xvt_app_destroy();
+        };
+        const ShellHooks shell{
+            .remember_placement = [](void* self) { say(self, "remember"); },
+            .end_application = [](void* self) { say(self, "end"); },
+            .quit = [](void* self) { say(self, "quit"); },
+            .show_help_contents = [](void* self) { say(self, "help"); },
+            .insert_tools_menu = [](void* self, Window) { say(self, "tools"); },
+            .run_tool = [](void* self, int tag) { say(self, std::to_string(tag)); },
+            .context = this,
+        };
+        in_application([&] {
+            start_workspace(shell);
+            open_project_here("a.bpr");
+            script();
+        });
+    }
+    void type_file(QuestionKind kind, std::string_view title, std::string_view name) {
+        user_.expect_file(kind, title, top_, name);
+    }
+    /// Answers by a button, or by closing the box.
+    void answer(const char* question, std::string_view button) {
+        if (button == "closed")
+            user_.expect_closed(QuestionKind::ask, question);
+        else if (!button.empty())
+            user_.expect_ask(question, button);
+    }
+
+    test::TemporaryDirectory directory_;
+    std::string top_ = directory_.path();
+    test::ScopedDirectory here_{top_};
+    ScriptedAnswers user_;
+    std::string calls_;
+};
+
+TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
+    directory_.write("copy.bpr", directory_.read("a.bpr"));
+    directory_.write("bad.bpr", "no project");
+    std::filesystem::create_directory_symlink(top_, directory_.path("link"));
+    run([&] {
+        type_file(QuestionKind::file_open, k_open, "copy.bpr");
+        choose_project();
+        EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
+        EXPECT_EQ(xvt_vobj_get_title(window_of_project(1)), "Project:copy.bpr");
+        // One that is open comes to the front unread: what is chosen next is its command.
+        std::filesystem::remove("a.bpr");
+        user_.expect_file(QuestionKind::file_open, k_open, directory_.path("link"), "a.bpr");
+        choose_project();
+        EXPECT_TRUE(choose_item(1045));
+        EXPECT_EQ(open_names(), "copy.bpr ");
+        EXPECT_TRUE(directory_.names().contains("a.bpr"));
+
+        type_file(QuestionKind::file_open, k_open, "bad.bpr");
+        user_.expect_error("Error reading '*/bad.bpr'.");
+        choose_project();
+        user_.expect_closed(QuestionKind::file_open, k_open);
+        choose_project();
+        EXPECT_EQ(open_names(), "copy.bpr ");
+        EXPECT_EQ(std::filesystem::current_path(), top_);
+    });
+}
+
+TEST_F(ProjectWindows, RunTheirCommandsInTheirDirectory) {
+    run([&] {
+        std::filesystem::current_path("/");
+        user_.expect_dialog("New Project", "OK", {{1, "sub", -1}});
+        EXPECT_TRUE(choose_item(1021) && choose_item(1046));
+        EXPECT_TRUE(directory_.names("sub").contains("brix.bpr"));
+        std::filesystem::current_path("/");
+        user_.expect(QuestionKind::file_open, k_open, [&](const Question& question) {
+            EXPECT_EQ(std::filesystem::current_path(), directory_.path("sub"));
+            return closed_answer(question);
+        });
+        EXPECT_TRUE(choose_item(1044) && choose_item(1063) && choose_item(1049));
+        xvt_win_dispatch_event(window_of_project(1), Event{CommandEvent{5003}});
+        EXPECT_EQ(calls_, "tools tools help quit 5003 ");
+        EXPECT_FALSE(choose_item(1060));
+    });
+}
+
+TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
+    directory_.write("file", "");
+    directory_.write("there/old.bpr", "");
+    const std::string cannot = "Can't create directory '", exists = "' already exists.";
+    const struct {
+        std::string directory; ///< typed
+        const char* chosen;    ///< name, in the directory "there"; null: nothing is
+        std::string error;     ///< the dialog is then cancelled
+        std::string opened;    ///< path, empty: none
+    } rows[] = {
+        {"", nullptr, "", ""},
+        {"new/deep//", nullptr, "", "/new/deep/brix.bpr"},
+        {"new/deep", nullptr, "Project '" + top_ + "/new/deep/brix.bpr" + exists, ""},
+        {top_ + "/file//", nullptr, cannot + top_ + "/file'.", ""},
+        {std::string(5000, 'd'), nullptr, cannot + "*'.", ""},
+        {"", "top", "", "/there/top.bpr"},
+        {"", "Top.BPR", "", "/there/Top.BPR"},
+        {"", "1st.bpr", "", "/there/brix.bpr"},
+        {"", "a.b", "", "/there/a.b.bpr"},
+        {"", "old", "Project '" + top_ + "/there/old.bpr" + exists, ""},
+    };
+    run([&] {
+        for (const auto& row : rows) {
+            std::filesystem::current_path(top_);
+            if (row.chosen != nullptr) {
+                user_.expect_dialog("New Project", "Choose name...");
+                user_.expect_file(QuestionKind::file_open, "Choose new project name.",
+                                  directory_.path("there"), row.chosen);
+                user_.expect_dialog("New Project", "OK");
+            } else {
+                user_.expect_dialog("New Project", "OK", {{1, row.directory, -1}});
+            }
+            if (!row.error.empty()) {
+                user_.expect_error(row.error);
+                user_.expect_dialog("New Project", "Cancel");
+            }
+            const std::size_t before = workspace().projects.size();
+            ask_for_new_project();
+            ASSERT_EQ(workspace().projects.size() > before, !row.opened.empty()) << row.error;
+            if (row.opened.empty())
+                continue;
+            const Project& last = *workspace().projects.back()->project;
+            EXPECT_EQ(std::string(last.directory) + "/" + last.file_name.c_str(),
+                      top_ + row.opened);
+            EXPECT_EQ(std::filesystem::current_path(), last.directory.c_str());
+        }
+    });
+}
+
+TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
+    directory_.write("taken.bpr", "");
+    const auto refuse_writing = [](void*, FileOperation operation, std::string_view, std::size_t&) {
+        return operation == FileOperation::write ? refuse(Refusal::damaged) : SystemError::none;
+    };
+    const struct {
+        const char* name;
+        const char* save;               ///< answer to "Save new project?"; empty: not asked
+        std::vector<const char*> names; ///< typed then; null: the box is closed
+        const char* lose;               ///< answer after a failed writing; empty: it succeeds
+        bool closes;
+    } rows[] = {
+        {"", "closed", {}, "", false},      {"", "Yes", {nullptr}, "", false},
+        {"", "No", {}, "", true},           {"", "Yes", {"taken", "named"}, "", true},
+        {"x.bpr", "", {}, "closed", false}, {"x.bpr", "", {}, "Close", true},
+        {"x.bpr", "", {}, "", true},
+    };
+    run([&] {
+        for (const auto& row : rows) {
+            Owned<Project> project = make_owned<Project>();
+            project->directory = top_;
+            project->file_name.assign(row.name);
+            add_project(std::move(project));
+            const Window window = window_of_project(1);
+            answer("Save new project?", row.save);
+            for (const char* name : row.names) {
+                if (name == nullptr)
+                    user_.expect_closed(QuestionKind::file_save, k_name);
+                else
+                    type_file(QuestionKind::file_save, k_name, name);
+                if (name == row.names.front() && row.names.size() > 1)
+                    user_.expect_error("Project '*/taken.bpr' already exists.");
+            }
+            if (*row.lose != '\0') {
+                set_file_fault_hook(refuse_writing, nullptr);
+                user_.expect_error("Can't write '*/x.bpr': *.");
+            }
+            answer("Close project 'x.bpr' without saving it?", row.lose);
+            EXPECT_EQ(close_project(window), row.closes);
+            set_file_fault_hook(nullptr, nullptr);
+            EXPECT_EQ(xvt_vobj_is_valid(window), !row.closes);
+            xvt_vobj_destroy(window);
+            EXPECT_EQ(open_names(), "a.bpr ");
+        }
+        EXPECT_EQ(directory_.names(),
+                  (std::set<std::string>{"a.bpr", "named.bpr", "taken.bpr", "x.bpr"}));
+        workspace().projects[0]->project->file_name.clear();
+        type_file(QuestionKind::file_save, k_name, "Third.BPR");
+        EXPECT_TRUE(save_project(window_of_project(0)));
+        EXPECT_EQ(xvt_vobj_get_title(window_of_project(0)), "Project:Third.BPR");
+        set_file_fault_hook(refuse_writing, nullptr);
+        user_.expect_error("Can't write '*/Third.BPR': *.");
+        EXPECT_FALSE(save_project(window_of_project(0)));
+    });
+}
+
+TEST_F(ProjectWindows, EndTheProgramWithTheLastOne) {
+    make_project_file(directory_.path("sub"), "b.bpr");
+    run([&] {
+        open_project_in("sub", "b.bpr");
+        close_by_frame(window_of_project(0));
+        EXPECT_EQ(open_names(), "b.bpr ");
+        answer("Quit Pellux?", "closed");
+        close_by_frame(window_of_project(0));
+        EXPECT_EQ(open_names() + calls_, "b.bpr tools tools ");
+        answer("Quit Pellux?", "OK");
+        EXPECT_TRUE(choose_item(1045));
+        EXPECT_EQ(open_names() + calls_, "tools tools remember end ");
+        EXPECT_EQ(std::filesystem::current_path(), directory_.path("sub"));
+    });
+}
+
+TEST_F(ProjectWindows, StandWhereTheyStood) {
+    using Limits = std::numeric_limits<int>;
+    const Rect stored[] = {{20, 30, 220, 430},
+                           {},
+                           {220, 30, 20, 430},
+                           {20, 5000, 220, 5400},
+                           {Limits::max() - 5, 0, Limits::max(), 100},
+                           {Limits::min(), Limits::min(), Limits::max(), Limits::max()}};
+    run([&] {
+        xvt_vobj_move(xvt_win_get_task(), {0, 0, 600, 700});
+        for (const Rect& place : stored) {
+            make_project_file(top_, "b.bpr", place);
+            open_project_here("b.bpr");
+            const Rect taken = xvt_vobj_get_outer_rect(window_of_project(1));
+            EXPECT_EQ(taken == place, &place == stored);
+            EXPECT_TRUE(width(taken) <= 700 && height(taken) > 100);
+            xvt_vobj_move(window_of_project(1), {50, 60, 250, 360});
+            const Rect moved = xvt_vobj_get_outer_rect(window_of_project(1));
+            EXPECT_TRUE(close_project(window_of_project(1)));
+            open_project_here("b.bpr");
+            EXPECT_EQ(xvt_vobj_get_outer_rect(window_of_project(1)), moved);
+            EXPECT_TRUE(close_project(window_of_project(1)));
+        }
+    });
+}
+
+} // namespace
+} // namespace pellux

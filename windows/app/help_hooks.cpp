@@ -1,0 +1,137 @@
+#include "windows/app/help_hooks.h"
+
+#include "core/common/callback.h"
+#include "core/os/environment.h"
+#include "core/os/files.h"
+#include "windows/app/messages.h"
+#include "windows/workspace/boxes.h"
+
+#include <utility>
+
+namespace pellux {
+namespace {
+
+constexpr std::string_view k_name = "pellux";
+constexpr std::string_view k_extension = "hlp";
+constexpr std::size_t k_waiting_step = 50;
+
+/// True when there is a file then, to which all that waited is tied.
+bool take_file(HelpHooks& hooks, HelpFile file) {
+    if (file == HelpFile::none)
+        return false;
+    hooks.file = file;
+    for (const HelpAssociation& association : std::exchange(hooks.waiting, {}))
+        xvt_help_associate(file, association.subject, association.topic);
+    return true;
+}
+
+bool simple_hook(void* context, Window window, const Event& event) {
+    auto& hooks = from_context<HelpHooks>(context);
+    if (!std::exchange(hooks.is_tried, true) && hooks.file == HelpFile::none)
+        if (const char* directory = environment_variable("HELP"))
+            take_file(hooks, xvt_help_open_helpfile(directory, k_name));
+    const auto* help = event.get<HelpEvent>();
+    if (hooks.file == HelpFile::none || (help != nullptr && help->topic != 0))
+        return false;
+    return xvt_help_process_event(hooks.file, window, event);
+}
+
+bool is_readable(std::string_view path) {
+    File file;
+    return !failed(open_file(file, path, OpenMode::read));
+}
+
+/// Opens what the user chose; false, after a word about it, when that is no help file.
+bool open_chosen(HelpHooks& hooks, const FileChoice& choice) {
+    PathBuffer path(view(choice.directory));
+    FileStat stat;
+    const bool is_there = path.join(view(choice.name)) && !failed(stat_file(path.view(), stat));
+    if (is_there && stat.kind == FileKind::directory) {
+        post_error(msg_help_invalid);
+        return false;
+    }
+    if (!is_there || !is_readable(path.view())) {
+        post_error(msg_help_unreadable);
+        return false;
+    }
+    std::string_view name = view(choice.name);
+    if (extension_part(name) == k_extension && name.size() > k_extension.size()) {
+        name.remove_suffix(k_extension.size() + 1);
+        if (take_file(hooks, xvt_help_open_helpfile(view(choice.directory), name)))
+            return true;
+    }
+    xvt_dm_post_note("%s", format_message(msg_help_invalid).c_str());
+    return false;
+}
+
+bool locate_file(HelpHooks& hooks) {
+    PathBuffer directory;
+    if (program_directory(directory) &&
+        take_file(hooks, xvt_help_open_helpfile(directory.view(), k_name)))
+        return true;
+    const String title = format_message(msg_find_help);
+    FileChoice choice;
+    while (xvt_dm_post_file_open(
+        {.title = view(title), .directory = directory.view(), .name = {}, .extension = k_extension},
+        choice))
+        if (open_chosen(hooks, choice))
+            return true;
+    return false;
+}
+
+bool wants_help(const Event& event) {
+    const auto* command = event.get<CommandEvent>();
+    return event.type() == EventType::help ||
+           (command != nullptr && command->tag >= k_first_help_command &&
+            command->tag <= k_last_help_command);
+}
+
+bool locating_hook(void* context, Window window, const Event& event) {
+    auto& hooks = from_context<HelpHooks>(context);
+    if (hooks.file == HelpFile::none) {
+        if (!wants_help(event) || std::exchange(hooks.is_asking, true))
+            return false;
+        const bool is_found = locate_file(hooks);
+        hooks.is_asking = false;
+        if (!is_found)
+            return false;
+    }
+    return xvt_help_process_event(hooks.file, window, event);
+}
+
+} // namespace
+
+EventHook simple_help_hook(HelpHooks& hooks) {
+    return {simple_hook, &hooks};
+}
+
+EventHook locating_help_hook(HelpHooks& hooks) {
+    return {locating_hook, &hooks};
+}
+
+void associate_help(HelpHooks& hooks, const HelpSubject& subject, int topic) {
+    if (hooks.file != HelpFile::none) {
+        xvt_help_associate(hooks.file, subject, topic);
+        return;
+    }
+    if (hooks.waiting.size() == hooks.waiting.capacity())
+        hooks.waiting.reserve(hooks.waiting.size() + k_waiting_step);
+    hooks.waiting.push_back({subject, topic});
+}
+
+void close_help(HelpHooks& hooks) {
+    if (hooks.file != HelpFile::none)
+        xvt_help_close_helpfile(std::exchange(hooks.file, HelpFile::none));
+    hooks.waiting = {};
+}
+
+void show_help_contents() {
+    PathBuffer path;
+    if (const char* install = environment_variable("VELMORA_DIR"))
+        static_cast<void>(path.assign(install) && path.join("bin"));
+    static_cast<void>(path.join("pellux.hlp"));
+    if (!xvt_help_show_contents(path.view()))
+        post_error(msg_cannot_open_help, path.c_str());
+}
+
+} // namespace pellux

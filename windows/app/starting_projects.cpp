@@ -1,0 +1,61 @@
+#include "windows/app/starting_projects.h"
+
+#include "core/common/callback.h"
+#include "core/os/files.h"
+#include "windows/app/task_place.h"
+#include "windows/toolkit/window.h"
+#include "windows/workspace/new_project.h"
+#include "windows/workspace/open_projects.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace pellux {
+namespace {
+
+/// The project files of the current directory, in the order of their names.
+Vector<String> list_project_files() {
+    Vector<String> names;
+    // What can't be listed holds nothing to open.
+    static_cast<void>(list_directory(
+        ".",
+        [](void* context, std::string_view name, FileKind kind) {
+            if (kind != FileKind::directory && is_project_file(name))
+                from_context<Vector<String>>(context).emplace_back(name);
+            return true;
+        },
+        &names));
+    std::ranges::sort(names);
+    return names;
+}
+
+/// True when at least one was opened.
+bool open_all_projects() {
+    bool any = false;
+    for (const String& name : list_project_files())
+        any = open_project_here(view(name)) || any;
+    return any;
+}
+
+} // namespace
+
+void open_starting_projects(Shell& shell) {
+    if (!std::exchange(shell.is_placed, true))
+        restore_task_place(shell.placement);
+    // Boxes that come now stand before their program's window.
+    xvt_vobj_set_visible(xvt_win_get_task(), true);
+    const String project = shell.options.project.value_or(String());
+    const std::string_view own_directory = directory_part(view(project));
+    const std::string_view name = file_name_part(view(project));
+    const String directory =
+        own_directory.empty() ? shell.options.directory.value_or(String()) : String(own_directory);
+    const bool is_there = directory.empty() || !failed(change_directory(view(directory)));
+    // Where the project's directory is missing, the one of its name here is another project.
+    const bool is_here = is_there || own_directory.empty();
+    if (!name.empty() && (is_here ? open_project_here(name) : open_project_in(own_directory, name)))
+        return;
+    if (!open_all_projects())
+        ask_for_new_project();
+}
+
+} // namespace pellux

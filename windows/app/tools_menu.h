@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/project/tool_lines.h"
+#include "windows/toolkit/event.h"
+
+namespace pellux {
+
+// The Tools menu: programs that the device catalogue names. Without catalogue or tools there is
+// none.
+
+inline constexpr int k_tools_menu = 5100;
+inline constexpr int k_first_tool = 5000; ///< tag of the first tool, the others follow
+
+/// The tools, read when they are first wanted.
+struct ToolsMenu {
+    Vector<ToolLine> tools;
+    bool is_read = false;
+};
+
+/// Puts the menu in front of the window's Help menu.
+void insert_tools_menu(ToolsMenu& menu, Window window);
+/// Runs the tool of a tag in the current directory; false when the tag is no tool's.
+bool run_tool(ToolsMenu& menu, int tag);
+
+} // namespace pellux

@@ -1,0 +1,128 @@
+#include "windows/workspace/new_project.h"
+
+#include "core/os/files.h"
+#include "windows/workspace/boxes.h"
+#include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
+
+#include <array>
+
+namespace pellux {
+namespace {
+
+constexpr int k_dialog = 111;
+constexpr int k_directory_row = 1;
+constexpr int k_name_row = 2;
+constexpr int k_choose_row = 3;
+constexpr std::string_view k_usual_name = "brix.bpr";
+
+constexpr std::array k_rows{
+    DialogRowResource{k_directory_row, DialogRowKind::edit, "&Directory:", 0},
+    DialogRowResource{k_name_row, DialogRowKind::edit, "Project file:", 0},
+    DialogRowResource{k_choose_row, DialogRowKind::button, "&Choose name...", 0},
+};
+constexpr std::array k_buttons{k_ok, k_cancel};
+constexpr std::array k_dialogs{DialogResource{k_dialog, "New Project", k_rows, k_buttons}};
+
+/// Bytes beyond ASCII are letters here.
+bool is_letter(char c) {
+    const char folded = static_cast<char>(c | 0x20);
+    return (folded >= 'a' && folded <= 'z') || static_cast<unsigned char>(c) >= 0x80;
+}
+
+String& value_of(Dialog& dialog, int row) {
+    return find_row(dialog, row)->value;
+}
+
+/// What the button for the name does.
+void choose_name(Dialog& dialog) {
+    const String title = format_message(msg_choose_project_name);
+    FileChoice choice;
+    if (!xvt_dm_post_file_open({.title = view(title),
+                                .directory = {},
+                                .name = k_usual_name,
+                                .extension = k_project_extension},
+                               choice))
+        return;
+    const bool is_name = !choice.name.empty() && is_letter(choice.name.front());
+    value_of(dialog, k_directory_row) = choice.directory;
+    value_of(dialog, k_name_row) =
+        is_name ? project_file_name(view(choice.name)) : String(k_usual_name);
+}
+
+/// `text` from the root on, without separators at its end; false when it is too long.
+bool make_absolute(std::string_view text, PathBuffer& path) {
+    if (failed(current_directory(path)))
+        path.clear();
+    if (!path.join(text))
+        return false;
+    std::string_view shorter = path.view();
+    while (shorter.size() > 1 && is_separator(shorter.back()))
+        shorter.remove_suffix(1);
+    return path.assign(shorter);
+}
+
+/// Makes the directory if need be, and goes there; false after the user was told.
+bool enter_new_directory(const String& text, PathBuffer& directory) {
+    if (make_absolute(view(text), directory) && !failed(make_directories(directory.view())) &&
+        !failed(change_directory(directory.view())))
+        return true;
+    post_error(msg_cannot_create_directory, directory.empty() ? text.c_str() : directory.c_str());
+    return false;
+}
+
+/// What "OK" does; false keeps the dialog open.
+bool make_project(Dialog& dialog) {
+    const String text = value_of(dialog, k_directory_row);
+    if (text.empty())
+        return true;
+    PathBuffer directory;
+    if (!enter_new_directory(text, directory))
+        return false;
+    // The open projects know their directories without links.
+    PathBuffer resolved;
+    if (failed(current_directory(resolved)))
+        resolved = directory;
+    const String& name = value_of(dialog, k_name_row);
+    PathBuffer path = directory;
+    const bool fits = path.join(view(name));
+    if (!fits || file_exists(path.view()) ||
+        find_open_project(resolved.view(), view(name)) != nullptr) {
+        post_error(msg_project_exists, fits ? path.c_str() : name.c_str());
+        return false;
+    }
+    Owned<Project> project = make_owned<Project>();
+    project->file_name.assign(view(name));
+    project->directory = resolved.view();
+    add_project(std::move(project));
+    return true;
+}
+
+} // namespace
+
+void register_new_project() {
+    xvt_res_register({.dialogs = k_dialogs});
+}
+
+void ask_for_new_project() {
+    Dialog dialog;
+    if (!xvt_dlg_create_res(dialog, k_dialog)) {
+        post_error(msg_no_dialog);
+        return;
+    }
+    PathBuffer directory;
+    if (!failed(current_directory(directory)))
+        value_of(dialog, k_directory_row) = directory.view();
+    // The name is chosen together with its place, by the button.
+    value_of(dialog, k_name_row) = k_usual_name;
+    find_row(dialog, k_name_row)->is_enabled = false;
+    for (;;) {
+        const int button = xvt_dlg_ask(dialog);
+        if (button == k_button_rows + k_choose_row)
+            choose_name(dialog);
+        else if (button != 0 || make_project(dialog))
+            return;
+    }
+}
+
+} // namespace pellux

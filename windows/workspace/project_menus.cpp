@@ -1,0 +1,87 @@
+#include "windows/workspace/project_menus.h"
+
+#include <algorithm>
+#include <array>
+
+namespace pellux {
+namespace {
+
+constexpr MenuResource item(const char* title, ProjectCommand command,
+                            const char* shortcut = nullptr) {
+    return {static_cast<int>(command), title, {}, shortcut, true};
+}
+/// One whose command is not there yet.
+constexpr MenuResource without_command(const char* title, ProjectCommand command) {
+    return {static_cast<int>(command), title, {}, nullptr, false};
+}
+
+using enum ProjectCommand;
+
+constexpr std::array k_project{
+    item("&New...", new_project, "Ctrl+N"),
+    item("&Open...", open, "Ctrl+O"),
+    item("&Close", close, "Ctrl+W"),
+    item("&Save", save, "Ctrl+S"),
+    without_command("&Print", print),
+    without_command("P&rint setup...", print_setup),
+    item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
+};
+constexpr std::array k_files{
+    without_command("&Add...", add),
+    without_command("A&dd all", add_all),
+    without_command("Add P&LA", add_pla),
+    without_command("&Remove", remove),
+    without_command("Cu&t", cut),
+    without_command("&Copy", copy),
+    without_command("&Paste", paste),
+    without_command("&Select all", select_all),
+    without_command("&Move up", move_up),
+    without_command("Move do&wn", move_down),
+    without_command("Li&braries...", libraries),
+    without_command("A&nnotate...", annotate),
+};
+constexpr std::array k_info{
+    without_command("&Report file...", report_file),
+    without_command("&Control file...", control_file),
+    without_command("&Source file...", source_file),
+    without_command("&Tool versions...", tool_versions),
+};
+constexpr std::array k_search{
+    without_command("All &project files...", search_project),
+    without_command("&Selected files...", search_selected),
+    without_command("All &VHDL files...", search_vhdl),
+};
+constexpr std::array k_font{without_command("&Select...", select_font)};
+constexpr std::array k_help{item("&Contents", help_contents, "F1")};
+
+constexpr std::array k_menus{
+    MenuResource{1020, "&Project", k_project, nullptr, true},
+    MenuResource{1059, "&Files", k_files, nullptr, true},
+    MenuResource{1095, "&Info", k_info, nullptr, true},
+    MenuResource{1097, "&Search", k_search, nullptr, true},
+    MenuResource{32050, "Fon&t", k_font, nullptr, true},
+    MenuResource{k_help_menu, "&Help", k_help, nullptr, true},
+};
+
+constexpr bool tags_differ() {
+    std::array<int, 64> tags{};
+    auto end = tags.begin();
+    for (const MenuResource& menu : k_menus) {
+        *end++ = menu.tag;
+        for (const MenuResource& below : menu.items)
+            *end++ = below.tag;
+    }
+    std::sort(tags.begin(), end);
+    return std::adjacent_find(tags.begin(), end) == end;
+}
+static_assert(tags_differ());
+
+constexpr std::array k_bars{MenuBarResource{k_project_menu_bar, k_menus}};
+
+} // namespace
+
+std::span<const MenuBarResource> project_menu_bars() {
+    return k_bars;
+}
+
+} // namespace pellux
