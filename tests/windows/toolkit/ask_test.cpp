@@ -332,6 +332,7 @@ TEST(StringPrompt, LimitsBytesAndKeepsWhatWasNotTyped) {
                 }
                 auto* field = qobject_cast<QLineEdit*>(box.focusWidget());
                 ASSERT_NE(field, nullptr);
+                EXPECT_EQ(field->accessibleName(), "Go to <line>");
                 if (const QString text = QString::fromUtf16(row.typed); !text.isEmpty())
                     field->insert(text);
                 press(box, Qt::Key_Return);

@@ -141,8 +141,9 @@ Rect random_rect(std::mt19937& random) {
 /// Edges where a scroll or an update reaches many pixels.
 Rect random_large_rect(std::mt19937& random) {
     Rect rect = random_rect(random);
+    const auto up_to = [&](unsigned most) { return static_cast<int>(random() % most); };
     if (random() % 2 == 0)
-        rect = {static_cast<int>(random() % 8), 0, 80 + static_cast<int>(random() % 200), 1000};
+        rect = {up_to(8), up_to(8), 80 + up_to(200), 112 + up_to(20)};
     return rect;
 }
 
@@ -221,6 +222,8 @@ TEST(DrawTest, ScrollMovesPixelsAsPlainLoopsDo) {
 TEST(DrawTest, WhatIsPendingMovesWithThePixelsAndIsDrawnOnce) {
     std::mt19937 random(23);
     Sheet sheet;
+    xvt_dwin_set_pen(sheet.window, {.style = PenStyle::none});
+    xvt_dwin_set_brush(sheet.window, {.color = Color::red});
     for (int round = 0; round < 60; ++round) {
         QImage invalid(sheet.size(), QImage::Format_Grayscale8);
         invalid.fill(0);
@@ -244,7 +247,12 @@ TEST(DrawTest, WhatIsPendingMovesWithThePixelsAndIsDrawnOnce) {
         // The event's drawing reaches exactly what was pending, and the window's clip still holds.
         const bool has_clip = round % 2 == 0;
         const Rect clip = random_rect(random);
-        sheet.draw = [&] { xvt_dwin_clear(sheet.window, Color::red); };
+        sheet.draw = [&] {
+            if (round % 3 == 0)
+                xvt_dwin_clear(sheet.window, Color::red);
+            else
+                xvt_dwin_draw_round_rect(sheet.window, {-50, -50, 150, 200}, 9);
+        };
         xvt_dwin_clear(sheet.window, Color::white);
         xvt_dwin_set_clip(sheet.window, has_clip ? std::optional(clip) : std::nullopt);
         sheet.updates.clear();
@@ -324,11 +332,11 @@ TEST(DrawTest, DrawingInAnUpdateEventNeedsNoSecondPainting) {
     // What is asked for while it is painted comes with the next one.
     sheet.draw = [&] {
         if (sheet.updates.size() == 2)
-            xvt_dwin_invalidate_rect(sheet.window, {50, 50, 60, 60});
+            xvt_dwin_invalidate_rect(sheet.window, {1, 1, 2, 2});
     };
     xvt_dwin_invalidate_rect(sheet.window, {1, 1, 2, 2});
     process_events();
-    EXPECT_EQ(sheet.updates.back(), (Rect{50, 50, 60, 60}));
+    EXPECT_EQ(sheet.updates.size(), 3U);
     EXPECT_EQ(sheet.paints, 3);
     // And what is drawn on its own is shown.
     xvt_dwin_draw_line(sheet.window, {1, 1}, {9, 9});
@@ -428,12 +436,53 @@ TEST(DrawTest, TextIsAsWideAsItsCharacters) {
             ASSERT_NEAR(qGray(whole.picture().pixel(x, y)), qGray(before.pixel(x, y)), 3);
     EXPECT_NE(before, drawn);
     // Control characters show nothing, but their width.
-    xvt_dwin_set_encoding(whole.window, TextEncoding::latin1);
-    xvt_dwin_clear(whole.window, Color::white);
-    xvt_dwin_draw_text(whole.window, 2, 30, "\t\x01\x7F\x85\r\n");
-    EXPECT_EQ(whole.picture(), drawn);
-    EXPECT_EQ(xvt_dwin_get_text_width(whole.window, "\t\x01\x7F\x85\r\n"),
-              xvt_dwin_get_text_width(whole.window, "      "));
+    for (const TextEncoding encoding : {TextEncoding::latin1, TextEncoding::utf8}) {
+        const std::string text =
+            encoding == TextEncoding::latin1 ? "\t\x01\x7F\x85\r\n" : "\t\x01\x7F\xC2\x85\r\n";
+        xvt_dwin_set_encoding(whole.window, encoding);
+        xvt_dwin_clear(whole.window, Color::white);
+        xvt_dwin_draw_text(whole.window, 2, 30, text);
+        EXPECT_EQ(whole.picture(), drawn);
+        EXPECT_EQ(xvt_dwin_get_text_width(whole.window, text),
+                  xvt_dwin_get_text_width(whole.window, "      "));
+    }
+}
+
+TEST(DrawTest, LinesHaveBothEndsAndTheirWidth) {
+    struct Row {
+        Point from;
+        Point to;
+        Pen pen;
+        QRect ink;
+        int pixels;
+    };
+    const Row rows[] = {
+        {{3, 2}, {9, 2}, {}, {3, 2, 7, 1}, 7},
+        {{2, 9}, {2, 3}, {.width = 3}, {1, 3, 3, 7}, 21},
+        {{4, 4}, {4, 4}, {.width = 2}, {4, 4, 1, 2}, 2},
+        {{3, 2}, {9, 2}, {.style = PenStyle::dotted}, {3, 2, 7, 1}, 4},
+        {{2, 3}, {2, 12}, {.width = 2, .style = PenStyle::dotted}, {2, 3, 2, 10}, 12},
+        {{3, 3}, {9, 9}, {.style = PenStyle::none}, {}, 0},
+    };
+    for (const Row& row : rows) {
+        Sheet sheet;
+        xvt_dwin_set_pen(sheet.window, row.pen);
+        xvt_dwin_draw_line(sheet.window, row.from, row.to);
+        const QImage shown = sheet.picture();
+        int pixels = 0;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                const bool is_ink = shown.pixelColor(x, y) != shown_paper(Color::white);
+                EXPECT_TRUE(!is_ink || row.ink.contains(x, y)) << x << ' ' << y;
+                pixels += is_ink ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(pixels, row.pixels);
+    }
+    Sheet sheet;
+    xvt_dwin_draw_line(sheet.window, {3, 3}, {20, 11});
+    for (const QPoint end : {QPoint(3, 3), QPoint(20, 11)})
+        EXPECT_LT(qGray(sheet.picture().pixel(end)), 128);
 }
 
 TEST(DrawTest, OfALongTextThatIsDrawnWhichIsSeen) {
@@ -614,6 +663,7 @@ TEST(PictureTest, OnlyGoodFilesAreShownAndFaultsAreToldOnce) {
     EXPECT_EQ(disabled.pixelColor(4, 10), palette.color(QPalette::Disabled, QPalette::ButtonText));
     const QColor gray = disabled.pixelColor(15, 10);
     EXPECT_EQ(gray.saturation(), 0);
+    EXPECT_NEAR(gray.red(), qGray(qRgb(255, 0, 0)), 2);
     EXPECT_NEAR(gray.alpha(), 127, 1);
     EXPECT_EQ(picture(990'001, 1 << 30, ImageLook::normal).width(), 1024);
     EXPECT_TRUE(picture(990'001, -1, ImageLook::normal).width() == 1);

@@ -61,7 +61,7 @@ void xvt_app_end() {
 }
 
 int xvt_app_create(const AppConfig& config, EventHandler task_handler) {
-    QGuiApplication::setApplicationDisplayName(to_qstring(config.name));
+    QCoreApplication::setApplicationName(to_qstring(config.name));
     QGuiApplication::setDesktopFileName(to_qstring(config.base_name));
     set_about_box(config.about_box, config.name);
     if (config.mark != 0)

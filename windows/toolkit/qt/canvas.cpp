@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QStyleHints>
+#include <QTimer>
 
 #include <array>
 #include <utility>
@@ -107,6 +108,13 @@ bool Canvas::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1)
         event->accept();
+    // The window may be on a screen with other pixels now.
+    if (event->type() == QEvent::ScreenChangeInternal) {
+        QTimer::singleShot(0, this, [this] {
+            take_size();
+            take_theme();
+        });
+    }
     if (takes_tab_ && event->type() == QEvent::KeyPress) {
         auto& key = static_cast<QKeyEvent&>(*event);
         if (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) {
@@ -123,6 +131,10 @@ void Canvas::paintEvent(QPaintEvent* event) {
 }
 
 void Canvas::resizeEvent(QResizeEvent*) {
+    take_size();
+}
+
+void Canvas::take_size() {
     Rect client{0, 0, height(), width()};
     if (Surface* surface = find_surface(window_)) {
         fit_surface(*surface);
@@ -131,6 +143,12 @@ void Canvas::resizeEvent(QResizeEvent*) {
         client.bottom = end.y;
     }
     tell(Event{SizeEvent{client.right, client.bottom}});
+}
+
+void Canvas::take_theme() {
+    tell(Event{ThemeEvent{}});
+    if (Surface* surface = find_surface(window_))
+        renew_surface(*surface);
 }
 
 void Canvas::press(const QMouseEvent& event, int clicks) {
@@ -191,9 +209,7 @@ void Canvas::changeEvent(QEvent* event) {
     const QEvent::Type type = event->type();
     if (type != QEvent::PaletteChange && type != QEvent::FontChange && type != QEvent::StyleChange)
         return;
-    tell(Event{ThemeEvent{}});
-    if (Surface* surface = find_surface(window_))
-        renew_surface(*surface);
+    take_theme();
 }
 
 } // namespace pellux

@@ -28,6 +28,8 @@ protected:
 
 private:
     void tell(const Event& event);
+    void take_size();
+    void take_theme();
     void press(const QMouseEvent& event, int clicks);
     [[nodiscard]] Point place(const QMouseEvent& event) const;
 

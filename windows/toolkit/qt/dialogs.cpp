@@ -34,6 +34,18 @@ Vector<String> lines_of(std::string_view text) {
     return lines;
 }
 
+bool has_label(const DialogRow& row) {
+    return (row.kind == DialogRowKind::edit || row.kind == DialogRowKind::list) &&
+           !row.label.empty();
+}
+
+/// What a screen reader says for a label.
+QString spoken(QString label) {
+    if (label.endsWith(u':'))
+        label.chop(1);
+    return label;
+}
+
 /// A row as it stands on the screen.
 struct ShownRow {
     int id = 0;
@@ -74,6 +86,10 @@ void DialogBox::take(const Question& question) {
     QString mnemonics;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         fill(rows_[i], question.rows[i]);
+        // A text above a field without a label is meant for it.
+        if (i > 0 && rows_[i].field->accessibleName().isEmpty() &&
+            rows_[i - 1].kind == DialogRowKind::text)
+            rows_[i].field->setAccessibleName(spoken(to_qstring(view(question.rows[i - 1].label))));
         if (const QKeySequence used =
                 QKeySequence::mnemonic(to_qstring(view(question.rows[i].label)));
             !used.isEmpty() && question.rows[i].kind != DialogRowKind::text)
@@ -89,7 +105,8 @@ void DialogBox::take(const Question& question) {
 bool DialogBox::has_shape_of(const Question& question) const {
     return body_ != nullptr &&
            std::ranges::equal(rows_, question.rows, [](const ShownRow& a, const DialogRow& b) {
-               return a.id == b.id && a.kind == b.kind && a.length_max == b.length_max;
+               return a.id == b.id && a.kind == b.kind && a.length_max == b.length_max &&
+                      (a.label != nullptr) == has_label(b);
            });
 }
 
@@ -106,10 +123,9 @@ void DialogBox::build(const Question& question) {
     for (const DialogRow& row : question.rows) {
         ShownRow shown{row.id, row.kind, row.length_max, nullptr, make_field(row)};
         const int line = grid->rowCount();
-        const bool has_label = row.kind == DialogRowKind::edit || row.kind == DialogRowKind::list;
         if (row.kind == DialogRowKind::button) {
             add_beside(*grid, static_cast<QPushButton*>(shown.field));
-        } else if (has_label && !row.label.empty()) {
+        } else if (has_label(row)) {
             shown.label = new QLabel;
             shown.label->setTextFormat(Qt::PlainText);
             shown.label->setBuddy(shown.field);
@@ -209,10 +225,7 @@ void DialogBox::fill(ShownRow& shown, const DialogRow& row) {
         static_cast<QPushButton*>(shown.field)->setText(label);
         break;
     }
-    QString name = without_mnemonic(label);
-    if (name.endsWith(u':'))
-        name.chop(1);
-    shown.field->setAccessibleName(name);
+    shown.field->setAccessibleName(spoken(without_mnemonic(label)));
 }
 
 void DialogBox::focus_first() {

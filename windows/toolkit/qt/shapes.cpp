@@ -123,7 +123,7 @@ void put_round_rect(Surface& surface, const Rect& box, int radius, const DeviceP
     if (is_empty(near))
         return;
     const double edge = pen.style == PenStyle::none ? 0 : pen.width;
-    const double round = std::min({radius, k_radius_max, width(near) / 2, height(near) / 2});
+    const double round = std::min(radius, k_radius_max);
     const QRectF whole(qrect_of(near));
     const QPainterPath middle = round_path(whole.adjusted(edge / 2, edge / 2, -edge / 2, -edge / 2),
                                            std::max(0.0, round - edge / 2));

@@ -10,7 +10,7 @@ namespace pellux {
 // How stored colours are shown under the desktop's palette.
 
 /// Black as text is the palette's text, white as paper its base, light gray as paper its window
-/// colour; another paper stays as it is.
+/// colour; another paper stays as it is. What a brush fills is paper.
 [[nodiscard]] QColor shown_paper(Color paper);
 /// Ink on a paper. Black on white, the palette's text on its base, is as the desktop has it; what
 /// else is not readable is made lighter or darker, its hue kept, until its contrast is 4.5 (WCAG
