@@ -21,6 +21,15 @@ QWidget* widget_at(Window window) {
     return record == nullptr ? nullptr : record->widget.data();
 }
 
+/// The part of a native control that is under the pointer, and the place in it.
+QWidget* part_at(QWidget* widget, QPoint& place) {
+    QWidget* part = widget == nullptr ? nullptr : widget->childAt(place);
+    if (part == nullptr || window_of(*part) != Window::none)
+        return widget;
+    place = part->mapFrom(widget, place);
+    return part;
+}
+
 /// A place in the window as one in its widget, in logical pixels.
 QPoint logical(Window window, Point at) {
     const WindowRecord* record = find_window(window);
@@ -115,14 +124,16 @@ void type_text(std::string_view text) {
 }
 
 void press_pointer(Window window, Point at, PointerButton button, Modifiers with) {
-    if (QWidget* widget = widget_at(window))
-        QTest::mousePress(widget, qt_button(button), qt_modifiers(with), logical(window, at));
+    QPoint place = logical(window, at);
+    if (QWidget* part = part_at(widget_at(window), place))
+        QTest::mousePress(part, qt_button(button), qt_modifiers(with), place);
     process_events();
 }
 
 void release_pointer(Window window, Point at, PointerButton button) {
-    if (QWidget* widget = widget_at(window))
-        QTest::mouseRelease(widget, qt_button(button), {}, logical(window, at));
+    QPoint place = logical(window, at);
+    if (QWidget* part = part_at(widget_at(window), place))
+        QTest::mouseRelease(part, qt_button(button), {}, place);
     process_events();
 }
 
@@ -143,8 +154,9 @@ void click(Window window, Point at, PointerButton button, Modifiers with) {
 }
 
 void double_click(Window window, Point at) {
-    if (QWidget* widget = widget_at(window))
-        QTest::mouseDClick(widget, Qt::LeftButton, {}, logical(window, at));
+    QPoint place = logical(window, at);
+    if (QWidget* part = part_at(widget_at(window), place))
+        QTest::mouseDClick(part, Qt::LeftButton, {}, place);
     process_events();
 }
 
