@@ -30,7 +30,7 @@ namespace {
 using namespace pellux;
 
 constexpr int k_show_number = 9001;
-constexpr int k_show_width_px = 1020;
+constexpr int k_show_width_px = 1090;
 constexpr std::array k_show{WindowResource{
     .number = k_show_number, .title = "Toolbars", .width = k_show_width_px, .height = 320}};
 
