@@ -1,6 +1,6 @@
 #include "windows/app/tools_menu.h"
 
-#include "core/os/process.h"
+#include "core/launch/spawner.h"
 #include "core/project/device_catalogue.h"
 #include "windows/app/messages.h"
 #include "windows/toolkit/menu.h"
@@ -43,10 +43,7 @@ bool start_tool(const ToolLine& tool, const String& program) {
     for (std::size_t i = 1; i < tool.words.size(); ++i)
         words.push_back(tool.words[i].c_str());
     words.push_back(nullptr);
-    ProcessRequest request;
-    request.program = program.c_str();
-    request.arguments = words.data();
-    return !failed(start_detached(request));
+    return Spawner::run(program.c_str(), words.data());
 }
 
 } // namespace

@@ -96,8 +96,10 @@ void TaskWindow::closeEvent(QCloseEvent* event) {
 }
 
 void TaskWindow::set_ground() {
-    constexpr int k_darker_percent = 108;
-    area_->setBackground(palette().window().color().darker(k_darker_percent));
+    // A shade below the windows that stand on it; dark ones need more of it to be seen.
+    const QColor window = palette().window().color();
+    const int percent = window.lightness() < 128 ? 135 : 108;
+    area_->setBackground(window.darker(percent));
 }
 
 bool TaskWindow::event(QEvent* event) {
