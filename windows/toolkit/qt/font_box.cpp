@@ -52,16 +52,20 @@ QFont to_qfont(Font font) {
     return shown;
 }
 
-/// `before` with what was chosen. Its family keeps the name that it has, which may stand for the
-/// one that was shown.
-Font to_font(const QFont& chosen, const QFont& shown, Font before) {
-    if (chosen.family() != shown.family())
+/// `before` with what the user changed since the box stood at `offered`. Its family keeps the name
+/// that it has, which may stand for the one that was shown, and it keeps a style that the family
+/// has no face for, which the box can't show.
+Font to_font(const QFont& chosen, const QFont& offered, Font before) {
+    if (chosen.family() != offered.family())
         xvt_font_set_family(before, view(to_text(chosen.family())));
     xvt_font_set_size(before, chosen.pointSize());
-    xvt_font_set_style(
-        before, static_cast<std::uint16_t>((chosen.bold() ? bit(FontStyle::bold) : 0) |
-                                           (chosen.italic() ? bit(FontStyle::italic) : 0) |
-                                           (chosen.underline() ? bit(FontStyle::underline) : 0)));
+    const auto take = [&](FontStyle style, bool is_chosen, bool was_offered) {
+        if (is_chosen != was_offered)
+            before.style = static_cast<std::uint16_t>(before.style ^ bit(style));
+    };
+    take(FontStyle::bold, chosen.bold(), offered.bold());
+    take(FontStyle::italic, chosen.italic(), offered.italic());
+    take(FontStyle::underline, chosen.underline(), offered.underline());
     return before;
 }
 
@@ -81,8 +85,8 @@ protected:
 } // namespace
 
 Answer ask_font(const Question& question) {
-    const QFont shown = to_qfont(question.font);
-    const QPointer<QFontDialog> box = new QFontDialog(shown, box_parent());
+    const QPointer<QFontDialog> box = new QFontDialog(to_qfont(question.font), box_parent());
+    const QFont offered = box->currentFont();
     box->setOption(QFontDialog::DontUseNativeDialog);
     box->setWindowTitle(to_qstring(view(question.title)));
     // The families are the first of the box's three lists, and striking out, which our fonts have
@@ -100,7 +104,7 @@ Answer ask_font(const Question& question) {
         return answer;
     if (is_accepted) {
         answer.button = 0;
-        answer.font = to_font(box->selectedFont(), shown, question.font);
+        answer.font = to_font(box->selectedFont(), offered, question.font);
     }
     delete box;
     return answer;
