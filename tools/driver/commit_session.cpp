@@ -1,3 +1,4 @@
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/os/safe_write.h"

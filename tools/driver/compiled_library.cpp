@@ -1,5 +1,6 @@
 #include "tools/driver/compiled_library.h"
 
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "tools/driver/source_place.h"

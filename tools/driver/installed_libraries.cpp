@@ -1,6 +1,7 @@
 #include "tools/driver/installed_libraries.h"
 
 #include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"

@@ -1,10 +1,10 @@
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "tools/driver/compile_session.h"
 #include "tools/driver/local_libraries.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/session_contents.h"
-#include "tools/driver/source_place.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,12 +1,12 @@
 #include "tools/driver/sim_design.h"
 
 #include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/project/project_file.h"
 #include "tools/driver/messages.h"
-#include "tools/driver/source_place.h"
 #include "tools/driver/top_units.h"
 #include "tools/driver/vhdl_lexer.h"
 

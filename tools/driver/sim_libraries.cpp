@@ -1,5 +1,6 @@
 #include "tools/driver/sim_libraries.h"
 
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"

@@ -1,6 +1,7 @@
 #include "tools/driver/source_place.h"
 
 #include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/os/path.h"
@@ -12,32 +13,6 @@ namespace pellux {
 namespace {
 
 constexpr std::string_view k_way_extension = "vif";
-
-/// Takes the first component off `path`, separators passed over; empty at the end.
-std::string_view next_component(std::string_view& path) {
-    while (!path.empty() && is_separator(path.front()))
-        path.remove_prefix(1);
-    std::size_t length = 0;
-    while (length < path.size() && !is_separator(path[length]))
-        ++length;
-    const std::string_view component = path.substr(0, length);
-    path.remove_prefix(length);
-    return component;
-}
-
-void go(String& path, std::string_view way) {
-    for (std::string_view name = next_component(way); !name.empty(); name = next_component(way)) {
-        if (name == ".")
-            continue;
-        if (name == "..") {
-            path.resize(directory_part(view(path)).size());
-            continue;
-        }
-        if (path.empty() || !is_separator(path.back()))
-            path += path_separator();
-        path += name;
-    }
-}
 
 /// The way that a ".vif" holds; empty when it holds none.
 String read_way(std::string_view path) {
@@ -51,34 +26,6 @@ String read_way(std::string_view path) {
 }
 
 } // namespace
-
-String absolute_path(std::string_view directory, std::string_view path) {
-    String whole;
-    if (!is_absolute(path))
-        go(whole, directory);
-    go(whole, path);
-    return whole;
-}
-
-String relative_path(std::string_view directory, std::string_view file) {
-    for (;;) {
-        std::string_view rest_of_directory = directory;
-        std::string_view rest_of_file = file;
-        const std::string_view component = next_component(rest_of_directory);
-        if (component.empty() || component != next_component(rest_of_file))
-            break;
-        directory = rest_of_directory;
-        file = rest_of_file;
-    }
-    String way;
-    while (!next_component(directory).empty()) {
-        way += "..";
-        way += path_separator();
-    }
-    String rest;
-    go(rest, file);
-    return way.append(rest, 1);
-}
 
 String vif_name(std::string_view library_directory, std::string_view file) {
     const std::string_view name = file_name_part(file);

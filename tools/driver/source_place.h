@@ -9,13 +9,6 @@ namespace pellux {
 // Where the sources of a library lie: GHDL's library files hold absolute directories, ours hold
 // paths that survive a move of the tree.
 
-/// `path`, counted from the absolute `directory`, without "." and ".." as far as they can be
-/// resolved in the text.
-[[nodiscard]] String absolute_path(std::string_view directory, std::string_view path);
-
-/// The way from one absolute directory to a file, with ".." where it leaves the directory.
-[[nodiscard]] String relative_path(std::string_view directory, std::string_view file);
-
 /// "work/alu.vif" for any source "alu.vhd" of the library in "work".
 [[nodiscard]] String vif_name(std::string_view library_directory, std::string_view file);
 

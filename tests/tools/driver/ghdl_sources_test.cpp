@@ -1,6 +1,6 @@
 #include "core/diagnostics/message.h"
+#include "tests/core/os/rounds.h"
 #include "tests/tools/driver/compiled_tree.h"
-#include "tests/tools/driver/rounds.h"
 #include "tests/tools/driver/scratch.h"
 #include "tools/driver/library_name.h"
 

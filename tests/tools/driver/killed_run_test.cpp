@@ -1,6 +1,6 @@
+#include "tests/core/os/rounds.h"
 #include "tests/tools/driver/compiled_tree.h"
 #include "tests/tools/driver/generated_design.h"
-#include "tests/tools/driver/rounds.h"
 #include "tests/tools/driver/scratch.h"
 
 #include <random>

@@ -1,0 +1,65 @@
+#include "core/common/lexical_path.h"
+
+#include "core/os/path.h"
+
+namespace pellux {
+namespace {
+
+/// Takes the first component off `path`, separators passed over; empty at the end.
+std::string_view next_component(std::string_view& path) {
+    while (!path.empty() && is_separator(path.front()))
+        path.remove_prefix(1);
+    std::size_t length = 0;
+    while (length < path.size() && !is_separator(path[length]))
+        ++length;
+    const std::string_view component = path.substr(0, length);
+    path.remove_prefix(length);
+    return component;
+}
+
+void go(String& path, std::string_view way) {
+    for (std::string_view name = next_component(way); !name.empty(); name = next_component(way)) {
+        if (name == ".")
+            continue;
+        if (name == "..") {
+            path.resize(directory_part(view(path)).size());
+            continue;
+        }
+        if (path.empty() || !is_separator(path.back()))
+            path += path_separator();
+        path += name;
+    }
+}
+
+} // namespace
+
+String absolute_path(std::string_view directory, std::string_view path) {
+    String whole;
+    if (!is_absolute(path))
+        go(whole, directory);
+    go(whole, path);
+    return whole;
+}
+
+String relative_path(std::string_view directory, std::string_view file) {
+    for (;;) {
+        std::string_view rest_of_directory = directory;
+        std::string_view rest_of_file = file;
+        const std::string_view component = next_component(rest_of_directory);
+        if (component.empty() || component != next_component(rest_of_file))
+            break;
+        directory = rest_of_directory;
+        file = rest_of_file;
+    }
+    String way;
+    while (!next_component(directory).empty()) {
+        way += path_separator();
+        way += "..";
+    }
+    String rest;
+    go(rest, file);
+    way += rest;
+    return way.empty() ? way : way.substr(1);
+}
+
+} // namespace pellux

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "core/common/containers.h"
+
+#include <string_view>
+
+namespace pellux {
+
+// Paths as texts: "." and ".." are resolved without asking the disk, so that a link in front of a
+// ".." must be resolved before.
+
+/// `path`, counted from the absolute `directory`, without "." and ".." as far as they can be
+/// resolved in the text.
+[[nodiscard]] String absolute_path(std::string_view directory, std::string_view path);
+
+/// The way from one absolute directory to a file, with ".." where it leaves the directory; empty
+/// for the directory itself.
+[[nodiscard]] String relative_path(std::string_view directory, std::string_view file);
+
+} // namespace pellux

@@ -1,0 +1,356 @@
+#include "core/project/source_list.h"
+
+#include "core/common/callback.h"
+#include "core/os/files.h"
+#include "core/project/project_file.h"
+#include "core/project/project_state.h"
+#include "core/project/source_clipboard.h"
+#include "tests/core/os/rounds.h"
+#include "tests/core/os/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TemporaryDirectory;
+
+struct Row {
+    std::string name;
+    bool selected = false;
+    bool top = false;
+    bool operator==(const Row&) const = default;
+};
+using Rows = std::vector<Row>;
+
+Rows rows_of(const Project& project, Selection selection) {
+    Rows rows;
+    for (const auto& source : project.sources)
+        rows.push_back({source->file_name.c_str(), false, source.get() == project.top_design});
+    for (const std::size_t index : selection)
+        rows.at(index).selected = true;
+    return rows;
+}
+
+/// The selected rows step towards the front of the range.
+template <typename Iterator>
+void move_model(Iterator begin, Iterator end) {
+    for (Iterator row = begin; row != end; ++row)
+        if (row != begin && row->selected && !std::prev(row)->selected)
+            std::iter_swap(row, std::prev(row));
+}
+
+TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
+    const test::Rounds rounds(100000);
+    SCOPED_TRACE("PELLUX_SEED=" + std::to_string(rounds.seed));
+    std::mt19937 random(rounds.seed);
+    const auto draw = [&](std::size_t below) { return random() % below; };
+    auto project = make_owned<Project>();
+    project->directory = "/p/q";
+    Vector<std::size_t> selection;
+    Rows model;
+    for (int round = 0; round < rounds.count; ++round) {
+        switch (draw(8)) {
+        case 0: {
+            SourceIndex index = index_sources(*project);
+            for (std::size_t count = draw(4); count > 0; --count) {
+                const std::string name = "f" + std::to_string(draw(30)) + ".vhd";
+                constexpr const char* k_inside[] = {"", "./", "s//../", "/p/q/", "../q/./"};
+                constexpr const char* k_outside[] = {"../x/", "/p/x/", "../../p/x/"};
+                const bool inside = draw(2) == 0;
+                const std::string path = (inside ? k_inside[draw(5)] : k_outside[draw(3)]) + name;
+                const std::string entry = (inside ? "" : "../x/") + name;
+                const auto at = std::find_if(model.begin(), model.end(),
+                                             [&](const Row& row) { return row.name == entry; });
+                const AddResult result = add_source(*project, index, path, SourceKind::vhdl);
+                ASSERT_EQ(result.index, static_cast<std::size_t>(at - model.begin())) << path;
+                ASSERT_EQ(result.status,
+                          at == model.end() ? AddStatus::added : AddStatus::already_listed);
+                if (at == model.end())
+                    model.push_back({entry});
+            }
+            break;
+        }
+        case 1:
+            if (draw(3) == 0) {
+                remove_sources(*project, selection);
+                selection.clear();
+                std::erase_if(model, [](const Row& row) { return row.selected; });
+            }
+            break;
+        case 2:
+            selection = move_sources_up(*project, selection);
+            move_model(model.begin(), model.end());
+            break;
+        case 3:
+            selection = move_sources_down(*project, selection);
+            move_model(model.rbegin(), model.rend());
+            break;
+        case 4: {
+            const std::size_t index = draw(model.size() + 1);
+            ASSERT_EQ(set_top_design(*project, index), index < model.size());
+            if (index == model.size())
+                clear_top_design(*project);
+            for (Row& row : model)
+                row.top = &row == model.data() + index;
+            break;
+        }
+        case 5:
+            if (draw(100) == 0) {
+                const Vector<std::byte> image = project_image(*project);
+                ProjectHeader header;
+                project = read_project(image, "image", header);
+                ASSERT_NE(project, nullptr);
+                ASSERT_EQ(project_image(*project), image);
+                project->directory = "/p/q";
+            }
+            break;
+        default:
+            selection.clear();
+            for (std::size_t i = 0, share = 1 + draw(6); i < model.size(); ++i)
+                if ((model[i].selected = draw(share) == 0))
+                    selection.push_back(i);
+        }
+        ASSERT_EQ(rows_of(*project, selection), model) << "command " << round;
+    }
+}
+
+TEST(SourceList, AddingObeysTheRulesOfNames) {
+    Project project;
+    EXPECT_EQ(add_source(project, "a.vhd", SourceKind::vhdl).status, AddStatus::impossible_name);
+    project.directory = "/my home/a/p/";
+    const std::string longest(k_source_name_max, 'n');
+    constexpr AddStatus k_impossible = AddStatus::impossible_name;
+    struct Case {
+        std::string path;
+        AddStatus status;
+        std::string entry = {};
+        std::string added_from = "\\my home\\a\\p";
+    };
+    const Case cases[] = {
+        {"a.vhd", AddStatus::added, "a.vhd"},
+        {"/my home/a/p/./sub/b.vhd", AddStatus::added, "sub/b.vhd", "\\my home\\a\\p\\sub"},
+        {"/my home/a/x/y.vhd", AddStatus::added, "../x/y.vhd", "\\my home\\a\\x"},
+        {"/c.pla", AddStatus::added, "../../../c.pla", "\\"},
+        {"\xE4\"'%s%n.vhd", AddStatus::added, "\xE4\"'%s%n.vhd"},
+        {"-ga.vhd", AddStatus::added, "./-ga.vhd"},
+        {longest, AddStatus::added, longest},
+        {longest + "n", AddStatus::too_long},
+        {"/other dir/z.vhd", AddStatus::holds_blank},
+        {"a b.vhd", AddStatus::holds_blank},
+        {"a\tb.vhd", AddStatus::holds_blank},
+        {"a\n", AddStatus::holds_blank},
+        {std::string("a\0.vhd", 6), AddStatus::holds_blank},
+        {"\x7F.vhd", AddStatus::holds_blank},
+        {"", k_impossible},
+        {"/", k_impossible},
+        {"sub/", k_impossible},
+        {"x/..", k_impossible},
+        {"/my home/a/p", k_impossible},
+        {"/my home/a", k_impossible},
+        {"/my home", k_impossible},
+    };
+    std::size_t count = 0;
+    for (const Case& row : cases) {
+        const AddResult result = add_source(project, row.path, kind_of_name(row.path));
+        EXPECT_EQ(result.status, row.status) << row.path;
+        count += row.status == AddStatus::added ? 1 : 0;
+        ASSERT_EQ(project.sources.size(), count) << row.path;
+        if (row.status != AddStatus::added)
+            continue;
+        const VHDL_source& source = *project.sources.back();
+        EXPECT_EQ(source.file_name.view(), row.entry);
+        EXPECT_EQ(source.added_from.view(), row.added_from);
+        EXPECT_EQ(source.kind == SourceKind::pla, row.path == "/c.pla");
+        EXPECT_EQ(source.options.flags, k_new_project_flags);
+    }
+}
+
+TEST(SourceList, PlaFilesStandAloneAndAddAllTakesVhdFilesOfAnyCase) {
+    const TemporaryDirectory directory;
+    for (const char* name : {"b.vhd", "A.VHD", "c.vhdl", "vhd", "d.vhd.old", "e.x.VhD"})
+        directory.write(name, "");
+    fs::create_directory(directory.path("dir.vhd"));
+    fs::create_symlink("b.vhd", directory.path("link.vhd"));
+    fs::create_symlink("nowhere", directory.path("dangling.vhd"));
+    fs::create_directory_symlink(directory.path(), directory.path("way"));
+    Vector<String> names;
+    ASSERT_FALSE(failed(list_vhdl_files(directory.path(), names)));
+    EXPECT_EQ(names, (Vector<String>{"A.VHD", "b.vhd", "e.x.VhD", "link.vhd"}));
+    EXPECT_TRUE(is_missing(list_vhdl_files(directory.path("none"), names)));
+    EXPECT_EQ(names.size(), 4U);
+    EXPECT_EQ(view(resolved_place(directory.path("way/link.vhd"))), directory.path("link.vhd"));
+
+    Project project;
+    project.directory = directory.path();
+    for (const char* name : {"chip.pla", "b.vhd"}) {
+        EXPECT_TRUE(may_add_vhdl(project) && may_add_pla(project));
+        EXPECT_EQ(add_source(project, name, kind_of_name(name)).status, AddStatus::added);
+        EXPECT_EQ(may_add_vhdl(project), std::string_view(name) == "b.vhd");
+        EXPECT_FALSE(may_add_pla(project));
+        const std::size_t with_some_beyond[] = {0, 1, 9};
+        remove_sources(project, with_some_beyond);
+    }
+}
+
+TEST(SourceList, HostileClipboardDataIsRefusedWhole) {
+    const SourceClipboard written{"/p", {"a.vhd", "../x/b.vhd", "\xE4 \n.vhd"}};
+    Vector<std::byte> bytes;
+    ASSERT_TRUE(write_source_clipboard(written, bytes));
+    SourceClipboard read;
+    const auto is_read = [&read](const Vector<std::byte>& data) {
+        read = {"before", {}};
+        const bool done = read_source_clipboard(data, read);
+        EXPECT_EQ(done, read.directory != "before");
+        return done;
+    };
+    ASSERT_TRUE(is_read(bytes));
+    EXPECT_EQ(read.directory, written.directory);
+    EXPECT_EQ(read.names, written.names);
+    for (std::size_t size = 0; size < bytes.size(); ++size)
+        EXPECT_FALSE(is_read({bytes.data(), bytes.data() + size})) << size;
+    Vector<std::byte> longer = bytes;
+    longer.push_back({});
+    EXPECT_FALSE(is_read(longer));
+    for (const std::size_t at : {0U, 4U, 8U, 14U, 18U, 27U}) {
+        for (const std::uint32_t value : {0U, 0xFFFFFFFFU, 0x7FFFFFFFU, 0x80000000U, 65537U}) {
+            Vector<std::byte> damaged = bytes;
+            for (std::size_t i = 0; i < 4; ++i)
+                damaged[at + i] = static_cast<std::byte>(value >> 8 * i);
+            EXPECT_FALSE(is_read(damaged)) << at << ' ' << value;
+        }
+    }
+    for (const char* name : {"/.vhd", "a.vh\0", "vhd/.", "vh/..", "vhdl/"}) {
+        Vector<std::byte> damaged = bytes;
+        std::memcpy(damaged.data() + 22, name, 5);
+        EXPECT_FALSE(is_read(damaged)) << name;
+    }
+    Vector<std::byte> many;
+    ASSERT_TRUE(write_source_clipboard({"/p", Vector<String>(65536, "a")}, many));
+    ASSERT_TRUE(is_read(many));
+    many[14] = std::byte{1};
+    many.insert(many.end(), many.end() - 5, many.end());
+    EXPECT_FALSE(is_read(many));
+    const Vector<std::byte> before = bytes;
+    for (const SourceClipboard& data :
+         {SourceClipboard{"p", {"a.vhd"}}, SourceClipboard{"/p", {""}},
+          SourceClipboard{"/p", {"/etc/x"}}, SourceClipboard{"/p", {String(4096, 'n')}},
+          SourceClipboard{"/p", Vector<String>(65537, "a")},
+          SourceClipboard{"/p", Vector<String>(4200, String(4000, 'a'))}})
+        EXPECT_FALSE(write_source_clipboard(data, bytes));
+    EXPECT_EQ(bytes, before);
+}
+
+TEST(SourceList, PastingCopiesWhatTheProjectsDirectoryLacks) {
+    const TemporaryDirectory root;
+    for (const char* name :
+         {"a/new.vhd", "a/both.vhd", "a/sub/both.vhd", "a/sub/deep.vhd", "a/x/deep.vhd",
+          "b/both.vhd", "b/sub/both.vhd", "b/..d/x.vhd", "out.vhd"})
+        root.write(name, name);
+    fs::permissions(root.path("a/new.vhd"), fs::perms(0700));
+    Project from;
+    from.directory = root.path("a");
+    for (const std::string& name :
+         {std::string("new.vhd"), std::string("both.vhd"), std::string("sub/both.vhd"),
+          std::string("sub/deep.vhd"), std::string("x/deep.vhd"), root.path("out.vhd")})
+        (from.sources.emplace_back(make_owned<VHDL_source>()))->file_name.assign(name);
+    const std::size_t all[] = {0, 1, 2, 3, 4, 5, 6};
+    SourceClipboard clipboard = copy_sources(from, all);
+    ASSERT_EQ(clipboard.names.back(), "../out.vhd");
+    for (const char* name : {"two words.vhd", "none.vhd", "../b/at.vhd", "..d/x.vhd"})
+        clipboard.names.emplace_back(name);
+    Project project;
+    EXPECT_TRUE(plan_paste(project, clipboard).empty());
+    project.directory = root.path("b");
+    std::string done;
+    for (const PasteStep& step : plan_paste(project, clipboard)) {
+        if (step.copies)
+            done +=
+                failed(copy_source_file(view(step.from), view(step.to))) ? "failed " : "copied ";
+        if (add_source(project, view(step.to), SourceKind::vhdl).status == AddStatus::added)
+            done += "added " + std::string(project.sources.back()->file_name.view());
+        done += "\n";
+    }
+    EXPECT_EQ(done, "copied added new.vhd\n"
+                    "added both.vhd\n"
+                    "added sub/both.vhd\n"
+                    "copied added deep.vhd\n"
+                    "failed \n"
+                    "added ../out.vhd\n"
+                    "\n"
+                    "failed added none.vhd\n"
+                    "added at.vhd\n"
+                    "added ..d/x.vhd\n");
+    EXPECT_EQ(root.read("b/new.vhd") + root.read("b/deep.vhd") + root.read("b/both.vhd"),
+              "a/new.vhda/sub/deep.vhdb/both.vhd");
+    EXPECT_EQ(fs::status(root.path("b/new.vhd")).permissions(), fs::perms(0700));
+    for (const PasteStep& step : plan_paste(from, clipboard))
+        EXPECT_FALSE(step.copies) << "a file onto itself: " << step.to;
+}
+
+TEST(SourceList, ACopyIsWholeOrNotThere) {
+    const TemporaryDirectory root;
+    const std::string from = root.write("a.vhd", std::string(100000, 'a'));
+    const std::string to = root.path("b.vhd");
+    fs::create_symlink("nowhere", root.path("dangling"));
+    EXPECT_TRUE(is_taken(copy_source_file(from, root.path("dangling"))));
+    EXPECT_TRUE(failed(copy_source_file(root.path(), to)));
+    int failures = 0;
+    for (int left = 0;; left = ++failures) {
+        const auto fail_one = [](void* context, FileOperation, std::string_view, std::size_t&) {
+            return from_context<int>(context)-- == 0 ? SystemError{5} : SystemError::none;
+        };
+        set_file_fault_hook(fail_one, &left);
+        const SystemError error = copy_source_file(from, to);
+        set_file_fault_hook(nullptr, nullptr);
+        const bool is_whole = root.read("b.vhd") == root.read("a.vhd");
+        if (!failed(error) && left >= 0)
+            break;
+        // Only when its name could not be made to last is a copy there in spite of an error.
+        ASSERT_EQ(root.names().size(), is_whole ? 3U : 2U) << failures;
+        fs::remove(to);
+    }
+    EXPECT_GT(failures, 8);
+}
+
+TEST(SourceList, AProjectKnowsWhatChangedInMemoryAndOnTheDisk) {
+    const TemporaryDirectory root;
+    Project project;
+    project.directory = root.path();
+    project.file_name.assign("p.bpr");
+    static_cast<void>(add_source(project, "a.vhd", SourceKind::vhdl));
+    const Vector<std::byte> image = project_image(project);
+    const std::string path = root.path("p.bpr");
+    FileIdentity none;
+    FileIdentity known;
+    ASSERT_FALSE(failed(identify_file(path, none)));
+    ASSERT_FALSE(failed(write_project(project).error));
+    ASSERT_FALSE(failed(identify_file(path, known)));
+    EXPECT_EQ(changed_on_disk(path, known), DiskState::same);
+    EXPECT_EQ(changed_on_disk(path, none), DiskState::changed);
+
+    const Owned<Project> back = read_project(path);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(project_image(*back), image);
+    back->sources[0]->options.tab_width = 3;
+    EXPECT_NE(project_image(*back), image);
+
+    fs::copy_file(path, root.path("q.bpr"));
+    fs::last_write_time(root.path("q.bpr"), fs::last_write_time(path));
+    fs::rename(root.path("q.bpr"), path);
+    EXPECT_EQ(changed_on_disk(path, known), DiskState::changed) << "another file, as large and old";
+    fs::remove(path);
+    EXPECT_EQ(changed_on_disk(path, known), DiskState::gone);
+    EXPECT_EQ(changed_on_disk(path, none), DiskState::same);
+}
+
+} // namespace
+} // namespace pellux
