@@ -2,6 +2,7 @@
 
 #include "core/common/containers.h"
 #include "windows/toolkit/event.h"
+#include "windows/toolkit/font.h"
 
 #include <span>
 #include <string_view>
@@ -18,6 +19,7 @@ enum class ControlKind {
     list_many,   ///< any number of entries is
     list_button, ///< a list that drops down
     list_edit,   ///< one with a text that can be typed as well
+    output,      ///< a text of many lines to read, in the fixed font
 };
 
 struct ControlSpec {
@@ -28,18 +30,52 @@ struct ControlSpec {
     Rect rect = {};
 };
 
-/// A control of the desktop's own kind. What happens to it comes to its parent as a control event.
+/// A control of the desktop's own kind. What happens to it comes to its parent as a control event,
+/// and so do, as character events, the keys that it has no use for.
 Window xvt_ctl_create(const ControlSpec& spec);
 void xvt_ctl_set_checked(Window control, bool is_checked);
 [[nodiscard]] bool xvt_ctl_is_checked(Window control);
 
-// Entries of the list kinds, counted from 0.
+// Entries of the list kinds, counted from 0. All of this costs little for 10,000 of them.
 
+struct ListEntry {
+    String text;
+    int image = 0; ///< a numbered picture before the text, in `list` and `list_many`; 0: none
+    bool is_strong = false; ///< bold
+    bool is_faint = false;  ///< in the colour of what is not there
+    String tip = {};        ///< a screen reader tells it too
+
+    bool operator==(const ListEntry&) const = default;
+};
+/// What becomes of the selection, the focus and the scrolled place when entries are put in.
+enum class ListPlace {
+    lost,
+    kept, ///< by the entries' numbers, as far as these are left
+};
+
+void xvt_list_set_entries(Window list, std::span<const ListEntry> entries,
+                          ListPlace place = ListPlace::lost);
+void xvt_list_update_entry(Window list, int index, const ListEntry& entry);
 void xvt_list_set_items(Window list, std::span<const String> items);
 [[nodiscard]] int xvt_list_count(Window list);
 [[nodiscard]] String xvt_list_get_item(Window list, int index);
 /// -1 for none.
 void xvt_list_set_selection(Window list, int index);
 [[nodiscard]] int xvt_list_get_selection(Window list);
+/// All that are selected, in ascending order.
+[[nodiscard]] Vector<int> xvt_list_get_selected(Window list);
+/// In any order; only `list_many` takes more than the lowest. Scrolls nothing.
+void xvt_list_set_selected(Window list, std::span<const int> indices);
+/// The entry that the keyboard stands on; -1 for none.
+[[nodiscard]] int xvt_list_get_focus_index(Window list);
+/// Selects nothing; the entry is scrolled into sight.
+void xvt_list_set_focus_index(Window list, int index);
+void xvt_list_set_font(Window list, Font font);
+
+// The text of an output control: its last 200,000 lines.
+
+/// Puts bytes at the end: UTF-8, what is none as Latin-1. Scrolls on where the end was in sight.
+void xvt_output_append(Window output, std::string_view text);
+void xvt_output_clear(Window output);
 
 } // namespace pellux

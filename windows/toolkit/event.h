@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/common/containers.h"
 #include "windows/toolkit/geometry.h"
 
 #include <cstdint>
+#include <span>
 #include <variant>
 
 namespace pellux {
@@ -31,8 +33,11 @@ enum class EventType {
     command = 13,
     timer = 14,
     theme = 15,
+    context_menu = 16,
     quit = 17,
     help = 18,
+    clipboard = 19,
+    drop = 20,
 };
 
 /// The window is complete, but not shown yet.
@@ -168,6 +173,14 @@ struct TimerEvent {
 struct ThemeEvent {
     static constexpr EventType type = EventType::theme;
 };
+/// The user wants a menu about what lies at a place: he pressed the right button there or, where
+/// the window had no use for it as a character, the Menu key or Shift+F10. A handler that has no
+/// menu answers 1, and it goes on to the window around.
+struct ContextMenuEvent {
+    static constexpr EventType type = EventType::context_menu;
+    Point at;        ///< by keys: at what has the focus
+    int control = 0; ///< id of the control or pane there; 0: the window itself
+};
 /// The desktop's session ends. A query is answered with `xvt_app_allow_quit`.
 struct QuitEvent {
     static constexpr EventType type = EventType::quit;
@@ -180,13 +193,26 @@ struct HelpEvent {
     int control = 0;
     int command = 0;
 };
+/// The clipboard holds something else; comes to the task window and every window in it.
+struct ClipboardEvent {
+    static constexpr EventType type = EventType::clipboard;
+};
+/// Files and directories were dropped, to be copied or referred to. For a native control it comes
+/// to its parent.
+struct DropEvent {
+    static constexpr EventType type = EventType::drop;
+    std::span<const String> paths; ///< absolute; live as long as the call
+    Point at;
+    int control = 0; ///< as of `ContextMenuEvent`
+};
 
 /// One value for all events: a reader asks for the data of the type that it handles.
 struct Event {
     using Data = std::variant<CreationEvent, DestructionEvent, FocusEvent, SizeEvent, UpdateEvent,
                               CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
                               PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent,
-                              NoticeEvent, TimerEvent, ThemeEvent, QuitEvent, HelpEvent>;
+                              NoticeEvent, TimerEvent, ThemeEvent, ContextMenuEvent, QuitEvent,
+                              HelpEvent, ClipboardEvent, DropEvent>;
     Data data;
 
     [[nodiscard]] EventType type() const {

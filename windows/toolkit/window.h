@@ -37,6 +37,10 @@ long xvt_win_dispatch_event(Window window, const Event& event);
 /// The smallest size that the user can give the client area.
 void xvt_win_set_minimum_size(Window window, int width, int height);
 
+/// Lets the window, pane or control take files that are dragged from elsewhere; nothing else is
+/// taken.
+void xvt_win_accept_drops(Window window, bool accepts);
+
 // Anything that is seen.
 
 void xvt_vobj_destroy(Window window); ///< with everything in it; the destruction event comes now
@@ -54,6 +58,8 @@ void xvt_vobj_destroy(Window window); ///< with everything in it; the destructio
 void xvt_vobj_move(Window window, const Rect& rect);
 [[nodiscard]] String xvt_vobj_get_title(Window window);
 void xvt_vobj_set_title(Window window, std::string_view title);
+/// The desktop's mark of unsaved changes, on a window in the task window; the title stays the same.
+void xvt_vobj_set_modified(Window window, bool is_modified);
 void xvt_vobj_set_visible(Window window, bool is_visible);
 void xvt_vobj_set_enabled(Window window, bool is_enabled);
 [[nodiscard]] bool xvt_vobj_is_enabled(Window window);

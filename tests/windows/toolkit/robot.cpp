@@ -7,11 +7,16 @@
 #include "windows/toolkit/qt/window_table.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
+#include <QWindow>
 
 namespace pellux {
 namespace {
@@ -60,6 +65,8 @@ Qt::KeyboardModifiers qt_modifiers(Modifiers with) {
 }
 
 QWidget* focus_widget() {
+    if (QWidget* popup = QApplication::activePopupWidget())
+        return popup->focusWidget() != nullptr ? popup->focusWidget() : popup;
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal->focusWidget() != nullptr ? modal->focusWidget() : modal;
     if (QWidget* focus = QApplication::focusWidget())
@@ -78,6 +85,55 @@ QAction* find_action(const QList<QAction*>& actions, int tag) {
         }
     }
     return nullptr;
+}
+
+bool choose_in(QMenu& menu, int tag) {
+    for (QAction* action : menu.actions()) {
+        const bool leads_there =
+            action->menu() == nullptr
+                ? !action->isSeparator() && action->data().toInt() == tag && action->isEnabled()
+                : find_action(action->menu()->actions(), tag) != nullptr;
+        if (!leads_there)
+            continue;
+        menu.setActiveAction(action);
+        QMenu* below = action->menu();
+        QTest::keyClick(&menu, Qt::Key_Return);
+        return below == nullptr || choose_in(*below, tag);
+    }
+    return false;
+}
+
+/// The desktop's window that a widget is in, and a place of it there.
+QWindow* desktop_window(QWidget* widget, QPoint& place) {
+    if (widget == nullptr || widget->window()->windowHandle() == nullptr)
+        return nullptr;
+    place = widget->mapTo(widget->window(), place);
+    return widget->window()->windowHandle();
+}
+
+bool is_copy(const QDropEvent& event) {
+    return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+}
+
+bool drop(Window window, Point at, const QMimeData& data) {
+    QPoint place = logical(window, at);
+    QWindow* target = desktop_window(widget_at(window), place);
+    if (target == nullptr)
+        return false;
+    const auto actions = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(place, actions, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &move);
+    if (!is_copy(enter) || !is_copy(move)) {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(target, &leave);
+        return false;
+    }
+    QDropEvent dropped(place, actions, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &dropped);
+    process_events();
+    return is_copy(dropped);
 }
 
 void list_actions(const QList<QAction*>& actions, int depth, std::string& list) {
@@ -160,6 +216,28 @@ void double_click(Window window, Point at) {
     process_events();
 }
 
+void right_click(Window window, Point at) {
+    QPoint place = logical(window, at);
+    if (QWindow* target = desktop_window(widget_at(window), place))
+        QTest::mouseClick(target, Qt::RightButton, {}, place);
+    process_events();
+}
+
+bool drop_files(Window window, Point at, std::span<const std::string> paths) {
+    std::string list;
+    for (const std::string& path : paths) {
+        const QByteArray bytes(path.data(), static_cast<qsizetype>(path.size()));
+        list += "file://" + bytes.toPercentEncoding("/").toStdString() + "\r\n";
+    }
+    return drop_data(window, at, "text/uri-list", list);
+}
+
+bool drop_data(Window window, Point at, const char* type, std::string_view data) {
+    QMimeData dragged;
+    dragged.setData(type, QByteArray(data.data(), static_cast<qsizetype>(data.size())));
+    return drop(window, at, dragged);
+}
+
 bool choose_item(int tag) {
     TaskWindow* task = task_window();
     QAction* action = task == nullptr ? nullptr : find_action(task->menuBar()->actions(), tag);
@@ -174,6 +252,20 @@ std::string shown_menus() {
     std::string list;
     if (TaskWindow* task = task_window())
         list_actions(task->menuBar()->actions(), 0, list);
+    return list;
+}
+
+bool choose_popup_item(int tag) {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    const bool is_chosen = menu != nullptr && choose_in(*menu, tag);
+    process_events();
+    return is_chosen;
+}
+
+std::string shown_popup() {
+    std::string list;
+    if (const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget()))
+        list_actions(menu->actions(), 0, list);
     return list;
 }
 
@@ -200,6 +292,14 @@ void in_box(const std::function<void()>& act) {
         else
             act();
     });
+}
+
+std::string shown_output() {
+    TaskWindow* task = task_window();
+    if (task == nullptr)
+        return {};
+    const auto outputs = task->findChildren<QPlainTextEdit*>();
+    return outputs.isEmpty() ? std::string() : outputs.last()->toPlainText().toStdString();
 }
 
 void close_by_frame(Window window) {

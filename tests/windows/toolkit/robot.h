@@ -3,6 +3,7 @@
 #include "windows/toolkit/event.h"
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,13 @@ void move_pointer(Window window, Point at, PointerButton held = PointerButton::n
 void click(Window window, Point at, PointerButton button = PointerButton::left,
            Modifiers with = {});
 void double_click(Window window, Point at);
+/// As it comes from the desktop, with all that it asks for.
+void right_click(Window window, Point at);
+
+/// Drags files, or data of a MIME type, from another program over the window and drops them there.
+/// False when they are not taken as a copy.
+bool drop_files(Window window, Point at, std::span<const std::string> paths);
+bool drop_data(Window window, Point at, const char* type, std::string_view data);
 
 /// Chooses the item of a tag from the menus that are shown; false when it is not there or disabled.
 bool choose_item(int tag);
@@ -32,11 +40,18 @@ bool choose_item(int tag);
 /// disabled one, "-" for a separator.
 [[nodiscard]] std::string shown_menus();
 
+/// The same for the menu that has popped up, with the keys that a user presses in it.
+bool choose_popup_item(int tag);
+[[nodiscard]] std::string shown_popup();
+
 /// Opens the menu of a tag; the next menu or picture ends it.
 bool open_menu(int tag);
 
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
 void in_box(const std::function<void()>& act);
+
+/// What the output control that was made last shows.
+[[nodiscard]] std::string shown_output();
 
 /// Clicks on a frame's close button.
 void close_by_frame(Window window);

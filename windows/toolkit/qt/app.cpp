@@ -4,6 +4,7 @@
 #include "windows/toolkit/menu_resource.h"
 #include "windows/toolkit/qt/about.h"
 #include "windows/toolkit/qt/ask_boxes.h"
+#include "windows/toolkit/qt/clipboard.h"
 #include "windows/toolkit/qt/loop.h"
 #include "windows/toolkit/qt/pictures.h"
 #include "windows/toolkit/qt/session_end.h"
@@ -11,6 +12,7 @@
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/theme.h"
 #include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/window.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -75,8 +77,9 @@ int xvt_app_create(const AppConfig& config, EventHandler task_handler) {
     const auto window = std::make_unique<TaskWindow>(task, config.help_menu);
     set_widget(record, window.get());
     set_task_window(window.get());
-    window->setWindowTitle(to_qstring(config.task_title));
+    xvt_vobj_set_title(task, config.task_title);
     window->show_menus();
+    tell_of_clipboard(*window);
 
     int status = 0;
     deliver(task, Event{CreationEvent{}});

@@ -1,8 +1,11 @@
 #include "windows/toolkit/qt/canvas.h"
 
+#include "windows/toolkit/qt/context_menu.h"
+#include "windows/toolkit/qt/places.h"
 #include "windows/toolkit/qt/window_table.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -97,10 +100,8 @@ void Canvas::tell(const Event& event) {
 }
 
 Point Canvas::place(const QMouseEvent& event) const {
-    if (const Surface* surface = find_surface(window_))
-        return to_units(*surface, event.position());
-    const QPoint at = event.position().toPoint();
-    return {at.x(), at.y()};
+    const WindowRecord* record = find_window(window_);
+    return record == nullptr ? Point{} : to_units(*record, event.position());
 }
 
 bool Canvas::event(QEvent* event) {
@@ -188,12 +189,27 @@ void Canvas::leaveEvent(QEvent*) {
 
 void Canvas::keyPressEvent(QKeyEvent* event) {
     const CharacterEvent character = character_event(*event);
-    if (character.code < 0)
+    if (character.code < 0) {
         event->ignore();
-    else if (event->key() == Qt::Key_F1)
+    } else if (event->key() == Qt::Key_F1) {
         deliver_help(window_);
-    else
-        event->setAccepted(deliver(window_, Event{character}) == 0);
+    } else {
+        bool is_used = deliver(window_, Event{character}) == 0;
+        // Otherwise the key comes from a control, which may have shown a menu of its own.
+        if (!is_used && hasFocus() && asks_for_menu(*event)) {
+            ask_for_menu(window_, QRectF(rect()).center(), 0);
+            is_used = true;
+        }
+        event->setAccepted(is_used);
+    }
+}
+
+void Canvas::contextMenuEvent(QContextMenuEvent* event) {
+    // Some desktops make such an event of a key as well, which has come as a key press.
+    if (const WindowRecord* record = find_window(window_);
+        record != nullptr && event->reason() != QContextMenuEvent::Keyboard)
+        ask_for_menu(window_, event->pos(), control_at(*record, event->pos()));
+    event->accept();
 }
 
 void Canvas::focusInEvent(QFocusEvent*) {

@@ -1,7 +1,9 @@
 #include "windows/toolkit/qt/controls.h"
 
 #include "windows/toolkit/control.h"
-#include "windows/toolkit/qt/item_list.h"
+#include "windows/toolkit/qt/control_events.h"
+#include "windows/toolkit/qt/lists.h"
+#include "windows/toolkit/qt/output_text.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/window_table.h"
 
@@ -15,65 +17,23 @@
 #include <QRadioButton>
 
 #include <algorithm>
-#include <utility>
 
 namespace pellux {
 namespace {
 
-/// While the program changes a control, nobody is told.
-constinit int g_changes = 0;
-struct OwnChange {
-    OwnChange() { ++g_changes; }
-    ~OwnChange() { --g_changes; }
-    OwnChange(const OwnChange&) = delete;
-    OwnChange& operator=(const OwnChange&) = delete;
-};
-
-void tell(Window control, ControlAction action) {
-    const WindowRecord* record = find_window(control);
-    if (record != nullptr && g_changes == 0)
-        deliver(record->parent, Event{ControlEvent{record->id, control, action}});
-}
-
 QWidget* make_button(Window handle, QAbstractButton* button) {
     QObject::connect(button, &QAbstractButton::clicked,
-                     [handle] { tell(handle, ControlAction::pressed); });
+                     [handle] { tell_parent(handle, ControlAction::pressed); });
     return button;
 }
 
 QWidget* make_edit(Window handle) {
     auto* edit = new QLineEdit;
     QObject::connect(edit, &QLineEdit::textEdited,
-                     [handle] { tell(handle, ControlAction::edited); });
+                     [handle] { tell_parent(handle, ControlAction::edited); });
     QObject::connect(edit, &QLineEdit::returnPressed,
-                     [handle] { tell(handle, ControlAction::chosen); });
+                     [handle] { tell_parent(handle, ControlAction::chosen); });
     return edit;
-}
-
-QWidget* make_list(Window handle, bool takes_many) {
-    auto* list = new ItemList;
-    if (takes_many)
-        list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    QObject::connect(list->selectionModel(), &QItemSelectionModel::selectionChanged,
-                     [handle] { tell(handle, ControlAction::selected); });
-    QObject::connect(list, &QAbstractItemView::activated,
-                     [handle] { tell(handle, ControlAction::chosen); });
-    return list;
-}
-
-QWidget* make_combo(Window handle, bool is_editable) {
-    auto* combo = new QComboBox;
-    combo->setModel(new ItemModel(combo));
-    combo->setEditable(is_editable);
-    if (is_editable) {
-        combo->setInsertPolicy(QComboBox::NoInsert);
-        combo->setCompleter(nullptr);
-        QObject::connect(combo->lineEdit(), &QLineEdit::textEdited,
-                         [handle] { tell(handle, ControlAction::edited); });
-    }
-    QObject::connect(combo, &QComboBox::activated,
-                     [handle] { tell(handle, ControlAction::selected); });
-    return combo;
 }
 
 QWidget* make_widget(ControlKind kind, Window handle) {
@@ -100,6 +60,8 @@ QWidget* make_widget(ControlKind kind, Window handle) {
     case ControlKind::list_button:
     case ControlKind::list_edit:
         return make_combo(handle, kind == ControlKind::list_edit);
+    case ControlKind::output:
+        return new OutputText;
     }
     return nullptr;
 }
@@ -120,14 +82,13 @@ void join(QWidget* control, QWidget* before) {
         label->setBuddy(control);
 }
 
-ItemModel* model_of(Window window) {
-    if (auto* combo = widget_of<QComboBox>(window))
-        return static_cast<ItemModel*>(combo->model());
-    auto* view = widget_of<QListView>(window);
-    return view == nullptr ? nullptr : dynamic_cast<ItemModel*>(view->model());
-}
-
 } // namespace
+
+void tell_parent(Window control, ControlAction action) {
+    const WindowRecord* record = find_window(control);
+    if (record != nullptr && !OwnChange::is_under_way())
+        deliver(record->parent, Event{ControlEvent{record->id, control, action}});
+}
 
 Window xvt_ctl_create(const ControlSpec& spec) {
     WindowRecord* parent = find_window(spec.parent);
@@ -166,50 +127,6 @@ void xvt_ctl_set_checked(Window control, bool is_checked) {
 bool xvt_ctl_is_checked(Window control) {
     const auto* button = widget_of<QAbstractButton>(control);
     return button != nullptr && button->isChecked();
-}
-
-void xvt_list_set_items(Window list, std::span<const String> items) {
-    ItemModel* model = model_of(list);
-    if (model == nullptr)
-        return;
-    const OwnChange change;
-    auto* combo = widget_of<QComboBox>(list);
-    const QString typed = combo != nullptr && combo->isEditable() ? combo->currentText() : "";
-    model->set_items(items);
-    if (combo != nullptr)
-        combo->setCurrentIndex(-1);
-    if (combo != nullptr && combo->isEditable())
-        combo->setEditText(typed);
-}
-
-int xvt_list_count(Window list) {
-    const ItemModel* model = model_of(list);
-    return model == nullptr ? 0 : static_cast<int>(model->items().size());
-}
-
-String xvt_list_get_item(Window list, int index) {
-    const ItemModel* model = model_of(list);
-    const bool is_there = model != nullptr && index >= 0 && index < xvt_list_count(list);
-    return is_there ? model->items()[static_cast<std::size_t>(index)] : String();
-}
-
-void xvt_list_set_selection(Window list, int index) {
-    const OwnChange change;
-    const int known = index < xvt_list_count(list) ? index : -1;
-    if (auto* combo = widget_of<QComboBox>(list))
-        combo->setCurrentIndex(known);
-    else if (auto* items = dynamic_cast<ItemList*>(widget_of<QListView>(list)))
-        items->select(known);
-}
-
-int xvt_list_get_selection(Window list) {
-    if (const auto* combo = widget_of<QComboBox>(list)) {
-        // What was typed may be no entry any more.
-        const int index = combo->currentIndex();
-        return combo->currentText() == combo->itemText(index) ? index : -1;
-    }
-    const auto* items = dynamic_cast<ItemList*>(widget_of<QListView>(list));
-    return items == nullptr ? -1 : items->selected();
 }
 
 QString control_text(const QWidget* control) {

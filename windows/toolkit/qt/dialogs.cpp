@@ -215,7 +215,7 @@ void DialogBox::fill(ShownRow& shown, const DialogRow& row) {
     case DialogRowKind::list: {
         auto* list = static_cast<ItemList*>(shown.field);
         const Vector<String> items = lines_of(view(row.value));
-        if (items != list->model_of_items().items())
+        if (!std::ranges::equal(items, list->model_of_items().entries(), {}, {}, &ListEntry::text))
             list->model_of_items().set_items(items);
         if (list->selected() != row.selected)
             list->select(row.selected);

@@ -151,6 +151,13 @@ FontFace& font_face(Font font, double pixels) {
     return *faces.front().face;
 }
 
+QFont widget_font(Font font) {
+    QFont shown = styled_font(font);
+    shown.setPointSize(points_of(font));
+    shown.setUnderline(has_style(font, FontStyle::underline));
+    return shown;
+}
+
 void forget_fonts() {
     fonts.faces.clear();
 }

@@ -41,6 +41,8 @@ struct FontFace {
 /// The face of a font where a point is `pixels` high; good until the next call. The underline is
 /// not in it.
 [[nodiscard]] FontFace& font_face(Font font, double pixels);
+/// The same for a widget, which knows its screen.
+[[nodiscard]] QFont widget_font(Font font);
 /// The desktop's fonts changed.
 void forget_fonts();
 

@@ -1,10 +1,14 @@
 #include "windows/toolkit/qt/item_list.h"
 
+#include "windows/toolkit/qt/pictures.h"
 #include "windows/toolkit/qt/text_conversion.h"
+#include "windows/toolkit/qt/theme.h"
 
+#include <QSignalBlocker>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -27,33 +31,82 @@ public:
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
                                  const QModelIndex& index) const override {
         const QSize own = QStyledItemDelegate::sizeHint(option, index);
-        const auto& model = static_cast<const ItemModel&>(*index.model());
-        const int space = option.fontMetrics.averageCharWidth() * 2;
-        return {
-            std::max(own.width(), option.fontMetrics.horizontalAdvance(model.longest()) + space),
-            own.height()};
+        const auto& entries = static_cast<const ItemModel&>(*index.model()).entries();
+        const auto longest = std::ranges::max_element(
+            entries, {}, [](const ListEntry& entry) { return entry.text.size(); });
+        QFont font = option.font;
+        if (std::ranges::any_of(entries, &ListEntry::is_strong))
+            font.setBold(true);
+        int space = option.fontMetrics.averageCharWidth() * 2;
+        if (std::ranges::any_of(entries, [](const ListEntry& entry) { return entry.image != 0; }))
+            space += option.fontMetrics.height() + option.fontMetrics.averageCharWidth();
+        const int text = QFontMetrics(font).horizontalAdvance(shown(longest->text));
+        return {std::max(own.width(), text + space), own.height()};
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto& entries = static_cast<const ItemModel&>(*index.model()).entries();
+        const int image = entries[static_cast<std::size_t>(index.row())].image;
+        if (image == 0 || option->widget == nullptr)
+            return;
+        const int side = option->widget->fontMetrics().height();
+        option->features |= QStyleOptionViewItem::HasDecoration;
+        option->decorationSize = QSize(side, side);
+        option->icon = picture_icon(image, side, option->widget->devicePixelRatioF());
     }
 };
 
 } // namespace
 
-void ItemModel::set_items(std::span<const String> items) {
+void ItemModel::set_entries(Vector<ListEntry> entries) {
     beginResetModel();
-    items_.assign(items.begin(), items.end());
-    const auto longest = std::ranges::max_element(items_, {}, &String::size);
-    longest_ = longest == items_.end() ? QString() : shown(*longest);
+    entries_ = std::move(entries);
     endResetModel();
 }
 
+void ItemModel::set_items(std::span<const String> items) {
+    Vector<ListEntry> entries;
+    entries.reserve(items.size());
+    for (const String& item : items)
+        entries.push_back({.text = item});
+    set_entries(std::move(entries));
+}
+
+void ItemModel::update_entry(int index, const ListEntry& entry) {
+    entries_[static_cast<std::size_t>(index)] = entry;
+    const QModelIndex changed = this->index(index, 0);
+    Q_EMIT dataChanged(changed, changed);
+}
+
 int ItemModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(items_.size());
+    return parent.isValid() ? 0 : static_cast<int>(entries_.size());
 }
 
 QVariant ItemModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole))
+    if (!index.isValid())
         return {};
-    const String& item = items_[static_cast<std::size_t>(index.row())];
-    return role == Qt::DisplayRole ? shown(item) : to_qstring(view(item));
+    const ListEntry& entry = entries_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case Qt::DisplayRole:
+        return shown(entry.text);
+    case Qt::EditRole:
+        return to_qstring(view(entry.text));
+    case Qt::ToolTipRole:
+        return entry.tip.empty() ? QVariant() : tip_text(view(entry.tip));
+    case Qt::AccessibleDescriptionRole:
+        return to_qstring(view(entry.tip));
+    case Qt::FontRole: {
+        QFont font;
+        font.setBold(true);
+        return entry.is_strong ? font : QVariant();
+    }
+    case Qt::ForegroundRole:
+        return entry.is_faint ? QBrush(shown_ink(Color::gray, Color::white)) : QVariant();
+    default:
+        return {};
+    }
 }
 
 ItemList::ItemList(QWidget* parent) : QListView(parent), model_(new ItemModel(this)) {
@@ -81,6 +134,56 @@ int ItemList::selected() const {
         if (first < 0 || range.top() < first)
             first = range.top();
     return first;
+}
+
+void ItemList::set_focus_index(int index) {
+    const Vector<int> before = all_selected();
+    // Alone this makes it the one that a selection with Shift begins at.
+    setCurrentIndex(model_->index(index, 0));
+    select_many(before);
+    scrollTo(currentIndex());
+}
+
+void ItemList::select_many(std::span<const int> indices) {
+    Vector<int> rows(indices.begin(), indices.end());
+    const int count = model_->rowCount({});
+    std::erase_if(rows, [count](int row) { return row < 0 || row >= count; });
+    std::ranges::sort(rows);
+    if (selectionMode() == SingleSelection && rows.size() > 1)
+        rows.resize(1);
+    QItemSelection selection;
+    for (std::size_t first = 0; first < rows.size();) {
+        std::size_t last = first;
+        while (last + 1 < rows.size() && rows[last + 1] <= rows[last] + 1)
+            ++last;
+        selection.select(model_->index(rows[first], 0), model_->index(rows[last], 0));
+        first = last + 1;
+    }
+    // In one step each range of the old selection would be compared with each new one.
+    selectionModel()->clearSelection();
+    selectionModel()->select(selection, QItemSelectionModel::Select);
+    if (!currentIndex().isValid() && !rows.empty())
+        selectionModel()->setCurrentIndex(model_->index(rows[0], 0), QItemSelectionModel::NoUpdate);
+}
+
+void ItemList::selectAll() {
+    if (selectionMode() == ExtendedSelection) {
+        // As in `select_many`; what is told is the selection of all.
+        const QSignalBlocker quiet(selectionModel());
+        selectionModel()->clearSelection();
+    }
+    QListView::selectAll();
+}
+
+Vector<int> ItemList::all_selected() const {
+    Vector<int> rows;
+    const QItemSelection selection = selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection)
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row);
+    std::ranges::sort(rows);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
 }
 
 } // namespace pellux

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "windows/toolkit/control.h"
 
 #include <QAbstractListModel>
 #include <QListView>
@@ -14,17 +15,16 @@ class ItemModel : public QAbstractListModel {
 public:
     using QAbstractListModel::QAbstractListModel;
 
+    void set_entries(Vector<ListEntry> entries);
     void set_items(std::span<const String> items);
-    [[nodiscard]] const Vector<String>& items() const { return items_; }
-    /// The entry with the most characters, as it is shown.
-    [[nodiscard]] const QString& longest() const { return longest_; }
+    void update_entry(int index, const ListEntry& entry); ///< of one that is there
+    [[nodiscard]] const Vector<ListEntry>& entries() const { return entries_; }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    Vector<String> items_;
-    QString longest_;
+    Vector<ListEntry> entries_;
 };
 
 /// A list of entries of one height, so that many of them cost nothing until they are seen.
@@ -37,6 +37,13 @@ public:
     void select(int index);
     /// The first one that is selected, -1 for none.
     [[nodiscard]] int selected() const;
+    /// Of an entry that is there: the keyboard goes on from it, what is selected stays.
+    void set_focus_index(int index);
+    void select_many(std::span<const int> indices);
+    /// Ascending.
+    [[nodiscard]] Vector<int> all_selected() const;
+
+    void selectAll() override;
 
 private:
     ItemModel* model_;

@@ -2,6 +2,7 @@
 
 #include "windows/toolkit/menu_resource.h"
 #include "windows/toolkit/qt/about.h"
+#include "windows/toolkit/qt/places.h"
 #include "windows/toolkit/qt/task_window.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/window_table.h"
@@ -25,7 +26,7 @@ QString marked_title(const MenuItem& item) {
            marked(title.substr(item.mnemonic));
 }
 
-void fill_menu(QMenu& menu, Window owner, const Vector<MenuItem>& items) {
+void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items) {
     for (const MenuItem& item : items) {
         if (item.is_separator) {
             menu.addSeparator();
@@ -94,6 +95,16 @@ void fill_menu_bar(QMenuBar& bar, Window owner, const Vector<MenuItem>& menus, i
             add_about(*shown);
         bar.addMenu(shown);
     }
+}
+
+void xvt_menu_popup(Window window, std::span<const MenuItem> items, Point at) {
+    const WindowRecord* record = find_window(window);
+    if (record == nullptr || record->widget == nullptr || items.empty())
+        return;
+    auto* menu = new QMenu(record->widget);
+    fill_menu(*menu, window, items);
+    QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
+    menu->popup(record->widget->mapToGlobal(to_widget(*record, at)).toPoint());
 }
 
 Vector<MenuItem> xvt_menu_get_tree(Window window) {

@@ -64,7 +64,7 @@ Window xvt_cxo_create(const CustomControlSpec& spec) {
         return Window::none;
     for (const std::string_view line : spec.properties)
         record->properties.emplace_back(line);
-    record->widget->setWindowTitle(to_qstring(spec.title));
+    record->title = spec.title;
     return complete(record->handle);
 }
 

@@ -1,6 +1,9 @@
 #include "windows/toolkit/qt/text_conversion.h"
 
 #include <QStringDecoder>
+#include <QTextDocument>
+
+#include <algorithm>
 
 namespace pellux {
 namespace {
@@ -32,6 +35,12 @@ QString to_qstring(std::string_view text, TextEncoding encoding) {
         return whole;
     QString mended;
     while (!text.empty()) {
+        const auto other = std::ranges::find_if(text, [](char c) { return (c & 0x80) != 0; });
+        const auto plain = static_cast<std::size_t>(other - text.begin());
+        mended += QLatin1String(text.data(), static_cast<qsizetype>(plain));
+        text.remove_prefix(plain);
+        if (text.empty())
+            break;
         const std::size_t length = utf8_length(text);
         if (length == 0)
             mended += QLatin1Char(text[0]);
@@ -40,6 +49,12 @@ QString to_qstring(std::string_view text, TextEncoding encoding) {
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return mended;
+}
+
+QString tip_text(std::string_view text) {
+    QString shown = to_qstring(text);
+    return Qt::mightBeRichText(shown) ? Qt::convertFromPlainText(shown, Qt::WhiteSpaceNormal)
+                                      : shown;
 }
 
 String to_text(const QString& text) {

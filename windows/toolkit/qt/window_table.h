@@ -20,6 +20,7 @@ struct WindowRecord {
     int id = 0;
     EventHandler handler;
     void* data = nullptr;
+    String title;                  ///< of all but native controls
     Owned<Surface> surface;        ///< of a window that draws
     Vector<Window> children;       ///< in the order of their making
     Vector<String> properties;     ///< of a custom control

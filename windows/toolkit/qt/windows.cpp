@@ -47,6 +47,16 @@ void place_document(const WindowRecord& record, const QRect& client) {
     frame->setGeometry(QRect(client.topLeft() - corner, client.size() + around));
 }
 
+/// In a document's title "[*]" is the place for the mark of changes, and is doubled where it is
+/// not.
+void show_title(const WindowRecord& record) {
+    const auto mark = QStringLiteral("[*]");
+    QString title = to_qstring(view(record.title)).replace(mark, mark + mark);
+    if (record.kind == WindowKind::document)
+        title += mark;
+    frame_of(record)->setWindowTitle(title);
+}
+
 void center(QWidget& frame) {
     const QWidget* around = frame.parentWidget();
     if (around == nullptr)
@@ -84,7 +94,8 @@ Window xvt_win_create_res(int number, EventHandler handler) {
         record.surface->widget = client;
     client->setFocusPolicy(Qt::StrongFocus);
     frame->setWidget(client);
-    frame->setWindowTitle(to_qstring(resource->title));
+    record.title = resource->title;
+    show_title(record);
     if (!resource->is_resizable) {
         frame->setWindowFlags(Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                               Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
@@ -195,18 +206,26 @@ String xvt_vobj_get_title(Window window) {
     const WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
         return {};
-    return to_text(record->kind == WindowKind::control ? control_text(record->widget)
-                                                       : frame_of(*record)->windowTitle());
+    return record->kind == WindowKind::control ? to_text(control_text(record->widget))
+                                               : record->title;
 }
 
 void xvt_vobj_set_title(Window window, std::string_view title) {
-    const WindowRecord* record = find_window(window);
+    WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
         return;
-    if (record->kind == WindowKind::control)
+    if (record->kind == WindowKind::control) {
         set_control_text(record->widget, to_qstring(title));
-    else
-        frame_of(*record)->setWindowTitle(to_qstring(title));
+        return;
+    }
+    record->title = title;
+    show_title(*record);
+}
+
+void xvt_vobj_set_modified(Window window, bool is_modified) {
+    const WindowRecord* record = find_window(window);
+    if (record != nullptr && record->kind == WindowKind::document)
+        frame_of(*record)->setWindowModified(is_modified);
 }
 
 void xvt_vobj_set_visible(Window window, bool is_visible) {
@@ -264,7 +283,7 @@ bool xvt_vobj_is_maximized(Window window) {
 
 void xvt_vobj_set_tool_tip(Window window, std::string_view text) {
     if (QWidget* frame = frame_of(window))
-        frame->setToolTip(to_qstring(text).toHtmlEscaped());
+        frame->setToolTip(tip_text(text));
 }
 
 void xvt_vobj_set_name(Window window, std::string_view name) {

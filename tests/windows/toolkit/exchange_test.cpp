@@ -1,0 +1,249 @@
+#include "core/common/callback.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/clipboard.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/menu.h"
+#include "windows/toolkit/qt/task_window.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QWindow>
+
+#include <functional>
+#include <string>
+
+namespace pellux {
+namespace {
+
+constexpr WindowResource k_windows[] = {{7170, "Give [*] take", 400, 300}};
+constexpr MenuResource k_menus[] = {{.tag = 1, .title = "One"}};
+constexpr MenuBarResource k_bars[] = {{7170, k_menus}};
+const bool k_is_registered = [] {
+    xvt_res_register({.menu_bars = k_bars, .windows = k_windows});
+    return true;
+}();
+
+/// Tells as text what comes from outside.
+struct Log {
+    std::string text;
+    std::function<void(Window, const Event&)> act;
+    long answer = 0;
+
+    EventHandler handler() { return {on_event, this}; }
+    std::string take() { return std::exchange(text, {}); }
+
+    static std::string at(Point at, int control) {
+        return std::to_string(control) + " " + std::to_string(at.x) + "," + std::to_string(at.y);
+    }
+    static long on_event(void* context, Window window, const Event& event) {
+        auto& log = from_context<Log>(context);
+        if (const auto* command = event.get<CommandEvent>())
+            log.text += "command " + std::to_string(command->tag) + "; ";
+        else if (const auto* key = event.get<CharacterEvent>())
+            log.text += "key " + std::to_string(key->code) + "; ";
+        else if (const auto* menu = event.get<ContextMenuEvent>())
+            log.text += "menu " + at(menu->at, menu->control) + "; ";
+        else if (event.get<ClipboardEvent>() != nullptr)
+            log.text += "clipboard; ";
+        else if (const auto* drop = event.get<DropEvent>()) {
+            log.text += "drop " + at(drop->at, drop->control);
+            for (const String& path : drop->paths)
+                log.text += "|" + std::string(view(path));
+            log.text += "; ";
+        }
+        if (log.act)
+            log.act(window, event);
+        return log.answer;
+    }
+};
+
+/// A window with a pane (id 1) and a list (id 2) in it.
+struct Scene {
+    Log log;
+    Log inner;
+    Window window = Window::none;
+    Window pane = Window::none;
+    Window list = Window::none;
+
+    Scene() {
+        window = xvt_win_create_res(7170, log.handler());
+        pane = xvt_win_create_pane(
+            {.parent = window, .id = 1, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
+        list = xvt_ctl_create({window, ControlKind::list, 2, "", {100, 20, 200, 120}});
+        process_events();
+    }
+    ~Scene() { xvt_vobj_destroy(window); }
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+    /// What the pane was told, and after it the window.
+    std::string take() { return inner.take() + "/" + log.take(); }
+};
+
+Vector<std::byte> bytes_of(std::string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(ContextMenus, AreAskedForFromInsideOut) {
+    in_application([] {
+        Scene scene;
+        right_click(scene.pane, {5, 6});
+        EXPECT_EQ(scene.take(), "menu 0 5,6; /");
+        scene.inner.answer = 1;
+        right_click(scene.pane, {5, 6});
+        right_click(scene.window, {300, 250});
+        EXPECT_EQ(scene.take(), "menu 0 5,6; /menu 1 25,16; menu 0 300,250; ");
+        xvt_vobj_set_focus(scene.pane);
+        press_key("Shift+F10");
+        EXPECT_EQ(scene.take(), "key 410; menu 0 50,25; /menu 1 70,35; ");
+        // The key is a character first.
+        scene.inner.answer = 0;
+        press_key("Menu");
+        EXPECT_EQ(scene.take(), "key 413; /");
+        scene.inner.answer = 1;
+        scene.inner.act = [&](Window, const Event& event) {
+            if (event.get<ContextMenuEvent>() != nullptr)
+                xvt_vobj_destroy(scene.window);
+        };
+        press_key("Menu");
+        EXPECT_FALSE(xvt_vobj_is_valid(scene.pane));
+    });
+}
+
+TEST(ContextMenus, TellTheirCommandAfterTheyAreGone) {
+    in_application([] {
+        Scene scene;
+        Vector<MenuItem> items(4);
+        items[0] = {.tag = 11, .title = "Open & <b>", .mnemonic = 0, .shortcut = "Del"};
+        items[1].is_separator = true;
+        items[2] = {.tag = 12, .title = "Off", .is_enabled = false};
+        items[3].title = "More";
+        items[3].items.push_back({.tag = 13, .title = "Inside"});
+        std::string shown_at_command = "none came";
+        scene.log.act = [&](Window window, const Event& event) {
+            if (const auto* menu = event.get<ContextMenuEvent>())
+                xvt_menu_popup(window, items, menu->at);
+            else if (event.get<CommandEvent>() != nullptr)
+                shown_at_command = shown_popup();
+        };
+        for (const int tag : {11, 13}) {
+            right_click(scene.window, {300, 250});
+            EXPECT_EQ(shown_popup(), "&Open && <b>\tDel\n-\n(Off)\nMore\n  Inside\n");
+            EXPECT_FALSE(choose_popup_item(12));
+            EXPECT_TRUE(choose_popup_item(tag));
+            EXPECT_EQ(scene.log.take(), "menu 0 300,250; command " + std::to_string(tag) + "; ");
+            EXPECT_EQ(std::exchange(shown_at_command, ""), "");
+        }
+        right_click(scene.window, {300, 250});
+        press_key("Esc");
+        EXPECT_EQ(shown_popup(), "");
+        xvt_menu_popup(scene.window, {}, {});
+        EXPECT_EQ(shown_popup(), "");
+        right_click(scene.window, {300, 250});
+        xvt_vobj_destroy(scene.window);
+        process_events();
+        EXPECT_EQ(shown_popup(), "");
+    });
+}
+
+TEST(Clipboard, HoldsBytesUnderAName) {
+    Log task;
+    in_application(
+        [&] {
+            Scene scene;
+            Scene other;
+            std::string all;
+            for (int i = 0; i < 256; ++i)
+                all += static_cast<char>(i);
+            EXPECT_TRUE(xvt_cb_put("VESF", bytes_of(all)));
+            process_events();
+            EXPECT_EQ(task.take() + scene.log.take() + other.log.take(),
+                      "clipboard; clipboard; clipboard; ");
+            EXPECT_EQ(xvt_cb_get("vesf"), bytes_of(all));
+            EXPECT_FALSE(xvt_cb_has("VES") || xvt_cb_has("text") || xvt_cb_has(""));
+            // What can't be put leaves it.
+            const Vector<std::byte> large(k_clipboard_max + 1);
+            EXPECT_FALSE(xvt_cb_put("VESF", large) || xvt_cb_put("a b", {}) || xvt_cb_put("", {}));
+            EXPECT_TRUE(xvt_cb_has("Vesf"));
+
+            EXPECT_TRUE(xvt_cb_put("text", bytes_of("\xC3\xA4\n\xE4 z")));
+            EXPECT_EQ(xvt_cb_get("TEXT"), bytes_of("\xC3\xA4\n\xC3\xA4 z"));
+            EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "\xC3\xA4\n\xC3\xA4 z");
+            EXPECT_EQ(xvt_cb_get("VESF"), std::nullopt);
+
+            const auto put_by_another = [](qsizetype size) {
+                auto* data = new QMimeData;
+                data->setData("application/x-pellux-vesf", QByteArray(size, '\xFF'));
+                QGuiApplication::clipboard()->setMimeData(data);
+            };
+            put_by_another(3);
+            EXPECT_EQ(xvt_cb_get("VESF"), bytes_of("\xFF\xFF\xFF"));
+            put_by_another(static_cast<qsizetype>(k_clipboard_max) + 1);
+            EXPECT_EQ(xvt_cb_get("VESF"), std::nullopt);
+            EXPECT_TRUE(xvt_cb_put("VESF", {}));
+            EXPECT_EQ(xvt_cb_get("VESF"), Vector<std::byte>());
+        },
+        {}, task.handler());
+}
+
+TEST(Drops, GiveLocalPathsByteByByte) {
+    in_application([] {
+        Scene scene;
+        const std::string paths[] = {"/a b/%41 \xC3\xA4.vhd", "/bad\xFF\xC3", "/directory/"};
+        EXPECT_FALSE(drop_files(scene.list, {5, 5}, paths)) << "nobody allowed it";
+        xvt_win_accept_drops(scene.list, true);
+        xvt_win_accept_drops(scene.list, true);
+        EXPECT_TRUE(drop_files(scene.list, {5, 5}, paths));
+        const std::string told = "|/a b/%41 \xC3\xA4.vhd|/bad\xFF\xC3|/directory/; ";
+        EXPECT_EQ(scene.log.take(), "drop 2 25,105" + told);
+        EXPECT_FALSE(drop_files(scene.pane, {5, 5}, paths));
+        xvt_win_accept_drops(scene.window, true);
+        EXPECT_TRUE(drop_files(scene.pane, {5, 5}, paths));
+        EXPECT_EQ(scene.log.take(), "drop 1 25,15" + told);
+
+        EXPECT_FALSE(drop_data(scene.window, {5, 5}, "text/plain", "/a"));
+        const char* elsewhere = "file://elsewhere/a\r\nhttp://localhost/b\r\nfile:///c%00d\r\n";
+        EXPECT_FALSE(drop_data(scene.window, {5, 5}, "text/uri-list", elsewhere));
+        EXPECT_TRUE(drop_data(scene.window, {5, 5}, "text/uri-list",
+                              "http://localhost/b\r\nfile://localhost/a\r\n"));
+        EXPECT_EQ(scene.log.take(), "drop 0 5,5|/a; ");
+        xvt_win_accept_drops(scene.list, false);
+        xvt_win_accept_drops(scene.window, false);
+        EXPECT_FALSE(drop_files(scene.list, {5, 5}, paths));
+        xvt_win_accept_drops(scene.list, true);
+        EXPECT_TRUE(drop_files(scene.list, {5, 5}, paths));
+        EXPECT_EQ(scene.log.take(), "drop 2 25,105" + told);
+    });
+}
+
+TEST(Titles, StayBareUnderTheMarkOfChanges) {
+    in_application(
+        [] {
+            const Scene scene;
+            const QWindow& desktop = *task_window()->windowHandle();
+            xvt_vobj_maximize(scene.window);
+            for (const std::string title : {"Give [*] take", "Ends in [*]", "[*][*]"}) {
+                xvt_vobj_set_title(scene.window, title);
+                for (const char* mark : {"", "*", ""}) {
+                    xvt_vobj_set_modified(scene.window, *mark != '\0');
+                    EXPECT_EQ(desktop.title().toStdString(), "Task - [" + title + mark + "]");
+                    EXPECT_EQ(view(xvt_vobj_get_title(scene.window)), title);
+                }
+            }
+            EXPECT_EQ(xvt_vobj_get_title(xvt_win_get_task()), "Task");
+            xvt_vobj_set_modified(scene.window, true);
+            xvt_vobj_destroy(scene.window);
+            process_events();
+            EXPECT_EQ(desktop.title().toStdString(), "Task");
+        },
+        {.menu_bar = 7170, .task_title = "Task"});
+}
+
+} // namespace
+} // namespace pellux

@@ -1,0 +1,244 @@
+#include "core/common/callback.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTextBlock>
+
+#include <random>
+#include <set>
+#include <string>
+
+namespace pellux {
+namespace {
+
+constexpr int k_image = 7160;
+constexpr WindowResource k_windows[] = {{7160, "Files", 400, 300}};
+constexpr ImageResource k_images[] = {{k_image, "open"}};
+const bool k_is_registered = [] {
+    xvt_res_register({.windows = k_windows, .images = k_images});
+    return true;
+}();
+
+/// A window around one control, whose events are told as text.
+template <typename Widget>
+struct Around {
+    std::string told;
+    Window window = xvt_win_create_res(7160, {on_event, this});
+    Window control;
+    Widget* widget;
+
+    explicit Around(ControlKind kind)
+        : control(xvt_ctl_create({window, kind, 3, "Name", {20, 10, 220, 310}})),
+          widget(widget_of<Widget>(control)) {
+        xvt_vobj_set_focus(control);
+        process_events();
+    }
+    ~Around() { xvt_vobj_destroy(window); }
+    Around(const Around&) = delete;
+    Around& operator=(const Around&) = delete;
+
+    static long on_event(void* context, Window, const Event& event) {
+        auto& told = from_context<Around>(context).told;
+        if (const auto* key = event.get<CharacterEvent>())
+            told += "key " + std::to_string(key->code) + "; ";
+        if (const auto* control = event.get<ControlEvent>())
+            told += control->action == ControlAction::chosen ? "chosen; " : "selected; ";
+        if (const auto* menu = event.get<ContextMenuEvent>())
+            told += "menu " + std::to_string(menu->control) + " at " + std::to_string(menu->at.y);
+        return 1;
+    }
+    std::string take() { return std::exchange(told, {}); }
+    [[nodiscard]] QScrollBar& bar() const { return *widget->verticalScrollBar(); }
+};
+using ListWindow = Around<QListView>;
+using OutputWindow = Around<QPlainTextEdit>;
+
+Vector<ListEntry> numbered(int count) {
+    Vector<ListEntry> entries;
+    for (int i = 0; i < count; ++i)
+        entries.push_back({.text = std::to_string(i).c_str()});
+    return entries;
+}
+
+TEST(ListControl, ShowsLooksAndTellsAReaderTheBareText) {
+    in_application([] {
+        const ListWindow files(ControlKind::list_many);
+        const ListEntry looks[] = {{.text = "a<b>"},
+                                   {.text = "a<b>", .image = k_image},
+                                   {.text = "a<b>", .is_strong = true},
+                                   {.text = "a<b>", .is_faint = true, .tip = "Gone: <b>R&D"}};
+        std::vector<QImage> pictures;
+        for (const ListEntry& look : looks) {
+            xvt_list_set_entries(files.control, {&looks[0], 1});
+            xvt_list_update_entry(files.control, 0, look);
+            process_events();
+            const QImage shown = files.widget->grab().toImage();
+            for (const QImage& other : pictures)
+                EXPECT_NE(shown, other) << pictures.size();
+            pictures.push_back(shown);
+        }
+        QAccessibleInterface* entry = QAccessible::queryAccessibleInterface(files.widget)->child(0);
+        EXPECT_EQ(entry->text(QAccessible::Name).toStdString(), "a<b>");
+        EXPECT_EQ(entry->text(QAccessible::Description).toStdString(), "Gone: <b>R&D");
+        const auto tip = [&] {
+            return files.widget->model()->index(0, 0).data(Qt::ToolTipRole).toString();
+        };
+        EXPECT_TRUE(tip().contains("Gone: &lt;b&gt;R&amp;D")) << tip().toStdString();
+        xvt_list_update_entry(files.control, 0, {.text = "x", .tip = "R&D"});
+        EXPECT_EQ(tip(), "R&D");
+        const int height = files.widget->sizeHintForRow(0);
+        Font large = xvt_font_get_fixed();
+        xvt_font_set_size(large, 30);
+        xvt_list_set_font(files.control, large);
+        EXPECT_GT(files.widget->sizeHintForRow(0), height);
+    });
+}
+
+TEST(ListControl, SelectsWhatASetOfNumbersSelects) {
+    in_application([] {
+        ListWindow files(ControlKind::list_many);
+        const unsigned seed = std::random_device{}();
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const auto below = [&](unsigned end) { return static_cast<int>(random() % end); };
+        std::set<int> model;
+        int count = 0;
+        for (int step = 0; step < 300; ++step) {
+            if (below(3) == 0) {
+                const bool is_kept = below(2) == 0;
+                count = below(300);
+                xvt_list_set_entries(files.control, numbered(count),
+                                     is_kept ? ListPlace::kept : ListPlace::lost);
+                model.erase(is_kept ? model.lower_bound(count) : model.begin(), model.end());
+            } else if (below(2) == 0) {
+                Vector<int> chosen;
+                for (int left = below(40); left > 0; --left)
+                    chosen.push_back(below(310) - 5);
+                xvt_list_set_selected(files.control, chosen);
+                model = {chosen.begin(), chosen.end()};
+                std::erase_if(model, [=](int index) { return index < 0 || index >= count; });
+            } else {
+                xvt_list_set_focus_index(files.control, below(310) - 5);
+                xvt_list_update_entry(files.control, below(310) - 5, {.text = "new"});
+            }
+            ASSERT_EQ(xvt_list_get_selected(files.control),
+                      Vector<int>(model.begin(), model.end()));
+        }
+        EXPECT_EQ(files.take(), "") << "the program's own changes are told";
+        const ListWindow single(ControlKind::list);
+        xvt_list_set_entries(single.control, numbered(9));
+        const int several[] = {7, 5, 20, -1};
+        xvt_list_set_selected(single.control, several);
+        EXPECT_EQ(xvt_list_get_selected(single.control), Vector<int>{5});
+    });
+}
+
+TEST(ListControl, KeepsItsPlaceOnlyWhenTold) {
+    in_application([] {
+        const ListWindow files(ControlKind::list_many);
+        xvt_list_set_entries(files.control, numbered(500));
+        xvt_list_set_focus_index(files.control, 300);
+        process_events();
+        const int top = files.bar().value();
+        ASSERT_GT(top, 0);
+        xvt_list_set_entries(files.control, numbered(400), ListPlace::kept);
+        process_events();
+        EXPECT_EQ(files.bar().value(), top);
+        EXPECT_EQ(xvt_list_get_focus_index(files.control), 300);
+        click(files.control, {60, 60});
+        const int below = xvt_list_get_focus_index(files.control) + 4;
+        xvt_list_set_focus_index(files.control, below);
+        press_key("Shift+Down");
+        EXPECT_EQ(xvt_list_get_selected(files.control), (Vector<int>{below, below + 1}));
+        xvt_list_set_entries(files.control, numbered(400));
+        EXPECT_EQ(files.bar().value(), 0);
+        EXPECT_EQ(xvt_list_get_focus_index(files.control), -1);
+    });
+}
+
+TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
+    in_application([] {
+        ListWindow files(ControlKind::list_many);
+        press_key("Return");
+        EXPECT_EQ(files.take(), "key 13; ");
+        press_key("Menu");
+        EXPECT_TRUE(files.take().starts_with("menu 3 at ")) << "an empty list asks nobody";
+        xvt_list_set_entries(files.control, numbered(5));
+        process_events();
+        const QRect third = files.widget->visualRect(files.widget->model()->index(3, 0));
+        const Point at{60, files.widget->viewport()->y() + third.center().y()};
+        const std::string menu = "menu 3 at " + std::to_string(at.y + 20);
+        right_click(files.control, at);
+        EXPECT_EQ(files.take(), "selected; " + menu);
+        const std::pair<const char*, std::string> rows[] = {
+            {"Del", "key 127; "},      {"Return", "chosen; "},
+            {"Esc", "key 27; "},       {"Ctrl+X", "key 24; "},
+            {"F5", "key 405; "},       {"Backspace", "key 8; "},
+            {"Alt+Up", "key 301; "},   {"Menu", menu},
+            {"Shift+F10", menu},       {"Ctrl+A", "selected; "},
+            {"Alt+Down", "key 302; "}, {"1", "selected; "}};
+        for (const auto& [key, told] : rows) {
+            press_key(key);
+            EXPECT_EQ(files.take(), told) << key;
+        }
+        const int several[] = {2, 3, 4};
+        xvt_list_set_selected(files.control, several);
+        right_click(files.control, at);
+        EXPECT_EQ(xvt_list_get_selected(files.control), (Vector<int>{2, 3, 4}));
+    });
+}
+
+TEST(Output, ShowsBytesAndCannotBeTypedInto) {
+    in_application([] {
+        OutputWindow shown(ControlKind::output);
+        const auto text = [&] { return shown.widget->toPlainText().toStdString(); };
+        xvt_output_append(shown.control, "a\xC3\xA4\r\n\xE4 <b>");
+        xvt_output_append(shown.control, "\tc\n");
+        type_text("x");
+        press_key("Del");
+        EXPECT_EQ(text(), "a\xC3\xA4\n\xC3\xA4 <b>\tc\n");
+        EXPECT_EQ(shown.take(), "key 120; key 127; ");
+        press_key("Ctrl+A");
+        xvt_output_append(shown.control, "later");
+        EXPECT_EQ(shown.widget->textCursor().selectedText().size(), 11) << "the selection grew";
+        xvt_output_clear(shown.control);
+        xvt_output_append(shown.control, "again");
+        EXPECT_EQ(text(), "again");
+    });
+}
+
+TEST(Output, KeepsTheLastLinesAndTheReadersPlace) {
+    in_application([] {
+        const OutputWindow shown(ControlKind::output);
+        const auto lines = [](int first, int end) {
+            std::string text;
+            for (int i = first; i < end; ++i)
+                text += std::to_string(i) + "\n";
+            return text;
+        };
+        xvt_output_append(shown.control, lines(0, 150'000));
+        xvt_output_append(shown.control, lines(150'000, 200'000));
+        EXPECT_EQ(shown.widget->toPlainText().toStdString(), lines(0, 200'000));
+        EXPECT_EQ(shown.bar().value(), shown.bar().maximum());
+        shown.bar().setValue(100'000);
+        for (const int end : {200'001, 203'000}) {
+            xvt_output_append(shown.control, lines(end == 203'000 ? 200'001 : 200'000, end));
+            process_events();
+            EXPECT_EQ(shown.widget->toPlainText().toStdString(), lines(end - 200'000, end));
+            EXPECT_EQ(shown.widget->cursorForPosition({5, 5}).block().text(), "100000");
+        }
+    });
+}
+
+} // namespace
+} // namespace pellux
