@@ -20,5 +20,28 @@ inline Message<const char*, const char*> msg_project_old_contents{
 inline Message<const char*> msg_project_attributes_lost{
     "E2052", "'%s' was written, but its owner, mode or attributes could not be kept."};
 inline Message<const char*> msg_close_unsaved{"E2053", "Close project '%s' without saving it?"};
+inline Message<const char*, const char*> msg_project_status{"E2054", "Top design: %s\tDevice: %s"};
+inline Message<> msg_holds_pla{"E2055", "Project contains a PLA file."};
+inline Message<> msg_pla_alone{"E2056", "PLA must be the only file in the project."};
+inline Message<> msg_choose_vhdl{"E2057", "Choose VHDL files to add."};
+inline Message<> msg_choose_pla{"E2058", "Choose one PLA file to add."};
+inline Message<> msg_one_pla{"E2059", "You may only choose one PLA file."};
+inline Message<const char*> msg_copying{"E2060", "Copying '%s'"};
+inline Message<const char*, const char*> msg_cannot_copy{"E2061", "Error copying '%s' to '%s'."};
+inline Message<const char*> msg_name_holds_blank{
+    "E2062", "'%s' can't be added: with a blank in its name no message about it could be located."};
+inline Message<const char*, int> msg_name_too_long{
+    "E2063", "'%s' can't be added: its path from the project's directory has over %d bytes."};
+inline Message<const char*> msg_name_impossible{"E2064", "'%s' can't be added."};
+inline Message<int> msg_more_refused{"E2065", "%d more files can't be added."};
+inline Message<const char*, const char*> msg_cannot_list{"E2066", "Can't read directory '%s': %s."};
+inline Message<> msg_no_project_files{"E2067", "The clipboard holds no files of a project."};
+inline Message<> msg_too_much_to_copy{"E2068", "These files can't be put on the clipboard."};
+inline Message<> msg_compile_succeeded{"E2069", "Compilation successful."};
+inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
+inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
+inline Message<const char*> msg_cannot_run_compiler{"E2072", "Can't run '%s'."};
+inline Message<const char*> msg_project_changed{
+    "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 
 } // namespace pellux

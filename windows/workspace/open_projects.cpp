@@ -25,6 +25,13 @@ String joined(std::string_view directory, std::string_view name) {
     return path += name;
 }
 
+/// Takes note of what the project's file is now.
+void take_file(OpenProject& open) {
+    const String path = joined(view(open.project->directory), open.project->file_name.view());
+    if (failed(identify_file(view(path), open.file)))
+        open.file = {};
+}
+
 /// A file that was copied or renamed goes by the name that it has now: under the one that is
 /// written in it another project would be overwritten.
 bool add_read_project(Owned<Project> project, std::string_view directory, std::string_view name) {
@@ -32,7 +39,14 @@ bool add_read_project(Owned<Project> project, std::string_view directory, std::s
         return false;
     project->directory = directory;
     project->file_name.assign(name);
-    return add_project(std::move(project));
+    Vector<std::byte> image = project_image(*project);
+    if (!add_project(std::move(project)))
+        return false;
+    OpenProject& open = *g_workspace.projects.back();
+    open.written = std::move(image);
+    take_file(open);
+    show_project_change(open.window);
+    return true;
 }
 
 /// Asks for a name that no file has; false when the project stays without one.
@@ -66,14 +80,34 @@ bool name_project(Window window) {
     }
 }
 
-/// False after the user was told of a failure.
+/// Another program has written the file since: may that be lost? True when none has.
+bool may_replace(const OpenProject& open, const String& path) {
+    const bool is_named = !open.project->file_name.view().empty();
+    if (!is_named || open.written.empty() ||
+        changed_on_disk(view(path), open.file) != DiskState::changed)
+        return true;
+    const String text = format_message(msg_project_changed, path.c_str());
+    return xvt_dm_post_ask(k_cancel, "Write", nullptr, "%s", text.c_str()) == 1;
+}
+
+/// False when the user keeps the file as it is, or after they were told of a failure.
 bool write_open_project(Window window) {
-    const OpenProject* open = find_open_project(window);
+    const OpenProject* known = find_open_project(window);
+    if (known == nullptr)
+        return false;
+    const String path = joined(view(known->project->directory), known->project->file_name.view());
+    if (!may_replace(*known, path))
+        return false;
+    OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return false;
     store_place(window, *open->project);
     const ProjectWriteResult result = write_project(*open->project);
-    const String path = joined(view(open->project->directory), open->project->file_name.view());
+    if (!failed(result.error)) {
+        open->written = project_image(*open->project);
+        take_file(*open);
+        show_project_change(window);
+    }
     if (failed(result.error))
         post_error(msg_cannot_write_project, path.c_str(), error_text(result.error).c_str());
     else if (result.attributes_lost)
@@ -177,7 +211,8 @@ bool add_project(Owned<Project> project) {
         return false;
     }
     g_workspace.projects.push_back(
-        make_owned<OpenProject>(OpenProject{std::move(project), window}));
+        make_owned<OpenProject>(OpenProject{std::move(project), window, {}, {}}));
+    show_project_change(window);
     return true;
 }
 

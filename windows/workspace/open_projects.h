@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/project/project_state.h"
 #include "core/project/records.h"
 #include "windows/toolkit/event.h"
 #include "windows/workspace/shell_hooks.h"
@@ -14,6 +15,8 @@ namespace pellux {
 struct OpenProject {
     Owned<Project> project;
     Window window = Window::none;
+    Vector<std::byte> written; ///< `project_image` as it was last read or written; empty: never
+    FileIdentity file;         ///< what the file was then
 };
 
 /// One for the process.

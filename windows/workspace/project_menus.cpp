@@ -27,16 +27,16 @@ constexpr std::array k_project{
     item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
 };
 constexpr std::array k_files{
-    without_command("&Add...", add),
-    without_command("A&dd all", add_all),
-    without_command("Add P&LA", add_pla),
-    without_command("&Remove", remove),
-    without_command("Cu&t", cut),
-    without_command("&Copy", copy),
-    without_command("&Paste", paste),
-    without_command("&Select all", select_all),
-    without_command("&Move up", move_up),
-    without_command("Move do&wn", move_down),
+    item("&Add...", add),
+    item("A&dd all", add_all),
+    item("Add P&LA", add_pla),
+    item("&Remove", ProjectCommand::remove),
+    item("Cu&t", cut, "Ctrl+X"),
+    item("&Copy", copy, "Ctrl+C"),
+    item("&Paste", paste, "Ctrl+V"),
+    item("&Select all", select_all, "Ctrl+A"),
+    item("&Move up", move_up, "Alt+Up"),
+    item("Move do&wn", move_down, "Alt+Down"),
     without_command("Li&braries...", libraries),
     without_command("A&nnotate...", annotate),
 };
@@ -51,7 +51,7 @@ constexpr std::array k_search{
     without_command("&Selected files...", search_selected),
     without_command("All &VHDL files...", search_vhdl),
 };
-constexpr std::array k_font{without_command("&Select...", select_font)};
+constexpr std::array k_font{item("&Select...", select_font)};
 constexpr std::array k_help{item("&Contents", help_contents, "F1")};
 
 constexpr std::array k_menus{

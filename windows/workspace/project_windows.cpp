@@ -1,13 +1,19 @@
 #include "windows/workspace/project_windows.h"
 
 #include "core/diagnostics/message.h"
+#include "core/project/project_state.h"
+#include "windows/controls/toolbar.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/move_frame.h"
-#include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_commands.h"
+#include "windows/workspace/project_compile.h"
+#include "windows/workspace/project_files.h"
+#include "windows/workspace/project_font.h"
 #include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_view.h"
 
 #include <algorithm>
 #include <array>
@@ -19,42 +25,59 @@ constexpr int k_project_window = 105;
 
 constexpr std::array k_windows{WindowResource{.number = k_project_window,
                                               .title = "",
-                                              .width = 480,
-                                              .height = 320,
+                                              .width = 560,
+                                              .height = 400,
                                               .menu_bar = k_project_menu_bar}};
-
-struct CommandRow {
-    ProjectCommand command;
-    void (*run)(Window window);
-};
-constexpr CommandRow k_commands[] = {
-    {ProjectCommand::new_project, [](Window) { ask_for_new_project(); }},
-    {ProjectCommand::open, [](Window) { choose_project(); }},
-    {ProjectCommand::close, [](Window window) { close_project(window); }},
-    {ProjectCommand::save, [](Window window) { save_project(window); }},
-    {ProjectCommand::quit, [](Window) { workspace().shell.quit(workspace().shell.context); }},
-    {ProjectCommand::help_contents,
-     [](Window) { workspace().shell.show_help_contents(workspace().shell.context); }},
-};
 
 void on_command(Window window, int tag) {
     enter_project(window);
-    for (const CommandRow& row : k_commands) {
-        if (static_cast<int>(row.command) == tag) {
-            row.run(window);
-            return;
-        }
-    }
-    workspace().shell.run_tool(workspace().shell.context, tag);
+    if (!run_project_command(window, tag))
+        workspace().shell.run_tool(workspace().shell.context, tag);
+}
+
+/// A button of the toolbar; the list has the focus again afterwards.
+void on_button(Window window, int button) {
+    xvt_vobj_set_focus(project_list(window));
+    if (const int tag = command_of_button(button); tag != 0)
+        on_command(window, tag);
+}
+
+void on_list(Window window, ControlAction action) {
+    if (action == ControlAction::selected)
+        update_project_commands(window);
 }
 
 long on_event(void*, Window window, const Event& event) {
-    if (const auto* command = event.get<CommandEvent>()) {
+    if (event.get<CreationEvent>() != nullptr) {
+        create_project_view(window);
+    } else if (event.get<SizeEvent>() != nullptr) {
+        lay_out_project_view(window);
+    } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {
+        if (const OpenProject* open = find_open_project(window))
+            show_source_looks(window, *open->project);
+        xvt_vobj_set_focus(project_list(window));
+    } else if (const auto* command = event.get<CommandEvent>()) {
         on_command(window, command->tag);
+    } else if (const auto* notice = event.get<NoticeEvent>()) {
+        if (notice->number == k_toolbar_notice)
+            on_button(window, notice->part_id);
+    } else if (const auto* control = event.get<ControlEvent>()) {
+        on_list(window, control->action);
+    } else if (const auto* menu = event.get<ContextMenuEvent>()) {
+        show_list_menu(window, menu->at);
+    } else if (const auto* drop = event.get<DropEvent>()) {
+        enter_project(window);
+        add_dropped_files(window, drop->paths);
+    } else if (event.get<ClipboardEvent>() != nullptr) {
+        update_project_commands(window);
+    } else if (const auto* key = event.get<CharacterEvent>()) {
+        enter_project(window);
+        return run_project_key(window, *key) ? 0 : 1;
     } else if (event.get<CloseEvent>() != nullptr) {
         enter_project(window);
         close_project(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
+        end_project_compile(window);
         forget_project(window);
     }
     return 0;
@@ -79,6 +102,7 @@ void restore_place(Window window, const Screen_position& stored) {
 
 void register_project_window() {
     xvt_res_register({.menu_bars = project_menu_bars(), .windows = k_windows});
+    register_project_compile();
 }
 
 Window create_project_window(const Project& project) {
@@ -87,8 +111,19 @@ Window create_project_window(const Project& project) {
         return window;
     show_project_name(window, project);
     restore_place(window, project.window);
+    show_list_font(window, project);
+    show_sources(window, project, {});
     workspace().shell.insert_tools_menu(workspace().shell.context, window);
     return window;
+}
+
+void show_project_change(Window window) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    show_project_status(window, *open->project);
+    xvt_vobj_set_modified(window, project_image(*open->project) != open->written);
+    update_project_commands(window);
 }
 
 void show_project_name(Window window, const Project& project) {

@@ -119,7 +119,7 @@ TEST_F(ProjectWindows, RunTheirCommandsInTheirDirectory) {
         EXPECT_TRUE(choose_item(1044) && choose_item(1063) && choose_item(1049));
         xvt_win_dispatch_event(window_of_project(1), Event{CommandEvent{5003}});
         EXPECT_EQ(calls_, "tools tools help quit 5003 ");
-        EXPECT_FALSE(choose_item(1060));
+        EXPECT_FALSE(choose_item(1084));
     });
 }
 

@@ -1,0 +1,246 @@
+#include "core/common/callback.h"
+#include "core/diagnostics/reporter.h"
+#include "core/os/loop.h"
+#include "tests/core/os/scoped_directory.h"
+#include "tests/core/os/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "tests/windows/workspace/project_files.h"
+#include "windows/controls/controls.h"
+#include "windows/toolkit/clipboard.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/window.h"
+#include "windows/workspace/project_view.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace pellux {
+namespace {
+
+using test::make_project_file;
+using test::window_of_project;
+
+constexpr const char* k_choose = "Choose VHDL files to add.";
+constexpr const char* k_choose_pla = "Choose one PLA file to add.";
+
+/// One project, a.bpr, in a directory of its own, and the user in front of its window.
+class ProjectWindow : public testing::Test {
+protected:
+    ProjectWindow() {
+        register_controls();
+        make_project_file(top_, "a.bpr");
+    }
+    void run(const std::function<void()>& script) {
+        const ShellHooks shell{
+            .remember_placement = [](void*) {},
+            .end_application = [](void*) { xvt_app_destroy(); },
+            .quit = [](void*) {},
+            .show_help_contents = [](void*) {},
+            .insert_tools_menu = [](void*, Window) {},
+            .run_tool = [](void*, int) {},
+            .context = nullptr,
+        };
+        in_application([&] {
+            start_workspace(shell);
+            ASSERT_TRUE(open_project_here("a.bpr"));
+            process_events();
+            script();
+        });
+    }
+    static Window window() { return window_of_project(0); }
+    static Project& project() { return *workspace().projects.at(0)->project; }
+
+    /// "x.vhd *y.vhd [z.vhd]": the top design has a star, what is selected stands in brackets.
+    static std::string files() {
+        const Window list = project_list(window());
+        const Vector<int> selected = xvt_list_get_selected(list);
+        std::string text;
+        for (int i = 0; i < xvt_list_count(list); ++i) {
+            const auto& source = project().sources.at(static_cast<std::size_t>(i));
+            EXPECT_EQ(xvt_list_get_item(list, i), source->file_name.view());
+            std::string name(source->file_name.view());
+            if (source.get() == project().top_design)
+                name = "*" + name;
+            if (std::find(selected.begin(), selected.end(), i) != selected.end())
+                name = "[" + name + "]";
+            text += (text.empty() ? "" : " ") + name;
+        }
+        return text;
+    }
+    static void select(std::initializer_list<int> indices) {
+        xvt_list_set_selected(project_list(window()), Vector<int>(indices));
+        process_events();
+        update();
+    }
+    static void update() { xvt_win_dispatch_event(window(), Event{ClipboardEvent{}}); }
+    static std::string status() {
+        return xvt_vobj_get_title(xvt_win_get_ctl(window(), k_project_status)).c_str();
+    }
+    static void command(int tag) {
+        xvt_win_dispatch_event(window(), Event{CommandEvent{tag}});
+        process_events();
+    }
+
+    test::TemporaryDirectory directory_;
+    std::string top_ = directory_.path();
+    test::TemporaryDirectory settings_;
+    test::ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    test::ScopedDirectory here_{top_};
+    ScriptedAnswers user_;
+};
+
+TEST_F(ProjectWindow, TakesFilesByItsRules) {
+    for (const char* name : {"A.VHD", "b.vhd", "c.vhdl", "d e.vhd", "p.pla", "sub/x.vhd"})
+        directory_.write(name, "");
+    run([&] {
+        user_.expect_error("'*/d e.vhd' can't be added*");
+        command(1106);
+        EXPECT_EQ(files(), "[A.VHD] [b.vhd]");
+        const std::string paths[] = {directory_.path("c.vhdl"), directory_.path("sub"),
+                                     directory_.path("b.vhd")};
+        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
+        EXPECT_EQ(files(), "A.VHD [b.vhd] [c.vhdl] [sub/x.vhd]");
+    });
+}
+
+TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
+    const std::string far(125, 'f');
+    for (const char* name : {"A.VHD", "b.vhd", "d e.vhd", "p.pla", "q.pla"})
+        directory_.write(name, "");
+    run([&] {
+        user_.expect_files(k_choose, top_, {"b.vhd", "d e.vhd", far});
+        user_.expect_error("'*/d e.vhd' can't be added: with a blank *");
+        user_.expect_error("'*/f*' can't be added: its path * 119 bytes.");
+        command(1060);
+        EXPECT_EQ(files(), "[b.vhd]");
+        user_.expect_error("PLA must be the only file in the project.");
+        command(1107);
+        // One that is there is selected, and nothing else happens.
+        user_.expect_files(k_choose, top_, {"A.VHD"});
+        command(1060);
+        user_.expect_files(k_choose, top_, {"b.vhd"});
+        command(1060);
+        EXPECT_EQ(files(), "[b.vhd] A.VHD");
+        command(1058);
+        press_key("Del");
+        EXPECT_EQ(files(), "");
+        user_.expect_files(k_choose_pla, top_, {"p.pla", "q.pla"});
+        user_.expect_note("You may only choose one PLA file.");
+        user_.expect_files(k_choose_pla, top_, {"q.pla"});
+        command(1107);
+        EXPECT_EQ(files(), "[q.pla]");
+        for (const int tag : {1060, 1106}) {
+            user_.expect_error("Project contains a PLA file.");
+            command(tag);
+        }
+        user_.expect_error("Project contains a PLA file.");
+        const std::string paths[] = {directory_.path("b.vhd")};
+        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
+        EXPECT_EQ(files(), "[q.pla]");
+    });
+}
+
+TEST_F(ProjectWindow, OrdersFilesAndKnowsWhatCanBeDone) {
+    for (const char* name : {"a.vhd", "b.vhd", "c.vhd", "d.vhd"})
+        directory_.write(name, "");
+    run([&] {
+        EXPECT_FALSE(choose_item(1057) || choose_item(1056) || choose_item(1052));
+        EXPECT_EQ(status(), "Top design: <none>\tDevice: ");
+        command(1106);
+        select({1, 2});
+        EXPECT_TRUE(choose_item(1052));
+        EXPECT_EQ(files(), "[b.vhd] [c.vhd] a.vhd d.vhd");
+        EXPECT_TRUE(choose_item(1052) && choose_item(1050) && choose_item(1050));
+        EXPECT_EQ(files(), "a.vhd d.vhd [b.vhd] [c.vhd]");
+
+        select({1});
+        right_click(project_list(window()), {20, 25});
+        EXPECT_TRUE(choose_popup_item(1150));
+        EXPECT_EQ(files(), "a.vhd [*d.vhd] b.vhd c.vhd");
+        EXPECT_EQ(status(), "Top design: d.vhd\tDevice: ");
+        EXPECT_TRUE(choose_item(1057));
+        EXPECT_EQ(files(), "a.vhd [b.vhd] c.vhd");
+        EXPECT_EQ(status(), "Top design: <none>\tDevice: ");
+        EXPECT_TRUE(choose_item(1046));
+        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
+        select({0});
+        EXPECT_TRUE(choose_item(1050));
+        EXPECT_NE(project_image(project()), workspace().projects.at(0)->written);
+    });
+}
+
+TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
+    make_project_file(directory_.path("other"), "b.bpr");
+    directory_.write("x.vhd", "x");
+    directory_.write("y.vhd", "y");
+    run([&] {
+        command(1106);
+        select({0, 1});
+        EXPECT_TRUE(choose_item(1054));
+        EXPECT_EQ(files(), "");
+        std::filesystem::remove("y.vhd");
+        ASSERT_TRUE(open_project_in(directory_.path("other"), "b.bpr"));
+        process_events();
+        user_.expect_error("Error copying '*/y.vhd' to '*/other/y.vhd'.");
+        EXPECT_TRUE(choose_item(1056));
+        const Window other = window_of_project(1);
+        EXPECT_EQ(xvt_list_count(project_list(other)), 2);
+        EXPECT_EQ(directory_.read("other/x.vhd"), "x");
+        // Another program's data under the format's name.
+        const std::string hostile(40, '\xff');
+        ASSERT_TRUE(xvt_cb_put("VESF", std::as_bytes(std::span(hostile))));
+        process_events();
+        user_.expect_error("The clipboard holds no files of a project.");
+        EXPECT_TRUE(choose_item(1056));
+        EXPECT_EQ(xvt_list_count(project_list(other)), 2);
+    });
+}
+
+TEST_F(ProjectWindow, AsksBeforeItReplacesWhatAnotherProgramWrote) {
+    run([&] {
+        project().options.device.assign("cpld32");
+        directory_.write("a.bpr", "another's");
+        user_.expect_ask("Project '*/a.bpr' has changed on disk.\nWrite it all the same?",
+                         "Cancel");
+        EXPECT_TRUE(choose_item(1046));
+        EXPECT_EQ(directory_.read("a.bpr"), "another's");
+        user_.expect_ask("Project '*'*", "Write");
+        EXPECT_TRUE(choose_item(1046));
+        EXPECT_NE(directory_.read("a.bpr"), "another's");
+        // One that is gone is written anew.
+        std::filesystem::remove("a.bpr");
+        EXPECT_TRUE(choose_item(1046));
+        EXPECT_TRUE(directory_.names().contains("a.bpr"));
+    });
+}
+
+TEST_F(ProjectWindow, ShowsWhatTheCompilerSays) {
+    directory_.write("good.vhd", "entity good is end;\n");
+    directory_.write("bad.vhd", "entity bad is\n");
+    run([&] {
+        command(1106);
+        ASSERT_EQ(files(), "[bad.vhd] [good.vhd]");
+        select({1});
+        const auto said = [](std::string_view word) {
+            for (int i = 0; i < 500; ++i) {
+                run_turn(TurnWait::until_event);
+                if (shown_output().find(word) != std::string::npos)
+                    return true;
+            }
+            return false;
+        };
+        press_key("Ctrl+F7");
+        EXPECT_TRUE(said("Compilation successful."));
+        xvt_vobj_set_focus(window());
+        process_events();
+        press_key("F7");
+        EXPECT_TRUE(said("Compilation failed."));
+        EXPECT_TRUE(said("bad.vhd (line"));
+    });
+}
+
+} // namespace
+} // namespace pellux

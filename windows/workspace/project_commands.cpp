@@ -1,0 +1,182 @@
+#include "windows/workspace/project_commands.h"
+
+#include "core/project/source_clipboard.h"
+#include "windows/toolkit/clipboard.h"
+#include "windows/toolkit/menu.h"
+#include "windows/workspace/new_project.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_compile.h"
+#include "windows/workspace/project_files.h"
+#include "windows/workspace/project_font.h"
+#include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_view.h"
+
+#include <array>
+
+namespace pellux {
+namespace {
+
+/// What a command needs to be of use.
+enum class Need { nothing, selection, one_selected, files, clipboard };
+
+/// Commands of the window that stand in no menu of its bar.
+enum class ListCommand : int { toggle_top = 1150, compile_all = 1151, compile_selected = 1152 };
+
+constexpr int tag_of(ProjectCommand command) {
+    return static_cast<int>(command);
+}
+constexpr int tag_of(ListCommand command) {
+    return static_cast<int>(command);
+}
+
+struct CommandRow {
+    int tag = 0;
+    int button = 0; ///< of the toolbar; 0: none
+    Need need = Need::nothing;
+    void (*run)(Window window) = nullptr;
+};
+
+using enum ProjectCommand;
+
+constexpr std::array k_commands{
+    CommandRow{tag_of(new_project), 231, Need::nothing, [](Window) { ask_for_new_project(); }},
+    CommandRow{tag_of(open), 232, Need::nothing, [](Window) { choose_project(); }},
+    CommandRow{tag_of(close), 0, Need::nothing, [](Window window) { close_project(window); }},
+    CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
+    CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
+               [](Window) { workspace().shell.quit(workspace().shell.context); }},
+    CommandRow{tag_of(add), 234, Need::nothing, ask_for_vhdl_files},
+    CommandRow{tag_of(add_all), 0, Need::nothing, add_all_vhdl_files},
+    CommandRow{tag_of(add_pla), 0, Need::nothing, ask_for_pla_file},
+    CommandRow{tag_of(ProjectCommand::remove), 235, Need::selection, remove_selected_files},
+    CommandRow{tag_of(cut), 0, Need::selection, cut_selected_files},
+    CommandRow{tag_of(copy), 0, Need::selection, copy_selected_files},
+    CommandRow{tag_of(paste), 0, Need::clipboard, paste_files},
+    CommandRow{tag_of(select_all), 0, Need::files, select_all_files},
+    CommandRow{tag_of(move_up), 236, Need::selection, move_selected_files_up},
+    CommandRow{tag_of(move_down), 237, Need::selection, move_selected_files_down},
+    CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
+    CommandRow{tag_of(help_contents), 0, Need::nothing,
+               [](Window) { workspace().shell.show_help_contents(workspace().shell.context); }},
+    CommandRow{tag_of(ListCommand::toggle_top), 238, Need::one_selected, toggle_top_design},
+    CommandRow{tag_of(ListCommand::compile_all), 239, Need::files,
+               [](Window window) { compile_project(window, true); }},
+    CommandRow{tag_of(ListCommand::compile_selected), 240, Need::selection,
+               [](Window window) { compile_project(window, false); }},
+};
+constexpr int k_libraries_button = 241;
+
+struct ListState {
+    std::size_t files = 0;
+    std::size_t selected = 0;
+    bool can_paste = false;
+};
+
+ListState state_of(Window window) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return {};
+    return {open->project->sources.size(), selected_sources(window).size(),
+            xvt_cb_has(k_source_clipboard_format)};
+}
+
+bool is_met(Need need, const ListState& state) {
+    switch (need) {
+    case Need::nothing:
+        return true;
+    case Need::selection:
+        return state.selected > 0;
+    case Need::one_selected:
+        return state.selected == 1;
+    case Need::files:
+        return state.files > 0;
+    case Need::clipboard:
+        return state.can_paste;
+    }
+    return false;
+}
+
+MenuItem menu_item(const char* title, int tag, const char* shortcut, const ListState& state) {
+    MenuItem item;
+    set_title(item, title);
+    item.tag = tag;
+    item.shortcut = shortcut;
+    for (const CommandRow& row : k_commands)
+        if (row.tag == tag)
+            item.is_enabled = is_met(row.need, state);
+    return item;
+}
+
+} // namespace
+
+bool run_project_command(Window window, int tag) {
+    for (const CommandRow& row : k_commands) {
+        if (row.tag == tag) {
+            if (is_met(row.need, state_of(window)))
+                row.run(window);
+            return true;
+        }
+    }
+    return false;
+}
+
+int command_of_button(int button) {
+    for (const CommandRow& row : k_commands)
+        if (row.button == button && button != 0)
+            return row.tag;
+    return 0;
+}
+
+bool run_project_key(Window window, const CharacterEvent& key) {
+    constexpr int k_delete = 127;
+    constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
+    int tag = 0;
+    if (key.code == k_f7)
+        tag = tag_of(key.with.control ? ListCommand::compile_selected : ListCommand::compile_all);
+    else if (key.code == k_delete && !key.with.shift && !key.with.control)
+        tag = tag_of(ProjectCommand::remove);
+    return tag != 0 && run_project_command(window, tag);
+}
+
+void update_project_commands(Window window) {
+    const ListState state = state_of(window);
+    for (const CommandRow& row : k_commands) {
+        if (row.need == Need::nothing)
+            continue;
+        xvt_menu_set_item_enabled(window, row.tag, is_met(row.need, state));
+        if (row.button != 0)
+            enable_project_button(window, row.button, is_met(row.need, state));
+    }
+    enable_project_button(window, k_libraries_button, false);
+}
+
+void show_list_menu(Window window, Point at) {
+    const ListState state = state_of(window);
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    const Vector<std::size_t> selected = selected_sources(window);
+    const bool is_top = selected.size() == 1 && selected.front() < state.files &&
+                        open->project->sources[selected.front()].get() == open->project->top_design;
+    MenuItem separator;
+    separator.is_separator = true;
+    Vector<MenuItem> items;
+    items.push_back(menu_item(is_top ? "No &top design" : "Set as &top design",
+                              tag_of(ListCommand::toggle_top), "", state));
+    items.push_back(menu_item("Co&mpile all", tag_of(ListCommand::compile_all), "F7", state));
+    items.push_back(
+        menu_item("Compile s&elected", tag_of(ListCommand::compile_selected), "Ctrl+F7", state));
+    items.push_back(separator);
+    items.push_back(menu_item("&Add...", tag_of(add), "", state));
+    items.push_back(menu_item("&Remove", tag_of(ProjectCommand::remove), "Del", state));
+    items.push_back(menu_item("Cu&t", tag_of(cut), "Ctrl+X", state));
+    items.push_back(menu_item("&Copy", tag_of(copy), "Ctrl+C", state));
+    items.push_back(menu_item("&Paste", tag_of(paste), "Ctrl+V", state));
+    items.push_back(menu_item("&Select all", tag_of(select_all), "Ctrl+A", state));
+    items.push_back(separator);
+    items.push_back(menu_item("Move &up", tag_of(move_up), "Alt+Up", state));
+    items.push_back(menu_item("Move do&wn", tag_of(move_down), "Alt+Down", state));
+    xvt_menu_popup(window, items, at);
+}
+
+} // namespace pellux

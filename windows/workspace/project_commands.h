@@ -1,0 +1,21 @@
+#pragma once
+
+#include "windows/toolkit/event.h"
+
+namespace pellux {
+
+// The commands of a project's window, by their tags in its menus, its toolbar and its keys.
+
+/// Runs the command of a menu's tag; false when it is not one of the window's own. The window may
+/// be gone afterwards.
+bool run_project_command(Window window, int tag);
+/// The tag of a toolbar button's command; 0 for none.
+[[nodiscard]] int command_of_button(int button);
+/// Enables what can be done now: with what is selected, and with what the clipboard holds.
+void update_project_commands(Window window);
+/// The context menu of the list.
+void show_list_menu(Window window, Point at);
+/// Runs the command of a key that no menu has; false when there is none.
+bool run_project_key(Window window, const CharacterEvent& key);
+
+} // namespace pellux

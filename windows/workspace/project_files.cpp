@@ -1,0 +1,288 @@
+#include "windows/workspace/project_files.h"
+
+#include "core/common/text_file.h"
+#include "core/os/files.h"
+#include "core/project/source_clipboard.h"
+#include "core/project/source_list.h"
+#include "windows/toolkit/clipboard.h"
+#include "windows/toolkit/control.h"
+#include "windows/workspace/boxes.h"
+#include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_view.h"
+#include "windows/workspace/project_windows.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace pellux {
+namespace {
+
+Project* project_of(Window window) {
+    OpenProject* open = find_open_project(window);
+    return open == nullptr ? nullptr : open->project.get();
+}
+
+/// Why a file is not taken into the list.
+void tell_refusal(AddStatus status, const String& path) {
+    switch (status) {
+    case AddStatus::added:
+    case AddStatus::already_listed:
+        return;
+    case AddStatus::holds_blank:
+        post_error(msg_name_holds_blank, path.c_str());
+        return;
+    case AddStatus::too_long:
+        post_error(msg_name_too_long, path.c_str(), static_cast<int>(k_source_name_max));
+        return;
+    case AddStatus::impossible_name:
+        post_error(msg_name_impossible, path.c_str());
+        return;
+    }
+}
+
+/// Adds files one after the other; those that are listed now are selected. What is refused is told,
+/// of many only the first ones.
+class Adding {
+public:
+    Adding(Window window, Project& project)
+        : window_(window), project_(project), index_(index_sources(project)) {}
+
+    void add(std::string_view path, SourceKind kind) {
+        const AddResult result = add_source(project_, index_, path, kind);
+        if (result.status == AddStatus::added || result.status == AddStatus::already_listed)
+            selected_.push_back(result.index);
+        else
+            refused_.push_back({result.status, String(path)});
+    }
+    /// Shows the list and tells what was refused.
+    void end() {
+        std::ranges::sort(selected_);
+        const auto doubled = std::ranges::unique(selected_);
+        selected_.erase(doubled.begin(), doubled.end());
+        show_sources(window_, project_, selected_);
+        if (!selected_.empty())
+            xvt_list_set_focus_index(project_list(window_), static_cast<int>(selected_.back()));
+        show_project_change(window_);
+        constexpr std::size_t k_told_max = 3;
+        for (std::size_t i = 0; i < std::min(refused_.size(), k_told_max); ++i)
+            tell_refusal(refused_[i].first, refused_[i].second);
+        if (refused_.size() > k_told_max)
+            post_error(msg_more_refused, static_cast<int>(refused_.size() - k_told_max));
+    }
+
+private:
+    Window window_;
+    Project& project_;
+    SourceIndex index_;
+    Vector<std::size_t> selected_;
+    Vector<std::pair<AddStatus, String>> refused_;
+};
+
+String joined(std::string_view directory, std::string_view name) {
+    PathBuffer path(directory);
+    return path.join(name) ? String(path.view()) : String();
+}
+
+/// The VHDL files of a directory; false after the user was told.
+bool add_directory(Adding& adding, const String& directory) {
+    Vector<String> names;
+    const SystemError error = list_vhdl_files(view(directory), names);
+    if (failed(error)) {
+        post_error(msg_cannot_list, directory.c_str(), error_text(error).c_str());
+        return false;
+    }
+    for (const String& name : names)
+        adding.add(view(joined(view(directory), view(name))), SourceKind::vhdl);
+    return true;
+}
+
+bool refuses_vhdl(const Project& project) {
+    if (may_add_vhdl(project))
+        return false;
+    post_error(msg_holds_pla);
+    return true;
+}
+
+template <typename Move>
+void move_files(Window window, Move move) {
+    Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    const Vector<std::size_t> selected = selected_sources(window);
+    const Vector<std::size_t> moved = move(*project, selected);
+    show_sources(window, *project, moved);
+    show_project_change(window);
+}
+
+/// One step of a paste; a failed copy is told, and the file is listed all the same.
+void paste_one(Window window, Adding& adding, const PasteStep& step) {
+    if (step.copies) {
+        show_status(window, view(format_message(msg_copying, step.from.c_str())));
+        if (failed(copy_source_file(view(step.from), view(step.to))))
+            post_error(msg_cannot_copy, step.from.c_str(), step.to.c_str());
+    }
+    adding.add(view(step.to), kind_of_name(view(step.to)));
+}
+
+} // namespace
+
+void ask_for_vhdl_files(Window window) {
+    const Project* project = project_of(window);
+    if (project == nullptr || refuses_vhdl(*project))
+        return;
+    const String title = format_message(msg_choose_vhdl);
+    const String start = project->directory;
+    String directory;
+    Vector<String> names;
+    if (!xvt_dm_post_files_open(
+            {.title = view(title), .directory = view(start), .extension = "vhd"}, directory, names))
+        return;
+    Project* now = project_of(window);
+    if (now == nullptr)
+        return;
+    Adding adding(window, *now);
+    for (const String& name : names)
+        adding.add(view(joined(view(directory), view(name))), SourceKind::vhdl);
+    adding.end();
+}
+
+void add_all_vhdl_files(Window window) {
+    Project* project = project_of(window);
+    if (project == nullptr || refuses_vhdl(*project))
+        return;
+    Adding adding(window, *project);
+    if (add_directory(adding, project->directory))
+        adding.end();
+}
+
+void ask_for_pla_file(Window window) {
+    Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    if (!may_add_pla(*project)) {
+        post_error(msg_pla_alone);
+        return;
+    }
+    const String title = format_message(msg_choose_pla);
+    const String start = project->directory;
+    String directory;
+    Vector<String> names;
+    do {
+        names.clear();
+        if (!xvt_dm_post_files_open(
+                {.title = view(title), .directory = view(start), .extension = "pla"}, directory,
+                names))
+            return;
+        if (names.size() > 1)
+            xvt_dm_post_note("%s", format_message(msg_one_pla).c_str());
+    } while (names.size() > 1);
+    project = project_of(window);
+    if (project == nullptr)
+        return;
+    Adding adding(window, *project);
+    adding.add(view(joined(view(directory), view(names.front()))), SourceKind::pla);
+    adding.end();
+}
+
+void add_dropped_files(Window window, std::span<const String> paths) {
+    Project* project = project_of(window);
+    if (project == nullptr || refuses_vhdl(*project))
+        return;
+    Adding adding(window, *project);
+    for (const String& path : paths) {
+        FileStat stat;
+        const bool is_directory =
+            !failed(stat_file(view(path), stat)) && stat.kind == FileKind::directory;
+        if (is_directory)
+            add_directory(adding, resolved_place(view(path)));
+        else
+            adding.add(view(resolved_place(view(path))), kind_of_name(view(path)));
+    }
+    adding.end();
+}
+
+void remove_selected_files(Window window) {
+    Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    const Vector<std::size_t> selected = selected_sources(window);
+    if (selected.empty())
+        return;
+    remove_sources(*project, selected);
+    Vector<std::size_t> next;
+    if (!project->sources.empty())
+        next.push_back(std::min(selected.front(), project->sources.size() - 1));
+    show_sources(window, *project, next);
+    if (!next.empty())
+        xvt_list_set_focus_index(project_list(window), static_cast<int>(next.front()));
+    show_project_change(window);
+}
+
+void copy_selected_files(Window window) {
+    const Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    const Vector<std::size_t> selected = selected_sources(window);
+    Vector<std::byte> bytes;
+    if (!write_source_clipboard(copy_sources(*project, selected), bytes) ||
+        !xvt_cb_put(k_source_clipboard_format, bytes))
+        post_error(msg_too_much_to_copy);
+}
+
+void cut_selected_files(Window window) {
+    copy_selected_files(window);
+    remove_selected_files(window);
+}
+
+void paste_files(Window window) {
+    Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    const auto bytes = xvt_cb_get(k_source_clipboard_format);
+    SourceClipboard clipboard;
+    if (!bytes || !read_source_clipboard(*bytes, clipboard)) {
+        post_error(msg_no_project_files);
+        return;
+    }
+    Adding adding(window, *project);
+    for (const PasteStep& step : plan_paste(*project, clipboard))
+        paste_one(window, adding, step);
+    adding.end();
+}
+
+void select_all_files(Window window) {
+    const Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    Vector<int> all;
+    for (int i = 0; i < static_cast<int>(project->sources.size()); ++i)
+        all.push_back(i);
+    xvt_list_set_selected(project_list(window), all);
+}
+
+void move_selected_files_up(Window window) {
+    move_files(window, move_sources_up);
+}
+
+void move_selected_files_down(Window window) {
+    move_files(window, move_sources_down);
+}
+
+void toggle_top_design(Window window) {
+    Project* project = project_of(window);
+    if (project == nullptr)
+        return;
+    const Vector<std::size_t> selected = selected_sources(window);
+    if (selected.size() != 1 || selected.front() >= project->sources.size())
+        return;
+    const bool was_top = project->sources[selected.front()].get() == project->top_design;
+    if (was_top)
+        clear_top_design(*project);
+    else if (!set_top_design(*project, selected.front()))
+        return;
+    show_sources(window, *project, selected);
+    show_project_change(window);
+}
+
+} // namespace pellux

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/project/source_list.h"
+#include "windows/toolkit/event.h"
+
+#include <string_view>
+
+namespace pellux {
+
+// What the window of a project shows: a toolbar, the list of its files, and the status line.
+
+/// Makes the parts; the window has its size.
+void create_project_view(Window window);
+/// Fits them to the window.
+void lay_out_project_view(Window window);
+
+/// Shows the list anew, with these entries selected.
+void show_sources(Window window, const Project& project, Selection selected);
+/// Shows the entries again as their files are now: some may be missing, or there again.
+void show_source_looks(Window window, const Project& project);
+[[nodiscard]] Vector<std::size_t> selected_sources(Window window);
+
+/// The top design and the device.
+void show_project_status(Window window, const Project& project);
+/// Something else, until `show_project_status`.
+void show_status(Window window, std::string_view text);
+
+/// The list's control, which has the focus of the window.
+[[nodiscard]] Window project_list(Window window);
+/// Enables a button of the toolbar; its id is that of its picture less 100.
+void enable_project_button(Window window, int id, bool is_enabled);
+
+inline constexpr int k_project_list = 1;
+inline constexpr int k_project_toolbar = 2;
+inline constexpr int k_project_status = 3;
+
+} // namespace pellux
