@@ -58,8 +58,7 @@ public:
     /// Shows the list and tells what was refused.
     void end() {
         std::ranges::sort(selected_);
-        const auto doubled = std::ranges::unique(selected_);
-        selected_.erase(doubled.begin(), doubled.end());
+        selected_.erase(std::unique(selected_.begin(), selected_.end()), selected_.end());
         show_sources(window_, project_, selected_);
         if (!selected_.empty())
             xvt_list_set_focus_index(project_list(window_), static_cast<int>(selected_.back()));

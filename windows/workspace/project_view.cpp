@@ -113,7 +113,7 @@ void show_sources(Window window, const Project& project, Selection selected) {
 }
 
 void show_source_looks(Window window, const Project& project) {
-    show_sources(window, project, selected_sources(window));
+    xvt_list_set_entries(project_list(window), entries_of(project), ListPlace::kept);
 }
 
 Vector<std::size_t> selected_sources(Window window) {

@@ -216,7 +216,7 @@ void DialogBox::fill(ShownRow& shown, const DialogRow& row) {
         auto* list = static_cast<ItemList*>(shown.field);
         const Vector<String> items = lines_of(view(row.value));
         if (!std::ranges::equal(items, list->model_of_items().entries(), {}, {}, &ListEntry::text))
-            list->model_of_items().set_items(items);
+            list->model_of_items().set_entries(plain_entries(items));
         if (list->selected() != row.selected)
             list->select(row.selected);
         break;

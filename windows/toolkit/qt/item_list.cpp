@@ -60,18 +60,18 @@ protected:
 
 } // namespace
 
-void ItemModel::set_entries(Vector<ListEntry> entries) {
-    beginResetModel();
-    entries_ = std::move(entries);
-    endResetModel();
-}
-
-void ItemModel::set_items(std::span<const String> items) {
+Vector<ListEntry> plain_entries(std::span<const String> items) {
     Vector<ListEntry> entries;
     entries.reserve(items.size());
     for (const String& item : items)
         entries.push_back({.text = item});
-    set_entries(std::move(entries));
+    return entries;
+}
+
+void ItemModel::set_entries(Vector<ListEntry> entries) {
+    beginResetModel();
+    entries_ = std::move(entries);
+    endResetModel();
 }
 
 void ItemModel::update_entry(int index, const ListEntry& entry) {

@@ -10,13 +10,15 @@
 
 namespace pellux {
 
+/// Entries that are nothing but their text.
+[[nodiscard]] Vector<ListEntry> plain_entries(std::span<const String> items);
+
 /// Entries of a list, kept as the bytes that they are.
 class ItemModel : public QAbstractListModel {
 public:
     using QAbstractListModel::QAbstractListModel;
 
     void set_entries(Vector<ListEntry> entries);
-    void set_items(std::span<const String> items);
     void update_entry(int index, const ListEntry& entry); ///< of one that is there
     [[nodiscard]] const Vector<ListEntry>& entries() const { return entries_; }
 

@@ -138,11 +138,7 @@ void xvt_list_update_entry(Window list, int index, const ListEntry& entry) {
 }
 
 void xvt_list_set_items(Window list, std::span<const String> items) {
-    Vector<ListEntry> entries;
-    entries.reserve(items.size());
-    for (const String& item : items)
-        entries.push_back({.text = item});
-    set_entries(list, std::move(entries));
+    set_entries(list, plain_entries(items));
 }
 
 int xvt_list_count(Window list) {
