@@ -218,20 +218,22 @@ void remove_selected_files(Window window) {
     show_project_change(window);
 }
 
-void copy_selected_files(Window window) {
+bool copy_selected_files(Window window) {
     const Project* project = project_of(window);
     if (project == nullptr)
-        return;
+        return false;
     const Vector<std::size_t> selected = selected_sources(window);
     Vector<std::byte> bytes;
-    if (!write_source_clipboard(copy_sources(*project, selected), bytes) ||
-        !xvt_cb_put(k_source_clipboard_format, bytes))
-        post_error(msg_too_much_to_copy);
+    if (write_source_clipboard(copy_sources(*project, selected), bytes) &&
+        xvt_cb_put(k_source_clipboard_format, bytes))
+        return true;
+    post_error(msg_too_much_to_copy);
+    return false;
 }
 
 void cut_selected_files(Window window) {
-    copy_selected_files(window);
-    remove_selected_files(window);
+    if (copy_selected_files(window))
+        remove_selected_files(window);
 }
 
 void paste_files(Window window) {

@@ -17,7 +17,8 @@ void ask_for_pla_file(Window window);
 void add_dropped_files(Window window, std::span<const String> paths);
 void remove_selected_files(Window window);
 void cut_selected_files(Window window);
-void copy_selected_files(Window window);
+/// False after the user was told; the clipboard is then as it was.
+bool copy_selected_files(Window window);
 void paste_files(Window window);
 void select_all_files(Window window);
 void move_selected_files_up(Window window);
