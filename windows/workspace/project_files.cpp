@@ -1,5 +1,6 @@
 #include "windows/workspace/project_files.h"
 
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/project/source_clipboard.h"
@@ -78,11 +79,6 @@ private:
     Vector<std::pair<AddStatus, String>> refused_;
 };
 
-String joined(std::string_view directory, std::string_view name) {
-    PathBuffer path(directory);
-    return path.join(name) ? String(path.view()) : String();
-}
-
 /// The VHDL files of a directory; false after the user was told.
 bool add_directory(Adding& adding, const String& directory) {
     Vector<String> names;
@@ -92,7 +88,7 @@ bool add_directory(Adding& adding, const String& directory) {
         return false;
     }
     for (const String& name : names)
-        adding.add(view(joined(view(directory), view(name))), SourceKind::vhdl);
+        adding.add(view(absolute_path(view(directory), view(name))), SourceKind::vhdl);
     return true;
 }
 
@@ -142,7 +138,7 @@ void ask_for_vhdl_files(Window window) {
         return;
     Adding adding(window, *now);
     for (const String& name : names)
-        adding.add(view(joined(view(directory), view(name))), SourceKind::vhdl);
+        adding.add(view(absolute_path(view(directory), view(name))), SourceKind::vhdl);
     adding.end();
 }
 
@@ -180,7 +176,7 @@ void ask_for_pla_file(Window window) {
     if (project == nullptr)
         return;
     Adding adding(window, *project);
-    adding.add(view(joined(view(directory), view(names.front()))), SourceKind::pla);
+    adding.add(view(absolute_path(view(directory), view(names.front()))), SourceKind::pla);
     adding.end();
 }
 
