@@ -2,10 +2,10 @@
 
 #include "core/diagnostics/message.h"
 #include "core/os/settings.h"
+#include "windows/controls/property_text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 
@@ -21,19 +21,13 @@ constexpr std::size_t k_directory_max = 255;
 constexpr int k_least_size = 100;
 constexpr int k_border = 20; ///< of the work area's size
 
-/// Takes a number off `text`, as scanf does.
-bool take_number(std::string_view& text, int& number) {
-    constexpr std::string_view k_blanks = " \t\r\n\v\f";
-    text.remove_prefix(std::min(text.find_first_not_of(k_blanks), text.size()));
-    if (text.starts_with('+') && !text.starts_with("+-"))
-        text.remove_prefix(1);
-    std::int16_t value = 0;
-    const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::invalid_argument)
-        return false;
+/// Takes a number off `text`, clamped to 16 bits.
+bool take_coordinate(std::string_view& text, int& coordinate) {
     using Limits = std::numeric_limits<std::int16_t>;
-    number = error == std::errc() ? value : text.starts_with('-') ? Limits::min() : Limits::max();
-    text.remove_prefix(static_cast<std::size_t>(rest - text.data()));
+    int number = 0;
+    if (!take_number(text, number))
+        return false;
+    coordinate = std::clamp<int>(number, Limits::min(), Limits::max());
     return true;
 }
 
@@ -52,8 +46,8 @@ Rect shrunk(const Rect& work) {
 
 std::optional<Rect> parse_position(std::string_view text) {
     Rect rect;
-    if (take_number(text, rect.top) && take_number(text, rect.left) &&
-        take_number(text, rect.bottom) && take_number(text, rect.right))
+    if (take_coordinate(text, rect.top) && take_coordinate(text, rect.left) &&
+        take_coordinate(text, rect.bottom) && take_coordinate(text, rect.right))
         return rect;
     return std::nullopt;
 }
