@@ -1,5 +1,6 @@
 #include "core/os/path.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace pellux {
@@ -72,6 +73,12 @@ std::string_view extension_part(std::string_view path) {
     const std::string_view name = file_name_part(path);
     const std::size_t dot = name.rfind('.');
     return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+}
+
+bool has_extension(std::string_view path, std::string_view extension) {
+    const std::string_view own = extension_part(path);
+    return std::equal(own.begin(), own.end(), extension.begin(), extension.end(),
+                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a | 0x20 : a) == b; });
 }
 
 std::string_view shortened_name(std::string_view name, std::size_t bytes) {

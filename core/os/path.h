@@ -42,6 +42,8 @@ private:
 [[nodiscard]] std::string_view file_name_part(std::string_view path);
 /// The text after the last '.' of the file name; empty without one.
 [[nodiscard]] std::string_view extension_part(std::string_view path);
+/// Is that text `extension`, which is given in lower case, whatever its own case?
+[[nodiscard]] bool has_extension(std::string_view path, std::string_view extension);
 /// The start of a file name, at most `bytes` long: half a UTF-8 character at the end, which some
 /// file systems refuse, is left out.
 [[nodiscard]] std::string_view shortened_name(std::string_view name, std::size_t bytes);

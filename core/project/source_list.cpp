@@ -96,10 +96,7 @@ bool may_add_pla(const Project& project) {
 }
 
 bool is_vhdl_name(std::string_view name) {
-    constexpr std::string_view k_extension = "vhd";
-    const std::string_view extension = extension_part(name);
-    return std::equal(extension.begin(), extension.end(), k_extension.begin(), k_extension.end(),
-                      [](char a, char b) { return (a | 0x20) == b; });
+    return has_extension(name, "vhd");
 }
 
 SystemError list_vhdl_files(std::string_view directory, Vector<String>& names) {

@@ -281,9 +281,7 @@ String project_file_name(std::string_view name) {
 }
 
 bool is_project_file(std::string_view name) {
-    const std::string_view extension = extension_part(name);
-    return std::equal(extension.begin(), extension.end(), k_project_extension.begin(),
-                      k_project_extension.end(), [](char a, char b) { return (a | 0x20) == b; });
+    return has_extension(name, k_project_extension);
 }
 
 } // namespace pellux
