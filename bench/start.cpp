@@ -1,6 +1,8 @@
 #include "bench/ratio.h"
+#include "core/project/project_file.h"
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -23,10 +25,10 @@ struct Memory {
     }
 };
 
-/// Runs a program to its first paint; a start that fails ends the benchmark.
-void start(const std::string& program, Memory& memory) {
+/// Runs a program with a project of the current directory to its first paint; a start that fails
+/// ends the benchmark.
+void start(const std::string& program, std::string project, Memory& memory) {
     std::string name = program;
-    std::string project = "brix.bpr";
     char* arguments[] = {name.data(), project.data(), nullptr};
     pid_t child = 0;
     int status = 0;
@@ -37,6 +39,23 @@ void start(const std::string& program, Memory& memory) {
         std::exit(1);
     }
     memory.peaks_kb.push_back(used.ru_maxrss);
+}
+
+/// A project of 10,000 files, which are there.
+void make_big_project() {
+    using namespace pellux;
+    fs::create_directory("many");
+    Project project;
+    project.directory = fs::current_path().c_str();
+    project.file_name.assign("many.bpr");
+    for (int i = 0; i < 10'000; ++i) {
+        const std::string name = "many/block_" + std::to_string(i) + ".vhd";
+        std::ofstream(name) << "entity e is end;\n";
+        project.sources.push_back(make_owned<VHDL_source>());
+        project.sources.back()->file_name.assign(name);
+    }
+    if (failed(write_project(project).error))
+        std::exit(1);
 }
 
 } // namespace
@@ -63,12 +82,21 @@ int main(int argument_count, char** arguments) {
          .yardstick = "bare window",
          .reach = 1.4,
          .round_ms = 1500},
-        moment, [&] { start(PELLUX_BINARY_DIR "/bench_bare_window", bare); },
-        [&] { start(PELLUX_BINARY_DIR "/bench_pellux_start", ours); });
+        moment, [&] { start(PELLUX_BINARY_DIR "/bench_bare_window", "brix.bpr", bare); },
+        [&] { start(PELLUX_BINARY_DIR "/bench_pellux_start", "brix.bpr", ours); });
     std::printf(
         "  memory at its peak: ours %.1f MB, bare window %.1f MB, ratio %.2f (reach 1.40)\n",
         static_cast<double>(ours.median()) / 1024, static_cast<double>(bare.median()) / 1024,
         static_cast<double>(ours.median()) / static_cast<double>(bare.median()));
+    make_big_project();
+    Memory unused;
+    compare(
+        {.name = "the same with a project of 10,000 files",
+         .yardstick = "the example",
+         .reach = 3,
+         .round_ms = 1500},
+        moment, [&] { start(PELLUX_BINARY_DIR "/bench_pellux_start", "brix.bpr", unused); },
+        [&] { start(PELLUX_BINARY_DIR "/bench_pellux_start", "many.bpr", unused); });
     fs::current_path("/");
     fs::remove_all(scratch);
     return 0;

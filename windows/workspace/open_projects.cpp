@@ -8,6 +8,7 @@
 #include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/new_project.h"
+#include "windows/workspace/project_view.h"
 #include "windows/workspace/project_windows.h"
 
 #include <algorithm>
@@ -211,7 +212,8 @@ bool add_project(Owned<Project> project) {
         return false;
     }
     g_workspace.projects.push_back(
-        make_owned<OpenProject>(OpenProject{std::move(project), window, {}, {}}));
+        make_owned<OpenProject>(OpenProject{std::move(project), window, {}, {}, {}}));
+    show_sources(window, {});
     show_project_change(window);
     return true;
 }

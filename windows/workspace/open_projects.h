@@ -4,6 +4,7 @@
 #include "core/project/records.h"
 #include "windows/toolkit/event.h"
 #include "windows/workspace/shell_hooks.h"
+#include "windows/workspace/source_looks.h"
 
 #include <string_view>
 
@@ -17,6 +18,7 @@ struct OpenProject {
     Window window = Window::none;
     Vector<std::byte> written; ///< `project_image` as it was last read or written; empty: never
     FileIdentity file;         ///< what the file was then
+    SourceLooks looks;
 };
 
 /// One for the process.

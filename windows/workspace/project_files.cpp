@@ -14,6 +14,7 @@
 #include "windows/workspace/project_windows.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace pellux {
@@ -42,6 +43,10 @@ void tell_refusal(AddStatus status, const String& path) {
     }
 }
 
+std::optional<std::size_t> last_of(Selection selected) {
+    return selected.empty() ? std::nullopt : std::optional(selected.back());
+}
+
 /// Adds files one after the other; those that are listed now are selected. What is refused is told,
 /// of many only the first ones.
 class Adding {
@@ -60,9 +65,7 @@ public:
     void end() {
         std::ranges::sort(selected_);
         selected_.erase(std::unique(selected_.begin(), selected_.end()), selected_.end());
-        show_sources(window_, project_, selected_);
-        if (!selected_.empty())
-            xvt_list_set_focus_index(project_list(window_), static_cast<int>(selected_.back()));
+        show_sources(window_, selected_, last_of(selected_));
         show_project_change(window_);
         constexpr std::size_t k_told_max = 3;
         for (std::size_t i = 0; i < std::min(refused_.size(), k_told_max); ++i)
@@ -99,14 +102,23 @@ bool refuses_vhdl(const Project& project) {
     return true;
 }
 
+/// Where the entry `focus` is after a move of the selected ones; none when it was not one of them.
+std::optional<std::size_t> place_after(int focus, Selection selected, Selection moved) {
+    const auto found = std::ranges::find(selected, static_cast<std::size_t>(focus));
+    if (found == selected.end() || moved.size() != selected.size())
+        return std::nullopt;
+    return moved[static_cast<std::size_t>(found - selected.begin())];
+}
+
 template <typename Move>
 void move_files(Window window, Move move) {
     Project* project = project_of(window);
     if (project == nullptr)
         return;
     const Vector<std::size_t> selected = selected_sources(window);
+    const int focus = xvt_list_get_focus_index(project_list(window));
     const Vector<std::size_t> moved = move(*project, selected);
-    show_sources(window, *project, moved);
+    show_sources(window, moved, place_after(focus, selected, moved));
     show_project_change(window);
 }
 
@@ -208,9 +220,7 @@ void remove_selected_files(Window window) {
     Vector<std::size_t> next;
     if (!project->sources.empty())
         next.push_back(std::min(selected.front(), project->sources.size() - 1));
-    show_sources(window, *project, next);
-    if (!next.empty())
-        xvt_list_set_focus_index(project_list(window), static_cast<int>(next.front()));
+    show_sources(window, next, last_of(next));
     show_project_change(window);
 }
 
@@ -278,7 +288,7 @@ void toggle_top_design(Window window) {
         clear_top_design(*project);
     else if (!set_top_design(*project, selected.front()))
         return;
-    show_sources(window, *project, selected);
+    show_sources(window, selected);
     show_project_change(window);
 }
 

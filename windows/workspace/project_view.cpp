@@ -1,8 +1,5 @@
 #include "windows/workspace/project_view.h"
 
-#include "core/os/files.h"
-#include "core/os/path.h"
-#include "windows/controls/pictures.h"
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
@@ -10,6 +7,7 @@
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
 
 #include <algorithm>
 #include <array>
@@ -40,30 +38,6 @@ constexpr std::array<std::string_view, 8> k_status_lines{
     "DEFAULT_TEXT=\" \"", "FIELD_OFFSET=16", "FILL_COLOR=LTGRAY", "FONTSIZE=12",
     "LEFT_OFFSET=8",      "PLAIN=FALSE",     "TASK_WIN=FALSE",    "TEXT_COLOR=BLACK",
 };
-
-ListEntry entry_of(const Project& project, const VHDL_source& source) {
-    PathBuffer path(view(project.directory));
-    const bool has_path = path.join(source.file_name.view());
-    ListEntry entry;
-    entry.text = source.file_name.view();
-    entry.is_strong = &source == project.top_design;
-    entry.is_faint = !has_path || !file_exists(path.view());
-    entry.tip = has_path ? path.view() : source.file_name.view();
-    const Picture picture = entry.is_faint                   ? Picture::missing_file
-                            : entry.is_strong                ? Picture::top_file
-                            : source.kind == SourceKind::pla ? Picture::pla_file
-                                                             : Picture::vhdl_file;
-    entry.image = static_cast<int>(picture);
-    return entry;
-}
-
-Vector<ListEntry> entries_of(const Project& project) {
-    Vector<ListEntry> entries;
-    entries.reserve(project.sources.size());
-    for (const Owned<VHDL_source>& source : project.sources)
-        entries.push_back(entry_of(project, *source));
-    return entries;
-}
 
 void select(Window list, Selection selected) {
     Vector<int> indexes;
@@ -106,14 +80,16 @@ Window project_list(Window window) {
     return xvt_win_get_ctl(window, k_project_list);
 }
 
-void show_sources(Window window, const Project& project, Selection selected) {
+void show_sources(Window window, Selection selected, std::optional<std::size_t> focus) {
+    OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
     const Window list = project_list(window);
-    xvt_list_set_entries(list, entries_of(project));
+    xvt_list_set_entries(list, entries_of(open->looks, *open->project), ListPlace::kept);
     select(list, selected);
-}
-
-void show_source_looks(Window window, const Project& project) {
-    xvt_list_set_entries(project_list(window), entries_of(project), ListPlace::kept);
+    if (focus)
+        xvt_list_set_focus_index(list, static_cast<int>(*focus));
+    look_at_sources(window, *open->project, open->looks);
 }
 
 Vector<std::size_t> selected_sources(Window window) {

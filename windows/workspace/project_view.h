@@ -3,6 +3,7 @@
 #include "core/project/source_list.h"
 #include "windows/toolkit/event.h"
 
+#include <optional>
 #include <string_view>
 
 namespace pellux {
@@ -14,10 +15,9 @@ void create_project_view(Window window);
 /// Fits them to the window.
 void lay_out_project_view(Window window);
 
-/// Shows the list anew, with these entries selected.
-void show_sources(Window window, const Project& project, Selection selected);
-/// Shows the entries again as their files are now: some may be missing, or there again.
-void show_source_looks(Window window, const Project& project);
+/// Shows the list of a window's project anew, as far scrolled as before, with these entries
+/// selected; the keyboard goes on from `focus`, which is brought into sight, or from where it was.
+void show_sources(Window window, Selection selected, std::optional<std::size_t> focus = {});
 [[nodiscard]] Vector<std::size_t> selected_sources(Window window);
 
 /// The top design and the device.

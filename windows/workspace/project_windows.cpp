@@ -53,9 +53,12 @@ long on_event(void*, Window window, const Event& event) {
     } else if (event.get<SizeEvent>() != nullptr) {
         lay_out_project_view(window);
     } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {
-        if (const OpenProject* open = find_open_project(window))
-            show_source_looks(window, *open->project);
+        if (OpenProject* open = find_open_project(window))
+            look_at_sources(window, *open->project, open->looks);
         xvt_vobj_set_focus(project_list(window));
+    } else if (const auto* timer = event.get<TimerEvent>()) {
+        if (OpenProject* open = find_open_project(window))
+            continue_looking(window, timer->timer, *open->project, open->looks);
     } else if (const auto* command = event.get<CommandEvent>()) {
         on_command(window, command->tag);
     } else if (const auto* notice = event.get<NoticeEvent>()) {
@@ -112,7 +115,6 @@ Window create_project_window(const Project& project) {
     show_project_name(window, project);
     restore_place(window, project.window);
     show_list_font(window, project);
-    show_sources(window, project, {});
     workspace().shell.insert_tools_menu(workspace().shell.context, window);
     return window;
 }

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
+#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
@@ -300,6 +301,11 @@ std::string shown_output() {
         return {};
     const auto outputs = task->findChildren<QPlainTextEdit*>();
     return outputs.isEmpty() ? std::string() : outputs.last()->toPlainText().toStdString();
+}
+
+int first_shown_entry(Window list) {
+    const auto* view = widget_of<QListView>(list);
+    return view == nullptr ? -1 : view->indexAt({2, 2}).row();
 }
 
 void close_by_frame(Window window) {

@@ -53,6 +53,9 @@ void in_box(const std::function<void()>& act);
 /// What the output control that was made last shows.
 [[nodiscard]] std::string shown_output();
 
+/// The entry at the upper edge of a list; -1 for none.
+[[nodiscard]] int first_shown_entry(Window list);
+
 /// Clicks on a frame's close button.
 void close_by_frame(Window window);
 /// What the desktop asks before it ends the session: may it end?

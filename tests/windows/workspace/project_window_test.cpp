@@ -172,6 +172,41 @@ TEST_F(ProjectWindow, OrdersFilesAndKnowsWhatCanBeDone) {
     });
 }
 
+TEST_F(ProjectWindow, KeepsItsPlaceInALongList) {
+    for (int i = 100; i < 400; ++i)
+        directory_.write("f" + std::to_string(i) + ".vhd", "");
+    run([&] {
+        command(1106);
+        const Window list = project_list(window());
+        xvt_list_set_focus_index(list, 150);
+        select({150, 151});
+        const int top = first_shown_entry(list);
+        ASSERT_TRUE(top > 100 && top <= 150);
+        press_key("Alt+Down");
+        EXPECT_EQ(first_shown_entry(list), top);
+        EXPECT_EQ(xvt_list_get_focus_index(list), 151);
+        EXPECT_EQ(project().sources[151]->file_name.view(), "f250.vhd");
+        select({152});
+        EXPECT_TRUE(choose_item(1057));
+        EXPECT_EQ(first_shown_entry(list), top);
+
+        // Files that go and come while another program has the focus.
+        const auto is_missing = [] {
+            const OpenProject& open = *workspace().projects.at(0);
+            return entries_of(open.looks, project()).at(3).is_faint;
+        };
+        for (const bool gone : {false, true, false}) {
+            if (gone)
+                std::filesystem::remove("f103.vhd");
+            else
+                directory_.write("f103.vhd", "");
+            xvt_win_dispatch_event(window(), Event{FocusEvent{true}});
+            process_events();
+            EXPECT_EQ(is_missing(), gone);
+        }
+    });
+}
+
 TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
     make_project_file(directory_.path("other"), "b.bpr");
     directory_.write("x.vhd", "x");

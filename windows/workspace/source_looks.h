@@ -1,0 +1,30 @@
+#pragma once
+
+#include "core/project/records.h"
+#include "windows/toolkit/control.h"
+
+#include <set>
+
+namespace pellux {
+
+// How the entries of a project's list look: which is the top design, whose file is missing. The
+// disk is asked a few files at a time, so that no list is too long and no disk too slow to go on.
+
+/// What is known of the files of one project.
+struct SourceLooks {
+    /// One that is gone from the list may be among them.
+    std::set<const VHDL_source*, std::less<>, CheckedAllocator<const VHDL_source*>> missing;
+    std::size_t next = 0; ///< the first entry that is still to be looked at
+    TimerId timer = TimerId::none;
+};
+
+/// All entries, by what is known.
+[[nodiscard]] Vector<ListEntry> entries_of(const SourceLooks& looks, const Project& project);
+
+/// Begins to look at all files of the window's list anew; what does not look any more as it is
+/// shown is shown again. Goes on with `continue_looking`, by a timer of the window.
+void look_at_sources(Window window, const Project& project, SourceLooks& looks);
+/// Of the timer's event; false when it is another's.
+bool continue_looking(Window window, TimerId timer, const Project& project, SourceLooks& looks);
+
+} // namespace pellux
