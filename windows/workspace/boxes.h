@@ -15,5 +15,7 @@ void post_error(Message<Arguments...>& message, std::type_identity_t<Arguments>.
 
 inline constexpr const char* k_ok = "OK";
 inline constexpr const char* k_cancel = "Cancel";
+inline constexpr const char* k_yes = "Yes";
+inline constexpr const char* k_no = "No";
 
 } // namespace pellux

@@ -43,5 +43,9 @@ inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
 inline Message<const char*> msg_cannot_run_compiler{"E2072", "Can't run '%s'."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
+inline Message<const char*> msg_changed_on_disk{
+    "E2074", "File '%s' has changed on disk.\nRead new version from disk?"};
+inline Message<const char*> msg_changed_twice{
+    "E2075", "File '%s' has changed on disk and memory.\nRead new version from disk?"};
 
 } // namespace pellux

@@ -139,7 +139,7 @@ bool is_named_or_given_up(Window window) {
     Question question;
     question.kind = QuestionKind::ask;
     question.text = format_message(msg_save_new_project);
-    question.buttons = {"Yes", "No"};
+    question.buttons = {k_yes, k_no};
     question.closing_is_no = false;
     const int answer = ask(question).button;
     return answer == 0 ? name_project(window) : answer == 1;

@@ -11,6 +11,7 @@
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/changed_file.h"
 #include "windows/workspace/project_view.h"
 
 #include <filesystem>
@@ -249,6 +250,29 @@ TEST_F(ProjectWindow, AsksBeforeItReplacesWhatAnotherProgramWrote) {
         std::filesystem::remove("a.bpr");
         EXPECT_TRUE(choose_item(1046));
         EXPECT_TRUE(directory_.names().contains("a.bpr"));
+    });
+}
+
+TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
+    const std::string path = directory_.path("x.vhd");
+    const std::string disk =
+        "File '" + path + "' has changed on disk.\nRead new version from disk?";
+    const std::string both =
+        "File '" + path + "' has changed on disk and memory.\nRead new version from disk?";
+    run([&] {
+        directory_.write("x.vhd", "old");
+        FileIdentity loaded;
+        ASSERT_FALSE(failed(identify_file(path, loaded)));
+        EXPECT_FALSE(wants_new_version(path, loaded, true));
+        directory_.write("x.vhd", "newer");
+        user_.expect_ask(disk, "Yes");
+        EXPECT_TRUE(wants_new_version(path, loaded, false));
+        user_.expect_ask(both, "No");
+        EXPECT_FALSE(wants_new_version(path, loaded, true));
+        user_.expect_closed(QuestionKind::ask, both);
+        EXPECT_FALSE(wants_new_version(path, loaded, true));
+        std::filesystem::remove(path);
+        EXPECT_FALSE(wants_new_version(path, loaded, true));
     });
 }
 
