@@ -24,7 +24,7 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
-/// To be asked right after reading or writing; links are followed.
+/// To be asked right before reading and right after writing; links are followed.
 [[nodiscard]] SystemError identify_file(std::string_view path, FileIdentity& identity);
 
 enum class DiskState {

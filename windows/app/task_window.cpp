@@ -20,6 +20,7 @@ constexpr int k_height_min = 240;
 
 void on_creation(Shell& shell, Window task) {
     xvt_win_set_minimum_size(task, k_width_min, k_height_min);
+    xvt_win_accept_drops(task, true);
     xvt_app_set_event_hook(locating_help_hook(shell.help));
     insert_tools_menu(shell.tools, task);
     // From here on the simple hook is in force, in place of the locating one.
@@ -72,6 +73,8 @@ long on_event(void* context, Window window, const Event& event) {
         on_command(shell, command->tag);
     else if (const auto* wish = event.get<QuitEvent>())
         on_quit(shell, *wish);
+    else if (const auto* drop = event.get<DropEvent>())
+        open_projects_among(drop->paths);
     else if (event.get<HelpEvent>() != nullptr)
         show_help_contents();
     return 0;

@@ -26,7 +26,7 @@ String joined(std::string_view directory, std::string_view name) {
     return path += name;
 }
 
-/// Takes note of what the project's file is now.
+/// Takes note of what the project's file is after writing.
 void take_file(OpenProject& open) {
     const String path = joined(view(open.project->directory), open.project->file_name.view());
     if (failed(identify_file(view(path), open.file)))
@@ -35,7 +35,12 @@ void take_file(OpenProject& open) {
 
 /// A file that was copied or renamed goes by the name that it has now: under the one that is
 /// written in it another project would be overwritten.
-bool add_read_project(Owned<Project> project, std::string_view directory, std::string_view name) {
+bool open_file(std::string_view path, std::string_view directory, std::string_view name) {
+    // What is written to it while it is being read counts as a change.
+    FileIdentity file;
+    if (failed(identify_file(path, file)))
+        file = {};
+    Owned<Project> project = read_project(path);
     if (project == nullptr)
         return false;
     project->directory = directory;
@@ -45,7 +50,7 @@ bool add_read_project(Owned<Project> project, std::string_view directory, std::s
         return false;
     OpenProject& open = *g_workspace.projects.back();
     open.written = std::move(image);
-    take_file(open);
+    open.file = file;
     show_project_change(open.window);
     return true;
 }
@@ -187,11 +192,10 @@ OpenProject* find_open_project(std::string_view directory, std::string_view name
 }
 
 bool open_project_here(std::string_view name) {
-    Owned<Project> project = read_project(name);
     PathBuffer directory;
     if (failed(current_directory(directory)) && !program_directory(directory))
         directory.clear();
-    return add_read_project(std::move(project), directory.view(), name);
+    return open_file(name, directory.view(), name);
 }
 
 bool open_project_in(std::string_view directory, std::string_view name) {
@@ -202,7 +206,18 @@ bool open_project_in(std::string_view directory, std::string_view name) {
         xvt_vobj_raise(open->window);
         return true;
     }
-    return add_read_project(read_project(view(joined(directory, name))), directory, name);
+    return open_file(view(joined(directory, name)), directory, name);
+}
+
+Vector<String> open_projects_among(std::span<const String> paths) {
+    Vector<String> others;
+    for (const String& path : paths) {
+        if (is_project_file(view(path)))
+            open_project_in(directory_part(view(path)), file_name_part(view(path)));
+        else
+            others.push_back(path);
+    }
+    return others;
 }
 
 bool add_project(Owned<Project> project) {

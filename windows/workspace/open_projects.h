@@ -6,6 +6,7 @@
 #include "windows/workspace/shell_hooks.h"
 #include "windows/workspace/source_looks.h"
 
+#include <span>
 #include <string_view>
 
 namespace pellux {
@@ -42,6 +43,8 @@ void start_workspace(const ShellHooks& shell);
 bool open_project_here(std::string_view name);
 /// The same for the file of a directory; a project that is open comes to the front instead.
 bool open_project_in(std::string_view directory, std::string_view name);
+/// Opens the project files among absolute paths, and answers the other paths.
+Vector<String> open_projects_among(std::span<const String> paths);
 /// Opens the window of a project that has its directory, and takes it into the list. False after
 /// the user was told.
 bool add_project(Owned<Project> project);

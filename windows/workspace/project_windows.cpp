@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace pellux {
 namespace {
@@ -47,6 +48,13 @@ void on_list(Window window, ControlAction action) {
         update_project_commands(window);
 }
 
+void on_drop(Window window, std::span<const String> paths) {
+    const Vector<String> files = open_projects_among(paths);
+    enter_project(window);
+    if (!files.empty())
+        add_dropped_files(window, files);
+}
+
 long on_event(void*, Window window, const Event& event) {
     if (event.get<CreationEvent>() != nullptr) {
         create_project_view(window);
@@ -69,8 +77,7 @@ long on_event(void*, Window window, const Event& event) {
     } else if (const auto* menu = event.get<ContextMenuEvent>()) {
         show_list_menu(window, menu->at);
     } else if (const auto* drop = event.get<DropEvent>()) {
-        enter_project(window);
-        add_dropped_files(window, drop->paths);
+        on_drop(window, drop->paths);
     } else if (event.get<ClipboardEvent>() != nullptr) {
         update_project_commands(window);
     } else if (const auto* key = event.get<CharacterEvent>()) {

@@ -10,6 +10,7 @@
 #include "windows/controls/controls.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
+#include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/changed_file.h"
 #include "windows/workspace/project_view.h"
@@ -33,7 +34,12 @@ protected:
     ProjectWindow() {
         register_controls();
         make_project_file(top_, "a.bpr");
+        reporter() = {};
+        reporter().output = [](void*, std::string_view text) {
+            xvt_dm_post_error("%s", std::string(text).c_str());
+        };
     }
+    ~ProjectWindow() override { reporter() = {}; }
     void run(const std::function<void()>& script) {
         const ShellHooks shell{
             .remember_placement = [](void*) {},
@@ -104,6 +110,33 @@ TEST_F(ProjectWindow, TakesFilesByItsRules) {
                                      directory_.path("b.vhd")};
         EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
         EXPECT_EQ(files(), "A.VHD [b.vhd] [c.vhdl] [sub/x.vhd]");
+    });
+}
+
+TEST_F(ProjectWindow, TakesWhatIsDroppedForWhatItIs) {
+    const std::string names[] = {"it's\"q\".vhd", "100%s%n.vhd", "a\nb.vhd", "\xff\xe9.vhd",
+                                 "empty.bpr",     "cut.bpr",     "good.BPR"};
+    for (const std::string& name : names)
+        directory_.write(name, "");
+    make_project_file(top_, "good.BPR");
+    directory_.write("cut.bpr", directory_.read("good.BPR").substr(0, 90));
+    run([&] {
+        std::vector<std::string> paths;
+        for (const std::string& name : names)
+            paths.push_back(directory_.path(name));
+        user_.expect_error("Error reading '*/empty.bpr'.");
+        user_.expect_error("Error reading '*/cut.bpr'.");
+        user_.expect_error("'*/a\nb.vhd' can't be added: with a blank *");
+        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
+        EXPECT_EQ(test::open_names(), "a.bpr good.BPR ");
+        EXPECT_EQ(files(), "[it's\"q\".vhd] [100%s%n.vhd] [\xff\xe9.vhd]");
+        select({1});
+        command(1150);
+        EXPECT_EQ(status(), "Top design: 100%s%n.vhd\tDevice: ");
+        EXPECT_TRUE(save_project(window()));
+        const Owned<Project> again = read_project("a.bpr");
+        ASSERT_NE(again, nullptr);
+        EXPECT_EQ(again->sources.at(2)->file_name.view(), "\xff\xe9.vhd");
     });
 }
 
