@@ -71,7 +71,11 @@ void xvt_dwin_draw_rect(Window window, const Rect& rect);
 void xvt_dwin_draw_round_rect(Window window, const Rect& rect, int radius);
 void xvt_dwin_clear(Window window, Color color);
 
-enum class ImageLook { normal, disabled };
+enum class ImageLook {
+    normal,
+    disabled,
+    selected, ///< all in the colour of selected text
+};
 /// Draws a picture in the largest square that fits into the middle of `rect`. False when there is
 /// no such picture; it is read and rendered when it is first shown.
 bool xvt_dwin_draw_image(Window window, int image, const Rect& rect, ImageLook look);

@@ -47,7 +47,7 @@ void xvt_vobj_destroy(Window window); ///< with everything in it; the destructio
 [[nodiscard]] bool xvt_vobj_is_valid(Window window);
 [[nodiscard]] Window xvt_vobj_get_parent(Window window);
 [[nodiscard]] int xvt_vobj_get_id(Window window);
-/// Top left 0, in the window's own units.
+/// Top left 0, in the window's own units; the task window's is the area below its menus.
 [[nodiscard]] Rect xvt_vobj_get_client_rect(Window window);
 /// With the frame: in the parent's client area or, for the task window, on the screen.
 [[nodiscard]] Rect xvt_vobj_get_outer_rect(Window window);

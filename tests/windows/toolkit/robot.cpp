@@ -27,6 +27,13 @@ QWidget* widget_at(Window window) {
     return record == nullptr ? nullptr : record->widget.data();
 }
 
+const QPlainTextEdit* last_output() {
+    TaskWindow* task = task_window();
+    const auto outputs =
+        task == nullptr ? QList<QPlainTextEdit*>() : task->findChildren<QPlainTextEdit*>();
+    return outputs.isEmpty() ? nullptr : outputs.last();
+}
+
 /// The part of a native control that is under the pointer, and the place in it.
 QWidget* part_at(QWidget* widget, QPoint& place) {
     QWidget* part = widget == nullptr ? nullptr : widget->childAt(place);
@@ -296,11 +303,14 @@ void in_box(const std::function<void()>& act) {
 }
 
 std::string shown_output() {
-    TaskWindow* task = task_window();
-    if (task == nullptr)
-        return {};
-    const auto outputs = task->findChildren<QPlainTextEdit*>();
-    return outputs.isEmpty() ? std::string() : outputs.last()->toPlainText().toStdString();
+    const QPlainTextEdit* output = last_output();
+    return output == nullptr ? std::string() : output->toPlainText().toStdString();
+}
+
+Window shown_output_window() {
+    const QPlainTextEdit* output = last_output();
+    const WindowRecord* record = output == nullptr ? nullptr : find_window(window_of(*output));
+    return record == nullptr ? Window::none : record->parent;
 }
 
 int first_shown_entry(Window list) {

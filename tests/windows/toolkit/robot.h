@@ -50,8 +50,9 @@ bool open_menu(int tag);
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
 void in_box(const std::function<void()>& act);
 
-/// What the output control that was made last shows.
+/// What the output control that was made last shows, and its window.
 [[nodiscard]] std::string shown_output();
+[[nodiscard]] Window shown_output_window();
 
 /// The entry at the upper edge of a list; -1 for none.
 [[nodiscard]] int first_shown_entry(Window list);

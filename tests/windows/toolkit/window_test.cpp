@@ -227,6 +227,35 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
     });
 }
 
+TEST(Windows, AreMadeInsideTheAreaBesideTheOthers) {
+    run([&] {
+        const Window task = xvt_win_get_task();
+        for (const Rect& room : {Rect{0, 0, 600, 780}, Rect{0, 0, 320, 380}}) {
+            xvt_vobj_move(task, room);
+            process_events();
+            const Rect area = xvt_vobj_get_client_rect(task);
+            const bool has_room = width(area) > 700;
+            std::vector<Window> windows;
+            for (int i = 0; i < 4; ++i) {
+                windows.push_back(xvt_win_create_res(1, {}));
+                process_events();
+                const Rect place = xvt_vobj_get_outer_rect(windows.back());
+                EXPECT_TRUE(place.top >= 0 && place.left >= 0 && place.bottom <= area.bottom &&
+                            place.right <= area.right);
+                EXPECT_TRUE(height(place) > 150 && width(place) > 250);
+                for (std::size_t other = 0; other + 1 < windows.size(); ++other) {
+                    const Rect before = xvt_vobj_get_outer_rect(windows[other]);
+                    EXPECT_TRUE(before.top != place.top || before.left != place.left);
+                    EXPECT_FALSE(has_room && meets(before, place));
+                }
+            }
+            for (const Window window : windows)
+                xvt_vobj_destroy(window);
+            process_events();
+        }
+    });
+}
+
 TEST(Windows, StandWhereTheyAreMoved) {
     run([] {
         const Window task = xvt_win_get_task();

@@ -1,5 +1,6 @@
 #include "core/common/containers.h"
 #include "core/diagnostics/message.h"
+#include "core/os/loop.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/app/box_diagnostics.h"
@@ -13,17 +14,22 @@
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
+#include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/move_frame.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_view.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string_view>
 
-// tour DIRECTORY: plays a short visit to the program in the current directory, a project's, and
-// leaves pictures of what it shows in DIRECTORY. Status 1 when one is missing.
+// tour DIRECTORY PROJECT: plays a short visit to the program in the current directory, a project's,
+// and to the project file PROJECT, and leaves pictures of what it shows in DIRECTORY. Status 1 when
+// one is missing.
 
 namespace {
 
@@ -127,6 +133,45 @@ void visit_program(Tour& tour) {
     tour.front("help");
 }
 
+/// Until the compiler has come to its end.
+bool wait_for_compiler() {
+    constexpr int k_turns_max = 100'000;
+    for (int i = 0; i < k_turns_max; ++i) {
+        if (shown_output().find("\nCompilation ") != std::string::npos)
+            return true;
+        run_turn(TurnWait::until_event);
+    }
+    return false;
+}
+
+/// Two windows side by side over the whole area of the task window.
+void put_side_by_side(Window left, Window right) {
+    for (const Window window : {left, right})
+        move_frame(window, {0, 0, 200, 200});
+    process_events();
+    const Rect area = xvt_vobj_get_client_rect(xvt_win_get_task());
+    const int middle = width(area) * 9 / 20;
+    move_frame(left, {area.top, area.left, area.bottom, middle});
+    move_frame(right, {area.top, middle, area.bottom, area.right});
+    process_events();
+}
+
+void visit_project(Tour& tour) {
+    const Window task = xvt_win_get_task();
+    const Window project = workspace().projects.front()->window;
+    xvt_list_set_selected(project_list(project), std::array{9, 10, 11});
+    process_events();
+    press_key("F7");
+    tour.keep(wait_for_compiler(), "compiling");
+    put_side_by_side(project, shown_output_window());
+    xvt_vobj_raise(project);
+    process_events();
+    tour.picture(task, "project");
+    right_click(project_list(project), {60, 60});
+    tour.front("list_menu");
+    press_key("Esc");
+}
+
 void run(std::span<const char* const> words, const std::function<void()>& script) {
     Shell shell;
     start_shell(shell, words);
@@ -136,8 +181,8 @@ void run(std::span<const char* const> words, const std::function<void()>& script
 } // namespace
 
 int main(int argument_count, char** arguments) {
-    if (argument_count != 2) {
-        std::fputs("usage: tour DIRECTORY\n", stderr);
+    if (argument_count != 3) {
+        std::fputs("usage: tour DIRECTORY PROJECT\n", stderr);
         return 2;
     }
     Tour tour{arguments[1]};
@@ -148,8 +193,10 @@ int main(int argument_count, char** arguments) {
     xvt_res_register({.windows = k_show});
     const std::array<const char*, 1> picture{"-%S"};
     run(picture, [&] { tour.picture(xvt_win_get_task(), "start_picture"); });
-    const std::array<const char*, 1> project{"brix.bpr"};
-    run(project, [&] { visit_program(tour); });
+    const std::array<const char*, 1> first{"brix.bpr"};
+    run(first, [&] { visit_program(tour); });
+    const std::array<const char*, 1> second{arguments[2]};
+    run(second, [&] { visit_project(tour); });
     xvt_app_end();
     return tour.missing == 0 ? 0 : 1;
 }

@@ -41,7 +41,9 @@ public:
         if (std::ranges::any_of(entries, [](const ListEntry& entry) { return entry.image != 0; }))
             space += option.fontMetrics.height() + option.fontMetrics.averageCharWidth();
         const int text = QFontMetrics(font).horizontalAdvance(shown(longest->text));
-        return {std::max(own.width(), text + space), own.height()};
+        // Air between the lines, as far as the font asks for it.
+        const int height = std::max(own.height(), option.fontMetrics.height() * 4 / 3);
+        return {std::max(own.width(), text + space), height};
     }
 
 protected:

@@ -12,8 +12,10 @@
 #include <QSvgRenderer>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -118,17 +120,38 @@ QImage rendered_disabled(const QByteArray& file, int side, QRgb text) {
     return image;
 }
 
+/// All of it in one colour.
+QImage rendered_plain(const QByteArray& file, int side, const QColor& color) {
+    QImage image = rendered(file, side, color.rgb());
+    if (image.isNull())
+        return image;
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    return image;
+}
+
 QPixmap make_pixmap(int number, int side, ImageLook look) {
     const QByteArray& file = file_of(number);
     if (file.isEmpty())
         return {};
     const QPalette palette = QApplication::palette();
-    const bool is_normal = look == ImageLook::normal;
-    const QRgb text =
-        palette.color(is_normal ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText)
-            .rgb();
-    return QPixmap::fromImage(is_normal ? rendered(file, side, text)
-                                        : rendered_disabled(file, side, text));
+    const auto text = [&palette](QPalette::ColorGroup group) {
+        return palette.color(group, QPalette::ButtonText).rgb();
+    };
+    QImage image;
+    switch (look) {
+    case ImageLook::normal:
+        image = rendered(file, side, text(QPalette::Active));
+        break;
+    case ImageLook::disabled:
+        image = rendered_disabled(file, side, text(QPalette::Disabled));
+        break;
+    case ImageLook::selected:
+        image = rendered_plain(file, side, palette.color(QPalette::HighlightedText));
+        break;
+    }
+    return QPixmap::fromImage(image);
 }
 
 } // namespace
@@ -155,13 +178,18 @@ QPixmap picture(int number, int device_px, ImageLook look) {
 
 QIcon picture_icon(int number, int logical_px, double ratio) {
     const int side = static_cast<int>(std::lround(std::max(1, logical_px) * ratio));
+    constexpr std::array k_modes{
+        std::pair{ImageLook::normal, QIcon::Normal},
+        std::pair{ImageLook::disabled, QIcon::Disabled},
+        std::pair{ImageLook::selected, QIcon::Selected},
+    };
     QIcon icon;
-    for (const ImageLook look : {ImageLook::normal, ImageLook::disabled}) {
+    for (const auto& [look, mode] : k_modes) {
         QPixmap pixmap = picture(number, side, look);
         if (pixmap.isNull())
             break;
         pixmap.setDevicePixelRatio(ratio);
-        icon.addPixmap(pixmap, look == ImageLook::normal ? QIcon::Normal : QIcon::Disabled);
+        icon.addPixmap(pixmap, mode);
     }
     return icon;
 }

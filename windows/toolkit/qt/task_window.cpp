@@ -8,6 +8,7 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QLayout>
 #include <QMdiArea>
 #include <QScreen>
 #include <QTimer>
@@ -63,6 +64,13 @@ void TaskWindow::show_menus() {
     shown_menus_ = owner;
     if (const WindowRecord* record = find_window(owner); record != nullptr && record->menus)
         fill_menu_bar(*menuBar(), owner, *record->menus, help_menu_);
+}
+
+QSize TaskWindow::room() const {
+    // Before it is shown the area has not the size yet that the window will give it.
+    if (!isVisible())
+        layout()->activate();
+    return area_->maximumViewportSize();
 }
 
 void TaskWindow::place(const Rect& client) {

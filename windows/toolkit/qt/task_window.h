@@ -21,6 +21,8 @@ public:
     TaskWindow& operator=(const TaskWindow&) = delete;
 
     [[nodiscard]] QMdiArea& area() const { return *area_; }
+    /// The size of the area where it needs no scroll bars.
+    [[nodiscard]] QSize room() const;
     /// Takes the place of the frame, which may not be known before the window is shown.
     void place(const Rect& client);
     /// Fills the menu bar from the active window's menus, or the task's.

@@ -3,6 +3,7 @@
 #include "windows/toolkit/menu_resource.h"
 #include "windows/toolkit/qt/canvas.h"
 #include "windows/toolkit/qt/controls.h"
+#include "windows/toolkit/qt/free_place.h"
 #include "windows/toolkit/qt/task_window.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/window_table.h"
@@ -10,6 +11,7 @@
 
 #include <QGuiApplication>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QScreen>
 #include <QTimer>
 
@@ -65,6 +67,15 @@ void center(QWidget& frame) {
     frame.move(std::max(0, room.width() / 2), std::max(0, room.height() / 2));
 }
 
+/// Among the frames that are there.
+void find_place(QWidget& frame, const TaskWindow& task) {
+    Vector<QRect> others;
+    for (const QMdiSubWindow* other : task.area().subWindowList())
+        if (other != &frame && other->isVisibleTo(&task.area()) && !other->isMinimized())
+            others.push_back(other->geometry());
+    frame.setGeometry(free_place(task.room(), others, frame.size()));
+}
+
 } // namespace
 
 Window xvt_win_get_task() {
@@ -108,6 +119,8 @@ Window xvt_win_create_res(int number, EventHandler handler) {
     frame->adjustSize();
     place_document(record,
                    QRect(frame->pos() + client->pos(), QSize(resource->width, resource->height)));
+    if (resource->is_resizable)
+        find_place(*frame, *task);
     deliver(window, Event{CreationEvent{}});
     if (find_window(window) == nullptr)
         return Window::none;
@@ -169,7 +182,9 @@ Rect xvt_vobj_get_client_rect(Window window) {
     const WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
         return {};
-    const QSize size = record->widget->size();
+    const TaskWindow* task = task_window();
+    const bool is_task = task != nullptr && record->widget == task;
+    const QSize size = is_task ? task->room() : record->widget->size();
     if (!record->surface)
         return {0, 0, size.height(), size.width()};
     const Point end = to_units(*record->surface, QPointF(size.width(), size.height()));
