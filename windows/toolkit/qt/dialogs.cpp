@@ -208,10 +208,16 @@ void DialogBox::fill(ShownRow& shown, const DialogRow& row) {
         static_cast<ByteEdit*>(shown.field)->set_value(view(row.value));
         break;
     case DialogRowKind::check:
-    case DialogRowKind::radio:
-        static_cast<QAbstractButton*>(shown.field)->setText(label);
-        static_cast<QAbstractButton*>(shown.field)->setChecked(row.selected == 1);
+    case DialogRowKind::radio: {
+        auto* button = static_cast<QAbstractButton*>(shown.field);
+        button->setText(label);
+        button->setChecked(row.selected == 1);
+        // Tab goes to the one that is checked.
+        if (row.kind == DialogRowKind::radio && button->isChecked())
+            for (QAbstractButton* each : button->group()->buttons())
+                each->setFocusPolicy(each == button ? Qt::StrongFocus : Qt::ClickFocus);
         break;
+    }
     case DialogRowKind::list: {
         auto* list = static_cast<ItemList*>(shown.field);
         const Vector<String> items = lines_of(view(row.value));
