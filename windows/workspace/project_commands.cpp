@@ -9,6 +9,7 @@
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_font.h"
 #include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_page.h"
 #include "windows/workspace/project_view.h"
 
 #include <array>
@@ -43,6 +44,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(open), 232, Need::nothing, [](Window) { choose_project(); }},
     CommandRow{tag_of(close), 0, Need::nothing, [](Window window) { close_project(window); }},
     CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
+    CommandRow{tag_of(print_setup), 0, Need::nothing, set_up_page},
     CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
                [](Window) { workspace().shell.quit(workspace().shell.context); }},
     CommandRow{tag_of(add), 234, Need::nothing, ask_for_vhdl_files},

@@ -23,7 +23,7 @@ constexpr std::array k_project{
     item("&Close", close, "Ctrl+W"),
     item("&Save", save, "Ctrl+S"),
     without_command("&Print", print),
-    without_command("P&rint setup...", print_setup),
+    item("P&rint setup...", print_setup),
     item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
 };
 constexpr std::array k_files{

@@ -11,6 +11,7 @@
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/message_box.h"
+#include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/changed_file.h"
 #include "windows/workspace/project_view.h"
@@ -306,6 +307,39 @@ TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
         EXPECT_FALSE(wants_new_version(path, loaded, true));
         std::filesystem::remove(path);
         EXPECT_FALSE(wants_new_version(path, loaded, true));
+    });
+}
+
+TEST_F(ProjectWindow, KeepsThePageThatIsSetUp) {
+    run([&] {
+        constexpr const char* k_setup = "Print setup";
+        Vector<std::byte>& kept = project().print_record;
+        user_.expect_dialog(k_setup, "Cancel", {{1, "", 0}});
+        EXPECT_TRUE(choose_item(1048));
+        EXPECT_TRUE(kept.empty());
+        kept.assign(3, std::byte{7});
+        user_.expect_dialog(k_setup, "OK", {{1, "", 2}, {3, "", 1}});
+        EXPECT_TRUE(choose_item(1048) && choose_item(1046));
+        PrintRecord record;
+        ASSERT_TRUE(read_print_record(read_project("a.bpr")->print_record, record));
+        EXPECT_EQ(record, (PrintRecord{Paper::a5, Orientation::landscape}));
+        // What a later version says besides stays, as long as nothing else is chosen.
+        const std::string_view later = "PRINTER=lp\n";
+        const auto bytes = std::as_bytes(std::span(later));
+        kept.insert(kept.end(), bytes.begin(), bytes.end());
+        const Vector<std::byte> longer = kept;
+        user_.expect_dialog(k_setup, "OK");
+        EXPECT_TRUE(choose_item(1048));
+        EXPECT_EQ(kept, longer);
+        user_.expect(QuestionKind::dialog, k_setup, [](const Question& question) {
+            xvt_vobj_destroy(window());
+            Answer answer = closed_answer(question);
+            answer.button = 0;
+            answer.rows.at(1).selected = 1;
+            return answer;
+        });
+        EXPECT_TRUE(choose_item(1048));
+        EXPECT_TRUE(workspace().projects.empty());
     });
 }
 

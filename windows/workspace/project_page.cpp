@@ -1,0 +1,26 @@
+#include "windows/workspace/project_page.h"
+
+#include "windows/toolkit/page_setup.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_windows.h"
+
+namespace pellux {
+
+void set_up_page(Window window) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    PrintRecord record = xvt_print_get_default();
+    const bool is_set_up = read_print_record(open->project->print_record, record);
+    const PrintRecord before = record;
+    if (!xvt_dm_post_page_setup(record))
+        return;
+    OpenProject* now = find_open_project(window);
+    // A record that says the same may say more, which a later version has put there.
+    if (now == nullptr || (is_set_up && record == before))
+        return;
+    now->project->print_record = write_print_record(record);
+    show_project_change(window);
+}
+
+} // namespace pellux
