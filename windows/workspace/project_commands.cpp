@@ -164,7 +164,7 @@ void show_list_menu(Window window, Point at) {
     MenuItem separator;
     separator.is_separator = true;
     Vector<MenuItem> items;
-    items.push_back(menu_item(is_top ? "No &top design" : "Set as &top design",
+    items.push_back(menu_item(is_top ? "No top &design" : "Set as top &design",
                               tag_of(ListCommand::toggle_top), "", state));
     items.push_back(menu_item("Co&mpile all", tag_of(ListCommand::compile_all), "F7", state));
     items.push_back(
