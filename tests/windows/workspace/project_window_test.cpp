@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <string>
 
 namespace pellux {
@@ -307,6 +308,34 @@ TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
         EXPECT_FALSE(wants_new_version(path, loaded, true));
         std::filesystem::remove(path);
         EXPECT_FALSE(wants_new_version(path, loaded, true));
+    });
+}
+
+TEST_F(ProjectWindow, KeepsTheFontOfItsList) {
+    run([&] {
+        Font_spec& kept = project().list_font;
+        for (const int number :
+             {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+            kept.face.assign("\xff%s\n");
+            kept.size = kept.style = number;
+            EXPECT_TRUE(choose_item(1046));
+            ASSERT_TRUE(open_project_here("a.bpr"));
+            process_events();
+            const Project& read = *workspace().projects.at(1)->project;
+            EXPECT_TRUE(read.list_font.size == number && read.list_font.style == number);
+            xvt_vobj_destroy(window_of_project(1));
+        }
+        Font chosen = xvt_font_get_fixed();
+        chosen.size = 14;
+        chosen.style = static_cast<std::uint16_t>(FontStyle::bold);
+        user_.expect_font("*", chosen);
+        EXPECT_TRUE(choose_item(32051) && choose_item(1046));
+        const Owned<Project> read = read_project("a.bpr");
+        EXPECT_EQ(read->list_font.face.view(), view(xvt_font_get_family(chosen)));
+        EXPECT_TRUE(read->list_font.size == 14 && read->list_font.style == 1);
+        user_.expect_closed(QuestionKind::font, "*");
+        EXPECT_TRUE(choose_item(32051));
+        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
     });
 }
 
