@@ -134,20 +134,18 @@ String resolved_place(std::string_view path) {
     return String(place.view());
 }
 
-void remove_sources(Project& project, Selection selection) {
+Vector<Owned<VHDL_source>> remove_sources(Project& project, Selection selection) {
     Vector<Owned<VHDL_source>>& sources = project.sources;
-    auto next = selection.begin();
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-        if (next == selection.end() || *next != i) {
-            std::swap(sources[kept++], sources[i]);
-            continue;
-        }
-        ++next;
-        if (sources[i].get() == project.top_design)
+    Vector<Owned<VHDL_source>> removed;
+    for (const std::size_t index : selection) {
+        if (index >= sources.size())
+            break;
+        if (sources[index].get() == project.top_design)
             project.top_design = nullptr;
+        removed.push_back(std::move(sources[index]));
     }
-    sources.resize(kept);
+    std::erase(sources, nullptr);
+    return removed;
 }
 
 Vector<std::size_t> move_sources_up(Project& project, Selection selection) {

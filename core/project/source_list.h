@@ -60,8 +60,9 @@ struct SourceIndex {
 /// `path` with the links in front of its last name resolved; as it stands where that is impossible.
 [[nodiscard]] String resolved_place(std::string_view path);
 
-/// The entries, and the top design if it is among them, are gone afterwards.
-void remove_sources(Project& project, Selection selection);
+/// The entries, and the top design if it is among them, are gone from the project afterwards, and
+/// answered.
+Vector<Owned<VHDL_source>> remove_sources(Project& project, Selection selection);
 /// Each selected entry moves one place, except at the end and against a selected one that stays.
 /// Answers where they are now.
 [[nodiscard]] Vector<std::size_t> move_sources_up(Project& project, Selection selection);

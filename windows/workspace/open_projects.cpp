@@ -227,7 +227,7 @@ bool add_project(Owned<Project> project) {
         return false;
     }
     g_workspace.projects.push_back(
-        make_owned<OpenProject>(OpenProject{std::move(project), window, {}, {}, {}}));
+        make_owned<OpenProject>(OpenProject{std::move(project), window, {}, {}, {}, {}}));
     show_sources(window, {});
     show_project_change(window);
     return true;

@@ -2,6 +2,7 @@
 
 #include "core/project/project_state.h"
 #include "core/project/records.h"
+#include "core/project/source_history.h"
 #include "windows/toolkit/event.h"
 #include "windows/workspace/shell_hooks.h"
 #include "windows/workspace/source_looks.h"
@@ -20,6 +21,7 @@ struct OpenProject {
     Vector<std::byte> written; ///< `project_image` as it was last read or written; empty: never
     FileIdentity file;         ///< what the file was then
     SourceLooks looks;
+    SourceHistory history;
 };
 
 /// One for the process.

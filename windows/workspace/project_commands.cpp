@@ -3,6 +3,7 @@
 #include "core/project/source_clipboard.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
+#include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_compile.h"
@@ -18,10 +19,16 @@ namespace pellux {
 namespace {
 
 /// What a command needs to be of use.
-enum class Need { nothing, selection, one_selected, files, clipboard };
+enum class Need { nothing, selection, one_selected, files, clipboard, past, future };
 
 /// Commands of the window that stand in no menu of its bar.
-enum class ListCommand : int { toggle_top = 1150, compile_all = 1151, compile_selected = 1152 };
+enum class ListCommand : int {
+    toggle_top = 1150,
+    compile_all = 1151,
+    compile_selected = 1152,
+    undo = 1153,
+    redo = 1154,
+};
 
 constexpr int tag_of(ProjectCommand command) {
     return static_cast<int>(command);
@@ -66,6 +73,8 @@ constexpr std::array k_commands{
                [](Window window) { compile_project(window, true); }},
     CommandRow{tag_of(ListCommand::compile_selected), 240, Need::selection,
                [](Window window) { compile_project(window, false); }},
+    CommandRow{tag_of(ListCommand::undo), 0, Need::past, undo_list_change},
+    CommandRow{tag_of(ListCommand::redo), 0, Need::future, redo_list_change},
 };
 constexpr int k_libraries_button = 241;
 
@@ -73,6 +82,8 @@ struct ListState {
     std::size_t files = 0;
     std::size_t selected = 0;
     bool can_paste = false;
+    bool has_past = false;
+    bool has_future = false;
 };
 
 ListState state_of(Window window) {
@@ -80,7 +91,8 @@ ListState state_of(Window window) {
     if (open == nullptr)
         return {};
     return {open->project->sources.size(), selected_sources(window).size(),
-            xvt_cb_has(k_source_clipboard_format)};
+            xvt_cb_has(k_source_clipboard_format), !open->history.past.empty(),
+            !open->history.future.empty()};
 }
 
 bool is_met(Need need, const ListState& state) {
@@ -95,6 +107,10 @@ bool is_met(Need need, const ListState& state) {
         return state.files > 0;
     case Need::clipboard:
         return state.can_paste;
+    case Need::past:
+        return state.has_past;
+    case Need::future:
+        return state.has_future;
     }
     return false;
 }
@@ -133,11 +149,17 @@ int command_of_button(int button) {
 bool run_project_key(Window window, const CharacterEvent& key) {
     constexpr int k_delete = 127;
     constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
+    constexpr int k_control_y = 'y' - 'a' + 1;
+    constexpr int k_control_z = 'z' - 'a' + 1;
     int tag = 0;
     if (key.code == k_f7)
         tag = tag_of(key.with.control ? ListCommand::compile_selected : ListCommand::compile_all);
     else if (key.code == k_delete && !key.with.shift && !key.with.control)
         tag = tag_of(ProjectCommand::remove);
+    else if (key.code == k_control_z)
+        tag = tag_of(key.with.shift ? ListCommand::redo : ListCommand::undo);
+    else if (key.code == k_control_y)
+        tag = tag_of(ListCommand::redo);
     return tag != 0 && run_project_command(window, tag);
 }
 
@@ -169,6 +191,9 @@ void show_list_menu(Window window, Point at) {
     items.push_back(menu_item("Co&mpile all", tag_of(ListCommand::compile_all), "F7", state));
     items.push_back(
         menu_item("Compile s&elected", tag_of(ListCommand::compile_selected), "Ctrl+F7", state));
+    items.push_back(separator);
+    items.push_back(menu_item("U&ndo", tag_of(ListCommand::undo), "Ctrl+Z", state));
+    items.push_back(menu_item("Red&o", tag_of(ListCommand::redo), "Ctrl+Y", state));
     items.push_back(separator);
     items.push_back(menu_item("&Add...", tag_of(add), "", state));
     items.push_back(menu_item("&Remove", tag_of(ProjectCommand::remove), "Del", state));

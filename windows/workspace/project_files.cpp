@@ -8,6 +8,7 @@
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/workspace/boxes.h"
+#include "windows/workspace/list_edits.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_view.h"
@@ -43,16 +44,13 @@ void tell_refusal(AddStatus status, const String& path) {
     }
 }
 
-std::optional<std::size_t> last_of(Selection selected) {
-    return selected.empty() ? std::nullopt : std::optional(selected.back());
-}
-
 /// Adds files one after the other; those that are listed now are selected. What is refused is told,
 /// of many only the first ones.
 class Adding {
 public:
     Adding(Window window, Project& project)
-        : window_(window), project_(project), index_(index_sources(project)) {}
+        : window_(window), project_(project), before_(order_of(project)),
+          index_(index_sources(project)) {}
 
     void add(std::string_view path, SourceKind kind) {
         const AddResult result = add_source(project_, index_, path, kind);
@@ -65,7 +63,9 @@ public:
     void end() {
         std::ranges::sort(selected_);
         selected_.erase(std::unique(selected_.begin(), selected_.end()), selected_.end());
-        show_sources(window_, selected_, last_of(selected_));
+        note_list_change(window_, std::move(before_));
+        show_sources(window_, selected_,
+                     selected_.empty() ? std::nullopt : std::optional(selected_.back()));
         show_project_change(window_);
         constexpr std::size_t k_told_max = 3;
         for (std::size_t i = 0; i < std::min(refused_.size(), k_told_max); ++i)
@@ -77,6 +77,7 @@ public:
 private:
     Window window_;
     Project& project_;
+    SourceOrder before_;
     SourceIndex index_;
     Vector<std::size_t> selected_;
     Vector<std::pair<AddStatus, String>> refused_;
@@ -100,26 +101,6 @@ bool refuses_vhdl(const Project& project) {
         return false;
     post_error(msg_holds_pla);
     return true;
-}
-
-/// Where the entry `focus` is after a move of the selected ones; none when it was not one of them.
-std::optional<std::size_t> place_after(int focus, Selection selected, Selection moved) {
-    const auto found = std::ranges::find(selected, static_cast<std::size_t>(focus));
-    if (found == selected.end() || moved.size() != selected.size())
-        return std::nullopt;
-    return moved[static_cast<std::size_t>(found - selected.begin())];
-}
-
-template <typename Move>
-void move_files(Window window, Move move) {
-    Project* project = project_of(window);
-    if (project == nullptr)
-        return;
-    const Vector<std::size_t> selected = selected_sources(window);
-    const int focus = xvt_list_get_focus_index(project_list(window));
-    const Vector<std::size_t> moved = move(*project, selected);
-    show_sources(window, moved, place_after(focus, selected, moved));
-    show_project_change(window);
 }
 
 /// One step of a paste; a failed copy is told, and the file is listed all the same.
@@ -209,21 +190,6 @@ void add_dropped_files(Window window, std::span<const String> paths) {
     adding.end();
 }
 
-void remove_selected_files(Window window) {
-    Project* project = project_of(window);
-    if (project == nullptr)
-        return;
-    const Vector<std::size_t> selected = selected_sources(window);
-    if (selected.empty())
-        return;
-    remove_sources(*project, selected);
-    Vector<std::size_t> next;
-    if (!project->sources.empty())
-        next.push_back(std::min(selected.front(), project->sources.size() - 1));
-    show_sources(window, next, last_of(next));
-    show_project_change(window);
-}
-
 bool copy_selected_files(Window window) {
     const Project* project = project_of(window);
     if (project == nullptr)
@@ -256,40 +222,6 @@ void paste_files(Window window) {
     for (const PasteStep& step : plan_paste(*project, clipboard))
         paste_one(window, adding, step);
     adding.end();
-}
-
-void select_all_files(Window window) {
-    const Project* project = project_of(window);
-    if (project == nullptr)
-        return;
-    Vector<int> all;
-    for (int i = 0; i < static_cast<int>(project->sources.size()); ++i)
-        all.push_back(i);
-    xvt_list_set_selected(project_list(window), all);
-}
-
-void move_selected_files_up(Window window) {
-    move_files(window, move_sources_up);
-}
-
-void move_selected_files_down(Window window) {
-    move_files(window, move_sources_down);
-}
-
-void toggle_top_design(Window window) {
-    Project* project = project_of(window);
-    if (project == nullptr)
-        return;
-    const Vector<std::size_t> selected = selected_sources(window);
-    if (selected.size() != 1 || selected.front() >= project->sources.size())
-        return;
-    const bool was_top = project->sources[selected.front()].get() == project->top_design;
-    if (was_top)
-        clear_top_design(*project);
-    else if (!set_top_design(*project, selected.front()))
-        return;
-    show_sources(window, selected);
-    show_project_change(window);
 }
 
 } // namespace pellux

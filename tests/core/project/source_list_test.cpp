@@ -5,6 +5,7 @@
 #include "core/project/project_file.h"
 #include "core/project/project_state.h"
 #include "core/project/source_clipboard.h"
+#include "core/project/source_history.h"
 #include "tests/core/os/rounds.h"
 #include "tests/core/os/temporary_directory.h"
 
@@ -27,6 +28,7 @@ struct Row {
     std::string name;
     bool selected = false;
     bool top = false;
+    std::string note = {}; ///< no two of them are alike, so that it tells which source it is
     bool operator==(const Row&) const = default;
 };
 using Rows = std::vector<Row>;
@@ -34,7 +36,8 @@ using Rows = std::vector<Row>;
 Rows rows_of(const Project& project, Selection selection) {
     Rows rows;
     for (const auto& source : project.sources)
-        rows.push_back({source->file_name.c_str(), false, source.get() == project.top_design});
+        rows.push_back({source->file_name.c_str(), false, source.get() == project.top_design,
+                        source->note.c_str()});
     for (const std::size_t index : selection)
         rows.at(index).selected = true;
     return rows;
@@ -57,8 +60,14 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
     project->directory = "/p/q";
     Vector<std::size_t> selection;
     Rows model;
+    SourceHistory history;
+    std::vector<Rows> past, future;
     for (int round = 0; round < rounds.count; ++round) {
-        switch (draw(8)) {
+        SourceOrder before = order_of(*project);
+        Rows rows_before = model;
+        Vector<Owned<VHDL_source>> removed;
+        bool is_step = false; // of the history itself
+        switch (draw(10)) {
         case 0: {
             SourceIndex index = index_sources(*project);
             for (std::size_t count = draw(4); count > 0; --count) {
@@ -74,14 +83,17 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
                 ASSERT_EQ(result.index, static_cast<std::size_t>(at - model.begin())) << path;
                 ASSERT_EQ(result.status,
                           at == model.end() ? AddStatus::added : AddStatus::already_listed);
-                if (at == model.end())
-                    model.push_back({entry});
+                if (at != model.end())
+                    continue;
+                const std::string note = std::to_string(round) + "," + std::to_string(count);
+                model.push_back({entry, false, false, note});
+                project->sources.back()->note.assign(note);
             }
             break;
         }
         case 1:
             if (draw(3) == 0) {
-                remove_sources(*project, selection);
+                removed = remove_sources(*project, selection);
                 selection.clear();
                 std::erase_if(model, [](const Row& row) { return row.selected; });
             }
@@ -111,8 +123,28 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
                 ASSERT_NE(project, nullptr);
                 ASSERT_EQ(project_image(*project), image);
                 project->directory = "/p/q";
+                history = {};
+                past.clear();
+                future.clear();
+                is_step = true;
             }
             break;
+        case 6:
+        case 7: {
+            const bool back = draw(2) == 0;
+            std::vector<Rows>& from = back ? past : future;
+            ASSERT_EQ(back ? undo_change(history, *project) : redo_change(history, *project),
+                      !from.empty());
+            is_step = true;
+            if (from.empty())
+                break;
+            (back ? future : past).push_back(std::exchange(model, from.back()));
+            from.pop_back();
+            for (Row& row : model)
+                row.selected = false;
+            selection.clear();
+            break;
+        }
         default:
             selection.clear();
             for (std::size_t i = 0, share = 1 + draw(6); i < model.size(); ++i)
@@ -120,6 +152,19 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
                     selection.push_back(i);
         }
         ASSERT_EQ(rows_of(*project, selection), model) << "command " << round;
+        if (is_step)
+            continue;
+        note_change(history, std::move(before), *project, std::move(removed));
+        const auto is_same = [](const Row& a, const Row& b) {
+            return a.note == b.note && a.top == b.top;
+        };
+        if (!std::ranges::equal(rows_before, model, is_same)) {
+            future.clear();
+            past.push_back(std::move(rows_before));
+            if (past.size() > k_history_max)
+                past.erase(past.begin());
+        }
+        ASSERT_TRUE(is_whole(history, *project)) << "command " << round;
     }
 }
 

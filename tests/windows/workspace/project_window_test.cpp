@@ -243,6 +243,34 @@ TEST_F(ProjectWindow, KeepsItsPlaceInALongList) {
     });
 }
 
+TEST_F(ProjectWindow, TakesChangesOfItsListBack) {
+    for (const char* name : {"a.vhd", "b.vhd", "c.vhd"})
+        directory_.write(name, "");
+    run([&] {
+        press_key("Ctrl+Z");
+        command(1106);
+        project().sources[1]->note.assign("kept");
+        select({1});
+        command(1150);
+        select({0, 1});
+        press_key("Del");
+        EXPECT_EQ(files(), "[c.vhd]");
+        press_key("Ctrl+Z");
+        EXPECT_EQ(files(), "[a.vhd] [*b.vhd] c.vhd");
+        EXPECT_EQ(project().sources[1]->note.view(), "kept");
+        EXPECT_EQ(status(), "Top design: b.vhd\tDevice: ");
+        press_key("Ctrl+Shift+Z");
+        EXPECT_EQ(files(), "c.vhd");
+        for (int i = 0; i < 3; ++i)
+            press_key("Ctrl+Z");
+        EXPECT_EQ(files(), "");
+        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
+        right_click(project_list(window()), {20, 25});
+        EXPECT_TRUE(choose_popup_item(1154));
+        EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd]");
+    });
+}
+
 TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
     make_project_file(directory_.path("other"), "b.bpr");
     directory_.write("x.vhd", "x");

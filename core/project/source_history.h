@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/project/source_list.h"
+
+namespace pellux {
+
+/// Which sources a list held, in their order, and its top design.
+struct SourceOrder {
+    Vector<VHDL_source*> sources;
+    VHDL_source* top_design = nullptr;
+
+    bool operator==(const SourceOrder&) const = default;
+};
+[[nodiscard]] SourceOrder order_of(const Project& project);
+
+/// What a project's list was before its last changes, so that they can be taken back: a source that
+/// was removed comes back with all of its options. Of one project only; what the sources hold is
+/// not part of it.
+struct SourceHistory {
+    Vector<SourceOrder> past;           ///< the oldest first, at most `k_history_max`
+    Vector<SourceOrder> future;         ///< what was taken back, the last one at the end
+    Vector<Owned<VHDL_source>> removed; ///< those of `past` and `future` that the list holds not
+};
+inline constexpr std::size_t k_history_max = 100;
+/// Entries that the orders of the past hold together, so that long lists are remembered for fewer
+/// changes; the last change counts always.
+inline constexpr std::size_t k_history_entries_max = 400'000;
+
+/// Takes note of a change of the list: what it was before, and what was removed from it. Nothing is
+/// noted where nothing changed.
+void note_change(SourceHistory& history, SourceOrder before, const Project& project,
+                 Vector<Owned<VHDL_source>> removed = {});
+/// Takes the last change back, or makes it again; false when there is none.
+bool undo_change(SourceHistory& history, Project& project);
+bool redo_change(SourceHistory& history, Project& project);
+
+/// Does the history know every source exactly once?
+[[nodiscard]] bool is_whole(const SourceHistory& history, const Project& project);
+
+} // namespace pellux
