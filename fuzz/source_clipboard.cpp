@@ -33,15 +33,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(steps.size() == clipboard.names.size());
     for (const PasteStep& step : steps) {
         require(!step.copies || directory_part(view(step.to)) == view(project.directory));
-        const AddResult result = add_source(project, index, view(step.to), SourceKind::vhdl);
+        const bool copies = step.copies && judge_source(project, view(step.to)) == AddStatus::added;
+        const AddResult result = add_source(project, index, view(step.to));
         const bool is_listed =
             result.status == AddStatus::added || result.status == AddStatus::already_listed;
-        require(is_listed || !step.copies);
+        require(is_listed || !copies);
         if (!is_listed)
             continue;
         const std::string_view entry = project.sources[result.index]->file_name.view();
         require(!entry.empty() && entry.size() <= k_source_name_max && !is_absolute(entry));
-        const AddResult again = add_source(project, index, entry, SourceKind::vhdl);
+        const AddResult again = add_source(project, index, entry);
         require(again.status == AddStatus::already_listed && again.index == result.index);
     }
     return 0;

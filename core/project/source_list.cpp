@@ -45,6 +45,17 @@ AddStatus judge(const Project& project, std::string_view path, String& place, St
     return entry.size() > k_source_name_max ? AddStatus::too_long : AddStatus::added;
 }
 
+/// May a file of that name stand beside those that are listed?
+AddStatus judge_company(const Project& project, std::string_view name) {
+    switch (kind_of_name(name)) {
+    case SourceKind::vhdl:
+        return may_add_vhdl(project) ? AddStatus::added : AddStatus::beside_pla;
+    case SourceKind::pla:
+        return may_add_pla(project) ? AddStatus::added : AddStatus::pla_not_alone;
+    }
+    return AddStatus::impossible_name;
+}
+
 } // namespace
 
 SourceIndex index_sources(const Project& project) {
@@ -59,10 +70,11 @@ SourceIndex index_sources(const Project& project) {
 AddStatus judge_source(const Project& project, std::string_view path) {
     String place;
     String entry;
-    return judge(project, path, place, entry);
+    const AddStatus status = judge(project, path, place, entry);
+    return status == AddStatus::added ? judge_company(project, view(entry)) : status;
 }
 
-AddResult add_source(Project& project, SourceIndex& index, std::string_view path, SourceKind kind) {
+AddResult add_source(Project& project, SourceIndex& index, std::string_view path) {
     String place;
     String entry;
     if (const AddStatus status = judge(project, path, place, entry); status != AddStatus::added)
@@ -70,17 +82,21 @@ AddResult add_source(Project& project, SourceIndex& index, std::string_view path
     const auto [found, is_new] = index.by_path.try_emplace(place, project.sources.size());
     if (!is_new)
         return {AddStatus::already_listed, found->second};
+    if (const AddStatus status = judge_company(project, view(entry)); status != AddStatus::added) {
+        index.by_path.erase(found);
+        return {status};
+    }
     auto source = make_owned<VHDL_source>();
-    source->kind = kind;
+    source->kind = kind_of_name(view(entry));
     source->file_name.assign(view(entry));
     source->added_from.assign(view(with_separators(String(directory_part(view(place))), '\\')));
     project.sources.push_back(std::move(source));
     return {AddStatus::added, found->second};
 }
 
-AddResult add_source(Project& project, std::string_view path, SourceKind kind) {
+AddResult add_source(Project& project, std::string_view path) {
     SourceIndex index = index_sources(project);
-    return add_source(project, index, path, kind);
+    return add_source(project, index, path);
 }
 
 SourceKind kind_of_name(std::string_view name) {

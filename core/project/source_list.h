@@ -24,6 +24,8 @@ enum class AddStatus {
     holds_blank,     ///< or a tab, a line end, another control character
     too_long,        ///< more than `k_source_name_max` bytes as an entry
     impossible_name, ///< no file's, or the project has no directory
+    beside_pla,      ///< the project's file is a PLA file, which stands alone
+    pla_not_alone,   ///< a PLA file for a project that has files
 };
 
 struct AddResult {
@@ -41,14 +43,13 @@ struct SourceIndex {
 /// the project's directory, which is absolute; neither goes through links (`resolved_place`). The
 /// entry is the way from that directory, "./" before a '-', so that it looks like no switch. One
 /// file has one entry, however that is written.
-[[nodiscard]] AddResult add_source(Project& project, SourceIndex& index, std::string_view path,
-                                   SourceKind kind);
+[[nodiscard]] AddResult add_source(Project& project, SourceIndex& index, std::string_view path);
 /// The same for one file, the list looked through once.
-[[nodiscard]] AddResult add_source(Project& project, std::string_view path, SourceKind kind);
+[[nodiscard]] AddResult add_source(Project& project, std::string_view path);
 /// What adding it would answer, were it not listed yet.
 [[nodiscard]] AddStatus judge_source(const Project& project, std::string_view path);
 
-/// The kind of a file whose adding does not tell it.
+/// The kind of a file, by its extension.
 [[nodiscard]] SourceKind kind_of_name(std::string_view name);
 [[nodiscard]] bool may_add_vhdl(const Project& project);
 [[nodiscard]] bool may_add_pla(const Project& project);

@@ -41,7 +41,18 @@ void tell_refusal(AddStatus status, const String& path) {
     case AddStatus::impossible_name:
         post_error(msg_name_impossible, path.c_str());
         return;
+    case AddStatus::beside_pla:
+        post_error(msg_holds_pla);
+        return;
+    case AddStatus::pla_not_alone:
+        post_error(msg_pla_alone);
+        return;
     }
+}
+
+/// Is what `tell_refusal` says the same for all files?
+bool names_no_file(AddStatus status) {
+    return status == AddStatus::beside_pla || status == AddStatus::pla_not_alone;
 }
 
 /// Adds files one after the other; those that are listed now are selected. What is refused is told,
@@ -52,10 +63,12 @@ public:
         : window_(window), project_(project), before_(order_of(project)),
           index_(index_sources(project)) {}
 
-    void add(std::string_view path, SourceKind kind) {
-        const AddResult result = add_source(project_, index_, path, kind);
+    void add(std::string_view path) {
+        const AddResult result = add_source(project_, index_, path);
         if (result.status == AddStatus::added || result.status == AddStatus::already_listed)
             selected_.push_back(result.index);
+        else if (names_no_file(result.status) && has_refused(result.status))
+            return;
         else
             refused_.push_back({result.status, String(path)});
     }
@@ -64,8 +77,8 @@ public:
         std::ranges::sort(selected_);
         selected_.erase(std::unique(selected_.begin(), selected_.end()), selected_.end());
         note_list_change(window_, std::move(before_));
-        show_sources(window_, selected_,
-                     selected_.empty() ? std::nullopt : std::optional(selected_.back()));
+        if (!selected_.empty())
+            show_sources(window_, selected_, selected_.back());
         show_project_change(window_);
         constexpr std::size_t k_told_max = 3;
         for (std::size_t i = 0; i < std::min(refused_.size(), k_told_max); ++i)
@@ -75,6 +88,11 @@ public:
     }
 
 private:
+    [[nodiscard]] bool has_refused(AddStatus status) const {
+        return std::ranges::any_of(refused_,
+                                   [status](const auto& each) { return each.first == status; });
+    }
+
     Window window_;
     Project& project_;
     SourceOrder before_;
@@ -92,7 +110,7 @@ bool add_directory(Adding& adding, const String& directory) {
         return false;
     }
     for (const String& name : names)
-        adding.add(view(absolute_path(view(directory), view(name))), SourceKind::vhdl);
+        adding.add(view(absolute_path(view(directory), view(name))));
     return true;
 }
 
@@ -104,13 +122,13 @@ bool refuses_vhdl(const Project& project) {
 }
 
 /// One step of a paste; a failed copy is told, and the file is listed all the same.
-void paste_one(Window window, Adding& adding, const PasteStep& step) {
-    if (step.copies) {
+void paste_one(Window window, const Project& project, Adding& adding, const PasteStep& step) {
+    if (step.copies && judge_source(project, view(step.to)) == AddStatus::added) {
         show_status(window, view(format_message(msg_copying, step.from.c_str())));
         if (failed(copy_source_file(view(step.from), view(step.to))))
             post_error(msg_cannot_copy, step.from.c_str(), step.to.c_str());
     }
-    adding.add(view(step.to), kind_of_name(view(step.to)));
+    adding.add(view(step.to));
 }
 
 } // namespace
@@ -131,7 +149,7 @@ void ask_for_vhdl_files(Window window) {
         return;
     Adding adding(window, *now);
     for (const String& name : names)
-        adding.add(view(absolute_path(view(directory), view(name))), SourceKind::vhdl);
+        adding.add(view(absolute_path(view(directory), view(name))));
     adding.end();
 }
 
@@ -169,13 +187,13 @@ void ask_for_pla_file(Window window) {
     if (project == nullptr)
         return;
     Adding adding(window, *project);
-    adding.add(view(absolute_path(view(directory), view(names.front()))), SourceKind::pla);
+    adding.add(view(absolute_path(view(directory), view(names.front()))));
     adding.end();
 }
 
 void add_dropped_files(Window window, std::span<const String> paths) {
     Project* project = project_of(window);
-    if (project == nullptr || refuses_vhdl(*project))
+    if (project == nullptr)
         return;
     Adding adding(window, *project);
     for (const String& path : paths) {
@@ -185,7 +203,7 @@ void add_dropped_files(Window window, std::span<const String> paths) {
         if (is_directory)
             add_directory(adding, resolved_place(view(path)));
         else
-            adding.add(view(resolved_place(view(path))), kind_of_name(view(path)));
+            adding.add(view(resolved_place(view(path))));
     }
     adding.end();
 }
@@ -220,7 +238,7 @@ void paste_files(Window window) {
     }
     Adding adding(window, *project);
     for (const PasteStep& step : plan_paste(*project, clipboard))
-        paste_one(window, adding, step);
+        paste_one(window, *project, adding, step);
     adding.end();
 }
 

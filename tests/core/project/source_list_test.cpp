@@ -79,7 +79,7 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
                 const std::string entry = (inside ? "" : "../x/") + name;
                 const auto at = std::find_if(model.begin(), model.end(),
                                              [&](const Row& row) { return row.name == entry; });
-                const AddResult result = add_source(*project, index, path, SourceKind::vhdl);
+                const AddResult result = add_source(*project, index, path);
                 ASSERT_EQ(result.index, static_cast<std::size_t>(at - model.begin())) << path;
                 ASSERT_EQ(result.status,
                           at == model.end() ? AddStatus::added : AddStatus::already_listed);
@@ -170,7 +170,7 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
 
 TEST(SourceList, AddingObeysTheRulesOfNames) {
     Project project;
-    EXPECT_EQ(add_source(project, "a.vhd", SourceKind::vhdl).status, AddStatus::impossible_name);
+    EXPECT_EQ(add_source(project, "a.vhd").status, AddStatus::impossible_name);
     project.directory = "/my home/a/p/";
     const std::string longest(k_source_name_max, 'n');
     constexpr AddStatus k_impossible = AddStatus::impossible_name;
@@ -184,7 +184,8 @@ TEST(SourceList, AddingObeysTheRulesOfNames) {
         {"a.vhd", AddStatus::added, "a.vhd"},
         {"/my home/a/p/./sub/b.vhd", AddStatus::added, "sub/b.vhd", "\\my home\\a\\p\\sub"},
         {"/my home/a/x/y.vhd", AddStatus::added, "../x/y.vhd", "\\my home\\a\\x"},
-        {"/c.pla", AddStatus::added, "../../../c.pla", "\\"},
+        {"/c.vhd", AddStatus::added, "../../../c.vhd", "\\"},
+        {"c.pla", AddStatus::pla_not_alone},
         {"\xE4\"'%s%n.vhd", AddStatus::added, "\xE4\"'%s%n.vhd"},
         {"-ga.vhd", AddStatus::added, "./-ga.vhd"},
         {longest, AddStatus::added, longest},
@@ -205,7 +206,7 @@ TEST(SourceList, AddingObeysTheRulesOfNames) {
     };
     std::size_t count = 0;
     for (const Case& row : cases) {
-        const AddResult result = add_source(project, row.path, kind_of_name(row.path));
+        const AddResult result = add_source(project, row.path);
         EXPECT_EQ(result.status, row.status) << row.path;
         count += row.status == AddStatus::added ? 1 : 0;
         ASSERT_EQ(project.sources.size(), count) << row.path;
@@ -214,7 +215,7 @@ TEST(SourceList, AddingObeysTheRulesOfNames) {
         const VHDL_source& source = *project.sources.back();
         EXPECT_EQ(source.file_name.view(), row.entry);
         EXPECT_EQ(source.added_from.view(), row.added_from);
-        EXPECT_EQ(source.kind == SourceKind::pla, row.path == "/c.pla");
+        EXPECT_EQ(source.kind, SourceKind::vhdl);
         EXPECT_EQ(source.options.flags, k_new_project_flags);
     }
 }
@@ -238,9 +239,15 @@ TEST(SourceList, PlaFilesStandAloneAndAddAllTakesVhdFilesOfAnyCase) {
     project.directory = directory.path();
     for (const char* name : {"chip.pla", "b.vhd"}) {
         EXPECT_TRUE(may_add_vhdl(project) && may_add_pla(project));
-        EXPECT_EQ(add_source(project, name, kind_of_name(name)).status, AddStatus::added);
+        EXPECT_EQ(add_source(project, name).status, AddStatus::added);
         EXPECT_EQ(may_add_vhdl(project), std::string_view(name) == "b.vhd");
         EXPECT_FALSE(may_add_pla(project));
+        const bool is_pla = project.sources.front()->kind == SourceKind::pla;
+        EXPECT_EQ(is_pla, std::string_view(name) == "chip.pla");
+        const auto again = [&](const char* other) { return add_source(project, other).status; };
+        EXPECT_EQ(again(name), AddStatus::already_listed);
+        EXPECT_EQ(again("other.pla"), AddStatus::pla_not_alone);
+        EXPECT_EQ(again("z.vhd"), is_pla ? AddStatus::beside_pla : AddStatus::added);
         const std::size_t with_some_beyond[] = {0, 1, 9};
         remove_sources(project, with_some_beyond);
     }
@@ -320,7 +327,7 @@ TEST(SourceList, PastingCopiesWhatTheProjectsDirectoryLacks) {
         if (step.copies)
             done +=
                 failed(copy_source_file(view(step.from), view(step.to))) ? "failed " : "copied ";
-        if (add_source(project, view(step.to), SourceKind::vhdl).status == AddStatus::added)
+        if (add_source(project, view(step.to)).status == AddStatus::added)
             done += "added " + std::string(project.sources.back()->file_name.view());
         done += "\n";
     }
@@ -371,7 +378,7 @@ TEST(SourceList, AProjectKnowsWhatChangedInMemoryAndOnTheDisk) {
     Project project;
     project.directory = root.path();
     project.file_name.assign("p.bpr");
-    static_cast<void>(add_source(project, "a.vhd", SourceKind::vhdl));
+    static_cast<void>(add_source(project, "a.vhd"));
     const Vector<std::byte> image = project_image(project);
     const std::string path = root.path("p.bpr");
     FileIdentity none;

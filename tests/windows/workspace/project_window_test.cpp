@@ -173,7 +173,9 @@ TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
             command(tag);
         }
         user_.expect_error("Project contains a PLA file.");
-        const std::string paths[] = {directory_.path("b.vhd")};
+        user_.expect_error("PLA must be the only file in the project.");
+        const std::string paths[] = {directory_.path("b.vhd"), directory_.path("A.VHD"),
+                                     directory_.path("p.pla")};
         EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
         EXPECT_EQ(files(), "[q.pla]");
     });
