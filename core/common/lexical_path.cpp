@@ -62,4 +62,12 @@ String relative_path(std::string_view directory, std::string_view file) {
     return way.empty() ? way : way.substr(1);
 }
 
+String with_extension(std::string_view path, std::string_view extension) {
+    const std::size_t dot = file_name_part(path).rfind('.');
+    const std::size_t directory = path.size() - file_name_part(path).size();
+    String result(dot == std::string_view::npos ? path : path.substr(0, directory + dot));
+    result += '.';
+    return result += extension;
+}
+
 } // namespace pellux

@@ -17,4 +17,7 @@ namespace pellux {
 /// for the directory itself.
 [[nodiscard]] String relative_path(std::string_view directory, std::string_view file);
 
+/// `path` with another extension, or with one where its file name has none.
+[[nodiscard]] String with_extension(std::string_view path, std::string_view extension);
+
 } // namespace pellux

@@ -15,6 +15,11 @@ enum class TextFileStatus { read, too_large, failed };
 [[nodiscard]] TextFileStatus read_text_file(std::string_view path, std::size_t limit, String& text,
                                             SystemError& error);
 
+/// The first `limit` bytes of a regular file, and whether there are more. A failure leaves both as
+/// they were.
+[[nodiscard]] SystemError read_text_start(std::string_view path, std::size_t limit, String& text,
+                                          bool& has_more);
+
 /// The system's text for `error` as a string of ours.
 [[nodiscard]] String error_text(SystemError error);
 

@@ -1,6 +1,7 @@
 #include "core/diagnostics/reporter.h"
 
 #include "core/common/allocator.h"
+#include "core/common/lexical_path.h"
 #include "core/diagnostics/messages.h"
 #include "core/os/path.h"
 
@@ -160,13 +161,13 @@ void start_diagnostics(const char* program_name) {
     static_cast<void>(msg_out_of_memory.text());
 }
 
+String report_file_name(std::string_view file_name) {
+    return with_extension(file_name_part(file_name), "rpt");
+}
+
 bool openReport(const char* file_name, bool truncate, bool quiet) {
     closeReport();
-    std::string_view base = file_name_part(file_name);
-    if (const std::size_t dot = base.rfind('.'); dot != std::string_view::npos)
-        base = base.substr(0, dot);
-    String name(base);
-    name += ".rpt";
+    const String name = report_file_name(file_name);
     const SystemError problem = open_file(g_reporter.report, view(name),
                                           truncate ? OpenMode::truncate : OpenMode::append, 0644);
     if (!failed(problem))

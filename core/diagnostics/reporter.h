@@ -41,8 +41,10 @@ struct Reporter {
 /// `program_name` (null: none) is kept, not copied.
 void start_diagnostics(const char* program_name);
 
-/// Opens the report file: the base name of `file_name` with the extension "rpt", in the current
-/// directory. On failure `quiet` leaves the word to the runtime's error print.
+/// The name of a file's report: its base name with the extension "rpt".
+[[nodiscard]] String report_file_name(std::string_view file_name);
+/// Opens the report file of `file_name` in the current directory. On failure `quiet` leaves the
+/// word to the runtime's error print.
 bool openReport(const char* file_name, bool truncate, bool quiet);
 void closeReport();
 /// Writes a line, given without its end, to the report file if it is open. A file that can't be

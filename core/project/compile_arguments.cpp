@@ -1,5 +1,6 @@
 #include "core/project/compile_arguments.h"
 
+#include "core/common/lexical_path.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/project/installed_file.h"
@@ -78,16 +79,6 @@ void add_project_options(const Project& project, Vector<String>& arguments) {
     add_switches(options, k_last_switches, arguments);
     add_text("-d", options.device, arguments);
     add_text("-p", options.package, arguments);
-}
-
-/// `name` with what follows the last '.' of its last part replaced.
-String with_extension(std::string_view name, std::string_view extension) {
-    const std::size_t part = name.size() - file_name_part(name).size();
-    const std::size_t dot = name.find_last_of('.');
-    String result(name.substr(0, dot == std::string_view::npos || dot < part ? name.size() : dot));
-    result += '.';
-    result += extension;
-    return result;
 }
 
 bool is_readable(const PathBuffer& path) {

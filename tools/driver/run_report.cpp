@@ -16,12 +16,6 @@ void write(Message<Arguments...>& message, std::type_identity_t<Arguments>... ar
     write_report(view(format_message(message, arguments...)));
 }
 
-/// The name that `openReport` will choose.
-String report_name(std::string_view top) {
-    const std::string_view base = file_name_part(top);
-    return String(base.substr(0, base.rfind('.'))) + ".rpt";
-}
-
 /// Would the report take the place of anything but an earlier report?
 bool is_in_use(const Plan& plan, std::string_view name) {
     FileStat stat;
@@ -120,7 +114,7 @@ void begin_report(RunReport& report, const Options& options, const Plan& plan,
                   std::string_view ghdl_version) {
     if (options.top.empty())
         return;
-    const String name = report_name(view(options.top));
+    const String name = report_file_name(view(options.top));
     if (is_in_use(plan, view(name))) {
         warning(-1, msg_report_in_use, name.c_str());
         return;
