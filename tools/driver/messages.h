@@ -82,6 +82,9 @@ inline Message<const char*> msg_index_other_version{
     "E1959", "The index of library '%s' is of another version; it is made anew."};
 inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 
+inline Message<const char*, const char*> msg_ghdl_version{"E2008", "%s, %s"};
+inline Message<const char*> msg_ghdl_speechless{"E2009", "'%s' doesn't tell its version."};
+
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
 inline Message<const char*, const char*> msg_record_damaged{
     "E2007", "'%s' is damaged; '%s' is compiled again."};

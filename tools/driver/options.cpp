@@ -16,6 +16,7 @@ enum class SwitchKind {
     top,
     only_changed,
     no_banner,
+    version,
     standard,
     error_limit,
     warning_limit,
@@ -37,6 +38,7 @@ constexpr std::array k_switches{
     SwitchRow{"-b", Operand::none, SwitchKind::top},
     SwitchRow{"-m", Operand::none, SwitchKind::only_changed},
     SwitchRow{"-q", Operand::none, SwitchKind::no_banner},
+    SwitchRow{"--version", Operand::none, SwitchKind::version},
     SwitchRow{"-v", Operand::number, SwitchKind::standard},
     SwitchRow{"-e", Operand::number, SwitchKind::error_limit},
     SwitchRow{"-w", Operand::number, SwitchKind::warning_limit},
@@ -121,6 +123,9 @@ Failure take_switch(Parser& parser, const SwitchRow& row, std::string_view word)
         return {};
     case SwitchKind::no_banner:
         options.banner = false;
+        return {};
+    case SwitchKind::version:
+        options.version = true;
         return {};
     case SwitchKind::standard:
         if (!find_standard(operand, options.standard))
@@ -233,7 +238,7 @@ Failure parse_arguments(std::span<const char* const> words, ResponseReader reade
         return bad(format_message(msg_switch_needs_file, "-b"));
     if (!parser.library_switch.empty())
         return bad(format_message(msg_switch_needs_file, parser.library_switch.c_str()));
-    if (options.files.empty() && options.top.empty())
+    if (options.files.empty() && options.top.empty() && !options.version)
         return bad(format_message(msg_nothing_to_compile));
     return {};
 }

@@ -27,6 +27,7 @@ struct Options {
     int warning_limit = 0;
     bool banner = true;
     bool only_changed = false;
+    bool version = false;      ///< only what runs is asked for; there may be no file then
     std::uint64_t channel = 0; ///< the environment's address; 0: standard output
     Vector<String> fitting;    ///< switches about devices, as given; no part of the compilation
 };

@@ -239,6 +239,27 @@ void set_up_calls(Runner& runner) {
     runner.translator.context = &runner;
 }
 
+/// GHDL's own word on what it is; empty when it says nothing.
+String ghdl_version(Runner& runner) {
+    const Vector<String> answer =
+        ghdl_answer(runner.process, runner.ghdl.c_str(), "--version", on_stop_question, &runner);
+    return answer.empty() ? String() : answer.front();
+}
+
+ExitStatus tell_version(Runner& runner) {
+    if (!find_ghdl(runner.ghdl))
+        return tell_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
+    const String version = ghdl_version(runner);
+    if (on_stop_question(&runner))
+        return ExitStatus::errors;
+    if (version.empty())
+        return tell_failure(
+            {ExitStatus::no_ghdl, format_message(msg_ghdl_speechless, runner.ghdl.c_str())});
+    const String line = format_message(msg_ghdl_version, version.c_str(), runner.ghdl.c_str());
+    print_lines(runner.output, view(line));
+    return ExitStatus::nothing_failed;
+}
+
 } // namespace
 
 ExitStatus run_compiler(const Options& options, Output& output) {
@@ -249,6 +270,8 @@ ExitStatus run_compiler(const Options& options, Output& output) {
         print_lines(output, view(banner));
     }
     Runner runner(output);
+    if (options.version)
+        return tell_version(runner);
     Surroundings surroundings;
     if (const Failure failure = look_around(options, surroundings))
         return tell_failure(failure);
@@ -268,10 +291,9 @@ ExitStatus run_compiler(const Options& options, Output& output) {
         return tell_failure(failure);
     tell_warnings(runner);
     if (!options.top.empty()) {
-        const Vector<String> version = ghdl_answer(runner.process, runner.ghdl.c_str(), "--version",
-                                                   on_stop_question, &runner);
+        const String version = ghdl_version(runner);
         begin_report(runner.report, options, runner.plan,
-                     version.empty() ? runner.ghdl.view() : view(version.front()));
+                     version.empty() ? runner.ghdl.view() : view(version));
     }
     runner.names = source_names(runner.plan);
     set_up_calls(runner);

@@ -2,6 +2,7 @@
 #include "tests/tools/driver/environment.h"
 #include "tests/tools/driver/run_brix.h"
 #include "tests/tools/driver/scratch.h"
+#include "tools/driver/messages.h"
 
 #include <algorithm>
 #include <csignal>
@@ -119,6 +120,19 @@ TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
     EXPECT_NE(run.text.find("col 1):  " + std::string(5000, 'x') + "\n"), std::string::npos);
     // Lines are joined: far fewer packets than lines.
     EXPECT_LT(environment.packets, 3000u);
+}
+
+TEST_F(Brix, TellsWhatRunsWithoutAFile) {
+    const std::string banner = "BRIX, the VHDL compiler of Pellux, version " PELLUX_VERSION "\n";
+    Environment environment;
+    environment.run({"--version"}, 0);
+    EXPECT_EQ(environment.text,
+              banner + "GHDL 0.0 (stand-in), " PELLUX_BINARY_DIR "/tests/fake_ghdl/ghdl-mcode\n");
+    EXPECT_EQ(run_brix({"errors.vhd", "--version"}).text, environment.text);
+    const test::ScopedVariable no_path("PATH", scratch.path().c_str());
+    const ToolRun run = run_brix({"--version"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.text, banner + "BRIX:  " + msg_no_ghdl.text() + "\n");
 }
 
 TEST_F(Brix, AskedToCloseItEndsGhdlAndItself) {
