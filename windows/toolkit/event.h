@@ -48,6 +48,8 @@ struct CreationEvent {
 struct DestructionEvent {
     static constexpr EventType type = EventType::destruction;
 };
+/// The keyboard's focus. A window in the task window is also told when one of its controls gains it
+/// and nothing in the window had it before.
 struct FocusEvent {
     static constexpr EventType type = EventType::focus;
     bool gained = false;

@@ -6,10 +6,12 @@
 #include "windows/toolkit/qt/window_table.h"
 #include "windows/toolkit/window.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QLayout>
 #include <QMdiArea>
+#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
@@ -21,6 +23,19 @@ TaskWindow* the_task_window = nullptr;
 Window document_of(const QMdiSubWindow* frame) {
     const QWidget* client = frame == nullptr ? nullptr : frame->widget();
     return client == nullptr ? Window::none : window_of(*client);
+}
+
+const QMdiSubWindow* frame_around(const QWidget* widget) {
+    while (widget != nullptr && qobject_cast<const QMdiSubWindow*>(widget) == nullptr)
+        widget = widget->parentWidget();
+    return static_cast<const QMdiSubWindow*>(widget);
+}
+
+void on_focus_changed(const QWidget* before, const QWidget* now) {
+    const QMdiSubWindow* frame = frame_around(now);
+    // A window that has the focus itself has told it.
+    if (frame != nullptr && frame != frame_around(before) && frame->widget() != now)
+        deliver(document_of(frame), Event{FocusEvent{true}});
 }
 
 } // namespace
@@ -46,6 +61,7 @@ TaskWindow::TaskWindow(Window window, int help_menu)
         if (menu_owner() != shown_menus_)
             show_menus();
     });
+    connect(qApp, &QApplication::focusChanged, this, on_focus_changed);
 }
 
 TaskWindow::~TaskWindow() {
@@ -62,8 +78,9 @@ Window TaskWindow::menu_owner() const {
 void TaskWindow::show_menus() {
     const Window owner = menu_owner();
     shown_menus_ = owner;
-    if (const WindowRecord* record = find_window(owner); record != nullptr && record->menus)
-        fill_menu_bar(*menuBar(), owner, *record->menus, help_menu_);
+    const WindowRecord* record = find_window(owner);
+    const bool has_menus = record != nullptr && record->menus;
+    fill_menu_bar(*menuBar(), owner, has_menus ? *record->menus : Vector<MenuItem>(), help_menu_);
 }
 
 QSize TaskWindow::room() const {
@@ -121,7 +138,13 @@ bool TaskWindow::event(QEvent* event) {
 }
 
 DocumentFrame::DocumentFrame(QWidget* parent, Window window)
-    : QMdiSubWindow(parent), window_(window) {}
+    : QMdiSubWindow(parent), window_(window) {
+    // The rest of its keys would take those of the windows' own menus away.
+    const QKeySequence close(Qt::CTRL | Qt::Key_F4);
+    for (QAction* action : systemMenu()->actions())
+        action->setShortcuts(action->shortcuts().contains(close) ? QList{close}
+                                                                 : QList<QKeySequence>());
+}
 
 void DocumentFrame::closeEvent(QCloseEvent* event) {
     if (find_window(window_) == nullptr) {
