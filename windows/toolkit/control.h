@@ -72,8 +72,11 @@ void xvt_list_set_selected(Window list, std::span<const int> indices);
 void xvt_list_set_focus_index(Window list, int index);
 void xvt_list_set_font(Window list, Font font);
 
-// The text of an output control: its last 200,000 lines.
+// An output control keeps the last lines of its text, and one more that has not ended yet.
+inline constexpr int k_output_lines_max = 200'000;
 
+/// In place of the text before; the start is in sight.
+void xvt_output_set_text(Window output, std::string_view text);
 /// Puts bytes at the end: UTF-8, what is none as Latin-1. Scrolls on where the end was in sight.
 void xvt_output_append(Window output, std::string_view text);
 void xvt_output_clear(Window output);

@@ -210,10 +210,24 @@ TEST(Output, ShowsBytesAndCannotBeTypedInto) {
         EXPECT_EQ(shown.take(), "key 120; key 127; ");
         press_key("Ctrl+A");
         xvt_output_append(shown.control, "later");
-        EXPECT_EQ(shown.widget->textCursor().selectedText().size(), 11) << "the selection grew";
-        xvt_output_clear(shown.control);
-        xvt_output_append(shown.control, "again");
-        EXPECT_EQ(text(), "again");
+        const auto selected = [&] { return shown.widget->textCursor().selectedText().size(); };
+        EXPECT_EQ(selected(), 11) << "the selection grew";
+        press_key("Ctrl+End");
+        xvt_output_append(shown.control, "more");
+        EXPECT_EQ(selected(), 0) << "what was appended is selected";
+        press_key("Ctrl+Shift+Home");
+        xvt_output_append(shown.control, "!");
+        EXPECT_EQ(selected(), 20) << "the selection grew at its start";
+        shown.take();
+        for (const auto& [key, code] : {std::pair{"F7", 407}, {"Ctrl+F7", 407}, {"Esc", 27}}) {
+            press_key(key);
+            EXPECT_EQ(shown.take(), "key " + std::to_string(code) + "; ");
+        }
+        xvt_output_set_text(shown.control, std::string(500, '\n') + "again");
+        EXPECT_EQ(text(), std::string(500, '\n') + "again");
+        EXPECT_EQ(shown.bar().value(), 0);
+        press_key("Down");
+        EXPECT_EQ(shown.widget->textCursor().blockNumber(), 1);
     });
 }
 

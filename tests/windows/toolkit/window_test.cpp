@@ -197,7 +197,7 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             xvt_list_set_focus_index(window, 0);
             xvt_list_set_font(window, xvt_font_get_fixed());
             xvt_output_append(window, "x");
-            xvt_output_clear(window);
+            xvt_output_set_text(window, "x");
             xvt_menu_popup(window, items, {});
             xvt_win_accept_drops(window, true);
             xvt_vobj_set_modified(window, true);

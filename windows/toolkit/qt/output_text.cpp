@@ -11,10 +11,16 @@
 namespace pellux {
 namespace {
 
-constexpr int k_lines_max = 200'000;
-
 OutputText* output_of(Window window) {
     return dynamic_cast<OutputText*>(widget_of<QPlainTextEdit>(window));
+}
+
+/// A place that stays when text is put in there.
+QTextCursor fixed_cursor(QTextDocument& document, int position) {
+    QTextCursor cursor(&document);
+    cursor.setPosition(position);
+    cursor.setKeepPositionOnInsert(true);
+    return cursor;
 }
 
 } // namespace
@@ -27,7 +33,7 @@ OutputText::OutputText() {
     setTabChangesFocus(true);
     setFont(widget_font(xvt_font_get_fixed()));
     // The line that has not ended yet is one more.
-    setMaximumBlockCount(k_lines_max + 1);
+    setMaximumBlockCount(k_output_lines_max + 1);
 }
 
 void OutputText::append(const QString& text) {
@@ -36,11 +42,10 @@ void OutputText::append(const QString& text) {
     const int right = horizontalScrollBar()->value();
     // Lines that go at the start would take what is read along.
     const QTextCursor top(document()->findBlockByNumber(down.value()));
-    // A selection that ends where the text does must not grow with it.
-    if (QTextCursor selected = textCursor(); selected.hasSelection()) {
-        selected.setKeepPositionOnInsert(true);
-        setTextCursor(selected);
-    }
+    // A selection that touches the end of the text must not grow with it.
+    const bool selects = textCursor().hasSelection();
+    const QTextCursor from = fixed_cursor(*document(), textCursor().anchor());
+    const QTextCursor to = fixed_cursor(*document(), textCursor().position());
     QTextCursor end(document());
     end.beginEditBlock();
     end.movePosition(QTextCursor::End);
@@ -54,6 +59,12 @@ void OutputText::append(const QString& text) {
         dropped.removeSelectedText();
     }
     end.endEditBlock();
+    if (selects) {
+        QTextCursor selected(document());
+        selected.setPosition(from.position());
+        selected.setPosition(to.position(), QTextCursor::KeepAnchor);
+        setTextCursor(selected);
+    }
     down.setValue(follows ? down.maximum() : top.blockNumber());
     horizontalScrollBar()->setValue(right);
 }
@@ -64,8 +75,16 @@ void xvt_output_append(Window output, std::string_view text) {
 }
 
 void xvt_output_clear(Window output) {
-    if (OutputText* shown = output_of(output))
+    xvt_output_set_text(output, {});
+}
+
+void xvt_output_set_text(Window output, std::string_view text) {
+    if (OutputText* shown = output_of(output)) {
         shown->clear();
+        shown->append(to_qstring(text));
+        // There the keys go on from, too.
+        shown->moveCursor(QTextCursor::Start);
+    }
 }
 
 } // namespace pellux
