@@ -79,6 +79,5 @@ inline constexpr int k_output_lines_max = 200'000;
 void xvt_output_set_text(Window output, std::string_view text);
 /// Puts bytes at the end: UTF-8, what is none as Latin-1. Scrolls on where the end was in sight.
 void xvt_output_append(Window output, std::string_view text);
-void xvt_output_clear(Window output);
 
 } // namespace pellux

@@ -47,5 +47,9 @@ inline Message<const char*> msg_changed_on_disk{
     "E2074", "File '%s' has changed on disk.\nRead new version from disk?"};
 inline Message<const char*> msg_changed_twice{
     "E2075", "File '%s' has changed on disk and memory.\nRead new version from disk?"};
+inline Message<> msg_tool_versions{"E2080", "Tool versions"};
+inline Message<const char*, const char*> msg_own_version{"E2081", "Pellux %s, %s"};
+inline Message<const char*, const char*> msg_cannot_show_file{"E2082", "Can't read '%s': %s."};
+inline Message<> msg_file_goes_on{"E2083", "The file goes on; the rest of it is not shown."};
 
 } // namespace pellux

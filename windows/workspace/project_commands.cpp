@@ -9,6 +9,7 @@
 #include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_font.h"
+#include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_page.h"
 #include "windows/workspace/project_view.h"
@@ -65,6 +66,9 @@ constexpr std::array k_commands{
     CommandRow{tag_of(select_all), 0, Need::files, select_all_files},
     CommandRow{tag_of(move_up), 236, Need::selection, move_selected_files_up},
     CommandRow{tag_of(move_down), 237, Need::selection, move_selected_files_down},
+    CommandRow{tag_of(report_file), 0, Need::nothing, show_report_file},
+    CommandRow{tag_of(control_file), 0, Need::nothing, show_control_file},
+    CommandRow{tag_of(tool_versions), 0, Need::nothing, [](Window) { show_tool_versions(); }},
     CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
     CommandRow{tag_of(help_contents), 0, Need::nothing,
                [](Window) { workspace().shell.show_help_contents(workspace().shell.context); }},
@@ -146,21 +150,25 @@ int command_of_button(int button) {
     return 0;
 }
 
+bool run_compile_key(Window window, const CharacterEvent& key) {
+    constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
+    return key.code == k_f7 &&
+           run_project_command(window, tag_of(key.with.control ? ListCommand::compile_selected
+                                                               : ListCommand::compile_all));
+}
+
 bool run_project_key(Window window, const CharacterEvent& key) {
     constexpr int k_delete = 127;
-    constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
     constexpr int k_control_y = 'y' - 'a' + 1;
     constexpr int k_control_z = 'z' - 'a' + 1;
     int tag = 0;
-    if (key.code == k_f7)
-        tag = tag_of(key.with.control ? ListCommand::compile_selected : ListCommand::compile_all);
-    else if (key.code == k_delete && !key.with.shift && !key.with.control)
+    if (key.code == k_delete && !key.with.shift && !key.with.control)
         tag = tag_of(ProjectCommand::remove);
     else if (key.code == k_control_z)
         tag = tag_of(key.with.shift ? ListCommand::redo : ListCommand::undo);
     else if (key.code == k_control_y)
         tag = tag_of(ListCommand::redo);
-    return tag != 0 && run_project_command(window, tag);
+    return tag == 0 ? run_compile_key(window, key) : run_project_command(window, tag);
 }
 
 void update_project_commands(Window window) {

@@ -15,7 +15,9 @@ bool run_project_command(Window window, int tag);
 void update_project_commands(Window window);
 /// The context menu of the list.
 void show_list_menu(Window window, Point at);
-/// Runs the command of a key that no menu has; false when there is none.
+/// Runs the command of a key that compiles; false when it is another key.
+bool run_compile_key(Window window, const CharacterEvent& key);
+/// The same with every command that no menu has.
 bool run_project_key(Window window, const CharacterEvent& key);
 
 } // namespace pellux

@@ -41,10 +41,10 @@ constexpr std::array k_files{
     without_command("A&nnotate...", annotate),
 };
 constexpr std::array k_info{
-    without_command("&Report file...", report_file),
-    without_command("&Control file...", control_file),
+    item("&Report file...", report_file),
+    item("&Control file...", control_file),
     without_command("&Source file...", source_file),
-    without_command("&Tool versions...", tool_versions),
+    item("&Tool versions...", tool_versions),
 };
 constexpr std::array k_search{
     without_command("All &project files...", search_project),

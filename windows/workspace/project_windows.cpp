@@ -9,11 +9,12 @@
 #include "windows/workspace/move_frame.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_commands.h"
-#include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_font.h"
+#include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
+#include "windows/workspace/text_window.h"
 
 #include <algorithm>
 #include <array>
@@ -63,6 +64,7 @@ long on_event(void*, Window window, const Event& event) {
     } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {
         if (OpenProject* open = find_open_project(window))
             look_at_sources(window, *open->project, open->looks);
+        update_info_commands(window);
         xvt_vobj_set_focus(project_list(window));
     } else if (const auto* timer = event.get<TimerEvent>()) {
         if (OpenProject* open = find_open_project(window))
@@ -87,7 +89,7 @@ long on_event(void*, Window window, const Event& event) {
         enter_project(window);
         close_project(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
-        end_project_compile(window);
+        close_text_windows(window);
         forget_project(window);
     }
     return 0;
@@ -112,7 +114,7 @@ void restore_place(Window window, const Screen_position& stored) {
 
 void register_project_window() {
     xvt_res_register({.menu_bars = project_menu_bars(), .windows = k_windows});
-    register_project_compile();
+    register_text_windows();
 }
 
 Window create_project_window(const Project& project) {
@@ -133,6 +135,7 @@ void show_project_change(Window window) {
     show_project_status(window, *open->project);
     xvt_vobj_set_modified(window, project_image(*open->project) != open->written);
     update_project_commands(window);
+    update_info_commands(window);
 }
 
 void show_project_name(Window window, const Project& project) {

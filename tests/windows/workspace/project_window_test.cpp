@@ -10,6 +10,7 @@
 #include "windows/controls/controls.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
+#include "windows/toolkit/menu.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
@@ -91,6 +92,22 @@ protected:
     static void command(int tag) {
         xvt_win_dispatch_event(window(), Event{CommandEvent{tag}});
         process_events();
+    }
+    static bool can(int tag) {
+        for (const MenuItem& menu : xvt_menu_get_tree(window()))
+            for (const MenuItem& item : menu.items)
+                if (item.tag == tag)
+                    return item.is_enabled;
+        return false;
+    }
+    /// Waits until the output says a word.
+    static bool said(std::string_view word) {
+        for (int i = 0; i < 500; ++i) {
+            run_turn(TurnWait::until_event);
+            if (shown_output().find(word) != std::string::npos)
+                return true;
+        }
+        return false;
     }
 
     test::TemporaryDirectory directory_;
@@ -403,27 +420,85 @@ TEST_F(ProjectWindow, KeepsThePageThatIsSetUp) {
 }
 
 TEST_F(ProjectWindow, ShowsWhatTheCompilerSays) {
-    directory_.write("good.vhd", "entity good is end;\n");
+    directory_.write("good.vhd", "entity good is end; architecture a of good is begin end;\n");
     directory_.write("bad.vhd", "entity bad is\n");
     run([&] {
         command(1106);
         ASSERT_EQ(files(), "[bad.vhd] [good.vhd]");
         select({1});
-        const auto said = [](std::string_view word) {
-            for (int i = 0; i < 500; ++i) {
-                run_turn(TurnWait::until_event);
-                if (shown_output().find(word) != std::string::npos)
-                    return true;
-            }
-            return false;
-        };
+        command(1150);
         press_key("Ctrl+F7");
         EXPECT_TRUE(said("Compilation successful."));
-        xvt_vobj_set_focus(window());
-        process_events();
+        EXPECT_TRUE(can(1104)) << "the report is there now";
         press_key("F7");
-        EXPECT_TRUE(said("Compilation failed."));
+        EXPECT_TRUE(said("Compilation failed.")) << "the keys go on from the output";
         EXPECT_TRUE(said("bad.vhd (line"));
+        press_key("Ctrl+W");
+        EXPECT_EQ(shown_output(), "");
+        user_.expect_ask("Quit Pellux?", "Cancel");
+        press_key("Ctrl+W");
+        EXPECT_EQ(files(), "bad.vhd [*good.vhd]");
+    });
+}
+
+TEST_F(ProjectWindow, ShowsTheFilesAboutItsTopDesign) {
+    directory_.write("x.vhd", "x");
+    directory_.write("x.rpt", "a report");
+    run([&] {
+        command(1106);
+        EXPECT_FALSE(can(1104));
+        select({0});
+        command(1150);
+        EXPECT_FALSE(can(1043));
+        EXPECT_TRUE(choose_item(1104));
+        EXPECT_EQ(shown_output(), "a report");
+        xvt_vobj_raise(window());
+        directory_.write("x.rpt", "anew");
+        EXPECT_TRUE(choose_item(1104));
+        EXPECT_EQ(shown_output(), "anew");
+        directory_.write("x.ctl", "first\n" + std::string(300'000, '\n'));
+        press_key("Esc");
+        EXPECT_EQ(shown_output(), "") << "there was a second viewer";
+        EXPECT_TRUE(can(1043)) << "the window has the focus again";
+        for (const char* lines : {"300000 lines", "of 1000 bytes"}) {
+            EXPECT_TRUE(choose_item(1043));
+            const std::string shown = shown_output();
+            EXPECT_TRUE(shown.starts_with("first\n")) << lines;
+            EXPECT_TRUE(shown.ends_with("\nThe file goes on; the rest of it is not shown.\n"));
+            EXPECT_LT(shown.size(), (std::size_t{16} << 20) + 100);
+            xvt_vobj_raise(window());
+            std::string text = "first\n";
+            while (text.size() >> 24 == 0)
+                text += std::string(999, 'l') + "\n";
+            directory_.write("x.ctl", text);
+        }
+        std::filesystem::remove("x.rpt");
+        user_.expect_error("Can't read '*/x.rpt': No such file or directory.");
+        EXPECT_TRUE(choose_item(1104));
+        command(1150);
+        EXPECT_FALSE(can(1104) || can(1043));
+        xvt_vobj_destroy(window());
+        process_events();
+        EXPECT_EQ(shown_output(), "") << "the viewers go with their project";
+    });
+}
+
+TEST_F(ProjectWindow, TellsWhichToolsRun) {
+    const std::string own = "Pellux " PELLUX_VERSION ", " PELLUX_BINARY_DIR "\n";
+    directory_.write("bin/BRIX.EXE", "");
+    run([&] {
+        for (int i = 0; i < 2; ++i) {
+            xvt_vobj_raise(window());
+            EXPECT_TRUE(choose_item(1102));
+            EXPECT_EQ(shown_output(), own);
+            EXPECT_TRUE(said("/ghdl"));
+        }
+        press_key("Esc");
+        EXPECT_EQ(shown_output(), "");
+        const test::ScopedVariable other("VELMORA_DIR", top_.c_str());
+        user_.expect_error("Can't run '*/bin/BRIX.EXE'.");
+        EXPECT_TRUE(choose_item(1102));
+        EXPECT_EQ(shown_output(), own);
     });
 }
 

@@ -74,10 +74,6 @@ void xvt_output_append(Window output, std::string_view text) {
         shown->append(to_qstring(text));
 }
 
-void xvt_output_clear(Window output) {
-    xvt_output_set_text(output, {});
-}
-
 void xvt_output_set_text(Window output, std::string_view text) {
     if (OutputText* shown = output_of(output)) {
         shown->clear();

@@ -1,0 +1,105 @@
+#include "windows/workspace/project_info.h"
+
+#include "core/common/lexical_path.h"
+#include "core/common/text_file.h"
+#include "core/diagnostics/reporter.h"
+#include "core/os/environment.h"
+#include "core/project/compile_arguments.h"
+#include "windows/toolkit/control.h"
+#include "windows/toolkit/menu.h"
+#include "windows/workspace/boxes.h"
+#include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_menus.h"
+#include "windows/workspace/text_window.h"
+
+namespace pellux {
+namespace {
+
+constexpr std::size_t k_shown_max = std::size_t{16} << 20;
+
+/// The name of a file about a top design, in its project's directory.
+using NameOf = String (*)(std::string_view top);
+
+String control_file_name(std::string_view top) {
+    return with_extension(file_name_part(top), "ctl");
+}
+
+/// Empty without a top design.
+String path_beside_top(Window project, NameOf name_of) {
+    const OpenProject* open = find_open_project(project);
+    if (open == nullptr || open->project->top_design == nullptr)
+        return {};
+    return absolute_path(view(open->project->directory),
+                         view(name_of(open->project->top_design->file_name.view())));
+}
+
+void update_command(Window project, ProjectCommand command, NameOf name_of) {
+    const String path = path_beside_top(project, name_of);
+    FileStat stat;
+    const bool is_there =
+        !path.empty() && !failed(stat_file(view(path), stat)) && stat.kind == FileKind::regular;
+    xvt_menu_set_item_enabled(project, static_cast<int>(command), is_there);
+}
+
+/// The whole lines of `text` that a window can hold with one more: all of it, or its start.
+std::string_view shown_lines(std::string_view text, bool is_cut) {
+    std::size_t end = 0;
+    for (int lines = 1; lines < k_output_lines_max; ++lines) {
+        const std::size_t line_end = text.find('\n', end);
+        if (line_end == std::string_view::npos)
+            return is_cut && end > 0 ? text.substr(0, end) : text;
+        end = line_end + 1;
+    }
+    return text.substr(0, end);
+}
+
+void show_file(Window project, NameOf name_of) {
+    const String path = path_beside_top(project, name_of);
+    if (path.empty())
+        return;
+    String text;
+    bool is_cut = false;
+    const SystemError error = read_text_start(view(path), k_shown_max, text, is_cut);
+    if (failed(error)) {
+        post_error(msg_cannot_show_file, path.c_str(), error_text(error).c_str());
+        return;
+    }
+    TextWindow* viewer =
+        open_text_window({TextKind::file, project, view(path)}, file_name_part(view(path)));
+    if (viewer == nullptr)
+        return;
+    const std::string_view shown = shown_lines(view(text), is_cut);
+    set_text(*viewer, shown);
+    if (is_cut || shown.size() < text.size())
+        append_line(*viewer, view(format_message(msg_file_goes_on)));
+}
+
+} // namespace
+
+void update_info_commands(Window project) {
+    update_command(project, ProjectCommand::report_file, report_file_name);
+    update_command(project, ProjectCommand::control_file, control_file_name);
+}
+
+void show_report_file(Window project) {
+    show_file(project, report_file_name);
+}
+
+void show_control_file(Window project) {
+    show_file(project, control_file_name);
+}
+
+void show_tool_versions() {
+    TextWindow* versions =
+        open_text_window({TextKind::tool_versions}, view(format_message(msg_tool_versions)));
+    if (versions == nullptr)
+        return;
+    PathBuffer place;
+    static_cast<void>(program_directory(place));
+    append_line(*versions, view(format_message(msg_own_version, PELLUX_VERSION, place.c_str())));
+    if (PathBuffer compiler; find_compiler(compiler))
+        run_program_in(*versions, {String(compiler.view()), "--version"}, [](TextWindow&, int) {});
+}
+
+} // namespace pellux

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "core/launch/spawner.h"
+#include "windows/toolkit/event.h"
+
+#include <string_view>
+
+namespace pellux {
+
+// Windows that hold one text to read. Escape and Ctrl+W close them; the keys that compile do it for
+// the project that the text is about.
+
+/// Its number is that of the window's resource.
+enum class TextKind : int { compile_output = 109, tool_versions = 110, file = 112 };
+
+/// What a text is about; there is one window for it.
+struct TextSubject {
+    TextKind kind = TextKind::file;
+    Window project = Window::none; ///< with which the text's window goes; none: nobody's
+    std::string_view path = {};    ///< of a file
+};
+
+struct TextWindow {
+    Window window = Window::none;
+    TextKind kind = TextKind::file;
+    Window project = Window::none;
+    String path = {};
+    bool at_line_start = true;
+    Owned<Spawner> program = {}; ///< whose words the text is
+    void (*ended)(TextWindow& text, int status) = nullptr;
+};
+
+/// Makes the resources of the windows known; there is none.
+void register_text_windows();
+
+/// The subject's window, empty and in front, with no program. Null after the user was told that
+/// there is none.
+[[nodiscard]] TextWindow* open_text_window(const TextSubject& subject, std::string_view title);
+/// Brings the subject's window to the front, if a program still speaks there.
+[[nodiscard]] bool raise_speaking_window(const TextSubject& subject);
+/// Closes the windows about a project.
+void close_text_windows(Window project);
+
+/// In place of all that stands there; its start is in sight.
+void set_text(TextWindow& text, std::string_view words);
+void append_text(TextWindow& text, std::string_view words);
+/// The same on a line of its own.
+void append_line(TextWindow& text, std::string_view words);
+/// Starts the program `words[0]`, whose text goes to the window's end and which goes with the
+/// window. `ended` is called after it, unless the user was told that it can't be run.
+void run_program_in(TextWindow& text, const Vector<String>& words,
+                    void (*ended)(TextWindow& text, int status));
+
+} // namespace pellux
