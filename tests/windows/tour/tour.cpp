@@ -20,6 +20,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/move_frame.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
 
 #include <algorithm>
@@ -133,11 +134,11 @@ void visit_program(Tour& tour) {
     tour.front("help");
 }
 
-/// Until the compiler has come to its end.
-bool wait_for_compiler() {
+/// Until the newest output says so.
+bool wait_for(std::string_view words) {
     constexpr int k_turns_max = 100'000;
     for (int i = 0; i < k_turns_max; ++i) {
-        if (shown_output().find("\nCompilation ") != std::string::npos)
+        if (shown_output().find(words) != std::string::npos)
             return true;
         run_turn(TurnWait::until_event);
     }
@@ -162,7 +163,7 @@ void visit_project(Tour& tour) {
     xvt_list_set_selected(project_list(project), std::array{9, 10, 11});
     process_events();
     press_key("F7");
-    tour.keep(wait_for_compiler(), "compiling");
+    tour.keep(wait_for("\nCompilation "), "compiling");
     put_side_by_side(project, shown_output_window());
     xvt_vobj_raise(project);
     process_events();
@@ -170,6 +171,13 @@ void visit_project(Tour& tour) {
     right_click(project_list(project), {60, 60});
     tour.front("list_menu");
     press_key("Esc");
+    const auto read = [&](ProjectCommand command, std::string_view words, std::string_view name) {
+        xvt_win_dispatch_event(project, Event{CommandEvent{static_cast<int>(command)}});
+        tour.keep(wait_for(words), name);
+        tour.picture(task, name);
+    };
+    read(ProjectCommand::report_file, "Started:", "report");
+    read(ProjectCommand::tool_versions, "GHDL ", "versions");
 }
 
 void run(std::span<const char* const> words, const std::function<void()>& script) {
