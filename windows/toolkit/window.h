@@ -56,6 +56,8 @@ void xvt_vobj_destroy(Window window); ///< with everything in it; the destructio
 /// Moves the client area to `rect`. A frame that is not known yet, before the task window is shown,
 /// counts as nothing and is taken off `rect` later.
 void xvt_vobj_move(Window window, const Rect& rect);
+/// Brings what is to be seen of a window to the screen, before other events have their turn.
+void xvt_vobj_show_now(Window window);
 [[nodiscard]] String xvt_vobj_get_title(Window window);
 void xvt_vobj_set_title(Window window, std::string_view title);
 /// The desktop's mark of unsaved changes, on a window in the task window; the title stays the same.

@@ -110,6 +110,11 @@ void show_status(Window window, std::string_view text) {
     set_status_text(xvt_win_get_ctl(window, k_project_status), text);
 }
 
+void show_status_now(Window window, std::string_view text) {
+    show_status(window, text);
+    xvt_vobj_show_now(xvt_win_get_ctl(window, k_project_status));
+}
+
 void enable_project_button(Window window, int id, bool is_enabled) {
     const Window bar = xvt_win_get_ctl(window, k_project_toolbar);
     toggle_button_set_state(toolbar_get_control(bar, id),

@@ -24,6 +24,8 @@ void show_sources(Window window, Selection selected, std::optional<std::size_t> 
 void show_project_status(Window window, const Project& project);
 /// Something else, until `show_project_status`.
 void show_status(Window window, std::string_view text);
+/// The same, seen before other events have their turn.
+void show_status_now(Window window, std::string_view text);
 
 /// The list's control, which has the focus of the window.
 [[nodiscard]] Window project_list(Window window);

@@ -201,6 +201,7 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             xvt_menu_popup(window, items, {});
             xvt_win_accept_drops(window, true);
             xvt_vobj_set_modified(window, true);
+            xvt_vobj_show_now(window);
             EXPECT_EQ(shown_popup(), "");
             EXPECT_TRUE(xvt_list_get_selected(window).empty());
             EXPECT_EQ(xvt_list_get_focus_index(window), -1);

@@ -86,8 +86,8 @@ protected:
         update();
     }
     static void update() { xvt_win_dispatch_event(window(), Event{ClipboardEvent{}}); }
-    static std::string status() {
-        return xvt_vobj_get_title(xvt_win_get_ctl(window(), k_project_status)).c_str();
+    static std::string status(Window of = window()) {
+        return xvt_vobj_get_title(xvt_win_get_ctl(of, k_project_status)).c_str();
     }
     static void command(int tag) {
         xvt_win_dispatch_event(window(), Event{CommandEvent{tag}});
@@ -302,9 +302,14 @@ TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
         std::filesystem::remove("y.vhd");
         ASSERT_TRUE(open_project_in(directory_.path("other"), "b.bpr"));
         process_events();
-        user_.expect_error("Error copying '*/y.vhd' to '*/other/y.vhd'.");
-        EXPECT_TRUE(choose_item(1056));
         const Window other = window_of_project(1);
+        user_.expect(QuestionKind::error, "Error copying '*/y.vhd' to '*/other/y.vhd'.",
+                     [&](const Question& question) {
+                         EXPECT_EQ(status(other), "Copying '" + directory_.path("y.vhd") + "'");
+                         return closed_answer(question);
+                     });
+        EXPECT_TRUE(choose_item(1056));
+        EXPECT_EQ(status(other), "Top design: <none>\tDevice: ");
         EXPECT_EQ(xvt_list_count(project_list(other)), 2);
         EXPECT_EQ(directory_.read("other/x.vhd"), "x");
         // Another program's data under the format's name.

@@ -217,6 +217,11 @@ void xvt_vobj_move(Window window, const Rect& rect) {
         record->widget->setGeometry(to_qrect(rect));
 }
 
+void xvt_vobj_show_now(Window window) {
+    if (const WindowRecord* record = find_window(window); record != nullptr && record->widget)
+        record->widget->repaint();
+}
+
 String xvt_vobj_get_title(Window window) {
     const WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
