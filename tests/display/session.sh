@@ -37,7 +37,8 @@ export VELMORA_DIR=$tree XDG_CONFIG_HOME=$scratch/state XDG_RUNTIME_DIR=$scratch
 export HOME=$scratch/home
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM QT_SCALE_FACTOR
 exec 3<>"$scratch/display"
-Xvfb -displayfd 3 -screen 0 1280x900x24 >"$scratch/xvfb.log" 2>&1 &
+# A key that a busy machine releases late must not repeat.
+Xvfb -displayfd 3 -screen 0 1280x900x24 -r >"$scratch/xvfb.log" 2>&1 &
 pids+=($!)
 within 20 test -s "$scratch/display" || fail "there is no display"
 DISPLAY=:$(cat "$scratch/display")
@@ -57,18 +58,30 @@ is_in_front() {
 in_front() {
     within 30 is_in_front "$1" || fail "in front is not '$1' but '$(xdotool getactivewindow getwindowname)'"
 }
-# press KEYS: where the focus is.
+# press KEYS: where the focus is. The question at the end is answered once the keys are released.
 press() {
-    xdotool key --clearmodifiers --delay 60 "$@"
+    xdotool key --delay 60 "$@" get_desktop >"$scratch/desktop"
     sleep 0.3
+}
+# One more than the program's own, which no tip may be: the pointer rests where none comes.
+has_menu() {
+    (($(xdotool search --onlyvisible --class pellux | wc -l) > 1))
+}
+# choose MENU ITEM: by their keys.
+choose() {
+    press "$1"
+    within 20 has_menu || fail "$1 opens no menu"
+    press "$2"
+}
+take_window() {
+    window=$(find_window '^Pellux$')
 }
 # start DIRECTORY COMMAND...: the program, its window in $window.
 start() {
     (cd "$1" && exec "${@:2}") >"$scratch/pellux.log" 2>&1 &
     program=$!
     pids+=($program)
-    within 30 find_window '^Pellux$' || fail "the program shows no window"
-    window=$(find_window '^Pellux$')
+    within 30 take_window || fail "the program shows no window"
 }
 is_home() {
     [[ $(xdotool getactivewindow) == "$window" ]]
