@@ -191,6 +191,16 @@ TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
             press_key(key);
             EXPECT_EQ(files.take(), told) << key;
         }
+        // Keys that go nowhere select where they stand.
+        for (const auto& [key, entry] :
+             {std::pair{"Home", 0}, {"Up", 0}, {"End", 4}, {"Down", 4}}) {
+            xvt_list_set_focus_index(files.control, entry);
+            for (const Vector<int>& before : {Vector<int>{}, Vector<int>{0, 1, 4}}) {
+                xvt_list_set_selected(files.control, before);
+                press_key(key);
+                EXPECT_EQ(xvt_list_get_selected(files.control), (Vector<int>{entry})) << key;
+            }
+        }
         const int several[] = {2, 3, 4};
         xvt_list_set_selected(files.control, several);
         right_click(files.control, at);

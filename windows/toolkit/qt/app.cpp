@@ -20,12 +20,15 @@
 
 #include <clocale>
 #include <memory>
+#include <utility>
 
 namespace pellux {
 namespace {
 
 struct AppState {
-    std::unique_ptr<QApplication> application;
+    /// Ours until `xvt_app_end`. When the display is gone Qt calls exit() from inside the loop, and
+    /// nothing may end the application under it then.
+    QApplication* application = nullptr;
     bool is_quit_allowed = false;
     bool is_running = false; ///< the desktop's loop is
 };
@@ -42,14 +45,14 @@ QIcon program_icon(int mark) {
 } // namespace
 
 void xvt_app_start(int& argument_count, char** arguments) {
-    app.application = std::make_unique<QApplication>(argument_count, arguments);
+    app.application = new QApplication(argument_count, arguments);
     // Numbers in our files and messages have a point, whatever the user's language.
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);
     apply_theme();
     install_qt_loop();
     install_ask(qt_ask());
-    QObject::connect(app.application.get(), &QGuiApplication::commitDataRequest,
+    QObject::connect(app.application, &QGuiApplication::commitDataRequest,
                      [](QSessionManager& session) {
                          if (!session_may_end())
                              session.cancel();
@@ -59,7 +62,7 @@ void xvt_app_start(int& argument_count, char** arguments) {
 void xvt_app_end() {
     install_ask({});
     remove_qt_loop();
-    app.application.reset();
+    delete std::exchange(app.application, nullptr);
 }
 
 int xvt_app_create(const AppConfig& config, EventHandler task_handler) {

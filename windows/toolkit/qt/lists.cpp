@@ -12,6 +12,8 @@
 #include <QLineEdit>
 #include <QScrollBar>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace pellux {
@@ -35,13 +37,24 @@ protected:
         }
         const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         const bool chooses = is_enter && currentIndex().isValid();
+        const QModelIndex before = currentIndex();
         QListView::keyPressEvent(event);
+        if (moves(*event) && before.isValid() && currentIndex() == before)
+            selectionModel()->select(before, QItemSelectionModel::ClearAndSelect);
         // What chose an entry is used up.
         if (chooses)
             event->accept();
     }
 
 private:
+    /// A key that selects one entry, which may be the one that the keyboard stands on already.
+    static bool moves(const QKeyEvent& event) {
+        constexpr std::array k_keys{Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                                    Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+        return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier &&
+               std::ranges::find(k_keys, event.key()) != k_keys.end();
+    }
+
     void ask_parent_for_menu() const {
         const WindowRecord* record = find_window(window_);
         const WindowRecord* around = record == nullptr ? nullptr : find_window(record->parent);

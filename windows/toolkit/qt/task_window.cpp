@@ -141,9 +141,13 @@ DocumentFrame::DocumentFrame(QWidget* parent, Window window)
     : QMdiSubWindow(parent), window_(window) {
     // The rest of its keys would take those of the windows' own menus away.
     const QKeySequence close(Qt::CTRL | Qt::Key_F4);
-    for (QAction* action : systemMenu()->actions())
+    for (QAction* action : systemMenu()->actions()) {
         action->setShortcuts(action->shortcuts().contains(close) ? QList{close}
                                                                  : QList<QKeySequence>());
+        // "Stay on Top", which is not remembered.
+        if (action->isCheckable())
+            action->setVisible(false);
+    }
 }
 
 void DocumentFrame::closeEvent(QCloseEvent* event) {
