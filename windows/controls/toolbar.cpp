@@ -200,7 +200,9 @@ bool add_entry(Window window, const ToolbarItem& item, Make make) {
         report_control_error(view(format_text("Toolbar given an illegal control type=%d", code)));
         return false;
     }
-    const ToolbarMeasures measures{bar->width, bar->height, character_width(window)};
+    // The font is not loaded for pictures alone.
+    const int of_text = shows_text(item.type) ? character_width(window) : 0;
+    const ToolbarMeasures measures{bar->width, bar->height, of_text};
     const ToolbarPlace place = place_item(item, bar->settings, measures, bar->next_position);
     ToolbarEntry entry{item.id, Window::none, item.type, place.rect};
     const bool has_room = bar->entries.size() < k_toolbar_controls_max;

@@ -74,6 +74,10 @@ int vertical_width(const ToolbarItem& item, const ToolbarSettings& settings,
 
 } // namespace
 
+bool shows_text(ToolbarPart type) {
+    return type == ToolbarPart::button || type == ToolbarPart::toggle_text || is_list(type);
+}
+
 int first_position(const ToolbarSettings& settings) {
     return settings.is_vertical ? settings.top_start : settings.left_start;
 }

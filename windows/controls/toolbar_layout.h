@@ -9,8 +9,9 @@ namespace pellux {
 struct ToolbarMeasures {
     int width = 0; ///< of the bar
     int height = 0;
-    int character_width = 0; ///< of its font
+    int character_width = 0; ///< of its font; for an item that shows text
 };
+[[nodiscard]] bool shows_text(ToolbarPart type);
 
 struct ToolbarPlace {
     Rect rect;     ///< of a list control with the room that its opened list takes

@@ -24,6 +24,8 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include <array>
+
 namespace pellux {
 namespace {
 
@@ -32,6 +34,7 @@ constexpr int k_height_px = 640;
 constexpr int k_list_width_px = 260;
 constexpr int k_results_max = 200;
 constexpr int k_home_topic = 1;
+constexpr std::array k_looks{ImageLook::normal, ImageLook::disabled};
 constexpr int k_icon_px = 20;
 constexpr int k_margin_px = 4;
 
@@ -254,7 +257,8 @@ void HelpWindow::make_actions() {
 
 void HelpWindow::show_icons() {
     for (QAction* action : bar_->actions())
-        action->setIcon(picture_icon(action->data().toInt(), k_icon_px, devicePixelRatioF()));
+        action->setIcon(
+            picture_icon(action->data().toInt(), k_icon_px, devicePixelRatioF(), k_looks));
 }
 
 void HelpWindow::changeEvent(QEvent* event) {

@@ -8,6 +8,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace pellux {
@@ -56,7 +57,9 @@ protected:
         const int side = option->widget->fontMetrics().height();
         option->features |= QStyleOptionViewItem::HasDecoration;
         option->decorationSize = QSize(side, side);
-        option->icon = picture_icon(image, side, option->widget->devicePixelRatioF());
+        const std::array looks{option->state.testFlag(QStyle::State_Selected) ? ImageLook::selected
+                                                                              : ImageLook::normal};
+        option->icon = picture_icon(image, side, option->widget->devicePixelRatioF(), looks);
     }
 };
 

@@ -12,10 +12,8 @@
 #include <QSvgRenderer>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string>
-#include <utility>
 
 namespace pellux {
 namespace {
@@ -154,6 +152,18 @@ QPixmap make_pixmap(int number, int side, ImageLook look) {
     return QPixmap::fromImage(image);
 }
 
+QIcon::Mode mode_of(ImageLook look) {
+    switch (look) {
+    case ImageLook::normal:
+        return QIcon::Normal;
+    case ImageLook::disabled:
+        return QIcon::Disabled;
+    case ImageLook::selected:
+        return QIcon::Selected;
+    }
+    return QIcon::Normal;
+}
+
 } // namespace
 
 QPixmap picture(int number, int device_px, ImageLook look) {
@@ -176,20 +186,15 @@ QPixmap picture(int number, int device_px, ImageLook look) {
     return made;
 }
 
-QIcon picture_icon(int number, int logical_px, double ratio) {
+QIcon picture_icon(int number, int logical_px, double ratio, std::span<const ImageLook> looks) {
     const int side = static_cast<int>(std::lround(std::max(1, logical_px) * ratio));
-    constexpr std::array k_modes{
-        std::pair{ImageLook::normal, QIcon::Normal},
-        std::pair{ImageLook::disabled, QIcon::Disabled},
-        std::pair{ImageLook::selected, QIcon::Selected},
-    };
     QIcon icon;
-    for (const auto& [look, mode] : k_modes) {
+    for (const ImageLook look : looks) {
         QPixmap pixmap = picture(number, side, look);
         if (pixmap.isNull())
             break;
         pixmap.setDevicePixelRatio(ratio);
-        icon.addPixmap(pixmap, mode);
+        icon.addPixmap(pixmap, mode_of(look));
     }
     return icon;
 }
