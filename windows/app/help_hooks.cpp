@@ -29,7 +29,7 @@ bool simple_hook(void* context, Window window, const Event& event) {
     auto& hooks = from_context<HelpHooks>(context);
     if (!std::exchange(hooks.is_tried, true) && hooks.file == HelpFile::none)
         if (const char* directory = environment_variable("HELP"))
-            take_file(hooks, xvt_help_open_helpfile(directory, k_name));
+            take_file(hooks, xvt_help_open_helpfile(directory, k_name, HelpCheck::when_shown));
     const auto* help = event.get<HelpEvent>();
     if (hooks.file == HelpFile::none || (help != nullptr && help->topic != 0))
         return false;

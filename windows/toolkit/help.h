@@ -11,8 +11,14 @@ namespace pellux {
 /// A help file that is open; number 0 is none.
 enum class HelpFile : std::uint64_t { none = 0 };
 
+/// When a help file's tables are looked at, which takes a moment.
+enum class HelpCheck {
+    at_once,
+    when_shown, ///< at first only its head and size are; a bad one then shows nothing
+};
 /// Opens `directory`/`name`.hlp. None when it is missing or no help file.
-[[nodiscard]] HelpFile xvt_help_open_helpfile(std::string_view directory, std::string_view name);
+[[nodiscard]] HelpFile xvt_help_open_helpfile(std::string_view directory, std::string_view name,
+                                              HelpCheck check = HelpCheck::at_once);
 void xvt_help_close_helpfile(HelpFile file);
 /// Answers a help event by showing the page of what it is about, else the contents. False for all
 /// other events and without a file.

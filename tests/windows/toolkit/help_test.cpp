@@ -133,6 +133,9 @@ struct ScopedTemporaries {
 void expect_refused(const std::string& directory, const std::string& what) {
     EXPECT_EQ(xvt_help_open_helpfile(directory, "book"), HelpFile::none) << what;
     EXPECT_FALSE(xvt_help_show_contents(directory + "/book.hlp")) << what;
+    const HelpFile later = xvt_help_open_helpfile(directory, "book", HelpCheck::when_shown);
+    EXPECT_FALSE(xvt_help_process_event(later, Window::none, Event{HelpEvent{.topic = 1}})) << what;
+    xvt_help_close_helpfile(later);
 }
 
 TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {

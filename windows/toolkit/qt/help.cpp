@@ -95,12 +95,13 @@ int topic_of(const OpenHelpFile& file, Window window, const HelpEvent& event) {
 
 } // namespace
 
-HelpFile xvt_help_open_helpfile(std::string_view directory, std::string_view name) {
+HelpFile xvt_help_open_helpfile(std::string_view directory, std::string_view name,
+                                HelpCheck check) {
     PathBuffer path;
     if (!path.assign(directory) || !path.join(name) || !path.append(".hlp"))
         return HelpFile::none;
     const QString whole = whole_path(to_qstring(path.view()));
-    if (!is_help_file(whole))
+    if (!(check == HelpCheck::at_once ? is_help_file(whole) : is_whole_database(whole)))
         return HelpFile::none;
     HelpSystem& system = help_system();
     system.files.emplace(++system.last_number, OpenHelpFile{whole, {}});

@@ -22,6 +22,24 @@ constexpr std::size_t k_page_size_at = 16;        ///< 2 bytes; 1 stands for 655
 constexpr std::size_t k_versions_at = 18;         ///< of writing and of reading, a byte each
 constexpr std::size_t k_page_count_at = 28;       ///< 4 bytes
 
+QString first_value(const QSqlDatabase& database, const char* question) {
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    return query.exec(QLatin1String(question)) && query.next() ? query.value(0).toString()
+                                                               : QString();
+}
+
+/// Views, triggers and virtual tables would run what the file says; no help file has them.
+constexpr const char* k_foreign_parts =
+    "SELECT count(*) FROM sqlite_master "
+    "WHERE type NOT IN ('table', 'index') OR sql LIKE 'CREATE VIRTUAL%'";
+constexpr const char* k_own_tables =
+    "SELECT count(*) FROM sqlite_master WHERE name IN "
+    "('NamespaceTable', 'FolderTable', 'FileNameTable', 'FileDataTable', 'ContentsTable', "
+    "'IndexTable')";
+
+} // namespace
+
 /// A file that is as long as its head says. One in the journal mode that needs files beside it even
 /// for reading is refused, since those would stay.
 bool is_whole_database(const QString& path) {
@@ -47,24 +65,6 @@ bool is_whole_database(const QString& path) {
     return number(k_versions_at, 2) == 0x0101 &&
            number(k_page_count_at, 4) * page_size == stat.size;
 }
-
-QString first_value(const QSqlDatabase& database, const char* question) {
-    QSqlQuery query(database);
-    query.setForwardOnly(true);
-    return query.exec(QLatin1String(question)) && query.next() ? query.value(0).toString()
-                                                               : QString();
-}
-
-/// Views, triggers and virtual tables would run what the file says; no help file has them.
-constexpr const char* k_foreign_parts =
-    "SELECT count(*) FROM sqlite_master "
-    "WHERE type NOT IN ('table', 'index') OR sql LIKE 'CREATE VIRTUAL%'";
-constexpr const char* k_own_tables =
-    "SELECT count(*) FROM sqlite_master WHERE name IN "
-    "('NamespaceTable', 'FolderTable', 'FileNameTable', 'FileDataTable', 'ContentsTable', "
-    "'IndexTable')";
-
-} // namespace
 
 bool is_help_file(const QString& path) {
     if (!is_whole_database(path))
