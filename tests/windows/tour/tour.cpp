@@ -174,6 +174,7 @@ void visit_project(Tour& tour) {
     const auto read = [&](ProjectCommand command, std::string_view words, std::string_view name) {
         xvt_win_dispatch_event(project, Event{CommandEvent{static_cast<int>(command)}});
         tour.keep(wait_for(words), name);
+        process_events();
         tour.picture(task, name);
     };
     read(ProjectCommand::report_file, "Started:", "report");
