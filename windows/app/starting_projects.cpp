@@ -29,11 +29,11 @@ Vector<String> list_project_files() {
     return names;
 }
 
-/// True when at least one was opened.
-bool open_all_projects() {
+/// True when at least one was opened. The user has heard already of one that was `tried`.
+bool open_all_projects(std::string_view tried) {
     bool any = false;
     for (const String& name : list_project_files())
-        any = open_project_here(view(name)) || any;
+        any = (name != tried && open_project_here(view(name))) || any;
     return any;
 }
 
@@ -54,7 +54,7 @@ void open_starting_projects(Shell& shell) {
     const bool is_here = is_there || own_directory.empty();
     if (!name.empty() && (is_here ? open_project_here(name) : open_project_in(own_directory, name)))
         return;
-    if (!open_all_projects())
+    if (!open_all_projects(is_here ? name : std::string_view()))
         ask_for_new_project();
 }
 
