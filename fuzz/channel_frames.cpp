@@ -4,6 +4,7 @@
 #include "core/os/channel.h"
 #include "core/os/linux/channel_place.h"
 #include "core/os/process.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,11 +19,6 @@
 namespace {
 
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 struct Told {
     FrameKind kind = FrameKind::connect;

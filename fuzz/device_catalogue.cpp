@@ -2,6 +2,7 @@
 #include "core/diagnostics/message.h"
 #include "core/os/process.h"
 #include "core/project/catalogue_file.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
 #include <span>
@@ -9,11 +10,6 @@
 namespace {
 
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
 
 void check(const CatalogueReader& reader, std::size_t size) {
     require(reader.level >= -1 && reader.level < static_cast<int>(k_catalogue_ranges_max));

@@ -3,6 +3,7 @@
 #include "core/diagnostics/message.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
 #include <span>
@@ -10,11 +11,6 @@
 namespace {
 
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
 
 /// The line ends of a text, one after the other.
 String line_ends(std::string_view text) {

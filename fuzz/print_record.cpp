@@ -1,17 +1,9 @@
 #include "windows/toolkit/print_record.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
 
-namespace {
-
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
-
-} // namespace
 
 /// Reads the input as a page set-up; what is read is written, and read again as the same.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,20 +1,12 @@
 #include "core/project/source_clipboard.h"
 
 #include "core/os/path.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
 
-namespace {
-
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
-
-} // namespace
 
 /// Reads the input as clipboard data, writes it again, and plans to paste it into a project whose
 /// directory is not there.

@@ -1,3 +1,4 @@
+#include "fuzz/require.h"
 #include "windows/controls/property_text.h"
 #include "windows/controls/toolbar_layout.h"
 
@@ -7,11 +8,6 @@
 namespace {
 
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
 
 Vector<String> split_lines(std::string_view text) {
     Vector<String> lines;

@@ -1,3 +1,4 @@
+#include "fuzz/require.h"
 #include "tools/driver/source_scan.h"
 #include "tools/driver/vhdl_lexer.h"
 #include "tools/driver/vhdl_tokens.h"
@@ -9,11 +10,6 @@
 namespace {
 
 using namespace pellux;
-
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
 
 /// A token that some text may hold as a word or an extended identifier.
 bool is_identifier(const String& token) {
