@@ -13,11 +13,6 @@
 namespace pellux {
 namespace {
 
-Project* project_of(Window window) {
-    OpenProject* open = find_open_project(window);
-    return open == nullptr ? nullptr : open->project.get();
-}
-
 std::optional<std::size_t> last_of(Selection selected) {
     return selected.empty() ? std::nullopt : std::optional(selected.back());
 }
@@ -59,7 +54,7 @@ void step(Window window, bool (*take)(SourceHistory&, Project&)) {
 
 template <typename Move>
 void move_files(Window window, Move move) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     const Vector<std::size_t> selected = selected_sources(window);
@@ -79,7 +74,7 @@ void note_list_change(Window window, SourceOrder before, Vector<Owned<VHDL_sourc
 }
 
 void remove_selected_files(Window window) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     const Vector<std::size_t> selected = selected_sources(window);
@@ -96,7 +91,7 @@ void remove_selected_files(Window window) {
 }
 
 void select_all_files(Window window) {
-    const Project* project = project_of(window);
+    const Project* project = find_project(window);
     if (project == nullptr)
         return;
     Vector<int> all;
@@ -114,7 +109,7 @@ void move_selected_files_down(Window window) {
 }
 
 void toggle_top_design(Window window) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     const Vector<std::size_t> selected = selected_sources(window);

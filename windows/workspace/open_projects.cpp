@@ -184,6 +184,11 @@ OpenProject* find_open_project(Window window) {
     return nullptr;
 }
 
+Project* find_project(Window window) {
+    OpenProject* open = find_open_project(window);
+    return open == nullptr ? nullptr : open->project.get();
+}
+
 OpenProject* find_open_project(std::string_view directory, std::string_view name) {
     for (const Owned<OpenProject>& open : g_workspace.projects)
         if (open->project->file_name.view() == name && view(open->project->directory) == directory)

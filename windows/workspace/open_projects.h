@@ -37,6 +37,7 @@ void start_workspace(const ShellHooks& shell);
 
 /// Null when it is no project's.
 [[nodiscard]] OpenProject* find_open_project(Window window);
+[[nodiscard]] Project* find_project(Window window);
 /// The open project of a file, or null.
 [[nodiscard]] OpenProject* find_open_project(std::string_view directory, std::string_view name);
 

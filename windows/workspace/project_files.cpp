@@ -21,11 +21,6 @@
 namespace pellux {
 namespace {
 
-Project* project_of(Window window) {
-    OpenProject* open = find_open_project(window);
-    return open == nullptr ? nullptr : open->project.get();
-}
-
 /// Why a file is not taken into the list.
 void tell_refusal(AddStatus status, const String& path) {
     switch (status) {
@@ -134,7 +129,7 @@ void paste_one(Window window, const Project& project, Adding& adding, const Past
 } // namespace
 
 void ask_for_vhdl_files(Window window) {
-    const Project* project = project_of(window);
+    const Project* project = find_project(window);
     if (project == nullptr || refuses_vhdl(*project))
         return;
     const String title = format_message(msg_choose_vhdl);
@@ -144,7 +139,7 @@ void ask_for_vhdl_files(Window window) {
     if (!xvt_dm_post_files_open(
             {.title = view(title), .directory = view(start), .extension = "vhd"}, directory, names))
         return;
-    Project* now = project_of(window);
+    Project* now = find_project(window);
     if (now == nullptr)
         return;
     Adding adding(window, *now);
@@ -154,7 +149,7 @@ void ask_for_vhdl_files(Window window) {
 }
 
 void add_all_vhdl_files(Window window) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr || refuses_vhdl(*project))
         return;
     Adding adding(window, *project);
@@ -163,7 +158,7 @@ void add_all_vhdl_files(Window window) {
 }
 
 void ask_for_pla_file(Window window) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     if (!may_add_pla(*project)) {
@@ -183,7 +178,7 @@ void ask_for_pla_file(Window window) {
         if (names.size() > 1)
             xvt_dm_post_note("%s", format_message(msg_one_pla).c_str());
     } while (names.size() > 1);
-    project = project_of(window);
+    project = find_project(window);
     if (project == nullptr)
         return;
     Adding adding(window, *project);
@@ -192,7 +187,7 @@ void ask_for_pla_file(Window window) {
 }
 
 void add_dropped_files(Window window, std::span<const String> paths) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     Adding adding(window, *project);
@@ -209,7 +204,7 @@ void add_dropped_files(Window window, std::span<const String> paths) {
 }
 
 bool copy_selected_files(Window window) {
-    const Project* project = project_of(window);
+    const Project* project = find_project(window);
     if (project == nullptr)
         return false;
     const Vector<std::size_t> selected = selected_sources(window);
@@ -227,7 +222,7 @@ void cut_selected_files(Window window) {
 }
 
 void paste_files(Window window) {
-    Project* project = project_of(window);
+    Project* project = find_project(window);
     if (project == nullptr)
         return;
     const auto bytes = xvt_cb_get(k_source_clipboard_format);
