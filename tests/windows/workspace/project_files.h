@@ -1,6 +1,8 @@
 #pragma once
 
+#include "core/diagnostics/reporter.h"
 #include "core/project/project_file.h"
+#include "windows/toolkit/message_box.h"
 #include "windows/workspace/open_projects.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +24,19 @@ inline void make_project_file(const std::string& directory, std::string_view nam
     stored.bottom = place.bottom, stored.right = place.right;
     EXPECT_FALSE(failed(write_project(project).error));
 }
+
+/// What the program reports comes as error boxes while one is alive.
+struct ReportsInBoxes {
+    ReportsInBoxes() {
+        reporter() = {};
+        reporter().output = [](void*, std::string_view text) {
+            xvt_dm_post_error("%s", std::string(text).c_str());
+        };
+    }
+    ~ReportsInBoxes() { reporter() = {}; }
+    ReportsInBoxes(const ReportsInBoxes&) = delete;
+    ReportsInBoxes& operator=(const ReportsInBoxes&) = delete;
+};
 
 /// The names of the open projects, in their order.
 inline std::string open_names() {

@@ -1,5 +1,4 @@
 #include "core/common/callback.h"
-#include "core/diagnostics/reporter.h"
 #include "core/os/loop.h"
 #include "tests/core/os/scoped_directory.h"
 #include "tests/core/os/temporary_directory.h"
@@ -11,7 +10,6 @@
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
-#include "windows/toolkit/message_box.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/changed_file.h"
@@ -37,12 +35,7 @@ protected:
     ProjectWindow() {
         register_controls();
         make_project_file(top_, "a.bpr");
-        reporter() = {};
-        reporter().output = [](void*, std::string_view text) {
-            xvt_dm_post_error("%s", std::string(text).c_str());
-        };
     }
-    ~ProjectWindow() override { reporter() = {}; }
     void run(const std::function<void()>& script) {
         const ShellHooks shell{
             .remember_placement = [](void*) {},
@@ -110,6 +103,7 @@ protected:
         return false;
     }
 
+    test::ReportsInBoxes reports_;
     test::TemporaryDirectory directory_;
     std::string top_ = directory_.path();
     test::TemporaryDirectory settings_;

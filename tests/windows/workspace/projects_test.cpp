@@ -1,12 +1,10 @@
 #include "core/common/callback.h"
-#include "core/diagnostics/reporter.h"
 #include "tests/core/os/scoped_directory.h"
 #include "tests/core/os/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
-#include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
 
@@ -27,17 +25,8 @@ constexpr const char* k_name = "Name new project.";
 /// The program around the windows as its projects see it, and the user in front of it.
 class ProjectWindows : public testing::Test {
 protected:
-    ProjectWindows() {
-        reporter() = {};
-        reporter().output = [](void*, std::string_view text) {
-            xvt_dm_post_error("%s", std::string(text).c_str());
-        };
-        make_project_file(top_, "a.bpr");
-    }
-    ~ProjectWindows() override {
-        set_file_fault_hook(nullptr, nullptr);
-        reporter() = {};
-    }
+    ProjectWindows() { make_project_file(top_, "a.bpr"); }
+    ~ProjectWindows() override { set_file_fault_hook(nullptr, nullptr); }
 
     void run(const std::function<void()>& script) {
         static constexpr auto say = [](void* self, const std::string& word) {
@@ -71,6 +60,7 @@ protected:
             user_.expect_ask(question, button);
     }
 
+    test::ReportsInBoxes reports_;
     test::TemporaryDirectory directory_;
     std::string top_ = directory_.path();
     test::ScopedDirectory here_{top_};
