@@ -1,7 +1,7 @@
 // What a source of 10 MB may refer to, against looking for the ends of its lines.
 
 #include "bench/ratio.h"
-#include "tools/driver/source_scan.h"
+#include "core/vhdl/source_scan.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,13 +1,17 @@
 # One folder = one library target + one test program that links only what the folder may include.
 # Folders are named from the root, wherever the call stands.
 
-# pellux_library(core/os USES target...)
-# The sources are the folder's own *.cpp and those of its folder for the platform.
+# pellux_library(core/os USES target... ROOMS room...)
+# The sources are the folder's own *.cpp, those of its folder for the platform, and those of its rooms.
 function(pellux_library folder)
-    cmake_parse_arguments(arg "" "" "USES;PRIVATE_USES" ${ARGN})
+    cmake_parse_arguments(arg "" "" "USES;PRIVATE_USES;ROOMS" ${ARGN})
     string(REPLACE "/" "_" name ${folder})
     set(place ${CMAKE_SOURCE_DIR}/${folder})
-    file(GLOB sources CONFIGURE_DEPENDS ${place}/*.cpp ${place}/linux/*.cpp ${place}/*.h)
+    set(patterns)
+    foreach(part . linux ${arg_ROOMS})
+        list(APPEND patterns ${place}/${part}/*.cpp ${place}/${part}/*.h)
+    endforeach()
+    file(GLOB sources CONFIGURE_DEPENDS ${patterns})
     add_library(pellux_${name} STATIC ${sources})
     target_include_directories(pellux_${name} PUBLIC ${CMAKE_SOURCE_DIR})
     target_link_libraries(pellux_${name} PUBLIC pellux_options ${arg_USES} PRIVATE ${arg_PRIVATE_USES})

@@ -1,8 +1,8 @@
 // Bytes as a child sends them to the environment, and as the environment sends them to a child:
 // whole, in pieces, and through a live server.
 
-#include "core/os/channel.h"
-#include "core/os/linux/channel_place.h"
+#include "core/channel/channel.h"
+#include "core/channel/linux/channel_place.h"
 #include "core/os/process.h"
 #include "fuzz/require.h"
 

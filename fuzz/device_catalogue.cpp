@@ -1,7 +1,7 @@
 #include "core/common/blanks.h"
+#include "core/devices/catalogue_file.h"
 #include "core/diagnostics/message.h"
 #include "core/os/process.h"
-#include "core/project/catalogue_file.h"
 #include "fuzz/require.h"
 
 #include <cstdint>

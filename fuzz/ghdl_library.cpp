@@ -1,4 +1,4 @@
-#include "tools/driver/ghdl_library.h"
+#include "tools/driver/ghdl/ghdl_library.h"
 
 #include <cstdint>
 

@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(steps.size() == clipboard.names.size());
     for (const PasteStep& step : steps) {
         require(!step.copies || directory_part(view(step.to)) == view(project.directory));
-        const bool copies = step.copies && judge_source(project, view(step.to)) == AddStatus::added;
+        const bool copies = step.copies && check_source(project, view(step.to)) == AddStatus::added;
         const AddResult result = add_source(project, index, view(step.to));
         const bool is_listed =
             result.status == AddStatus::added || result.status == AddStatus::already_listed;

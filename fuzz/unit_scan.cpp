@@ -1,7 +1,7 @@
+#include "core/vhdl/source_scan.h"
+#include "core/vhdl/vhdl_lexer.h"
+#include "core/vhdl/vhdl_tokens.h"
 #include "fuzz/require.h"
-#include "tools/driver/source_scan.h"
-#include "tools/driver/vhdl_lexer.h"
-#include "tools/driver/vhdl_tokens.h"
 
 #include <algorithm>
 #include <cstdint>

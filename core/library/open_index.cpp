@@ -47,7 +47,7 @@ int connect(Database& database, const PathBuffer& path, int flags, int wait_ms) 
 /// Bytes of the file's head that SQLite does not judge as we need it. They are looked at before
 /// SQLite does: a database with a write-ahead log would make it create files. Reading them by a
 /// handle of our own would end the locks that this process has on the file.
-IndexStatus judge_head(LibraryIndex& index) {
+IndexStatus check_head(LibraryIndex& index) {
     sqlite3_file* file = nullptr;
     std::array<unsigned char, 100> head{};
     int code = sqlite3_file_control(index.database.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
@@ -158,7 +158,7 @@ IndexStatus open_file_at(LibraryIndex& index, const PathBuffer& path, IndexMode 
     if (mode != IndexMode::read && sqlite3_db_readonly(index.database.get(), "main") != 0)
         return fail(index, SQLITE_PERM);
     if (!is_new) {
-        const IndexStatus head = judge_head(index);
+        const IndexStatus head = check_head(index);
         if (head != IndexStatus::opened)
             return head;
     }

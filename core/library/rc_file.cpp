@@ -1,7 +1,7 @@
 #include "core/library/rc_file.h"
 
+#include "core/common/ascii_case.h"
 #include "core/common/callback.h"
-#include "core/library/ascii_case.h"
 
 #include <algorithm>
 

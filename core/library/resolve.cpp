@@ -1,7 +1,7 @@
 #include "core/library/resolve.h"
 
+#include "core/common/ascii_case.h"
 #include "core/common/callback.h"
-#include "core/library/ascii_case.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
 
@@ -73,7 +73,7 @@ LibraryDirectory resolve_library(const RcFile& file, std::string_view name) {
         directory.path = installed.view();
         directory.rule = LibraryRule::installed;
     } else {
-        directory.path = with_each(ascii_lower, name);
+        directory.path = lower_case(name);
     }
     return directory;
 }

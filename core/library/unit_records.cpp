@@ -1,6 +1,6 @@
 #include "core/library/unit_records.h"
 
-#include "core/library/ascii_case.h"
+#include "core/common/ascii_case.h"
 
 namespace pellux {
 namespace {
@@ -112,8 +112,7 @@ bool remove_source(LibraryIndex& index, std::string_view file) {
     // No record is of a file that cannot be recorded; parts of others' could be taken for its own.
     if (!can_be_recorded(file))
         return true;
-    const String names[] = {String(file), with_each(ascii_upper, file),
-                            with_each(ascii_lower, file)};
+    const String names[] = {String(file), upper_case(file), lower_case(file)};
     bool succeeded = true;
     for (const String& name : names)
         succeeded &= remove_ties(index, name);

@@ -1,5 +1,7 @@
 #include "core/os/path.h"
 
+#include "core/os/ascii.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -76,9 +78,7 @@ std::string_view extension_part(std::string_view path) {
 }
 
 bool has_extension(std::string_view path, std::string_view extension) {
-    const std::string_view own = extension_part(path);
-    return std::equal(own.begin(), own.end(), extension.begin(), extension.end(),
-                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a | 0x20 : a) == b; });
+    return same_ignoring_case(extension_part(path), extension);
 }
 
 std::string_view shortened_name(std::string_view name, std::size_t bytes) {

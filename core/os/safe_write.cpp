@@ -11,7 +11,7 @@ namespace {
 
 /// Takes the safe copy of `writer.file`, the target opened for writing.
 SystemError begin_in_place(SafeWriter& writer) {
-    writer.road = SafeWriter::Road::in_place;
+    writer.method = SafeWriter::Method::in_place;
     writer.written = 0;
     FileStat stat;
     SystemError error = lock_file(writer.file, FileLock::exclusive);
@@ -32,7 +32,7 @@ SystemError begin_existing(SafeWriter& writer) {
     if (failed(error))
         return error;
     if (stat.links <= 1) {
-        writer.road = SafeWriter::Road::rename;
+        writer.method = SafeWriter::Method::rename;
         // Nobody else reads the new bytes before the old mode is known to stand.
         error = create_temporary(writer.target.view(), 0600, writer.file, writer.temporary);
         if (!is_denied(error))
@@ -43,7 +43,7 @@ SystemError begin_existing(SafeWriter& writer) {
 }
 
 SystemError put(SafeWriter& writer, std::span<const std::byte> bytes) {
-    if (writer.road == SafeWriter::Road::in_place)
+    if (writer.method == SafeWriter::Method::in_place)
         writer.target_touched = true;
     const SystemError error = write_at(writer.file, writer.written, bytes);
     writer.written += static_cast<std::int64_t>(bytes.size());
@@ -147,7 +147,7 @@ SafeWriter::~SafeWriter() {
 
 SystemError begin_safe_write(SafeWriter& writer, std::string_view path, std::uint32_t permissions) {
     abandon_safe_write(writer);
-    writer.road = SafeWriter::Road::none;
+    writer.method = SafeWriter::Method::none;
     writer.attributes_lost = false;
     writer.copy_path.clear();
     writer.written = 0;
@@ -157,7 +157,7 @@ SystemError begin_safe_write(SafeWriter& writer, std::string_view path, std::uin
     if (!failed(writer.error) && stat.kind == FileKind::regular) {
         writer.error = begin_existing(writer);
     } else if (!failed(writer.error)) {
-        writer.road = SafeWriter::Road::rename;
+        writer.method = SafeWriter::Method::rename;
         writer.error =
             create_temporary(writer.target.view(), permissions, writer.file, writer.temporary);
     }
@@ -180,8 +180,8 @@ SystemError commit_safe_write(SafeWriter& writer) {
     if (failed(writer.error))
         return writer.error;
     assert(writer.under_way);
-    writer.error = writer.road == SafeWriter::Road::rename ? commit_by_rename(writer)
-                                                           : commit_in_place(writer);
+    writer.error = writer.method == SafeWriter::Method::rename ? commit_by_rename(writer)
+                                                               : commit_in_place(writer);
     clean_up(writer);
     return writer.error;
 }

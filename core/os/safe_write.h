@@ -7,8 +7,8 @@ namespace pellux {
 /// Replaces the contents of one file so that whatever happens, power loss included, the file holds
 /// its old bytes or the new ones.
 ///
-/// The usual road writes a temporary file beside the target, flushes it, renames it over the target
-/// and flushes the directory; mode, owner, group and extended attributes go over, links are
+/// The usual method writes a temporary file beside the target, flushes it, renames it over the
+/// target and flushes the directory; mode, owner, group and extended attributes go over, links are
 /// followed to the file that they name. A target with several names, or in a directory where
 /// nothing can be created or replaced, is first copied and flushed (beside it or in the user's
 /// state directory), then written in place and its size checked; the copy goes when that has
@@ -26,22 +26,22 @@ namespace pellux {
 /// While a file is written in place it is locked, so that two programs never write into each other
 /// (`is_busy`).
 struct SafeWriter {
-    enum class Road { none, rename, in_place };
+    enum class Method { none, rename, in_place };
 
-    Road road = Road::none;
+    Method method = Method::none;
     SystemError error = SystemError::none; ///< the first failure; what follows it does nothing
     bool attributes_lost = false;          ///< owner, mode or attributes could not be kept
     PathBuffer target;                     ///< the file itself, all links followed, absolute
-    PathBuffer temporary;                  ///< on the road `rename`
-    PathBuffer copy_path;                  ///< on the road `in_place`
+    PathBuffer temporary;                  ///< of method `rename`
+    PathBuffer copy_path;                  ///< of method `in_place`
     File file;
 
     // The writer's own.
-    File original;               ///< on the road `rename`, null for a file that is new
+    File original;               ///< of method `rename`, null for a file that is new
     std::int64_t written = 0;    ///< bytes
-    std::int64_t old_size = 0;   ///< bytes, on the road `in_place`
+    std::int64_t old_size = 0;   ///< bytes, of method `in_place`
     bool under_way = false;      ///< begun, neither committed nor abandoned
-    bool target_touched = false; ///< on the road `in_place`: the old bytes may be gone from it
+    bool target_touched = false; ///< of method `in_place`: the old bytes may be gone from it
 
     SafeWriter() = default;
     SafeWriter(const SafeWriter&) = delete;
@@ -49,7 +49,7 @@ struct SafeWriter {
     ~SafeWriter(); ///< abandons what was not committed
 };
 
-/// Chooses the road and opens what is written. `permissions` are those of a file that is new.
+/// Chooses the method and opens what is written. `permissions` are those of a file that is new.
 [[nodiscard]] SystemError begin_safe_write(SafeWriter& writer, std::string_view path,
                                            std::uint32_t permissions = 0644);
 SystemError safe_append(SafeWriter& writer, std::span<const std::byte> bytes);

@@ -1,5 +1,6 @@
 #include "core/os/settings.h"
 
+#include "core/os/ascii.h"
 #include "core/os/environment.h"
 #include "core/os/safe_write.h"
 
@@ -87,16 +88,10 @@ bool next_line(std::string_view text, std::size_t& offset, Line& line) {
     return true;
 }
 
-bool same_name(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 /// The first line that sets `name`: it is the one that counts.
 bool find_line(std::string_view text, std::string_view name, Line& line) {
     for (std::size_t offset = 0; next_line(text, offset, line);)
-        if (!line.name.empty() && same_name(line.name, name))
+        if (!line.name.empty() && same_ignoring_case(line.name, name))
             return true;
     return false;
 }
@@ -166,7 +161,7 @@ void put_setting(Output& output, const Setting& setting, std::string_view ending
 const Setting* wanted(std::span<const Setting> settings, std::string_view name) {
     const Setting* found = nullptr;
     for (const Setting& setting : settings)
-        if (same_name(setting.name, name))
+        if (same_ignoring_case(setting.name, name))
             found = &setting;
     return found;
 }

@@ -1,9 +1,9 @@
 #include "core/project/compile_arguments.h"
 
+#include "core/common/installed_file.h"
 #include "core/common/lexical_path.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
-#include "core/project/installed_file.h"
 #include "core/project/messages.h"
 
 namespace pellux {

@@ -4,25 +4,11 @@
 
 namespace pellux {
 
-// What the catalogue alone has a text for says nothing without it but its number, and, where it has
-// one, its argument.
-inline Message<> msg_catalogue_no_index{"E1800", ""};
-inline Message<> msg_catalogue_listed_twice{"E1801", ""};
-inline Message<> msg_catalogue_missing{"E1803", ""};
-inline Message<> msg_catalogue_no_file{"E1804", "Could not find 'devices.dat'."};
-inline Message<const char*> msg_catalogue_long_line{"E1805", "%s"};
-inline Message<> msg_catalogue_no_block{"E1806", ""};
-inline Message<> msg_catalogue_no_block_end{"E1807", ""};
-inline Message<> msg_catalogue_no_comma{"E1808", ""};
-
 inline Message<const char*> msg_error_reading{"E1820", "Error reading '%s'."};
 inline Message<const char*, const char*> msg_version_not_supported{
     "E1821", "Project '%s' version '%s' is not supported."};
 inline Message<const char*> msg_cannot_find{"E1822", "Cannot find '%s'."};
 inline Message<const char*, const char*> msg_interrupted_copy{
     "E1823", "'%s' was not written to its end; its old contents lie in '%s'."};
-inline Message<> msg_catalogue_bad_entry{
-    "E1824", "An entry of the index of 'devices.dat' leads out of the file."};
-inline Message<> msg_catalogue_too_deep{"E1825", "The blocks of 'devices.dat' nest too deep."};
 
 } // namespace pellux

@@ -136,7 +136,7 @@ Vector<PasteStep> plan_paste(const Project& project, const SourceClipboard& clip
                               file_exists(view(step.to));
         if (step.to != step.from && !is_there) {
             step.to = absolute_path(view(directory), file_name_part(view(name)));
-            step.copies = judge_source(project, view(step.to)) == AddStatus::added &&
+            step.copies = check_source(project, view(step.to)) == AddStatus::added &&
                           !file_exists(view(step.to));
         }
         steps.push_back(std::move(step));

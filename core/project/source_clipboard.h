@@ -27,7 +27,7 @@ struct SourceClipboard {
                                          SourceClipboard& clipboard);
 
 /// What pasting one name takes: a copy or not, then `add_source` of `to`, whether or not the copy
-/// succeeded. After the steps before it `judge_source` may refuse `to`, which then is not copied.
+/// succeeded. After the steps before it `check_source` may refuse `to`, which then is not copied.
 struct PasteStep {
     bool copies = false;
     String from; ///< absolute

@@ -46,7 +46,7 @@ AddStatus judge(const Project& project, std::string_view path, String& place, St
 }
 
 /// May a file of that name stand beside those that are listed?
-AddStatus judge_company(const Project& project, std::string_view name) {
+AddStatus check_pla_rule(const Project& project, std::string_view name) {
     switch (kind_of_name(name)) {
     case SourceKind::vhdl:
         return may_add_vhdl(project) ? AddStatus::added : AddStatus::beside_pla;
@@ -67,11 +67,11 @@ SourceIndex index_sources(const Project& project) {
     return index;
 }
 
-AddStatus judge_source(const Project& project, std::string_view path) {
+AddStatus check_source(const Project& project, std::string_view path) {
     String place;
     String entry;
     const AddStatus status = judge(project, path, place, entry);
-    return status == AddStatus::added ? judge_company(project, view(entry)) : status;
+    return status == AddStatus::added ? check_pla_rule(project, view(entry)) : status;
 }
 
 AddResult add_source(Project& project, SourceIndex& index, std::string_view path) {
@@ -82,7 +82,7 @@ AddResult add_source(Project& project, SourceIndex& index, std::string_view path
     const auto [found, is_new] = index.by_path.try_emplace(place, project.sources.size());
     if (!is_new)
         return {AddStatus::already_listed, found->second};
-    if (const AddStatus status = judge_company(project, view(entry)); status != AddStatus::added) {
+    if (const AddStatus status = check_pla_rule(project, view(entry)); status != AddStatus::added) {
         index.by_path.erase(found);
         return {status};
     }

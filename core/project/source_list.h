@@ -47,7 +47,7 @@ struct SourceIndex {
 /// The same for one file, the list looked through once.
 [[nodiscard]] AddResult add_source(Project& project, std::string_view path);
 /// What adding it would answer, were it not listed yet.
-[[nodiscard]] AddStatus judge_source(const Project& project, std::string_view path);
+[[nodiscard]] AddStatus check_source(const Project& project, std::string_view path);
 
 /// The kind of a file, by its extension.
 [[nodiscard]] SourceKind kind_of_name(std::string_view name);

@@ -3,7 +3,7 @@
 
 #include "core/os/environment.h"
 #include "core/os/process.h"
-#include "tests/core/os/frames.h"
+#include "tests/support/frames.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 // A child with a role: os_child ROLE [ARGUMENT...]. See the table at the end.
 
-#include "core/os/channel.h"
+#include "core/channel/channel.h"
 #include "core/os/process.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 // A child of the spawner with a role: spawner_child -%bpipeN ROLE [ARGUMENT...] or @brix.rsp.
 
+#include "core/channel/channel.h"
 #include "core/launch/spawner.h"
-#include "core/os/channel.h"
 #include "core/os/process.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "tools/devices/catalogue_check.h"
 
 #include "core/common/blanks.h"
-#include "core/project/catalogue_file.h"
+#include "core/devices/catalogue_file.h"
 
 #include <algorithm>
 #include <charconv>

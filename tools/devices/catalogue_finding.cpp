@@ -1,7 +1,7 @@
 #include "tools/devices/catalogue_finding.h"
 
+#include "core/devices/catalogue_file.h"
 #include "core/diagnostics/reporter.h"
-#include "core/project/catalogue_file.h"
 #include "tools/devices/messages.h"
 
 namespace pellux {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/channel/channel.h"
 #include "core/common/containers.h"
-#include "core/os/channel.h"
 #include "tools/driver/exit_status.h"
 
 #include <cstddef>

@@ -3,10 +3,10 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
+#include "tools/driver/compile/options.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
-#include "tools/driver/options.h"
-#include "tools/driver/telling.h"
+#include "tools/driver/reporting.h"
 
 #include <span>
 
@@ -32,7 +32,7 @@ int run_tool(const char* name, std::span<char* const> words,
         return static_cast<int>(ExitStatus::arguments);
     }
     report_to(output);
-    const ExitStatus status = failure ? tell_failure(failure) : run(options, output);
+    const ExitStatus status = failure ? report_failure(failure) : run(options, output);
     finish_output(output, status);
     return static_cast<int>(status);
 }

@@ -1,6 +1,7 @@
 #include "windows/app/placement.h"
 
 #include "core/diagnostics/message.h"
+#include "core/os/ascii.h"
 #include "core/os/settings.h"
 #include "windows/controls/property_text.h"
 
@@ -31,11 +32,6 @@ bool take_coordinate(std::string_view& text, int& coordinate) {
     return true;
 }
 
-bool is_yes(std::string_view text) {
-    return std::equal(text.begin(), text.end(), k_yes.begin(), k_yes.end(),
-                      [](char a, char b) { return (a | 0x20) == (b | 0x20); });
-}
-
 Rect shrunk(const Rect& work) {
     const int rows = height(work) / k_border;
     const int columns = width(work) / k_border;
@@ -56,7 +52,7 @@ StoredPlacement read_placement() {
     StoredPlacement stored;
     std::array<char, k_value_max> buffer{};
     std::string_view value;
-    if (read_setting(k_maximized, buffer, value) && is_yes(value))
+    if (read_setting(k_maximized, buffer, value) && same_ignoring_case(value, k_yes))
         stored.is_maximized = true;
     else if (read_setting(k_position, buffer, value))
         stored.position = parse_position(value);

@@ -1,5 +1,7 @@
 #include "windows/app/start_options.h"
 
+#include "core/os/ascii.h"
+
 #include <string_view>
 
 namespace pellux {
@@ -10,7 +12,7 @@ StartOptions parse_start_options(std::span<const char* const> words) {
     for (const std::string_view word : words) {
         const bool is_own =
             word.size() > k_letter && (word[0] == '-' || word[0] == '/') && word[1] == '%';
-        const char letter = is_own ? static_cast<char>(word[k_letter] & ~0x20) : '\0';
+        const char letter = is_own ? ascii_upper(word[k_letter]) : '\0';
         if (letter == 'D')
             options.directory = word.substr(k_letter + 1);
         else if (letter == 'S')

@@ -1,7 +1,7 @@
 #include "windows/app/tools_menu.h"
 
+#include "core/devices/device_catalogue.h"
 #include "core/launch/spawner.h"
-#include "core/project/device_catalogue.h"
 #include "windows/app/messages.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/boxes.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/project/tool_lines.h"
+#include "core/devices/tool_lines.h"
 #include "windows/toolkit/event.h"
 
 namespace pellux {

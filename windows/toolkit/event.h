@@ -175,7 +175,7 @@ struct TimerEvent {
 struct ThemeEvent {
     static constexpr EventType type = EventType::theme;
 };
-/// The user wants a menu about what lies at a place: he pressed the right button there or, where
+/// The user wants a menu about what lies at a place: the right button was pressed there or, where
 /// the window had no use for it as a character, the Menu key or Shift+F10. A handler that has no
 /// menu answers 1, and it goes on to the window around.
 struct ContextMenuEvent {

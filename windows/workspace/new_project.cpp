@@ -1,5 +1,6 @@
 #include "windows/workspace/new_project.h"
 
+#include "core/os/ascii.h"
 #include "core/os/files.h"
 #include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
@@ -26,8 +27,7 @@ constexpr std::array k_dialogs{DialogResource{k_dialog, "New Project", k_rows, k
 
 /// Bytes beyond ASCII are letters here.
 bool is_letter(char c) {
-    const char folded = static_cast<char>(c | 0x20);
-    return (folded >= 'a' && folded <= 'z') || static_cast<unsigned char>(c) >= 0x80;
+    return is_ascii_letter(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
 String& value_of(Dialog& dialog, int row) {

@@ -118,7 +118,7 @@ bool refuses_vhdl(const Project& project) {
 
 /// One step of a paste; a failed copy is told, and the file is listed all the same.
 void paste_one(Window window, const Project& project, Adding& adding, const PasteStep& step) {
-    if (step.copies && judge_source(project, view(step.to)) == AddStatus::added) {
+    if (step.copies && check_source(project, view(step.to)) == AddStatus::added) {
         show_status_now(window, view(format_message(msg_copying, step.from.c_str())));
         if (failed(copy_source_file(view(step.from), view(step.to))))
             post_error(msg_cannot_copy, step.from.c_str(), step.to.c_str());

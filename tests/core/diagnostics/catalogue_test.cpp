@@ -4,8 +4,8 @@
 #include "core/diagnostics/messages.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
-#include "tests/core/diagnostics/captured_reports.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/captured_reports.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/messages.h"
-#include "tests/core/diagnostics/captured_reports.h"
-#include "tests/core/os/scoped_directory.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/captured_reports.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include "core/common/callback.h"
 #include "core/launch/spawner.h"
 #include "core/os/clock.h"
-#include "tests/core/os/frames.h"
-#include "tests/core/os/running.h"
-#include "tests/core/os/scoped_directory.h"
+#include "tests/support/frames.h"
+#include "tests/support/running.h"
+#include "tests/support/scoped_directory.h"
 
 #include <gtest/gtest.h>
 

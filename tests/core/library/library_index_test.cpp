@@ -1,7 +1,8 @@
 #include "core/library/library_index.h"
 
 #include "core/os/files.h"
-#include "tests/core/library/scratch.h"
+#include "tests/core/library/index_contents.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 

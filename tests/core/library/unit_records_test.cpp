@@ -1,6 +1,7 @@
 #include "core/library/unit_records.h"
 
-#include "tests/core/library/scratch.h"
+#include "tests/core/library/index_contents.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include "core/diagnostics/reporter.h"
 #include "core/objects/object_reader.h"
 #include "core/objects/object_writer.h"
-#include "tests/core/diagnostics/captured_reports.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/captured_reports.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

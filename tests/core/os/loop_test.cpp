@@ -1,5 +1,4 @@
-#include "tests/core/os/frames.h"
-#include "tests/core/os/running.h"
+#include "tests/support/running.h"
 
 #include <gtest/gtest.h>
 
@@ -63,7 +62,9 @@ struct WatchedPipe : Pipe {
         watch_descriptor(watch);
     }
     ~WatchedPipe() { unwatch_descriptor(watch); }
-    void fill() const { EXPECT_FALSE(failed(write_handle(write_end.get(), bytes("x\n")))); }
+    void fill() const {
+        EXPECT_FALSE(failed(write_handle(write_end.get(), std::as_bytes(std::span("x\n", 2)))));
+    }
     void empty() const { EXPECT_EQ(read('\n'), "x"); }
 };
 

@@ -1,5 +1,5 @@
-#include "tests/core/os/running.h"
-#include "tests/core/os/scoped_directory.h"
+#include "tests/support/running.h"
+#include "tests/support/scoped_directory.h"
 
 #include <gtest/gtest.h>
 

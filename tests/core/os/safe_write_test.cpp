@@ -1,7 +1,7 @@
 #include "core/os/safe_write.h"
 
-#include "tests/core/os/scoped_directory.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
@@ -136,7 +136,7 @@ protected:
             const bool in_attributes = fired_operation_ == FileOperation::attributes;
             EXPECT_TRUE(in_attributes || fired_operation_ == FileOperation::stat);
             EXPECT_EQ(writer.attributes_lost,
-                      in_attributes && writer.road == SafeWriter::Road::rename);
+                      in_attributes && writer.method == SafeWriter::Method::rename);
         }
     }
 

@@ -1,7 +1,7 @@
 #include "core/os/settings.h"
 
 #include "core/os/files.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,9 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
-#include "tests/core/diagnostics/captured_reports.h"
-#include "tests/core/os/scoped_directory.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/captured_reports.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "core/project/directives.h"
 
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

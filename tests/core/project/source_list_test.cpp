@@ -6,8 +6,8 @@
 #include "core/project/project_state.h"
 #include "core/project/source_clipboard.h"
 #include "core/project/source_history.h"
-#include "tests/core/os/rounds.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/rounds.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

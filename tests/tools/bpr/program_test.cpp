@@ -1,7 +1,7 @@
 // The program as its users run it: real project files, the real compiler driver, real GHDL.
 
-#include "tests/core/os/scoped_directory.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/reporter.h"
-#include "tests/core/diagnostics/captured_reports.h"
+#include "tests/support/captured_reports.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/core/diagnostics/captured_reports.h"
+#include "tests/support/captured_reports.h"
 #include "tools/devices/catalogue_check.h"
 #include "tools/devices/catalogue_source.h"
 

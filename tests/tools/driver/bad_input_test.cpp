@@ -1,6 +1,6 @@
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/run_brix.h"
-#include "tests/tools/driver/scratch.h"
-#include "tools/driver/library_lock.h"
+#include "tools/driver/libraries/library_lock.h"
 
 #include <sstream>
 

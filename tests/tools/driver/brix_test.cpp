@@ -1,7 +1,7 @@
 #include "core/os/loop.h"
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/environment.h"
 #include "tests/tools/driver/run_brix.h"
-#include "tests/tools/driver/scratch.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "core/os/loop.h"
 #include "core/project/project_file.h"
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/environment.h"
-#include "tests/tools/driver/scratch.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/library/library_index.h"
-#include "tests/core/os/scoped_directory.h"
+#include "tests/support/scoped_directory.h"
 #include "tests/tools/driver/run_brix.h"
-#include "tools/driver/ghdl_library.h"
+#include "tools/driver/ghdl/ghdl_library.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/os/channel.h"
+#include "core/channel/channel.h"
 #include "core/os/loop.h"
 #include "tests/tools/driver/run_brix.h"
 

@@ -1,8 +1,9 @@
+#include "core/common/ascii_case.h"
 #include "core/diagnostics/message.h"
-#include "tests/core/os/rounds.h"
+#include "tests/support/rounds.h"
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/compiled_tree.h"
-#include "tests/tools/driver/scratch.h"
-#include "tools/driver/library_name.h"
+#include "tools/driver/libraries/library_name.h"
 
 #include <algorithm>
 #include <array>

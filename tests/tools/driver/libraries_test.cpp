@@ -1,7 +1,7 @@
-#include "tools/driver/local_libraries.h"
+#include "tools/driver/libraries/local_libraries.h"
 
 #include "core/os/files.h"
-#include "tests/tools/driver/scratch.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 

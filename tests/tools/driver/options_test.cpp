@@ -1,4 +1,4 @@
-#include "tools/driver/options.h"
+#include "tools/driver/compile/options.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/driver/plan.h"
+#include "tools/driver/compile/plan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/run_brix.h"
-#include "tests/tools/driver/scratch.h"
 
 namespace pellux {
 namespace {

@@ -1,7 +1,7 @@
-#include "tests/core/os/rounds.h"
+#include "tests/support/rounds.h"
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/compiled_tree.h"
 #include "tests/tools/driver/generated_design.h"
-#include "tests/tools/driver/scratch.h"
 
 namespace pellux {
 namespace {

@@ -1,5 +1,5 @@
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/compiled_tree.h"
-#include "tests/tools/driver/scratch.h"
 
 #include <functional>
 

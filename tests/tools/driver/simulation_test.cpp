@@ -1,9 +1,9 @@
 #include "core/common/callback.h"
 #include "core/diagnostics/message.h"
 #include "core/os/files.h"
-#include "tests/tools/driver/scratch.h"
-#include "tools/driver/sim_output.h"
-#include "tools/driver/sim_waveform.h"
+#include "tests/support/scratch.h"
+#include "tools/driver/simulator/sim_output.h"
+#include "tools/driver/simulator/sim_waveform.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "tools/driver/translator.h"
+#include "tools/driver/ghdl/translator.h"
 
-#include "tests/tools/driver/scratch.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 

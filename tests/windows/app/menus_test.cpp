@@ -1,6 +1,6 @@
+#include "core/devices/device_catalogue.h"
 #include "core/os/process.h"
-#include "core/project/device_catalogue.h"
-#include "tests/core/os/running.h"
+#include "tests/support/running.h"
 #include "tests/windows/app/program.h"
 #include "windows/app/messages.h"
 #include "windows/toolkit/menu.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/diagnostics/reporter.h"
-#include "tests/core/os/scoped_directory.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"

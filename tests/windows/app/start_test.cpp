@@ -1,5 +1,5 @@
 #include "core/os/settings.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 #include "windows/app/placement.h"
 #include "windows/app/start_options.h"
 

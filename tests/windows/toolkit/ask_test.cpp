@@ -1,7 +1,7 @@
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "core/os/loop.h"
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "windows/toolkit/message_box.h"

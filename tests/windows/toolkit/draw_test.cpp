@@ -2,9 +2,9 @@
 #include "core/os/environment.h"
 #include "tests/windows/toolkit/application.h"
 #include "windows/toolkit/message_box.h"
-#include "windows/toolkit/qt/pictures.h"
-#include "windows/toolkit/qt/theme.h"
-#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/qt/draw/pictures.h"
+#include "windows/toolkit/qt/draw/theme.h"
+#include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/resource.h"
 
 #include <gtest/gtest.h>

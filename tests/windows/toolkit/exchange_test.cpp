@@ -4,7 +4,7 @@
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
-#include "windows/toolkit/qt/task_window.h"
+#include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 

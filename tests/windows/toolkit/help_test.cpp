@@ -1,6 +1,6 @@
 #include "windows/toolkit/help.h"
 
-#include "tests/core/os/temporary_directory.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/resource.h"

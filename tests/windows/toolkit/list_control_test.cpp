@@ -2,7 +2,7 @@
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/control.h"
-#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 

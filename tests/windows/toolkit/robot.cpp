@@ -2,9 +2,9 @@
 
 #include "tests/windows/toolkit/application.h"
 #include "windows/toolkit/qt/session_end.h"
-#include "windows/toolkit/qt/task_window.h"
 #include "windows/toolkit/qt/text_conversion.h"
-#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/qt/windows/task_window.h"
+#include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QApplication>
 #include <QDropEvent>

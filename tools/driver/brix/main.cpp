@@ -1,4 +1,4 @@
-#include "tools/driver/runner.h"
+#include "tools/driver/compile/runner.h"
 #include "tools/driver/tool_main.h"
 
 int main(int argc, char** argv) {

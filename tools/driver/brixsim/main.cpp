@@ -1,4 +1,4 @@
-#include "tools/driver/simulation.h"
+#include "tools/driver/simulator/simulation.h"
 #include "tools/driver/tool_main.h"
 
 int main(int argc, char** argv) {

@@ -2,16 +2,16 @@
 
 #include "core/os/loop.h"
 #include "windows/toolkit/menu_resource.h"
-#include "windows/toolkit/qt/about.h"
-#include "windows/toolkit/qt/ask_boxes.h"
-#include "windows/toolkit/qt/clipboard.h"
+#include "windows/toolkit/qt/boxes/about.h"
+#include "windows/toolkit/qt/boxes/ask_boxes.h"
+#include "windows/toolkit/qt/draw/pictures.h"
+#include "windows/toolkit/qt/draw/theme.h"
 #include "windows/toolkit/qt/loop.h"
-#include "windows/toolkit/qt/pictures.h"
 #include "windows/toolkit/qt/session_end.h"
-#include "windows/toolkit/qt/task_window.h"
 #include "windows/toolkit/qt/text_conversion.h"
-#include "windows/toolkit/qt/theme.h"
-#include "windows/toolkit/qt/window_table.h"
+#include "windows/toolkit/qt/windows/clipboard.h"
+#include "windows/toolkit/qt/windows/task_window.h"
+#include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 
 #include <QApplication>

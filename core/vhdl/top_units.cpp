@@ -1,0 +1,96 @@
+#include "core/vhdl/top_units.h"
+
+#include "core/vhdl/vhdl_lexer.h"
+#include "core/vhdl/vhdl_tokens.h"
+
+namespace pellux {
+namespace {
+
+String compared(std::string_view name) {
+    return name.starts_with('\\') ? String(name) : folded_identifier(name);
+}
+
+struct UseFinder {
+    const Vector<String>& tokens;
+    String owner; ///< the entity or configuration whose text is being read
+    TextSet used;
+
+    [[nodiscard]] std::string_view at(std::size_t i) const {
+        return i < tokens.size() ? view(tokens[i]) : std::string_view();
+    }
+    void use(std::string_view name) {
+        if (name != view(owner))
+            used.emplace(name);
+    }
+    /// Index of the unit's simple name in "NAME" or "work.NAME" at `i`; the end of the tokens for
+    /// a name in another library.
+    [[nodiscard]] std::size_t unit_name(std::size_t i) const {
+        if (at(i + 1) != ".")
+            return i;
+        return at(i) == "work" ? i + 2 : tokens.size();
+    }
+};
+
+void read_entity(UseFinder& finder, std::size_t i) {
+    if (i > 0 && finder.at(i - 1) == "end")
+        return;
+    const std::size_t name = finder.unit_name(i + 1);
+    if (finder.at(i + 2) == "is")
+        finder.owner = finder.at(i + 1);
+    else
+        finder.use(finder.at(name));
+}
+
+void read_configuration(UseFinder& finder, std::size_t i) {
+    if (i > 0 && finder.at(i - 1) == "end")
+        return;
+    if (finder.at(i + 2) == "of") {
+        finder.owner = finder.at(i + 1);
+        finder.use(finder.at(finder.unit_name(i + 3)));
+    } else {
+        finder.use(finder.at(finder.unit_name(i + 1)));
+    }
+}
+
+void read_architecture(UseFinder& finder, std::size_t i) {
+    if (finder.at(i + 2) == "of")
+        finder.owner = finder.at(finder.unit_name(i + 3));
+}
+
+/// "label : component NAME" or "label : NAME port map".
+void read_instance(UseFinder& finder, std::size_t i) {
+    if (finder.at(i + 1) == "component") {
+        finder.use(finder.at(finder.unit_name(i + 2)));
+        return;
+    }
+    const std::size_t name = finder.unit_name(i + 1);
+    const std::string_view next = finder.at(name + 1);
+    if (next == "port" || next == "generic" || next == ";")
+        finder.use(finder.at(name));
+}
+
+} // namespace
+
+Vector<String> unused_units(const Vector<String>& units, std::string_view source) {
+    const Vector<String> tokens = vhdl_tokens(source);
+    UseFinder finder{tokens, {}, {}};
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const std::string_view token = view(tokens[i]);
+        if (token == "entity")
+            read_entity(finder, i);
+        else if (token == "configuration")
+            read_configuration(finder, i);
+        else if (token == "architecture")
+            read_architecture(finder, i);
+        else if (token == ":")
+            read_instance(finder, i);
+    }
+    Vector<String> unused;
+    for (const String& unit : units) {
+        if (!finder.used.contains(compared(view(unit))))
+            unused.push_back(unit);
+    }
+    return unused;
+}
+
+} // namespace pellux

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "core/os/clock.h"
+#include "core/os/loop.h"
+#include "core/os/process.h"
+#include "tests/support/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pellux {
+
+/// Turns the loop until `done` says so; false when that takes longer than anything here may.
+template <typename Done>
+bool turn_until(Done done) {
+    const std::int64_t deadline = real_monotonic_ms() + 20'000;
+    while (!done()) {
+        if (real_monotonic_ms() > deadline)
+            return false;
+        run_turn(TurnWait::none);
+    }
+    return true;
+}
+
+struct Pipe {
+    OwnedHandle read_end;
+    OwnedHandle write_end;
+
+    Pipe() { EXPECT_FALSE(failed(make_pipe(read_end, write_end))); }
+    /// What comes out of it up to its end or, given `last`, up to that character.
+    [[nodiscard]] std::string read(char last = '\0') const {
+        std::string text;
+        std::array<std::byte, 1> byte;
+        std::size_t got = 0;
+        bool would_wait = false;
+        while (!failed(read_handle(read_end.get(), byte, got, would_wait)) && got == 1 &&
+               static_cast<char>(byte[0]) != last)
+            text += static_cast<char>(byte[0]);
+        return text;
+    }
+};
+
+inline const std::string k_os_child = std::string(PELLUX_BINARY_DIR) + "/tests/programs/os_child";
+
+/// The request and the words of one child with a role.
+struct ChildRequest : ProcessRequest {
+    std::vector<std::string> words;
+    std::vector<const char*> pointers;
+
+    explicit ChildRequest(std::vector<std::string> role) : words(std::move(role)) {
+        words.insert(words.begin(), k_os_child);
+        for (const std::string& word : words)
+            pointers.push_back(word.c_str());
+        pointers.push_back(nullptr);
+        program = k_os_child.c_str();
+        arguments = pointers.data();
+    }
+    ChildRequest(const ChildRequest&) = delete;
+    ChildRequest& operator=(const ChildRequest&) = delete;
+};
+
+/// A child whose standard output is a pipe.
+struct Child : Process {
+    int ends = 0; ///< told
+    ProcessEnd end;
+    Pipe pipe;
+
+    explicit Child(std::vector<std::string> role) {
+        ChildRequest request(std::move(role));
+        request.output = pipe.write_end.get();
+        context = this;
+        ended = [](void* self, ProcessEnd how) {
+            ++static_cast<Child*>(self)->ends;
+            static_cast<Child*>(self)->end = how;
+        };
+        EXPECT_FALSE(failed(start_process(*this, request)));
+        pipe.write_end.reset();
+    }
+};
+
+} // namespace pellux

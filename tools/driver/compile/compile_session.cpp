@@ -1,0 +1,263 @@
+#include "tools/driver/compile/compile_session.h"
+
+#include "core/common/text_file.h"
+#include "core/os/files.h"
+#include "core/project/directives.h"
+#include "tools/driver/compile/session_contents.h"
+#include "tools/driver/libraries/derived_file.h"
+#include "tools/driver/libraries/source_place.h"
+#include "tools/driver/messages.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace pellux {
+namespace {
+
+constexpr std::size_t k_source_max = std::size_t{64} << 20;
+
+/// Gives GHDL a copy of a source that it cannot be given as it is.
+SystemError make_plain_copy(CompileSession& session, SessionSource& source) {
+    const String& directory = session.targets[source.library].library.directory;
+    source.ghdl_name = copy_path(view(directory), view(source.file));
+    source.text = without_directives(view(source.text));
+    const SystemError error = make_directories(directory_part(view(source.ghdl_name)));
+    return failed(error) ? error : write_derived_file(view(source.ghdl_name), view(source.text));
+}
+
+/// Does the source lie where GHDL finds it again?
+bool lies_well(const CompileSession& session, const SessionSource& source) {
+    GhdlSource entry;
+    set_source_path(entry, view(session.current), view(source.ghdl_name));
+    return make_readable(entry, view(session.targets[source.library].library.directory));
+}
+
+Failure read_source(CompileSession& session, SessionSource& source) {
+    source.ghdl_name = ghdl_file_name(view(source.name));
+    SystemError error = SystemError::none;
+    const TextFileStatus status =
+        read_text_file(view(source.ghdl_name), k_source_max, source.text, error);
+    if (!is_readable_by_ghdl(view(source.file)))
+        return {ExitStatus::errors, format_message(msg_bad_file_name, source.name.c_str())};
+    if (status == TextFileStatus::read &&
+        (has_directives(view(source.text)) || !lies_well(session, source)))
+        error = make_plain_copy(session, source);
+    if (status == TextFileStatus::read && !failed(error))
+        return {};
+    const String reason = status == TextFileStatus::too_large ? format_message(msg_file_too_large)
+                                                              : error_text(error);
+    return {ExitStatus::errors,
+            format_message(msg_cannot_read, source.name.c_str(), reason.c_str())};
+}
+
+bool read_record(CompileSession& session, SessionSource& source) {
+    Vector<BdePart> parts;
+    const BdeStatus status = read_bde(view(source.name), parts);
+    bool has_record = false;
+    for (BdePart& part : parts) {
+        if (part.library != session.targets[source.library].library.place.name ||
+            part.file != source.file)
+            continue;
+        // One of another standard or GHDL tells at least that there was one.
+        has_record = true;
+        source.old_record = std::move(part.record);
+        if (source.old_record.settings == session.settings)
+            return true;
+    }
+    if (has_record)
+        return true;
+    if (status != BdeStatus::read)
+        session.warnings.push_back(
+            format_message(status == BdeStatus::newer ? msg_newer_record : msg_record_damaged,
+                           bde_name(view(source.name)).c_str(), source.name.c_str()));
+    return false;
+}
+
+void forget_text(SessionSource& source) {
+    source.text = {};
+}
+
+/// What GHDL would write for the source if it analysed it now, but for the time.
+void place_entry(CompileSession& session, SessionSource& source, GhdlSource entry) {
+    set_source_path(entry, view(session.current), view(source.ghdl_name));
+    source.entry = std::move(entry);
+}
+
+bool is_same_unit(const GhdlUnit& a, const GhdlUnit& b) {
+    return a.kind == b.kind && a.name == b.name && a.entity == b.entity && a.words == b.words;
+}
+
+/// A unit that was another source's is this one's now, as it is for GHDL.
+void claim_unit(CompileSession& session, std::size_t number, const GhdlUnit& unit) {
+    const std::size_t library = session.sources[number].library;
+    const auto found = session.visible.by_key.find(
+        unit_key(view(session.targets[library].library.place.name), unit));
+    if (found == session.visible.by_key.end())
+        return;
+    const std::size_t owner = session.visible.units[found->second].source;
+    if (owner == number)
+        return;
+    const std::size_t own = session.sources.size();
+    GhdlSource& entry =
+        owner < own ? session.sources[owner].entry : *session.foreign[owner - own].source;
+    std::erase_if(entry.units, [&](const GhdlUnit& other) { return is_same_unit(unit, other); });
+}
+
+void claim_units(CompileSession& session, std::size_t number) {
+    for (const GhdlUnit& unit : session.sources[number].entry.units)
+        claim_unit(session, number, unit);
+}
+
+bool is_changed(const ForeignSource& foreign) {
+    String text;
+    SystemError error = SystemError::none;
+    return read_text_file(view(foreign.path), k_source_max, text, error) != TextFileStatus::read ||
+           digest_of(view(text)) != foreign.source->checksum;
+}
+
+/// GHDL refuses a source from elsewhere that was changed since it was compiled: its units count as
+/// changed. True when that was news.
+bool check_foreign(CompileSession& session, const Vector<UnitStamp>& uses) {
+    bool news = false;
+    for (const UnitStamp& use : uses) {
+        const auto found = session.visible.by_key.find(use.unit);
+        VisibleUnits::Unit& unit = session.visible.units[found->second];
+        if (unit.source < session.sources.size())
+            continue;
+        ForeignSource& foreign = session.foreign[unit.source - session.sources.size()];
+        if (!std::exchange(foreign.checked, true))
+            foreign.changed = is_changed(foreign);
+        if (foreign.changed && unit.stamp.stamp != Digest{}) {
+            unit.stamp.stamp = {};
+            news = true;
+        }
+    }
+    return news;
+}
+
+Vector<UnitStamp> checked_uses(CompileSession& session, const SourceScan& scan,
+                               std::span<const UnitStamp> own) {
+    Vector<UnitStamp> uses = used_units(session.visible, scan, own);
+    if (check_foreign(session, uses))
+        uses = used_units(session.visible, scan, own);
+    return uses;
+}
+
+} // namespace
+
+Failure decide_source(CompileSession& session, std::size_t number, SourceDecision& decision) {
+    SessionSource& source = session.sources[number];
+    if (Failure failure = read_source(session, source))
+        return failure;
+    source.content = digest_of(view(source.text));
+    scan_source(view(source.text), source.scan);
+    decision = {Verdict::never_compiled, {}};
+    if (!session.only_changed)
+        return {};
+    const bool has_record = read_record(session, source);
+    const std::string_view library = view(session.targets[source.library].library.place.name);
+    decision =
+        judge(has_record ? &source.old_record : nullptr,
+              source.before.units.empty() ? nullptr : &source.before, library, source.content,
+              session.settings, checked_uses(session, source.scan, source.old_record.units));
+    if (decision.verdict != Verdict::up_to_date)
+        return {};
+    source.state = SessionSource::State::up_to_date;
+    source.record = source.old_record;
+    place_entry(session, source, source.before);
+    claim_units(session, number);
+    for (std::size_t i = 0; i < source.entry.units.size(); ++i)
+        add_visible(session.visible, library, source.entry.units[i], source.record.units[i].stamp,
+                    number);
+    session.time_stamps[number] = source.entry.time_stamp;
+    session.exposed = false;
+    forget_text(source);
+    return {};
+}
+
+Failure expose_libraries(CompileSession& session) {
+    if (std::exchange(session.exposed, true))
+        return {};
+    for (std::size_t i = 0; i < session.targets.size(); ++i) {
+        if (Failure failure = write_copy(session, contents(session, i, Moment::next_source),
+                                         session.targets[i].library))
+            return failure;
+    }
+    return {};
+}
+
+Failure take_compiled(CompileSession& session, std::size_t number) {
+    SessionSource& source = session.sources[number];
+    const SessionTarget& target = session.targets[source.library];
+    CompiledLibrary copy;
+    copy.place = {target.library.place.name, session.run.path};
+    const LibraryState state = read_library(copy, session.plan->standard);
+    if (state == LibraryState::other_format)
+        return {ExitStatus::no_ghdl, format_message(msg_unknown_format)};
+    GhdlSource* made = nullptr;
+    for (GhdlSource& entry : copy.sources) {
+        if (file_name_part(view(entry.name)) == view(source.file))
+            made = &entry;
+    }
+    // GHDL takes no notice of a disk that is full and calls the analysis a success.
+    if (state != LibraryState::read || made == nullptr)
+        return {ExitStatus::no_room,
+                format_message(msg_library_not_written, target.library.place.name.c_str())};
+    source.state = SessionSource::State::compiled;
+    // GHDL would not read again what it has just written.
+    session.exposed = is_readable_by_ghdl(view(made->directory));
+    place_entry(session, source, std::move(*made));
+    claim_units(session, number);
+    session.time_stamps[number] = source.entry.time_stamp;
+    const std::string_view library = view(target.library.place.name);
+    Vector<UnitStamp> own = stamp_units(session.visible, library, source.entry, view(source.text),
+                                        session.settings, number);
+    source.record.content = source.content;
+    source.record.settings = session.settings;
+    source.record.uses = checked_uses(session, source.scan, own);
+    source.record.units = std::move(own);
+    // A source that changed while it was compiled is one that nothing is known of.
+    source.record_differs = source.entry.checksum == source.content;
+    forget_text(source);
+    return {};
+}
+
+void take_failed(CompileSession& session, std::size_t number) {
+    session.sources[number].state = SessionSource::State::failed;
+    forget_text(session.sources[number]);
+}
+
+Digest elaboration_digest(const CompileSession& session, std::size_t number) {
+    Vector<std::size_t> needed{number};
+    Digester digester;
+    for (std::size_t i = 0; i < needed.size(); ++i) {
+        if (needed[i] >= session.sources.size())
+            continue;
+        const SessionSource& source = session.sources[needed[i]];
+        for (const UnitStamp& unit : source.record.units)
+            digester.update(bytes_of(unit.stamp));
+        add_needed_sources(session.visible, source.scan, needed);
+    }
+    for (const ForeignSource& foreign : session.foreign) {
+        if (foreign.source == nullptr)
+            continue;
+        FileStat stat;
+        static_cast<void>(stat_file(view(foreign.path), stat));
+        const String place = format_text("%s %lld %lld", foreign.source->time_stamp.c_str(),
+                                         static_cast<long long>(stat.size),
+                                         static_cast<long long>(stat.modified_ns));
+        digester.update(view(place));
+        digester.update(bytes_of(foreign.source->checksum));
+    }
+    return digester.finish();
+}
+
+void take_elaborated(CompileSession& session, std::size_t number, const Digest& digest) {
+    SessionSource& source = session.sources[number];
+    source.record.elaborated = digest;
+    // A compiled source whose record is worth nothing stays without one.
+    if (source.state == SessionSource::State::up_to_date)
+        source.record_differs = true;
+}
+
+} // namespace pellux

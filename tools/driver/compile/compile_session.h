@@ -1,0 +1,109 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "tools/driver/compile/options.h"
+#include "tools/driver/compile/plan.h"
+#include "tools/driver/compile/recompile.h"
+#include "tools/driver/exit_status.h"
+#include "tools/driver/libraries/bde_file.h"
+#include "tools/driver/libraries/compiled_library.h"
+#include "tools/driver/libraries/library_lock.h"
+#include "tools/driver/libraries/library_records.h"
+#include "tools/driver/libraries/run_directory.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace pellux {
+
+/// A source of the plan, in a run.
+struct SessionSource {
+    enum class State {
+        waiting,
+        up_to_date,
+        compiled,
+        failed,
+    };
+    String name;             ///< as the argument vector has it
+    String file;             ///< its base name, by which the library knows it
+    std::size_t library = 0; ///< number of its target
+    State state = State::waiting;
+
+    // Known once it is judged.
+    String ghdl_name; ///< what GHDL is given: the file or a copy of it
+    String text;      ///< what GHDL reads; gone once the source is done
+    Digest content{};
+    SourceScan scan;
+
+    GhdlSource before; ///< what the library held of it at the start; without units: nothing
+    GhdlSource entry;  ///< what it holds now
+    SourceRecord old_record;
+    SourceRecord record;         ///< of this run, once it has succeeded
+    bool record_differs = false; ///< from what its ".bde" holds
+};
+
+/// A library that is written.
+struct SessionTarget {
+    CompiledLibrary library;
+    LibraryRecords records;
+    Vector<GhdlSource> foreign; ///< sources that are none of the plan's
+    Vector<String> gone;        ///< base names of such sources that nobody finds any more
+    LibraryLock lock;
+};
+
+/// A source that the libraries hold and the plan does not.
+struct ForeignSource {
+    GhdlSource* source = nullptr; ///< null: the libraries themselves
+    String path;                  ///< absolute
+    bool checked = false;
+    bool changed = false; ///< since it was compiled
+};
+
+/// The libraries of one run. GHDL works on copies in a directory of the run's own, which always
+/// hold what a compilation of all sources in their order would have made up to that point; the
+/// libraries themselves change only in `commit_session`.
+struct CompileSession {
+    const Plan* plan = nullptr;
+    bool only_changed = false;
+    String current; ///< directory
+    Digest settings{};
+    Vector<SessionTarget> targets; ///< as in the plan
+    Vector<CompiledLibrary> others;
+    Vector<SessionSource> sources; ///< in the order of their analysis
+    Vector<ForeignSource> foreign;
+    VisibleUnits visible;       ///< the plan's sources by their number, then the foreign ones
+    Vector<String> time_stamps; ///< by the same numbers
+    RunDirectory run;
+    Vector<String> search;   ///< directories of the libraries that need no copy
+    bool exposed = false;    ///< the copies are what the next source must see
+    Vector<String> warnings; ///< about what was found, to be told
+};
+
+/// Everything about GHDL and the way it is called that a library's contents may hang on.
+[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl);
+
+/// Locks and reads the libraries. `ghdl` is the program that will write them.
+[[nodiscard]] Failure open_session(CompileSession& session, const Plan& plan, bool only_changed,
+                                   std::string_view ghdl, const WaitGuard& guard);
+
+/// Reads a source and tells whether it must be compiled. One that is up to date is done with that.
+/// A failure is about this source alone.
+[[nodiscard]] Failure decide_source(CompileSession& session, std::size_t source,
+                                    SourceDecision& decision);
+
+/// Puts in the run's directory what the source may see; the last one sees all.
+[[nodiscard]] Failure expose_libraries(CompileSession& session);
+
+/// Takes what GHDL has made of the source after an analysis that it calls a success.
+[[nodiscard]] Failure take_compiled(CompileSession& session, std::size_t source);
+void take_failed(CompileSession& session, std::size_t source);
+
+/// What an elaboration of the source's units depends on.
+[[nodiscard]] Digest elaboration_digest(const CompileSession& session, std::size_t source);
+/// Records that the units were elaborated with success.
+void take_elaborated(CompileSession& session, std::size_t source, const Digest& digest);
+
+/// Makes what was compiled the contents of the libraries, then records it beside the sources.
+[[nodiscard]] Failure commit_session(CompileSession& session);
+
+} // namespace pellux

@@ -1,0 +1,307 @@
+#include "tools/driver/compile/runner.h"
+
+#include "core/common/callback.h"
+#include "core/common/text_file.h"
+#include "core/diagnostics/reporter.h"
+#include "core/vhdl/top_units.h"
+#include "tools/driver/compile/compile_session.h"
+#include "tools/driver/compile/plan.h"
+#include "tools/driver/compile/run_report.h"
+#include "tools/driver/ghdl/ghdl_call.h"
+#include "tools/driver/ghdl/translator.h"
+#include "tools/driver/interruption.h"
+#include "tools/driver/libraries/installed_libraries.h"
+#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/messages.h"
+#include "tools/driver/reporting.h"
+
+#include <utility>
+
+namespace pellux {
+namespace {
+
+constexpr std::size_t k_source_max = std::size_t{64} << 20;
+
+struct Runner {
+    Output& output;
+    Plan plan;
+    PathBuffer ghdl;
+    GhdlCalls calls;
+    CompileSession session;
+    Process process;
+    SourceNames names;
+    Translator translator;
+    RunReport report;
+    std::size_t source = k_no_source; ///< that is being analysed
+    bool anything_done = false;
+    Failure unrunnable; ///< GHDL can't be started at all
+
+    static constexpr std::size_t k_no_source = static_cast<std::size_t>(-1);
+
+    explicit Runner(Output& where) : output(where) {}
+};
+
+void tell_warnings(Runner& runner) {
+    for (const String& text : std::exchange(runner.session.warnings, {}))
+        warning(-1, msg_as_it_stands, text.c_str());
+}
+
+/// What was compiled stays, whatever ends the run.
+ExitStatus finish_session(Runner& runner, ExitStatus status) {
+    reporter().current_source = nullptr;
+    const Failure failure = commit_session(runner.session);
+    tell_warnings(runner);
+    remove_run_directory(runner.session.run);
+    const ExitStatus end = failure ? report_failure(failure) : status;
+    end_report(runner.report, runner.session);
+    return end;
+}
+
+/// While GHDL runs, the end of the program is the end of GHDL too.
+void on_ending_run(void* context, int) {
+    auto& runner = from_context<Runner>(context);
+    if (runner.process.id != 0) {
+        kill_process(runner.process);
+        wait_for_process(runner.process);
+    }
+    // A limit that is met again must not end what is ending.
+    reporter().error_limit = 0;
+    reporter().warning_limit = 0;
+    if (runner.source != Runner::k_no_source)
+        take_failed(runner.session, runner.source);
+    finish_session(runner, ExitStatus::errors);
+    end_run(runner.output);
+}
+
+void on_diagnostic(void*, const Diagnostic& diagnostic) {
+    report_diagnostic(diagnostic, NoteOutput::report_file);
+}
+
+void on_plain_line(void* context, std::string_view line) {
+    print_lines(from_context<Runner>(context).output, line);
+}
+
+void on_ghdl_line(void* context, std::string_view line) {
+    translate_line(from_context<Runner>(context).translator, line);
+}
+
+void on_piece_read(void* context) {
+    flush_output(from_context<Runner>(context).output);
+}
+
+bool on_stop_question(void* context) {
+    return must_stop(from_context<Runner>(context).output) || interrupted();
+}
+
+/// True when GHDL calls it a success.
+bool call_ghdl(Runner& runner, const Vector<String>& words) {
+    flush_output(runner.output);
+    const int errors_before = reporter().error_count;
+    const GhdlEnd end = run_ghdl(runner.process, runner.ghdl.c_str(), words,
+                                 {.line = on_ghdl_line,
+                                  .piece_read = on_piece_read,
+                                  .stop = on_stop_question,
+                                  .context = &runner});
+    end_translation(runner.translator);
+    if (end.stopped)
+        return false;
+    if (failed(end.not_started)) {
+        const String reason = error_text(end.not_started);
+        runner.unrunnable = {ExitStatus::no_ghdl,
+                             format_message(msg_cannot_run, runner.ghdl.c_str(), reason.c_str())};
+        return false;
+    }
+    if (end.process.by_signal) {
+        error(-1, msg_ghdl_killed, end.process.code);
+        return false;
+    }
+    constexpr int k_refused = 1;
+    if (end.process.code > k_refused) {
+        error(-1, msg_ghdl_failed, end.process.code);
+        return false;
+    }
+    if (end.process.code == k_refused && reporter().error_count == errors_before)
+        error(-1, msg_ghdl_silent);
+    return end.process.code == 0;
+}
+
+/// A failure of the run; one of the source alone is told.
+Failure analyse(Runner& runner, std::size_t number) {
+    CompileSession& session = runner.session;
+    const SessionSource& source = session.sources[number];
+    SourceDecision decision;
+    const Failure unreadable = decide_source(session, number, decision);
+    if (!unreadable)
+        report_source(runner.report, source,
+                      view(session.targets[source.library].library.place.name), decision,
+                      !session.only_changed);
+    if (decision.verdict == Verdict::up_to_date && !unreadable)
+        return {};
+    runner.anything_done = true;
+    tell_warnings(runner);
+    const String line = format_message(msg_compiling, source.name.c_str());
+    // The environment shows each file as soon as its packet comes.
+    send_pending(runner.output.packets);
+    print_lines(runner.output, view(line));
+    if (unreadable) {
+        report_failure(unreadable);
+        take_failed(session, number);
+        return {};
+    }
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    runner.names.names[number].ghdl = source.ghdl_name;
+    begin_source(runner.translator);
+    runner.source = number;
+    const bool success =
+        call_ghdl(runner, analysis_words(runner.calls,
+                                         view(session.targets[source.library].library.place.name),
+                                         view(source.ghdl_name)));
+    runner.source = Runner::k_no_source;
+    if (success)
+        return take_compiled(session, number);
+    // What could not be tried stays as it was.
+    if (runner.unrunnable)
+        return std::move(runner.unrunnable);
+    take_failed(session, number);
+    return {};
+}
+
+Failure elaborate(Runner& runner, std::size_t number) {
+    CompileSession& session = runner.session;
+    if (reporter().error_count > 0)
+        return {};
+    const SessionSource& source = session.sources[number];
+    const Digest digest = elaboration_digest(session, number);
+    if (source.record.elaborated == digest)
+        return {};
+    String text;
+    SystemError unreadable = SystemError::none;
+    if (read_text_file(view(source.ghdl_name), k_source_max, text, unreadable) !=
+        TextFileStatus::read) {
+        const String reason = error_text(unreadable);
+        error(-1, msg_cannot_read, source.name.c_str(), reason.c_str());
+        return {};
+    }
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    runner.anything_done = true;
+    for (const String& unit : elaborated_units(source.entry, view(text))) {
+        if (!call_ghdl(runner,
+                       elaboration_words(runner.calls,
+                                         view(session.targets[source.library].library.place.name),
+                                         view(unit))))
+            return std::move(runner.unrunnable);
+    }
+    if (reporter().error_count == 0)
+        take_elaborated(session, number, digest);
+    return {};
+}
+
+ExitStatus run_steps(Runner& runner) {
+    std::size_t next = 0;
+    for (const Step& step : runner.plan.steps) {
+        const bool is_analysis = step.kind == StepKind::analyse;
+        const std::size_t number = is_analysis ? next++ : next - 1;
+        reporter().current_source = runner.session.sources[number].name.c_str();
+        const Failure failure = is_analysis ? analyse(runner, number) : elaborate(runner, number);
+        reporter().current_source = nullptr;
+        if (failure)
+            return report_failure(failure);
+        if (on_stop_question(&runner))
+            return ExitStatus::errors;
+    }
+    if (!runner.anything_done && reporter().error_count == 0) {
+        const String line = format_message(msg_up_to_date);
+        print_lines(runner.output, view(line));
+    }
+    return reporter().error_count > 0 ? ExitStatus::errors : ExitStatus::nothing_failed;
+}
+
+void on_told(void* context, std::string_view line) {
+    auto& runner = from_context<Runner>(context);
+    print_lines(runner.output, line);
+    flush_output(runner.output);
+}
+
+void on_waiting(void* context, const LibraryPlace& place) {
+    const String line = format_message(msg_waiting_for_library, place.name.c_str());
+    on_told(context, view(line));
+}
+
+void set_up_calls(Runner& runner) {
+    runner.calls = {String(runner.ghdl.view()), runner.plan.standard, runner.session.run.path,
+                    runner.session.search};
+    runner.translator.program = runner.ghdl.view();
+    runner.translator.names = &runner.names;
+    runner.translator.diagnostic = on_diagnostic;
+    runner.translator.plain_line = on_plain_line;
+    runner.translator.context = &runner;
+}
+
+/// GHDL's own word on what it is; empty when it says nothing.
+String ghdl_version(Runner& runner) {
+    const Vector<String> answer =
+        ghdl_answer(runner.process, runner.ghdl.c_str(), "--version", on_stop_question, &runner);
+    return answer.empty() ? String() : answer.front();
+}
+
+ExitStatus tell_version(Runner& runner) {
+    if (!find_ghdl(runner.ghdl))
+        return report_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
+    const String version = ghdl_version(runner);
+    if (on_stop_question(&runner))
+        return ExitStatus::errors;
+    if (version.empty())
+        return report_failure(
+            {ExitStatus::no_ghdl, format_message(msg_ghdl_speechless, runner.ghdl.c_str())});
+    const String line = format_message(msg_ghdl_version, version.c_str(), runner.ghdl.c_str());
+    print_lines(runner.output, view(line));
+    return ExitStatus::nothing_failed;
+}
+
+} // namespace
+
+ExitStatus run_compiler(const Options& options, Output& output) {
+    reporter().error_limit = options.error_limit;
+    reporter().warning_limit = options.warning_limit;
+    if (options.banner) {
+        const String banner = format_message(msg_banner, PELLUX_VERSION);
+        print_lines(output, view(banner));
+    }
+    Runner runner(output);
+    if (options.version)
+        return tell_version(runner);
+    Surroundings surroundings;
+    if (const Failure failure = look_around(options, surroundings))
+        return report_failure(failure);
+    runner.plan = make_plan(options, surroundings);
+    if (runner.plan.failure)
+        return report_failure(runner.plan.failure);
+    if (!find_ghdl(runner.ghdl))
+        return report_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
+    const WaitGuard guard{on_waiting, on_stop_question, &runner};
+    add_installed_libraries(runner.plan, {runner.process, runner.ghdl.c_str(),
+                                          settings_digest(options.standard, runner.ghdl.view()),
+                                          guard, on_told, runner.session.warnings});
+    if (on_stop_question(&runner))
+        return ExitStatus::errors;
+    if (const Failure failure = open_session(runner.session, runner.plan, options.only_changed,
+                                             runner.ghdl.view(), guard))
+        return report_failure(failure);
+    tell_warnings(runner);
+    if (!options.top.empty()) {
+        const String version = ghdl_version(runner);
+        begin_report(runner.report, options, runner.plan,
+                     version.empty() ? runner.ghdl.view() : view(version));
+    }
+    runner.names = source_names(runner.plan);
+    set_up_calls(runner);
+    reporter().ending = on_ending_run;
+    reporter().ending_context = &runner;
+    const ExitStatus status = finish_session(runner, run_steps(runner));
+    report_to(output);
+    return status;
+}
+
+} // namespace pellux

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "core/os/system_error.h"
+#include "tools/driver/compile/recompile.h"
+
+#include <string_view>
+
+namespace pellux {
+
+// The file beside a source, named after it with the extension "bde", that tells what the source was
+// compiled from when it last succeeded (docs/formats.md).
+
+/// What is known of one library and one standard and GHDL; several sources may share a file
+/// (alu.vhd and alu.vhdl).
+struct BdePart {
+    String library;
+    String file; ///< base name of the source
+    SourceRecord record;
+};
+
+enum class BdeStatus { read, damaged, newer };
+
+/// Parts in front of the first fault are kept.
+[[nodiscard]] BdeStatus parse_bde(std::string_view text, Vector<BdePart>& parts);
+[[nodiscard]] String bde_text(const Vector<BdePart>& parts);
+
+/// "parts/alu.bde" for "parts/alu.vhd".
+[[nodiscard]] String bde_name(std::string_view source);
+
+/// A missing or unreadable file has no parts and counts as read.
+[[nodiscard]] BdeStatus read_bde(std::string_view source, Vector<BdePart>& parts);
+
+/// Puts `part` in the place of the one for its library, file and settings; of the latter the newest
+/// few are kept. The file is replaced as a whole,
+/// but not flushed: what a loss of power damages is found out, and costs one more compilation.
+[[nodiscard]] SystemError write_bde_part(std::string_view source, const BdePart& part);
+
+} // namespace pellux

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "core/common/containers.h"
+#include "tools/driver/compile/plan.h"
+#include "tools/driver/exit_status.h"
+#include "tools/driver/ghdl/source_names.h"
+#include "tools/driver/libraries/compiled_library.h"
+#include "tools/driver/libraries/installed_libraries.h"
+#include "tools/driver/libraries/run_directory.h"
+
+namespace pellux {
+
+/// The libraries that a simulation reads, as they lie. Nothing in them is locked or changed: GHDL
+/// gets copies of their library files.
+struct SimLibraries {
+    Vector<CompiledLibrary> libraries; ///< `work` is the first
+    RunDirectory run;                  ///< of the copies
+
+    [[nodiscard]] const CompiledLibrary& work() const { return libraries.front(); }
+};
+
+/// Finds and reads them, the installed ones that are there for `run` too. `work` is there, and
+/// maybe empty, after a success.
+[[nodiscard]] Failure read_libraries(SimLibraries& libraries, VhdlStandard standard,
+                                     const InstalledLibraryRun& run);
+
+/// Makes the copies, in the user's cache directory, or beside `work` where GHDL would find no
+/// source from there. They name every source by its absolute path, as GHDL's messages then do too,
+/// unless it could not read that.
+[[nodiscard]] Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard);
+
+/// How messages show the sources: as in `given`, else relative to the current directory where they
+/// lie in it.
+[[nodiscard]] SourceNames shown_sources(const SimLibraries& libraries, SourceNames& given);
+
+} // namespace pellux

@@ -1,0 +1,113 @@
+#include "windows/toolkit/qt/boxes/font_box.h"
+
+#include "windows/toolkit/qt/boxes/box.h"
+#include "windows/toolkit/qt/draw/fonts.h"
+#include "windows/toolkit/qt/text_conversion.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QFontDatabase>
+#include <QFontDialog>
+#include <QFontInfo>
+#include <QListView>
+#include <QPointer>
+#include <QScreen>
+#include <QStyledItemDelegate>
+
+#include <cstdlib>
+
+namespace pellux {
+namespace {
+
+constexpr auto bit(FontStyle style) {
+    return static_cast<std::uint16_t>(style);
+}
+
+/// The family's own word for a style, by which the box finds it; empty when it has none such.
+QString style_name(const QString& family, bool is_bold, bool is_italic) {
+    constexpr int k_any_size = 10;
+    const int wanted = is_bold ? QFont::Bold : QFont::Normal;
+    QString best;
+    int best_distance = 0;
+    for (const QString& style : QFontDatabase::styles(family)) {
+        const QFont font = QFontDatabase::font(family, style, k_any_size);
+        const int distance = std::abs(font.weight() - wanted);
+        if (font.italic() != is_italic || (!best.isEmpty() && distance >= best_distance))
+            continue;
+        best = style;
+        best_distance = distance;
+    }
+    return best;
+}
+
+/// The font as the system has it.
+QFont to_qfont(Font font) {
+    const QFont face = font_face(font, 1).font;
+    const QString family = QFontInfo(face).family();
+    QFont shown(family, font.size > 0 ? font.size : QFontInfo(QApplication::font()).pointSize());
+    shown.setBold(face.bold());
+    shown.setItalic(face.italic());
+    shown.setStyleName(style_name(family, face.bold(), face.italic()));
+    shown.setUnderline((font.style & bit(FontStyle::underline)) != 0);
+    return shown;
+}
+
+/// `before` with what the user changed since the box stood at `offered`. Its family keeps the name
+/// that it has, which may stand for the one that was shown, and it keeps a style that the family
+/// has no face for, which the box can't show.
+Font to_font(const QFont& chosen, const QFont& offered, Font before) {
+    if (chosen.family() != offered.family())
+        xvt_font_set_family(before, view(to_text(chosen.family())));
+    xvt_font_set_size(before, chosen.pointSize());
+    const auto take = [&](FontStyle style, bool is_chosen, bool was_offered) {
+        if (is_chosen != was_offered)
+            before.style = static_cast<std::uint16_t>(before.style ^ bit(style));
+    };
+    take(FontStyle::bold, chosen.bold(), offered.bold());
+    take(FontStyle::italic, chosen.italic(), offered.italic());
+    take(FontStyle::underline, chosen.underline(), offered.underline());
+    return before;
+}
+
+/// Says beside a family's name that its characters have one width.
+class FamilyDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (QFontDatabase::isFixedPitch(option->text))
+            option->text += QStringLiteral(" (fixed width)");
+    }
+};
+
+} // namespace
+
+Answer ask_font(const Question& question) {
+    const QPointer<QFontDialog> box = new QFontDialog(to_qfont(question.font), box_parent());
+    const QFont offered = box->currentFont();
+    box->setOption(QFontDialog::DontUseNativeDialog);
+    box->setWindowTitle(to_qstring(view(question.title)));
+    // The families are the first of the box's three lists, and striking out, which our fonts have
+    // not, is the first of its two effects.
+    if (auto* families = box->findChild<QListView*>())
+        families->setItemDelegate(new FamilyDelegate(families));
+    if (auto* strike_out = box->findChild<QCheckBox*>())
+        strike_out->hide();
+    const QFontMetrics metrics = box->fontMetrics();
+    box->resize(QSize(metrics.averageCharWidth() * 100, metrics.height() * 28)
+                    .boundedTo(box->screen()->availableSize()));
+    Answer answer = closed_answer(question);
+    const bool is_accepted = box->exec() == QDialog::Accepted;
+    if (box == nullptr)
+        return answer;
+    if (is_accepted) {
+        answer.button = 0;
+        answer.font = to_font(box->selectedFont(), offered, question.font);
+    }
+    delete box;
+    return answer;
+}
+
+} // namespace pellux

@@ -1,0 +1,162 @@
+#include "windows/toolkit/qt/windows/task_window.h"
+
+#include "windows/toolkit/app.h"
+#include "windows/toolkit/qt/windows/canvas.h"
+#include "windows/toolkit/qt/windows/menus.h"
+#include "windows/toolkit/qt/windows/window_table.h"
+#include "windows/toolkit/window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLayout>
+#include <QMdiArea>
+#include <QMenu>
+#include <QScreen>
+#include <QTimer>
+
+namespace pellux {
+namespace {
+
+TaskWindow* the_task_window = nullptr;
+
+Window document_of(const QMdiSubWindow* frame) {
+    const QWidget* client = frame == nullptr ? nullptr : frame->widget();
+    return client == nullptr ? Window::none : window_of(*client);
+}
+
+const QMdiSubWindow* frame_around(const QWidget* widget) {
+    while (widget != nullptr && qobject_cast<const QMdiSubWindow*>(widget) == nullptr)
+        widget = widget->parentWidget();
+    return static_cast<const QMdiSubWindow*>(widget);
+}
+
+void on_focus_changed(const QWidget* before, const QWidget* now) {
+    const QMdiSubWindow* frame = frame_around(now);
+    // A window that has the focus itself has told it.
+    if (frame != nullptr && frame != frame_around(before) && frame->widget() != now)
+        deliver(document_of(frame), Event{FocusEvent{true}});
+}
+
+} // namespace
+
+TaskWindow* task_window() {
+    return the_task_window;
+}
+
+void set_task_window(TaskWindow* window) {
+    the_task_window = window;
+}
+
+TaskWindow::TaskWindow(Window window, int help_menu)
+    : window_(window), help_menu_(help_menu), area_(new QMdiArea) {
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(area_);
+    set_ground();
+    // Until the application gives it a place.
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        resize(screen->availableSize() * 9 / 10);
+    connect(area_, &QMdiArea::subWindowActivated, this, [this] {
+        if (menu_owner() != shown_menus_)
+            show_menus();
+    });
+    connect(qApp, &QApplication::focusChanged, this, on_focus_changed);
+}
+
+TaskWindow::~TaskWindow() {
+    // The area tells of activations while its frames go.
+    area_->disconnect(this);
+}
+
+Window TaskWindow::menu_owner() const {
+    const Window document = document_of(area_->activeSubWindow());
+    const WindowRecord* record = find_window(document);
+    return record != nullptr && record->menus ? document : window_;
+}
+
+void TaskWindow::show_menus() {
+    const Window owner = menu_owner();
+    shown_menus_ = owner;
+    const WindowRecord* record = find_window(owner);
+    const bool has_menus = record != nullptr && record->menus;
+    fill_menu_bar(*menuBar(), owner, has_menus ? *record->menus : Vector<MenuItem>(), help_menu_);
+}
+
+QSize TaskWindow::room() const {
+    // Before it is shown the area has not the size yet that the window will give it.
+    if (!isVisible())
+        layout()->activate();
+    return area_->maximumViewportSize();
+}
+
+void TaskWindow::place(const Rect& client) {
+    const QRect before = geometry();
+    const QRect frame = frameGeometry();
+    const QSize size(client.right - client.left, client.bottom - client.top);
+    if (isVisible() || frame != before) {
+        move(client.left - (before.left() - frame.left()),
+             client.top - (before.top() - frame.top()));
+        resize(size);
+        return;
+    }
+    move(client.left, client.top);
+    resize(size);
+    outer_wanted_ = size;
+}
+
+void TaskWindow::mend_place() {
+    const QSize frame = frameGeometry().size() - geometry().size();
+    if (!outer_wanted_ || frame.isEmpty() || isMaximized())
+        return;
+    // The user may have been quicker.
+    if (size() == *outer_wanted_)
+        resize(*outer_wanted_ - frame);
+    outer_wanted_.reset();
+}
+
+void TaskWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    deliver(window_, Event{CloseEvent{}});
+}
+
+void TaskWindow::set_ground() {
+    // A shade below the windows that stand on it; dark ones need more of it to be seen.
+    const QColor window = palette().window().color();
+    const int percent = window.lightness() < 128 ? 135 : 108;
+    area_->setBackground(window.darker(percent));
+}
+
+bool TaskWindow::event(QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::PaletteChange)
+        set_ground();
+    if (outer_wanted_ && (type == QEvent::Show || type == QEvent::Move || type == QEvent::Resize ||
+                          type == QEvent::WindowActivate))
+        QTimer::singleShot(0, this, [this] { mend_place(); });
+    return QMainWindow::event(event);
+}
+
+DocumentFrame::DocumentFrame(QWidget* parent, Window window)
+    : QMdiSubWindow(parent), window_(window) {
+    // The rest of its keys would take those of the windows' own menus away.
+    const QKeySequence close(Qt::CTRL | Qt::Key_F4);
+    for (QAction* action : systemMenu()->actions()) {
+        action->setShortcuts(action->shortcuts().contains(close) ? QList{close}
+                                                                 : QList<QKeySequence>());
+        // "Stay on Top", which is not remembered.
+        if (action->isCheckable())
+            action->setVisible(false);
+    }
+}
+
+void DocumentFrame::closeEvent(QCloseEvent* event) {
+    if (find_window(window_) == nullptr) {
+        QMdiSubWindow::closeEvent(event);
+        return;
+    }
+    event->ignore();
+    deliver(window_, Event{CloseEvent{}});
+}
+
+} // namespace pellux
