@@ -28,6 +28,25 @@ inline bool is_moment(int count, char** arguments) {
     return asked || std::getenv("PELLUX_BENCH_MOMENT") != nullptr;
 }
 
+/// A time in the unit that people would name it in: "2.8 ns", "54.5 ms".
+struct ReadableTime {
+    std::array<char, 32> text{};
+
+    explicit ReadableTime(double ns) {
+        struct Unit {
+            double ns;
+            const char* name;
+        };
+        constexpr std::array k_units{Unit{1e9, "s"}, Unit{1e6, "ms"}, Unit{1e3, "us"},
+                                     Unit{1, "ns"}};
+        const Unit* unit = k_units.begin();
+        while (unit->ns > ns && unit + 1 != k_units.end())
+            ++unit;
+        std::snprintf(text.data(), text.size(), "%.1f %s", ns / unit->ns, unit->name);
+    }
+    [[nodiscard]] const char* c_str() const { return text.data(); }
+};
+
 /// Time spent in some runs.
 struct Spent {
     double ns = 0;
@@ -77,8 +96,8 @@ void compare(const RatioRow& row, bool moment, Yardstick yardstick, Ours ours) {
         std::sort(values.begin(), values.end());
         return values[k_rounds / 2];
     };
-    std::printf("%s: ours %.1f ns, %s %.1f ns, ratio %.2f", row.name, median(ours_ns),
-                row.yardstick, median(theirs_ns), median(ratios));
+    std::printf("%s: ours %s, %s %s, ratio %.2f", row.name, ReadableTime(median(ours_ns)).c_str(),
+                row.yardstick, ReadableTime(median(theirs_ns)).c_str(), median(ratios));
     if (row.reach != 0)
         std::printf(" (reach %.2f)", row.reach);
     std::printf("\n");
