@@ -1,11 +1,10 @@
 #include "core/common/blanks.h"
+#include "core/common/containers.h"
 #include "core/devices/catalogue_file.h"
-#include "core/diagnostics/message.h"
-#include "core/os/process.h"
+#include "fuzz/input_file.h"
 #include "fuzz/require.h"
 
 #include <cstdint>
-#include <span>
 
 namespace {
 
@@ -61,14 +60,9 @@ void walk_section(CatalogueReader& reader, std::string_view name, std::size_t si
 /// Reads the input as "devices.dat": every device family of its index, and two names that a reader
 /// asks for.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const String s_path =
-        format_text("/tmp/pellux-fuzz-%ld.dat", static_cast<long>(current_process_id()));
-    File file;
-    if (failed(open_file(file, view(s_path), OpenMode::truncate)) ||
-        failed(write_all(file, std::as_bytes(std::span(data, size)))) || failed(close_file(file)))
-        return 0;
     CatalogueReader reader;
-    require(open_catalogue(reader, view(s_path)) == CatalogueStatus::done);
+    const char* path = write_input_file({reinterpret_cast<const char*>(data), size});
+    require(open_catalogue(reader, path) == CatalogueStatus::done);
     for (const char* name : {"tools_dos", "c"})
         walk_section(reader, name, size);
     CatalogueLine name;

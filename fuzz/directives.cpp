@@ -1,12 +1,9 @@
 #include "core/project/directives.h"
 
-#include "core/diagnostics/message.h"
-#include "core/os/files.h"
-#include "core/os/process.h"
+#include "fuzz/input_file.h"
 #include "fuzz/require.h"
 
 #include <cstdint>
-#include <span>
 
 namespace {
 
@@ -25,8 +22,6 @@ String line_ends(std::string_view text) {
 
 /// Empties the directives of the input, and scans it before and after.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const String s_path =
-        format_text("/tmp/pellux-fuzz-%ld.vhd", static_cast<long>(current_process_id()));
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const String copy = without_directives(text);
     require(line_ends(view(copy)) == line_ends(text));
@@ -37,10 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     String device;
     String package;
     const auto scan = [&](std::string_view source) {
-        File file;
-        return !failed(open_file(file, view(s_path), OpenMode::truncate)) &&
-               !failed(write_all(file, std::as_bytes(std::span(source)))) &&
-               !failed(close_file(file)) && scanDirectives(view(s_path), options, device, package);
+        return scanDirectives(write_input_file(source), options, device, package);
     };
     require(scan(text));
     require(options.size() + device.size() + package.size() <= 4 * size);
