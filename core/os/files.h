@@ -82,7 +82,6 @@ enum class FileLock { shared, exclusive };
 [[nodiscard]] SystemError rename_file(std::string_view from, std::string_view to);
 /// The same, refused when there is something named `to` (`is_taken`).
 [[nodiscard]] SystemError rename_to_new_name(std::string_view from, std::string_view to);
-[[nodiscard]] SystemError link_file(std::string_view from, std::string_view to);
 [[nodiscard]] SystemError remove_file(std::string_view path);
 [[nodiscard]] SystemError make_directory(std::string_view path, std::uint32_t permissions = 0755);
 /// Makes the directory and those above it that are missing, and flushes their names; one that
@@ -114,7 +113,7 @@ using DirectoryVisitor = bool (*)(void* context, std::string_view name, FileKind
 void make_size_limit_an_error();
 
 /// The operations that a test can make fail.
-enum class FileOperation {
+enum class FileOperation : int {
     open,
     read,
     write,
@@ -123,7 +122,6 @@ enum class FileOperation {
     close,
     stat,
     rename,
-    link,
     remove,
     make_directory,
     flush_directory,

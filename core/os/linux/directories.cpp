@@ -1,7 +1,6 @@
 #include "core/os/files.h"
 
-#include "core/os/file_fault.h"
-#include "core/os/linux/system_call.h"
+#include "core/os/linux/path_call.h"
 
 #include <cstdio>
 
@@ -14,23 +13,12 @@ namespace pellux {
 
 namespace {
 
-/// Asks the hook, then makes `call(name)`, which answers 0 or -1.
 template <typename Call>
-SystemError on_path(FileOperation operation, std::string_view path, Call call) {
-    const SystemPath name(path);
-    if (failed(name.error()))
-        return name.error();
-    const SystemError fault = file_fault(operation, path);
-    return failed(fault) ? fault : outcome(call(name.c_str()));
-}
-
-template <typename Call>
-SystemError on_paths(FileOperation operation, std::string_view from, std::string_view to,
-                     Call call) {
+SystemError rename_by(Call call, std::string_view from, std::string_view to) {
     const SystemPath old_name(from);
     if (failed(old_name.error()))
         return old_name.error();
-    return on_path(operation, to,
+    return on_path(FileOperation::rename, to,
                    [&](const char* new_name) { return call(old_name.c_str(), new_name); });
 }
 
@@ -47,27 +35,13 @@ int rename_without_replacing(const char* from, const char* to) {
     return ::rename(from, to);
 }
 
-FileKind kind_of(int directory, const dirent64& entry) {
-    switch (entry.d_type) {
-    case DT_REG:
-        return FileKind::regular;
-    case DT_DIR:
-        return FileKind::directory;
-    case DT_LNK:
-        return FileKind::link;
-    case DT_UNKNOWN: {
-        struct stat stat;
-        if (::fstatat(directory, entry.d_name, &stat, AT_SYMLINK_NOFOLLOW) != 0)
-            return FileKind::none;
-        if (S_ISREG(stat.st_mode))
-            return FileKind::regular;
-        if (S_ISDIR(stat.st_mode))
-            return FileKind::directory;
-        return S_ISLNK(stat.st_mode) ? FileKind::link : FileKind::other;
-    }
-    default:
-        return FileKind::other;
-    }
+FileKind entry_kind(int directory, const dirent64& entry) {
+    if (entry.d_type != DT_UNKNOWN)
+        return kind_of(DTTOIF(entry.d_type));
+    struct stat stat;
+    if (::fstatat(directory, entry.d_name, &stat, AT_SYMLINK_NOFOLLOW) != 0)
+        return FileKind::none;
+    return kind_of(stat.st_mode);
 }
 
 int open_directory(const char* name) {
@@ -78,17 +52,11 @@ int open_directory(const char* name) {
 } // namespace
 
 SystemError rename_file(std::string_view from, std::string_view to) {
-    return on_paths(FileOperation::rename, from, to,
-                    [](const char* a, const char* b) { return ::rename(a, b); });
+    return rename_by(::rename, from, to);
 }
 
 SystemError rename_to_new_name(std::string_view from, std::string_view to) {
-    return on_paths(FileOperation::rename, from, to, rename_without_replacing);
-}
-
-SystemError link_file(std::string_view from, std::string_view to) {
-    return on_paths(FileOperation::link, from, to,
-                    [](const char* a, const char* b) { return ::link(a, b); });
+    return rename_by(rename_without_replacing, from, to);
 }
 
 SystemError remove_file(std::string_view path) {
@@ -138,7 +106,7 @@ SystemError list_directory(std::string_view path, DirectoryVisitor visit, void* 
                 const std::string_view entry_name(entry.d_name);
                 if (entry_name == "." || entry_name == "..")
                     continue;
-                if (!visit(context, entry_name, kind_of(handle, entry)))
+                if (!visit(context, entry_name, entry_kind(handle, entry)))
                     return 0;
             }
         }

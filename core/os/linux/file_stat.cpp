@@ -1,7 +1,6 @@
 #include "core/os/files.h"
 
-#include "core/os/file_fault.h"
-#include "core/os/linux/system_call.h"
+#include "core/os/linux/path_call.h"
 
 #include <climits>
 #include <cstdlib>
@@ -13,14 +12,6 @@
 namespace pellux {
 
 namespace {
-
-FileKind kind_of(mode_t mode) {
-    if (S_ISREG(mode))
-        return FileKind::regular;
-    if (S_ISDIR(mode))
-        return FileKind::directory;
-    return S_ISLNK(mode) ? FileKind::link : FileKind::other;
-}
 
 void fill(FileStat& stat, const struct stat& from) {
     stat.kind = kind_of(from.st_mode);
@@ -35,17 +26,13 @@ void fill(FileStat& stat, const struct stat& from) {
 }
 
 SystemError stat_name(std::string_view path, int flags, FileStat& stat) {
-    const SystemPath name(path);
-    if (failed(name.error()))
-        return name.error();
-    const SystemError fault = file_fault(FileOperation::stat, path);
-    if (failed(fault))
-        return fault;
     struct stat found;
-    if (::fstatat(AT_FDCWD, name.c_str(), &found, flags) != 0)
-        return last_error();
-    fill(stat, found);
-    return SystemError::none;
+    const SystemError error = on_path(FileOperation::stat, path, [&](const char* name) {
+        return ::fstatat(AT_FDCWD, name, &found, flags);
+    });
+    if (!failed(error))
+        fill(stat, found);
+    return error;
 }
 
 SystemError take_path(const char* text, std::size_t length, PathBuffer& path) {
@@ -74,16 +61,13 @@ SystemError stat_open_file(File& file, FileStat& stat) {
 }
 
 SystemError read_link(std::string_view path, PathBuffer& target) {
-    const SystemPath name(path);
-    if (failed(name.error()))
-        return name.error();
-    const SystemError fault = file_fault(FileOperation::stat, path);
-    if (failed(fault))
-        return fault;
     char text[k_path_capacity];
-    const ssize_t length = ::readlink(name.c_str(), text, sizeof text);
-    if (length < 0)
-        return last_error();
+    ssize_t length = 0;
+    const SystemError error = on_path(FileOperation::stat, path, [&](const char* name) {
+        return length = ::readlink(name, text, sizeof text);
+    });
+    if (failed(error))
+        return error;
     // A text that fills the buffer may have been cut.
     if (static_cast<std::size_t>(length) == sizeof text)
         return refuse(Refusal::path_too_long);
@@ -91,17 +75,12 @@ SystemError read_link(std::string_view path, PathBuffer& target) {
 }
 
 SystemError real_path(std::string_view path, PathBuffer& resolved) {
-    const SystemPath name(path);
-    if (failed(name.error()))
-        return name.error();
-    const SystemError fault = file_fault(FileOperation::stat, path);
-    if (failed(fault))
-        return fault;
     static_assert(k_path_capacity >= PATH_MAX);
     char text[PATH_MAX];
-    if (::realpath(name.c_str(), text) == nullptr)
-        return last_error();
-    return take_path(text, std::string_view(text).size(), resolved);
+    const SystemError error = on_path(FileOperation::stat, path, [&](const char* name) {
+        return ::realpath(name, text) == nullptr ? -1 : 0;
+    });
+    return failed(error) ? error : take_path(text, std::string_view(text).size(), resolved);
 }
 
 SystemError current_directory(PathBuffer& path) {

@@ -79,7 +79,7 @@ protected:
                 path == file_);
     }
     SystemError decide(FileOperation operation, std::string_view path) {
-        trace_ += "orwtfcsRlxmDLak"[static_cast<std::size_t>(operation)];
+        trace_ += "orwtfcsRxmDLak"[static_cast<std::size_t>(operation)];
         if (meddle_)
             meddle_(operation);
         if (is_refused(operation, path))
