@@ -213,15 +213,15 @@ int Read_text_msgs(const char* file_name) {
     if (!find_along_path(file_name, path))
         return 0;
     load_all_deferred();
-    File file;
-    const SystemError error = open_file(file, path.view(), OpenMode::read);
+    // Open for the deferred texts before the first line is taken: the warning of a faulty one is
+    // made of them.
+    const SystemError error = open_file(g_catalogue.file, path.view(), OpenMode::read);
     if (failed(error))
         return is_missing(error) ? 0 : 1;
-    ByteReader reader(file);
+    ByteReader reader(g_catalogue.file);
     CatalogueLine line;
     while (read_line(reader, line))
         take_line(line);
-    g_catalogue.file = std::move(file);
     return 1;
 }
 

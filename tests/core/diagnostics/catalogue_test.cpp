@@ -55,15 +55,15 @@ TEST_F(CatalogueTest, TextsComeFromTheFileAsTheyStandAndFromTheDefaultElsewhere)
     EXPECT_TRUE(said_.empty());
 }
 
-TEST_F(CatalogueTest, FaultyLinesAreToldAndSkipped) {
-    EXPECT_EQ(read("E9001 no colon %s %d\nE9002 :kept\nE9002 :dropped\nE9003\n"), 1);
+TEST_F(CatalogueTest, FaultyLinesAreToldInTheBoundTextsAndSkipped) {
+    EXPECT_EQ(read("E62 :Achtung: \nE71 :%s ohne ':'.\nE72 :%s zweimal.\n"
+                   "E9001 no colon %s %d\nE9002 :kept\nE9002 :dropped\nE9003\n"),
+              1);
     EXPECT_STREQ(msg_first.text(), "default %s %d");
     EXPECT_STREQ(msg_second.text(), "kept");
-    EXPECT_EQ(said_, (std::vector<std::string>{
-                         "Warning: Read_text_msgs:  Missing ':' in message E9001.",
-                         "Warning: Read_text_msgs:  2 versions of msg. E9002.",
-                         "Warning: Read_text_msgs:  Missing ':' in message E9003.",
-                     }));
+    EXPECT_EQ(said_,
+              (std::vector<std::string>{"Achtung: E9001 ohne ':'.", "Achtung: E9002 zweimal.",
+                                        "Achtung: E9003 ohne ':'."}));
 }
 
 TEST_F(CatalogueTest, ATextWithOtherConversionsIsRefused) {
