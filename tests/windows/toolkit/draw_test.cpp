@@ -32,12 +32,9 @@ public:
     explicit Sheet(double ratio = 1, PixelUnits units = PixelUnits::device) : ratio_(ratio) {
         WindowRecord& record = add_window(WindowKind::pane, Window::none);
         window = record.handle;
-        record.widget = this;
         record.handler = {on_event, this};
-        record.surface = make_owned<Surface>();
-        record.surface->window = window;
-        record.surface->widget = this;
-        record.surface->units = units;
+        add_surface(record, units);
+        set_widget(record, this);
         setAttribute(Qt::WA_OpaquePaintEvent);
         resize(121, 87);
         fit_surface(surface());

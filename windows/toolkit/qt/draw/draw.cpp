@@ -5,6 +5,7 @@
 #include "windows/toolkit/qt/draw/shapes.h"
 #include "windows/toolkit/qt/draw/text_runs.h"
 #include "windows/toolkit/qt/draw/theme.h"
+#include "windows/toolkit/qt/windows/window_table.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,6 @@
 #include "windows/toolkit/qt/draw/fonts.h"
 #include "windows/toolkit/qt/draw/pictures.h"
 #include "windows/toolkit/qt/draw/theme.h"
-#include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QPaintEvent>
 #include <QWidget>
@@ -118,18 +117,6 @@ void blit(Surface& surface, const QPaintEvent& event) {
 }
 
 } // namespace
-
-Surface* find_surface(Window window) {
-    WindowRecord* record = find_window(window);
-    return record == nullptr ? nullptr : record->surface.get();
-}
-
-Surface* find_fitted_surface(Window window) {
-    Surface* surface = find_surface(window);
-    if (surface != nullptr && surface->point == 0)
-        fit_surface(*surface);
-    return surface;
-}
 
 void fit_surface(Surface& surface) {
     constexpr double k_points_of_inch = 72;
@@ -276,12 +263,10 @@ void ask_for_box(Surface& surface, const Rect& box) {
 bool tell_pending(Surface& surface) {
     if (surface.pending.isEmpty() || surface.is_updating)
         return true;
-    const Window window = surface.window;
     surface.updating = std::exchange(surface.pending, {});
     surface.is_updating = true;
     const Rect box = box_of(surface.updating.boundingRect());
-    deliver(window, Event{UpdateEvent{to_units(surface, box)}});
-    if (find_surface(window) == nullptr)
+    if (!surface.update(surface.window, to_units(surface, box)))
         return false;
     surface.is_updating = false;
     surface.updating = {};

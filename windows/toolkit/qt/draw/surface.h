@@ -32,6 +32,8 @@ struct DrawContext {
 /// was asked for by `pending` is told to the window as one update event before it is painted.
 struct Surface {
     Window window = Window::none;
+    /// Has the window draw `rect`, in its units; false when it did not live through that.
+    bool (*update)(Window window, const Rect& rect) = nullptr;
     QWidget* widget = nullptr; ///< shows the image; owns the surface through its record
     PixelUnits units = PixelUnits::device;
     QImage store;      ///< rows among which the image slides when it is scrolled
@@ -52,11 +54,6 @@ struct Surface {
     Surface(const Surface&) = delete;
     Surface& operator=(const Surface&) = delete;
 };
-
-/// The surface of a window that draws, else null.
-[[nodiscard]] Surface* find_surface(Window window);
-/// The same, fitted to its widget at least once.
-[[nodiscard]] Surface* find_fitted_surface(Window window);
 
 /// Fits the image to the widget's size and pixel ratio; keeps what was drawn, and asks for what is
 /// new (all of it when the ratio changed).

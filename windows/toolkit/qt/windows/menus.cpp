@@ -1,66 +1,14 @@
-#include "windows/toolkit/qt/windows/menus.h"
-
 #include "windows/toolkit/menu_resource.h"
-#include "windows/toolkit/qt/boxes/about.h"
-#include "windows/toolkit/qt/text_conversion.h"
+#include "windows/toolkit/qt/windows/menu_actions.h"
 #include "windows/toolkit/qt/windows/places.h"
 #include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
-#include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
 
 namespace pellux {
 namespace {
-
-/// With Qt's '&' before the mnemonic.
-QString marked_title(const MenuItem& item) {
-    const std::string_view title = item.title;
-    const auto marked = [](std::string_view part) {
-        return to_qstring(part).replace(QLatin1Char('&'), QLatin1String("&&"));
-    };
-    if (item.mnemonic >= title.size())
-        return marked(title);
-    return marked(title.substr(0, item.mnemonic)) + QLatin1Char('&') +
-           marked(title.substr(item.mnemonic));
-}
-
-void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items) {
-    for (const MenuItem& item : items) {
-        if (item.is_separator) {
-            menu.addSeparator();
-            continue;
-        }
-        if (!item.items.empty()) {
-            fill_menu(*menu.addMenu(marked_title(item)), owner, item.items);
-            continue;
-        }
-        QAction* action = menu.addAction(marked_title(item));
-        action->setData(item.tag);
-        action->setEnabled(item.is_enabled);
-        action->setCheckable(item.is_checked);
-        action->setChecked(item.is_checked);
-        action->setShortcut(QKeySequence(to_qstring(item.shortcut), QKeySequence::PortableText));
-        // The command may destroy the menu that it comes from.
-        QObject::connect(
-            action, &QAction::triggered, QCoreApplication::instance(),
-            [owner, tag = item.tag] { deliver(owner, Event{CommandEvent{tag}}); },
-            Qt::QueuedConnection);
-    }
-}
-
-QAction* find_action(const QList<QAction*>& actions, int tag) {
-    for (QAction* action : actions) {
-        if (QMenu* below = action->menu()) {
-            if (QAction* found = find_action(below->actions(), tag))
-                return found;
-        } else if (action->data().toInt() == tag && !action->isSeparator()) {
-            return action;
-        }
-    }
-    return nullptr;
-}
 
 /// Changes an item in the window's tree, and where it is shown.
 template <typename Change, typename Show>
@@ -80,22 +28,6 @@ void change_item(Window window, int tag, Change change, Show show) {
 }
 
 } // namespace
-
-void fill_menu_bar(QMenuBar& bar, Window owner, const Vector<MenuItem>& menus, int help_menu) {
-    for (QAction* action : bar.actions()) {
-        bar.removeAction(action);
-        if (action->menu() != nullptr)
-            action->menu()->deleteLater();
-    }
-    for (const MenuItem& menu : menus) {
-        auto* shown = new QMenu(marked_title(menu), &bar);
-        shown->menuAction()->setData(menu.tag);
-        fill_menu(*shown, owner, menu.items);
-        if (menu.tag == help_menu)
-            add_about(*shown);
-        bar.addMenu(shown);
-    }
-}
 
 void xvt_menu_popup(Window window, std::span<const MenuItem> items, Point at) {
     const WindowRecord* record = find_window(window);

@@ -18,11 +18,8 @@ WindowRecord* add_pane(const PaneSpec& spec) {
     WindowRecord& record = add_window(WindowKind::pane, spec.parent);
     record.id = spec.id;
     record.handler = spec.handler;
-    record.surface = make_owned<Surface>();
-    record.surface->window = record.handle;
-    record.surface->units = spec.units;
+    add_surface(record, spec.units);
     auto* pane = new Canvas(around, record.handle, spec.takes_tab);
-    record.surface->widget = pane;
     set_widget(record, pane);
     if (spec.takes_focus)
         pane->setFocusPolicy(Qt::StrongFocus);

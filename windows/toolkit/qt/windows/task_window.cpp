@@ -2,7 +2,7 @@
 
 #include "windows/toolkit/app.h"
 #include "windows/toolkit/qt/windows/canvas.h"
-#include "windows/toolkit/qt/windows/menus.h"
+#include "windows/toolkit/qt/windows/menu_actions.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 

@@ -97,12 +97,36 @@ void remove_window(Window window) {
     table.free.push_back(static_cast<std::uint32_t>(&slot - table.places.data()));
 }
 
+void add_surface(WindowRecord& record, PixelUnits units) {
+    record.surface = make_owned<Surface>();
+    record.surface->window = record.handle;
+    record.surface->units = units;
+    record.surface->update = [](Window window, const Rect& rect) {
+        deliver(window, Event{UpdateEvent{rect}});
+        return find_window(window) != nullptr;
+    };
+}
+
+Surface* find_surface(Window window) {
+    const WindowRecord* record = find_window(window);
+    return record == nullptr ? nullptr : record->surface.get();
+}
+
+Surface* find_fitted_surface(Window window) {
+    Surface* surface = find_surface(window);
+    if (surface != nullptr && surface->point == 0)
+        fit_surface(*surface);
+    return surface;
+}
+
 Window window_of(const QWidget& widget) {
     return static_cast<Window>(widget.property(k_handle_property).toULongLong());
 }
 
 void set_widget(WindowRecord& record, QWidget* widget) {
     record.widget = widget;
+    if (record.surface)
+        record.surface->widget = widget;
     widget->setProperty(k_handle_property, static_cast<qulonglong>(record.handle));
 }
 

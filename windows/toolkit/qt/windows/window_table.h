@@ -43,6 +43,13 @@ void deliver_help(Window window);
 
 /// The window whose client area or control a widget is; none for any other widget.
 [[nodiscard]] Window window_of(const QWidget& widget);
+/// Gives the window an image to draw on, which its widget, set later, shows.
+void add_surface(WindowRecord& record, PixelUnits units);
+/// The surface of a window that draws, else null.
+[[nodiscard]] Surface* find_surface(Window window);
+/// The same, fitted to its widget at least once.
+[[nodiscard]] Surface* find_fitted_surface(Window window);
+
 /// Makes `widget` the window's.
 void set_widget(WindowRecord& record, QWidget* widget);
 

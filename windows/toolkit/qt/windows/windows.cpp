@@ -93,16 +93,11 @@ Window xvt_win_create_res(int number, EventHandler handler) {
     record.handler = handler;
     if (const MenuBarResource* bar = xvt_res_get_menu_bar(resource->menu_bar))
         record.menus = make_owned<Vector<MenuItem>>(menu_tree(*bar));
-    if (resource->draws) {
-        record.surface = make_owned<Surface>();
-        record.surface->window = window;
-        record.surface->units = resource->units;
-    }
+    if (resource->draws)
+        add_surface(record, resource->units);
     auto* frame = new DocumentFrame(&task->area(), window);
     auto* client = new Canvas(frame, window, false);
     set_widget(record, client);
-    if (record.surface)
-        record.surface->widget = client;
     client->setFocusPolicy(Qt::StrongFocus);
     frame->setWidget(client);
     record.title = resource->title;

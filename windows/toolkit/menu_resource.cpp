@@ -1,5 +1,3 @@
-#include "windows/toolkit/menu.h"
-
 #include "windows/toolkit/menu_resource.h"
 
 namespace pellux {

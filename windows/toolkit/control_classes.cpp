@@ -1,5 +1,3 @@
-#include "windows/toolkit/custom_control.h"
-
 #include "windows/toolkit/control_classes.h"
 
 namespace pellux {

@@ -1,10 +1,9 @@
-#include "windows/toolkit/timer.h"
+#include "windows/toolkit/window_timers.h"
 
 #include "core/common/callback.h"
 #include "core/common/containers.h"
 #include "core/os/loop.h"
 #include "windows/toolkit/window.h"
-#include "windows/toolkit/window_timers.h"
 
 #include <algorithm>
 
