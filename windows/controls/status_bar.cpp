@@ -60,6 +60,7 @@ Rect field_rect(Window window, const FieldPlace& place) {
 void take_fields(Window window, StatusBar& bar) {
     const String& shown = bar.title.empty() ? bar.default_text : bar.title;
     const Vector<std::string_view> texts = split_fields(view(shown));
+    xvt_vobj_set_name(window, view(shown));
     const Vector<StatusField> before = std::exchange(bar.fields, {});
     const bool is_same_form = before.size() == texts.size();
     Vector<int> widths;
@@ -158,6 +159,7 @@ void on_creation(Window window) {
     read_size(bar, lines);
     set_font(window, lines);
     bar.title = xvt_vobj_get_title(window);
+    xvt_cxo_set_access(window, {.role = ControlRole::status_bar});
     take_fields(window, bar);
     if (bar.is_debug)
         report_control_debug(

@@ -61,6 +61,20 @@ bool is_enabled(ToggleState state) {
            state != ToggleState::push_disabled;
 }
 
+/// Of a button that is held: what it is checked as apart from that.
+ToggleState resting_state(const ToggleButton& button) {
+    return button.state == ToggleState::mouse_down ? button.before_press : button.state;
+}
+
+void tell_access(Window window, const ToggleButton& button) {
+    const ToggleState state = resting_state(button);
+    xvt_cxo_set_access(
+        window, {.role = button.stays_down ? ControlRole::check_box : ControlRole::button,
+                 .is_pressed = button.state == ToggleState::mouse_down,
+                 .is_checked = state == ToggleState::down || state == ToggleState::down_disabled,
+                 .is_mixed = state == ToggleState::indeterminate});
+}
+
 void redraw(Window window) {
     xvt_dwin_invalidate_rect(window, xvt_vobj_get_client_rect(window));
 }
@@ -161,6 +175,7 @@ void on_creation(Window window) {
     button.state = parse_state(text_property(lines, "STATE", ""));
     button.stays_down =
         button.state != ToggleState::push && button.state != ToggleState::push_disabled;
+    tell_access(window, button);
     const std::string_view description = text_property(lines, "DESC", "");
     xvt_vobj_set_tool_tip(window, description);
     const std::string_view name = description.empty() ? view(button.title) : description;
@@ -177,6 +192,7 @@ void set_state(Window window, ToggleButton& button, ToggleState state) {
     if (button.state == state)
         return;
     button.state = state;
+    tell_access(window, button);
     redraw(window);
 }
 

@@ -264,6 +264,7 @@ void take_size(Window window, Toolbar& bar) {
 void on_creation(Window window) {
     Toolbar& bar = toolbars[window];
     bar.title = first_characters(view(xvt_vobj_get_title(window)), k_title_characters_max);
+    xvt_cxo_set_access(window, {.role = ControlRole::tool_bar});
     xvt_vobj_set_name(window, view(bar.title));
     Font font = xvt_font_get_default();
     xvt_font_set_family(font, "helvetica");

@@ -28,6 +28,19 @@ struct CustomControlSpec {
 /// None for a class that does not exist, or when the creation handler destroyed the control.
 Window xvt_cxo_create(const CustomControlSpec& spec);
 [[nodiscard]] std::span<const String> xvt_cxo_get_properties(Window control);
+
+/// What a control is to assistive technology, which says it with the control's name. A press from
+/// there comes as a blank typed.
+enum class ControlRole { pane, tool_bar, button, check_box, status_bar };
+struct ControlAccess {
+    ControlRole role = ControlRole::pane;
+    bool is_pressed = false; ///< held down
+    bool is_checked = false;
+    bool is_mixed = false; ///< neither checked nor not
+};
+/// In the control's creation event, before its name is set, and again after each change.
+void xvt_cxo_set_access(Window control, const ControlAccess& access);
+
 /// Tells the parent of `control`, whose id and handle are put into the notice. False when there is
 /// no such control.
 bool xvt_cxo_notify(Window control, NoticeEvent notice);

@@ -203,12 +203,13 @@ TEST(Toolbar, TellsOfItselfWhenAskedTo) {
 }
 
 TEST(ToggleButton, FollowsThePointerAndTheKeys) {
-    const Lines lines{"t",         "PICBUTN=1,301",  "PICBUTN=2,302",
-                      "SEPARATOR", "TOGLBUTN=3,303", "PICBUTN=4,304"};
+    const Lines lines{"t",         "PICBUTN=1,301,Open.", "PICBUTN=2,302",
+                      "SEPARATOR", "TOGLBUTN=3,303,Wrap", "PICBUTN=4,304"};
     with_toolbar(lines, [](Owner& owner) {
         const auto part = [&](int id) { return toolbar_get_control(owner.control, id); };
         press_pointer(part(1), k_inside);
         EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::mouse_down);
+        EXPECT_EQ(spoken(part(1)), "button 'Open' pressed");
         move_pointer(part(1), k_outside, PointerButton::left);
         EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::push);
         release_pointer(part(1), k_outside);
@@ -258,8 +259,19 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         toggle_button_set_state(part(2), ToggleState::push);
         release_pointer(part(2), k_inside);
         EXPECT_EQ(owner.take(), "");
+        EXPECT_EQ(spoken(owner.control), "tool bar 'Tools'");
+        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked");
         toggle_button_set_state(part(3), ToggleState::push);
         EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::up);
+        EXPECT_EQ(spoken(part(3)), "check box 'Wrap'");
+        EXPECT_TRUE(press_by_voice(part(3)) && press_by_voice(part(1)));
+        EXPECT_EQ(owner.take(), "101 3 5 notice\n101 1 4 notice\n");
+        press_pointer(part(3), k_inside);
+        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked pressed");
+        toggle_button_set_state(part(3), ToggleState::down_disabled);
+        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked disabled");
+        toggle_button_set_state(part(3), ToggleState::indeterminate);
+        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' mixed");
     });
 }
 
@@ -324,7 +336,7 @@ TEST(StatusBar, ShowsFieldsThatDoNotJump) {
         ASSERT_EQ(first.size(), 1U);
         EXPECT_TRUE(first[0] >= 8 && first[0] <= 12);
         set_status_text(owner.control, "III\tI1000\tII");
-        EXPECT_EQ(xvt_vobj_get_title(owner.control), "III\tI1000\tII");
+        EXPECT_EQ(spoken(owner.control), "status bar 'III\tI1000\tII'");
         const auto wide = starts();
         ASSERT_EQ(wide.size(), 3U);
         EXPECT_GT(wide[1], 250);

@@ -6,6 +6,7 @@
 #include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
@@ -316,6 +317,37 @@ Window shown_output_window() {
 int first_shown_entry(Window list) {
     const auto* view = widget_of<QListView>(list);
     return view == nullptr ? -1 : view->indexAt({2, 2}).row();
+}
+
+std::string spoken(Window window) {
+    const QAccessibleInterface* about = QAccessible::queryAccessibleInterface(widget_at(window));
+    if (about == nullptr)
+        return {};
+    const QAccessible::Role role = about->role();
+    std::string text = role == QAccessible::CheckBox    ? "check box"
+                       : role == QAccessible::Button    ? "button"
+                       : role == QAccessible::ToolBar   ? "tool bar"
+                       : role == QAccessible::StatusBar ? "status bar"
+                                                        : std::to_string(role);
+    text += " '" + about->text(QAccessible::Name).toStdString() + "'";
+    const QAccessible::State state = about->state();
+    const std::pair<bool, const char*> words[] = {{state.checked, " checked"},
+                                                  {state.checkStateMixed, " mixed"},
+                                                  {state.pressed, " pressed"},
+                                                  {state.disabled, " disabled"}};
+    for (const auto& [is_so, word] : words)
+        text += is_so ? word : "";
+    return text;
+}
+
+bool press_by_voice(Window window) {
+    QAccessibleInterface* about = QAccessible::queryAccessibleInterface(widget_at(window));
+    QAccessibleActionInterface* actions = about == nullptr ? nullptr : about->actionInterface();
+    if (actions == nullptr || actions->actionNames().isEmpty())
+        return false;
+    actions->doAction(actions->actionNames().first());
+    process_events();
+    return true;
 }
 
 void close_by_frame(Window window) {

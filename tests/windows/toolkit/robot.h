@@ -57,6 +57,11 @@ void in_box(const std::function<void()>& act);
 /// The entry at the upper edge of a list; -1 for none.
 [[nodiscard]] int first_shown_entry(Window list);
 
+/// What assistive technology is told of a window: "check box 'Name' checked pressed".
+[[nodiscard]] std::string spoken(Window window);
+/// Does what the control offers there first; false when it offers nothing.
+bool press_by_voice(Window window);
+
 /// Clicks on a frame's close button.
 void close_by_frame(Window window);
 /// What the desktop asks before it ends the session: may it end?

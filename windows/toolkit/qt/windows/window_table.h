@@ -1,5 +1,6 @@
 #pragma once
 
+#include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/event.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/qt/draw/surface.h"
@@ -24,6 +25,7 @@ struct WindowRecord {
     Owned<Surface> surface;        ///< of a window that draws
     Vector<Window> children;       ///< in the order of their making
     Vector<String> properties;     ///< of a custom control
+    ControlAccess access;          ///< the same
     Owned<Vector<MenuItem>> menus; ///< of a window with a menu bar
     bool is_closing = false;
 };
