@@ -1,12 +1,12 @@
 #include "windows/controls/toolbar.h"
 
+#include "core/common/utf8.h"
 #include "core/diagnostics/message.h"
 #include "windows/controls/control_defaults.h"
 #include "windows/controls/control_report.h"
 #include "windows/controls/property_text.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar_layout.h"
-#include "windows/controls/utf8_text.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/draw.h"

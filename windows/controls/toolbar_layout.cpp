@@ -1,6 +1,6 @@
 #include "windows/controls/toolbar_layout.h"
 
-#include "windows/controls/utf8_text.h"
+#include "core/common/utf8.h"
 
 #include <algorithm>
 #include <limits>

@@ -26,4 +26,7 @@ namespace pellux {
     return text.substr(0, length);
 }
 
+/// Is all of it UTF-8? Longer forms than needed, surrogates and numbers over 0x10FFFF are none.
+[[nodiscard]] bool is_utf8(std::string_view text);
+
 } // namespace pellux
