@@ -14,6 +14,8 @@ namespace {
 
 const fs::path k_sources = "/usr/lib/ghdl/src"; ///< of the packages that come with GHDL
 
+const std::string k_letter = "\xC3\xA9"; ///< in UTF-8
+
 /// One of them, which goes into a library that is named after its folder.
 struct Source {
     std::string path;
@@ -34,11 +36,16 @@ int character(const std::string& text, int line, int column) {
     std::string found;
     for (int i = 0; i < line; ++i)
         std::getline(lines, found);
+    // The sources are ASCII; of what is planted in them only this is UTF-8.
+    const bool is_utf8 = text.find(k_letter) != text.npos;
     int reached = 0;
+    int characters = 0;
     for (std::size_t i = 0;; ++i) {
         reached = i < found.size() && found[i] == '\t' ? reached / 8 * 8 + 8 : reached + 1;
+        if (!is_utf8 || i >= found.size() || found[i] != k_letter[1])
+            ++characters;
         if (column <= reached)
-            return static_cast<int>(i) + 1;
+            return characters;
     }
 }
 
@@ -162,17 +169,17 @@ TEST(GhdlSources, AreJudgedAsByGhdlAloneAndCompiledOnce) {
 std::string with_fault(std::string text, std::mt19937& random) {
     const std::size_t at = random() % text.size();
     const unsigned kind = random() % 8;
-    const char c = kind == 0   ? '\t'
-                   : kind == 1 ? static_cast<char>(random() % 256)
-                               : static_cast<char>(' ' + random() % 95);
+    const std::string c = kind == 0   ? "\t"
+                          : kind == 1 ? std::string(1, static_cast<char>(random() % 256))
+                          : kind == 2 ? k_letter
+                                      : std::string(1, static_cast<char>(' ' + random() % 95));
     switch (random() % 3) {
     case 0:
         return text.erase(at, 1);
     case 1:
-        text[at] = c;
-        return text;
+        return text.replace(at, 1, c);
     default:
-        return text.insert(at, 1, c);
+        return text.insert(at, c);
     }
 }
 

@@ -114,14 +114,35 @@ TEST_F(Translation, ASourceIsReadAndItsMessagesToldOnceUntilItIsCompiledAgain) {
     EXPECT_EQ(told, (Lines{"E t.vhd(1,2) one", "E t.vhd(1,3) two", "E t.vhd(1,9) one"}));
 }
 
-TEST_F(Translation, TabColumnsBecomeCharactersOfThatLine) {
-    scratch.write("t.vhd", "no tab here\n\t\tv := a;\r\n\t  x\t<= b;\r  y <= z;");
-    call("t.vhd:1:4: none\nt.vhd:2:22: a\nt.vhd:2:9: (again)\nt.vhd:3:11: x\nt.vhd:3:20: b\n"
-         "t.vhd:4:3: y\nt.vhd:4:99: behind\nt.vhd:9:17: no line\ngone.vhd:1:17: no file\n");
-    EXPECT_EQ(told,
-              (Lines{"E t.vhd(1,4) none", "E t.vhd(2,8) a\n    (again) (line 2, col 2)",
-                     "E t.vhd(3,4) x", "E t.vhd(3,9) b", "E t.vhd(4,3) y", "E t.vhd(4,99) behind",
-                     "E t.vhd(9,17) no line", "E gone.vhd(1,17) no file"}));
+TEST_F(Translation, ColumnsCountTheCharactersOfTheirLine) {
+    // A line ends with LF, CR, or the two in either order.
+    scratch.write("t.vhd",
+                  "no tab here\n\t\tv := a;\r\n\t  x\t<= b;\r  y <= z;\n\r1234567\tx\n\n\t");
+    // All of a file is UTF-8 or none: the sharp s, the euro sign and a clef, or single bytes.
+    const std::string letters = "\xC3\x9F\t\xE2\x82\xAC\xF0\x9D\x84\x9E;";
+    scratch.write("u.vhd", letters);
+    scratch.write("b.vhd", letters + "\n\xDF");
+    const struct {
+        const char* place; ///< GHDL's
+        const char* told;
+    } rows[] = {
+        {"t.vhd:1:4", "t.vhd(1,4)"},       {"t.vhd:2:22", "t.vhd(2,8)"},
+        {"t.vhd:2:8", "t.vhd(2,1)"},       {"t.vhd:2:9", "t.vhd(2,2)"},
+        {"t.vhd:3:11", "t.vhd(3,4)"},      {"t.vhd:3:20", "t.vhd(3,9)"},
+        {"t.vhd:4:3", "t.vhd(4,3)"},       {"t.vhd:4:10", "t.vhd(4,10)"},
+        {"t.vhd:4:99", "t.vhd(4,99)"},     {"t.vhd:5:9", "t.vhd(5,9)"},
+        {"t.vhd:7:9", "t.vhd(7,2)"},       {"t.vhd:9:17", "t.vhd(9,17)"},
+        {"gone.vhd:1:9", "gone.vhd(1,9)"}, {"u.vhd:1:2", "u.vhd(1,1)"},
+        {"u.vhd:1:3", "u.vhd(1,2)"},       {"u.vhd:1:9", "u.vhd(1,3)"},
+        {"u.vhd:1:12", "u.vhd(1,4)"},      {"u.vhd:1:16", "u.vhd(1,5)"},
+        {"u.vhd:1:17", "u.vhd(1,6)"},      {"b.vhd:1:16", "b.vhd(1,11)"},
+        {"b.vhd:2:2", "b.vhd(2,2)"},
+    };
+    for (const auto& row : rows) {
+        told.clear();
+        call(row.place + std::string(": x\n"));
+        EXPECT_EQ(told, (Lines{"E " + std::string(row.told) + " x"})) << row.place;
+    }
 }
 
 TEST_F(Translation, NamesAreTheVectorsOwn) {
@@ -136,24 +157,6 @@ TEST_F(Translation, NamesAreTheVectorsOwn) {
     EXPECT_EQ(told, (Lines{"E -t.vhd(1,1) top", "E ./sub/../a.vhd(2,1) same file",
                            "E ./sub/../a.vhd(3,1) same words", "E other.vhd(4,1) another",
                            "E gone.vhd(5,1) missing"}));
-}
-
-TEST(Columns, ATabReachesToTheNextMultipleOfEight) {
-    struct Row {
-        const char* line;
-        int ghdl;
-        int character;
-    };
-    const Row rows[] = {
-        {"abc", 1, 1},   {"abc", 4, 4},    {"abc", 9, 9},        {"", 1, 1},
-        {"\tx", 8, 1},   {"\tx", 9, 2},    {"\tx", 10, 3},       {"ab\tx", 9, 4},
-        {"\t\t", 17, 3}, {"\t\t", 18, 18}, {"1234567\tx", 9, 9}, {"12345678\tx", 17, 10},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(character_column(row.line, row.ghdl), row.character) << row.line << row.ghdl;
-    EXPECT_EQ(line_starts("a\nb\r\nc\rd\n\re\n\n\r\r"),
-              (Vector<std::size_t>{0, 2, 5, 7, 10, 12, 14, 15}));
-    EXPECT_EQ(line_starts(""), (Vector<std::size_t>{0}));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "tools/driver/ghdl/source_columns.h"
 
 #include "core/common/text_file.h"
+#include "core/common/utf8.h"
 
 namespace pellux {
 namespace {
@@ -12,20 +13,8 @@ bool is_line_end(char c) {
     return c == '\n' || c == '\r';
 }
 
-} // namespace
-
-int character_column(std::string_view line, int column) {
-    int reached = 1;
-    for (std::size_t i = 0; i <= line.size(); ++i) {
-        const bool is_tab = i < line.size() && line[i] == '\t';
-        const int next = is_tab ? ((reached - 1) / k_tab + 1) * k_tab + 1 : reached + 1;
-        if (column < next)
-            return static_cast<int>(i) + 1;
-        reached = next;
-    }
-    return column;
-}
-
+/// Offsets at which lines start. A line ends with LF, CR, or the two in either order, as it does
+/// for GHDL.
 Vector<std::size_t> line_starts(std::string_view text) {
     Vector<std::size_t> starts{0};
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -38,22 +27,49 @@ Vector<std::size_t> line_starts(std::string_view text) {
     return starts;
 }
 
-bool source_line(SourceLines& lines, std::string_view file, int number, std::string_view& line) {
+const SourceLines::Source& source_of(SourceLines& lines, std::string_view file) {
     auto found = lines.sources.find(file);
     if (found == lines.sources.end()) {
         SourceLines::Source source;
         SystemError error = SystemError::none;
-        if (read_text_file(file, k_source_max, source.text, error) == TextFileStatus::read)
+        if (read_text_file(file, k_source_max, source.text, error) == TextFileStatus::read) {
             source.starts = line_starts(view(source.text));
+            source.is_utf8 = is_utf8(view(source.text));
+        }
         found = lines.sources.emplace(String(file), std::move(source)).first;
     }
-    const SourceLines::Source& source = found->second;
-    const auto index = static_cast<std::size_t>(number) - 1;
-    if (number < 1 || index >= source.starts.size())
-        return false;
-    const std::string_view from_line = view(source.text).substr(source.starts[index]);
-    line = from_line.substr(0, from_line.find_first_of("\r\n"));
-    return true;
+    return found->second;
+}
+
+/// The byte, from 0, that GHDL's column counts up to; the line's length for the column behind it,
+/// more for any further one.
+std::size_t byte_at(std::string_view line, int column) {
+    int reached = 1;
+    for (std::size_t i = 0; i <= line.size(); ++i) {
+        const bool is_tab = i < line.size() && line[i] == '\t';
+        reached = is_tab ? ((reached - 1) / k_tab + 1) * k_tab + 1 : reached + 1;
+        if (column < reached)
+            return i;
+    }
+    return line.size() + 1;
+}
+
+} // namespace
+
+int character_column(SourceLines& lines, std::string_view file, int line, int column) {
+    const SourceLines::Source& source = source_of(lines, file);
+    const auto index = static_cast<std::size_t>(line) - 1;
+    if (line < 1 || index >= source.starts.size())
+        return column;
+    std::string_view text = view(source.text).substr(source.starts[index]);
+    text = text.substr(0, text.find_first_of("\r\n"));
+    const std::size_t byte = byte_at(text, column);
+    if (byte > text.size())
+        return column;
+    if (!source.is_utf8)
+        return static_cast<int>(byte) + 1;
+    const bool is_within = byte < text.size() && is_continuation(text[byte]);
+    return static_cast<int>(count_characters(text.substr(0, byte))) + (is_within ? 0 : 1);
 }
 
 } // namespace pellux

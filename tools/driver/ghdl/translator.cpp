@@ -49,10 +49,9 @@ bool is_follow_up(const Translator& translator, const GhdlLine& line) {
 }
 
 int column_of(Translator& translator, const GhdlLine& line) {
-    std::string_view text;
-    if (line.column > 1 && source_line(translator.sources, line.file, line.line, text))
-        return character_column(text, line.column);
-    return line.column;
+    if (line.column <= 1)
+        return line.column;
+    return character_column(translator.sources, line.file, line.line, line.column);
 }
 
 void add_follow_up(Translator& translator, const GhdlLine& line) {
