@@ -33,6 +33,15 @@ void go(String& path, std::string_view way) {
 
 } // namespace
 
+String joined_path(std::string_view directory, std::string_view name) {
+    if (is_absolute(name))
+        return String(name);
+    String path(directory);
+    if (!path.empty() && !is_separator(path.back()))
+        path += path_separator();
+    return path += name;
+}
+
 String absolute_path(std::string_view directory, std::string_view path) {
     String whole;
     if (!is_absolute(path))

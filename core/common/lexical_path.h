@@ -9,6 +9,10 @@ namespace pellux {
 // Paths as texts: "." and ".." are resolved without asking the disk, so that a link in front of a
 // ".." must be resolved before.
 
+/// `name` in `directory`, with a separator between them where there is none; an absolute `name`
+/// alone. With an empty `name` it is what the paths of all that lies in the directory begin with.
+[[nodiscard]] String joined_path(std::string_view directory, std::string_view name);
+
 /// `path`, counted from the absolute `directory`, without "." and ".." as far as they can be
 /// resolved in the text.
 [[nodiscard]] String absolute_path(std::string_view directory, std::string_view path);

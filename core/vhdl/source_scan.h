@@ -3,10 +3,14 @@
 #include "core/common/containers.h"
 #include "core/common/digest.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace pellux {
+
+/// Bytes of the largest source that is read.
+inline constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 /// The different identifiers of a text, in no order. Basic ones are in lower case as GHDL folds
 /// them (ASCII and Latin-1), extended ones stand with their backslashes.

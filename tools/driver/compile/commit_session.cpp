@@ -45,9 +45,10 @@ SystemError write_vif(const CompileSession& session, const SessionSource& source
     const String path = absolute_path(view(session.current), view(source.name));
     PathBuffer real;
     const SystemError error = real_path(directory_part(view(path)), real);
-    if (failed(error) || !real.join(view(source.file)))
-        return failed(error) ? error : refuse(Refusal::path_too_long);
-    const String way = relative_path(view(directory), real.view());
+    if (failed(error))
+        return error;
+    const String way =
+        relative_path(view(directory), view(joined_path(real.view(), view(source.file))));
     if (read_vif(view(directory), view(source.file)) == way)
         return SystemError::none;
     return write_derived_file(view(vif_name(view(directory), view(source.file))), view(way + "\n"));
@@ -71,14 +72,12 @@ Failure commit_target(CompileSession& session, std::size_t number) {
     GhdlLibrary library = contents(session, number, Moment::end);
     drop_unreadable(library, view(target.library.directory));
     const String text = ghdl_library_text(library);
-    PathBuffer path;
-    if (!library_file_path(view(target.library.directory), view(target.library.place.name),
-                           session.plan->standard, path))
-        return library_failure(target.library.place, refuse(Refusal::path_too_long));
+    const String path = library_file_path(view(target.library.directory),
+                                          view(target.library.place.name), session.plan->standard);
     if (text != target.library.text) {
-        const SystemError error = safe_write_file(path.view(), std::as_bytes(std::span(text)));
+        const SystemError error = safe_write_file(view(path), std::as_bytes(std::span(text)));
         if (failed(error))
-            return library_failure(target.library.place, file_name_part(path.view()), error);
+            return library_failure(target.library.place, file_name_part(view(path)), error);
     }
     for (const String& file : target.gone)
         remove_traces(target, view(file));

@@ -14,8 +14,6 @@
 namespace pellux {
 namespace {
 
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
-
 /// Gives GHDL a copy of a source that it cannot be given as it is.
 SystemError make_plain_copy(CompileSession& session, SessionSource& source) {
     const String& directory = session.targets[source.library].library.directory;

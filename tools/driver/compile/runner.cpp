@@ -3,7 +3,7 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
-#include "core/vhdl/top_units.h"
+#include "core/vhdl/source_scan.h"
 #include "tools/driver/compile/compile_session.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/compile/run_report.h"
@@ -19,8 +19,6 @@
 
 namespace pellux {
 namespace {
-
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 struct Runner {
     Output& output;

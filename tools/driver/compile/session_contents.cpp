@@ -57,11 +57,9 @@ void drop_unreadable(GhdlLibrary& library, std::string_view directory) {
 
 Failure write_copy(CompileSession& session, GhdlLibrary contents, const CompiledLibrary& library) {
     drop_unreadable(contents, view(session.run.path));
-    PathBuffer path;
-    if (!library_file_path(view(session.run.path), view(library.place.name), session.plan->standard,
-                           path))
-        return library_failure(library.place, refuse(Refusal::path_too_long));
-    const SystemError error = write_derived_file(path.view(), view(ghdl_library_text(contents)));
+    const String path =
+        library_file_path(view(session.run.path), view(library.place.name), session.plan->standard);
+    const SystemError error = write_derived_file(view(path), view(ghdl_library_text(contents)));
     return failed(error) ? library_failure(library.place, error) : Failure();
 }
 

@@ -2,12 +2,12 @@
 
 #include "core/common/text_file.h"
 #include "core/common/utf8.h"
+#include "core/vhdl/source_scan.h"
 
 namespace pellux {
 namespace {
 
 constexpr int k_tab = 8;
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 bool is_line_end(char c) {
     return c == '\n' || c == '\r';

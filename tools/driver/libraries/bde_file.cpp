@@ -1,7 +1,7 @@
 #include "tools/driver/libraries/bde_file.h"
 
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
-#include "core/os/path.h"
 #include "tools/driver/libraries/derived_file.h"
 
 #include <algorithm>
@@ -148,11 +148,7 @@ String bde_text(const Vector<BdePart>& parts) {
 }
 
 String bde_name(std::string_view source) {
-    const std::string_view name = file_name_part(source);
-    const std::size_t dot = name.rfind('.');
-    if (dot != std::string_view::npos)
-        source.remove_suffix(name.size() - dot);
-    return String(source) + ".bde";
+    return with_extension(source, "bde");
 }
 
 BdeStatus read_bde(std::string_view source, Vector<BdePart>& parts) {

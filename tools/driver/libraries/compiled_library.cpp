@@ -44,11 +44,9 @@ LibraryState read_library(CompiledLibrary& library, VhdlStandard standard) {
     if (failed(real_path(view(library.place.directory), resolved)))
         return LibraryState::missing;
     library.directory = resolved.view();
-    PathBuffer path;
-    if (!library_file_path(resolved.view(), view(library.place.name), standard, path))
-        return LibraryState::unreadable;
+    const String path = library_file_path(resolved.view(), view(library.place.name), standard);
     SystemError error = SystemError::none;
-    switch (read_text_file(path.view(), k_library_file_max, library.text, error)) {
+    switch (read_text_file(view(path), k_library_file_max, library.text, error)) {
     case TextFileStatus::too_large:
         return LibraryState::damaged;
     case TextFileStatus::failed:
@@ -75,9 +73,9 @@ LibraryState load_library(CompiledLibrary& library, VhdlStandard standard) {
     return state;
 }
 
-bool library_file_path(std::string_view directory, std::string_view library, VhdlStandard standard,
-                       PathBuffer& path) {
-    return path.assign(directory) && path.join(view(library_file_name(library, standard)));
+String library_file_path(std::string_view directory, std::string_view library,
+                         VhdlStandard standard) {
+    return joined_path(directory, view(library_file_name(library, standard)));
 }
 
 void set_source_path(GhdlSource& source, std::string_view current, std::string_view path) {
@@ -85,9 +83,7 @@ void set_source_path(GhdlSource& source, std::string_view current, std::string_v
     source.directory.clear();
     if (is_absolute(path))
         return;
-    source.directory = current;
-    if (!is_separator(current.back()))
-        source.directory += path_separator();
+    source.directory = joined_path(current, {});
 }
 
 bool make_readable(GhdlSource& source, std::string_view directory) {
@@ -99,11 +95,8 @@ bool make_readable(GhdlSource& source, std::string_view directory) {
 }
 
 String copy_path(std::string_view library_directory, std::string_view file) {
-    String path(library_directory);
-    path += path_separator();
-    path += k_copies_directory;
-    path += path_separator();
-    return path += file_name_part(file);
+    return joined_path(view(joined_path(library_directory, k_copies_directory)),
+                       file_name_part(file));
 }
 
 } // namespace pellux

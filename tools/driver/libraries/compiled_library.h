@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "core/os/path.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/ghdl/ghdl_library.h"
 
@@ -33,9 +32,9 @@ enum class LibraryState {
 /// the tree that it lies in, was moved, they are mended by what the library itself keeps.
 [[nodiscard]] LibraryState load_library(CompiledLibrary& library, VhdlStandard standard);
 
-/// "work/lib-obj08.cf"; false when the path is too long.
-[[nodiscard]] bool library_file_path(std::string_view directory, std::string_view library,
-                                     VhdlStandard standard, PathBuffer& path);
+/// "work/lib-obj08.cf".
+[[nodiscard]] String library_file_path(std::string_view directory, std::string_view library,
+                                       VhdlStandard standard);
 
 /// Splits a path as GHDL does for a file that it is given by it in the directory `current`.
 void set_source_path(GhdlSource& source, std::string_view current, std::string_view path);

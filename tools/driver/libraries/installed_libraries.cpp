@@ -21,7 +21,6 @@
 namespace pellux {
 namespace {
 
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
 constexpr std::size_t k_library_file_max = std::size_t{64} << 20;
 constexpr const char* k_key_file = "made-from";
 
@@ -46,13 +45,13 @@ String newest_stamp_of_ghdl(const InstalledLibraryRun& run, VhdlStandard standar
         if (!line.starts_with(k_mark))
             continue;
         for (const char* name : {"std", "ieee"}) {
-            PathBuffer path(view(line).substr(k_mark.size()));
+            const String place = joined_path(view(line).substr(k_mark.size()), name);
+            const String path = library_file_path(
+                view(joined_path(view(place), standard_directory(standard))), name, standard);
             String text;
             SystemError error = SystemError::none;
             GhdlLibrary library;
-            if (!path.join(name) || !path.join(standard_directory(standard)) ||
-                !path.join(view(library_file_name(name, standard))) ||
-                read_text_file(path.view(), k_library_file_max, text, error) !=
+            if (read_text_file(view(path), k_library_file_max, text, error) !=
                     TextFileStatus::read ||
                 parse_ghdl_library(view(text), library) != GhdlLibraryStatus::read)
                 continue;
@@ -120,11 +119,10 @@ bool find_cache(const Candidate& candidate, VhdlStandard standard, LibraryPlace&
 }
 
 bool is_made_from(const LibraryPlace& cache, const String& key) {
-    PathBuffer path(view(cache.directory));
+    const String path = joined_path(view(cache.directory), k_key_file);
     String text;
     SystemError error = SystemError::none;
-    return path.join(k_key_file) &&
-           read_text_file(path.view(), key.size(), text, error) == TextFileStatus::read &&
+    return read_text_file(view(path), key.size(), text, error) == TextFileStatus::read &&
            text == key;
 }
 
@@ -180,18 +178,13 @@ void warn(const InstalledLibraryRun& run, const LibraryPlace& cache, SystemError
 /// interrupted in between makes it anew.
 SystemError keep_analysis(const LibraryPlace& cache, const RunDirectory& directory,
                           VhdlStandard standard, const String& key) {
-    PathBuffer made;
-    PathBuffer kept;
-    PathBuffer key_path(view(cache.directory));
-    if (!library_file_path(view(directory.path), view(cache.name), standard, made) ||
-        !library_file_path(view(cache.directory), view(cache.name), standard, kept) ||
-        !key_path.join(k_key_file))
-        return refuse(Refusal::path_too_long);
-    const SystemError error = rename_file(made.view(), kept.view());
+    const SystemError error =
+        rename_file(view(library_file_path(view(directory.path), view(cache.name), standard)),
+                    view(library_file_path(view(cache.directory), view(cache.name), standard)));
     // Where no source could be analysed there is none.
     if (failed(error) && !is_missing(error))
         return error;
-    return write_derived_file(key_path.view(), view(key));
+    return write_derived_file(view(joined_path(view(cache.directory), k_key_file)), view(key));
 }
 
 void make_analysis(const Plan& plan, const InstalledLibraryRun& run, const Candidate& candidate,

@@ -1,5 +1,6 @@
 #include "tools/driver/libraries/library_lock.h"
 
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/clock.h"
 #include "core/os/loop.h"
@@ -14,10 +15,6 @@ namespace {
 
 constexpr std::int64_t k_retry_ms = 20;
 constexpr std::size_t k_holder_max = 64; ///< bytes
-
-bool lock_path(const LibraryPlace& place, PathBuffer& path) {
-    return path.assign(view(place.directory)) && path.join("lock");
-}
 
 Failure in_use(const LibraryPlace& place, std::string_view path) {
     String holder;
@@ -39,11 +36,9 @@ void sign(File& file) {
 
 Failure lock_library(const LibraryPlace& place, LibraryLock& lock, const WaitGuard& guard,
                      std::int64_t wait_ms) {
-    PathBuffer path;
-    if (!lock_path(place, path))
-        return library_failure(place, refuse(Refusal::path_too_long));
+    const String path = joined_path(view(place.directory), "lock");
     File file;
-    SystemError error = open_file(file, path.view(), OpenMode::append);
+    SystemError error = open_file(file, view(path), OpenMode::append);
     if (failed(error))
         return library_failure(place, "lock", error);
     Timer retry;
@@ -57,7 +52,7 @@ Failure lock_library(const LibraryPlace& place, LibraryLock& lock, const WaitGua
         }
         if (real_monotonic_ms() >= give_up || guard.stop(guard.context)) {
             stop_timer(retry);
-            return in_use(place, path.view());
+            return in_use(place, view(path));
         }
         run_turn(TurnWait::until_event);
     }

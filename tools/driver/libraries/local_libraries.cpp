@@ -2,10 +2,12 @@
 
 #include "core/common/ascii_case.h"
 #include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/library/install_root.h"
 #include "core/library/resolve.h"
 #include "core/os/files.h"
+#include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/libraries/derived_file.h"
 #include "tools/driver/libraries/library_name.h"
 #include "tools/driver/messages.h"
@@ -22,11 +24,11 @@ struct DirectoryNames {
 
 bool collect_directory(void* context, std::string_view name, FileKind kind) {
     auto& found = from_context<DirectoryNames>(context);
-    PathBuffer path(found.parent);
     FileStat stat;
     if (is_library_name(name) &&
         (kind == FileKind::directory ||
-         (kind == FileKind::link && path.join(name) && !failed(stat_file(path.view(), stat)) &&
+         (kind == FileKind::link &&
+          !failed(stat_file(view(joined_path(found.parent, name)), stat)) &&
           stat.kind == FileKind::directory)))
         found.names.emplace_back(name);
     return true;
@@ -40,9 +42,7 @@ Vector<String> directories_in(std::string_view parent) {
 }
 
 bool holds_library(const LibraryPlace& place, VhdlStandard standard) {
-    PathBuffer file(view(place.directory));
-    return file.join(view(library_file_name(view(place.name), standard))) &&
-           file_exists(file.view());
+    return file_exists(view(library_file_path(view(place.directory), view(place.name), standard)));
 }
 
 bool is_known(const Vector<LibraryPlace>& places, const String& name) {
@@ -75,26 +75,19 @@ void find_installed_libraries(Surroundings& surroundings) {
     if (!find_install_library_root(root))
         return;
     for (const String& name : directories_in(root.view())) {
-        PathBuffer directory(root.view());
-        LibraryPlace place{lower_case(view(name)), {}};
-        if (!directory.join(view(name)) || !directory.join("work") ||
-            !file_exists(directory.view()) || is_known(surroundings.visible, place.name) ||
+        LibraryPlace place{lower_case(view(name)),
+                           joined_path(view(joined_path(root.view(), view(name))), "work")};
+        if (!file_exists(view(place.directory)) || is_known(surroundings.visible, place.name) ||
             is_known(surroundings.installed, place.name))
             continue;
-        place.directory = directory.view();
         surroundings.installed.push_back(std::move(place));
     }
 }
 
 /// Can files be written there at all?
 Failure try_library(const LibraryPlace& place) {
-    PathBuffer path(view(place.directory));
-    if (!path.join("trial"))
-        return library_failure(place, refuse(Refusal::path_too_long));
-    const SystemError error = try_writing(path.view());
-    if (failed(error))
-        return library_failure(place, error);
-    return {};
+    const SystemError error = try_writing(view(joined_path(view(place.directory), "trial")));
+    return failed(error) ? library_failure(place, error) : Failure();
 }
 
 } // namespace
@@ -147,9 +140,8 @@ Failure library_failure(const LibraryPlace& place, SystemError error) {
 }
 
 Failure library_failure(const LibraryPlace& place, std::string_view file, SystemError error) {
-    PathBuffer path(view(place.directory));
-    const String name(path.join(file) ? path.view() : file);
-    return failure_of(place, error, "'" + name + "': " + error_text(error));
+    const String path = joined_path(view(place.directory), file);
+    return failure_of(place, error, "'" + path + "': " + error_text(error));
 }
 
 Failure prepare_library(const LibraryPlace& place) {

@@ -1,6 +1,7 @@
 #include "tools/driver/libraries/run_directory.h"
 
 #include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/diagnostics/message.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
@@ -27,16 +28,10 @@ Vector<String> names_in(std::string_view directory) {
     return names;
 }
 
-String inside(std::string_view directory, std::string_view name) {
-    String path(directory);
-    path += path_separator();
-    return path += name;
-}
-
 /// Whoever still writes there finds no place any more, and the next run tries again.
 void remove_with_files(std::string_view directory) {
     for (const String& name : names_in(directory))
-        static_cast<void>(remove_file(view(inside(directory, view(name)))));
+        static_cast<void>(remove_file(view(joined_path(directory, view(name)))));
     static_cast<void>(remove_directory(directory));
 }
 
@@ -82,14 +77,14 @@ bool is_run_of_the_past(std::string_view name) {
 void remove_half_written(std::string_view directory) {
     for (const String& name : names_in(directory)) {
         if (is_half_written(view(name)))
-            static_cast<void>(remove_file(view(inside(directory, view(name)))));
+            static_cast<void>(remove_file(view(joined_path(directory, view(name)))));
     }
 }
 
 void remove_leftovers(std::string_view library_directory) {
     for (const String& name : names_in(library_directory)) {
         if (is_run_of_the_past(view(name)))
-            remove_with_files(view(inside(library_directory, view(name))));
+            remove_with_files(view(joined_path(library_directory, view(name))));
     }
     remove_half_written(library_directory);
 }
@@ -101,7 +96,7 @@ RunDirectory::~RunDirectory() {
 SystemError make_run_directory(RunDirectory& directory, std::string_view parent) {
     const String name = format_text("%s%lld", String(k_prefix).c_str(),
                                     static_cast<long long>(current_process_id()));
-    const String path = inside(parent, view(name));
+    const String path = joined_path(parent, view(name));
     SystemError error = make_directory(view(path), 0700);
     if (is_taken(error)) {
         // An earlier process of this number left it.

@@ -5,7 +5,6 @@
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
-#include "core/os/path.h"
 #include "tools/driver/libraries/library_name.h"
 
 #include <algorithm>
@@ -30,11 +29,7 @@ String read_way(std::string_view path) {
 
 String vif_name(std::string_view library_directory, std::string_view file) {
     const std::string_view name = file_name_part(file);
-    String path(library_directory);
-    path += path_separator();
-    path += name.substr(0, name.rfind('.'));
-    path += '.';
-    return path += k_way_extension;
+    return with_extension(view(joined_path(library_directory, name)), k_way_extension);
 }
 
 String read_vif(std::string_view library_directory, std::string_view file) {
@@ -50,13 +45,10 @@ Vector<String> kept_sources(std::string_view library_directory) {
     Found found{library_directory, {}};
     const auto visit = [](void* context, std::string_view name, FileKind) {
         auto& all = from_context<Found>(context);
-        PathBuffer path(all.directory);
-        if (!path.join(name))
-            return true;
         const String extension = lower_case(extension_part(name));
         String way(name);
         if (extension == k_way_extension)
-            way = read_way(path.view());
+            way = read_way(view(joined_path(all.directory, name)));
         else if (extension != "vhd" && extension != "vhdl")
             return true;
         String source = absolute_path(all.directory, view(way));

@@ -6,7 +6,7 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/project/project_file.h"
-#include "core/vhdl/top_units.h"
+#include "core/vhdl/source_scan.h"
 #include "core/vhdl/vhdl_lexer.h"
 #include "tools/driver/messages.h"
 
@@ -14,8 +14,6 @@
 
 namespace pellux {
 namespace {
-
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 Failure in_design(String text) {
     return {ExitStatus::errors, std::move(text)};

@@ -33,16 +33,15 @@ SystemError write_copies(SimLibraries& libraries, VhdlStandard standard, std::st
     if (!failed(error))
         error = make_run_directory(libraries.run, runs);
     for (const CompiledLibrary& library : libraries.libraries) {
-        PathBuffer path;
         if (failed(error))
             return error;
-        if (!library_file_path(view(libraries.run.path), view(library.place.name), standard, path))
-            return refuse(Refusal::path_too_long);
         GhdlLibrary copy{library.sources};
         std::erase_if(copy.sources, [&](GhdlSource& source) {
             return !make_readable(source, view(libraries.run.path));
         });
-        error = write_derived_file(path.view(), view(ghdl_library_text(copy)));
+        error = write_derived_file(
+            view(library_file_path(view(libraries.run.path), view(library.place.name), standard)),
+            view(ghdl_library_text(copy)));
     }
     return error;
 }
@@ -124,7 +123,7 @@ Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard) {
 SourceNames shown_sources(const SimLibraries& libraries, SourceNames& given) {
     PathBuffer current;
     static_cast<void>(current_directory(current));
-    const String inside = String(current.view()) + path_separator();
+    const String inside = joined_path(current.view(), {});
     SourceNames names;
     for (const CompiledLibrary& library : libraries.libraries) {
         for (const GhdlSource& source : library.sources) {
