@@ -18,18 +18,6 @@ void on_ending(void* context, int) {
     end_run(from_context<Output>(context));
 }
 
-Severity severity_of(GhdlLevel level) {
-    switch (level) {
-    case GhdlLevel::note:
-        return Severity::note;
-    case GhdlLevel::warning:
-        return Severity::warning;
-    case GhdlLevel::error:
-        break;
-    }
-    return Severity::error;
-}
-
 } // namespace
 
 void report_to(Output& output) {
@@ -49,17 +37,10 @@ ExitStatus report_failure(const Failure& failure) {
     return failure.status;
 }
 
-void report_diagnostic(const Diagnostic& diagnostic, NoteOutput notes) {
-    const char* compiled = reporter().current_source;
-    if (!diagnostic.file.empty())
-        reporter().current_source = diagnostic.file.c_str();
-    Report told;
-    told.severity = severity_of(diagnostic.level);
-    told.at = {diagnostic.line, diagnostic.column};
-    told.to_report_file_only =
-        diagnostic.level == GhdlLevel::note && notes == NoteOutput::report_file;
-    report(told, msg_as_it_stands.text(), diagnostic.text.c_str());
-    reporter().current_source = compiled;
+Failure unreadable(ExitStatus end, const String& file, TextFileStatus status, SystemError error) {
+    const String reason = status == TextFileStatus::too_large ? format_message(msg_file_too_large)
+                                                              : error_text(error);
+    return {end, format_message(msg_cannot_read, file.c_str(), reason.c_str())};
 }
 
 } // namespace pellux

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/driver/ghdl/translator.h"
+#include "core/common/text_file.h"
 #include "tools/driver/output.h"
 
 namespace pellux {
@@ -14,10 +14,8 @@ void report_to(Output& output);
 /// Tells `failure` and answers its status.
 ExitStatus report_failure(const Failure& failure);
 
-enum class NoteOutput { shown, report_file };
-
-/// Tells a diagnostic through the reporter. One without a source of its own is the current
-/// source's.
-void report_diagnostic(const Diagnostic& diagnostic, NoteOutput notes);
+/// "Can't read" and why, after `read_text_file` has answered `status` and `error`.
+[[nodiscard]] Failure unreadable(ExitStatus end, const String& file, TextFileStatus status,
+                                 SystemError error);
 
 } // namespace pellux

@@ -3,7 +3,6 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
-#include "tools/driver/compile/options.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/reporting.h"
@@ -16,14 +15,13 @@ namespace pellux {
 /// is what its messages call it.
 template <typename Options>
 int run_tool(const char* name, std::span<char* const> words,
-             Failure (*parse)(std::span<const char* const>, ResponseReader, Options&),
+             Failure (*parse)(std::span<const char* const>, Options&),
              ExitStatus (*run)(const Options&, Output&)) {
     make_size_limit_an_error();
     start_diagnostics(name);
     notice_interruption();
     Options options;
-    const Failure failure =
-        parse(words.subspan(words.empty() ? 0 : 1), disk_response_reader(), options);
+    const Failure failure = parse(words.subspan(words.empty() ? 0 : 1), options);
     Output output;
     if (options.channel != 0 && !connect_output(output, options.channel)) {
         // Without its channel the program has no place for its text but standard error.

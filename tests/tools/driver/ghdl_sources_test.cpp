@@ -3,7 +3,7 @@
 #include "tests/support/rounds.h"
 #include "tests/support/scratch.h"
 #include "tests/tools/driver/compiled_tree.h"
-#include "tools/driver/libraries/library_name.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <algorithm>
 #include <array>

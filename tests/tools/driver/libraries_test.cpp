@@ -1,4 +1,4 @@
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/compile/plan.h"
 
 #include "core/os/files.h"
 #include "tests/support/scratch.h"
@@ -55,19 +55,19 @@ TEST(Libraries, EachNameIsFoundInTheFirstPlaceThatHasIt) {
     const test::ScopedVariable install("VELMORA_DIR", scratch.path("tree").c_str());
     Options options;
     options.files = {{"a.vhd", "ALIB"}, {"b.vhd", "new"}, {"c.vhd", "elib"}, {"d.vhd", "flib"}};
-    Surroundings around;
-    ASSERT_FALSE(look_around(options, around));
+    FoundLibraries found;
+    ASSERT_FALSE(find_libraries(named_libraries(options), options.standard, found));
     const String installed(scratch.path("tree/lib/elib/work"));
-    EXPECT_EQ(around.visible,
+    EXPECT_EQ(found.visible,
               (Vector<LibraryPlace>{{"dlib", "far"}, {"alib", "Alib"}, {"clib", "clib"}}));
-    EXPECT_EQ(around.installed, (Vector<LibraryPlace>{{"elib", installed}}));
-    ASSERT_EQ(around.targets.size(), 4u);
-    EXPECT_EQ(around.targets[0].place, (LibraryPlace{"alib", "Alib"}));
-    EXPECT_FALSE(around.targets[0].is_installed);
-    EXPECT_EQ(around.targets[1].place, (LibraryPlace{"new", "new"}));
-    EXPECT_TRUE(around.targets[2].is_installed);
-    EXPECT_TRUE(around.targets[3].is_installed);
-    EXPECT_EQ(make_plan(options, around).failure.text, "Library 'elib' is an installed library.");
+    EXPECT_EQ(found.installed, (Vector<LibraryPlace>{{"elib", installed}}));
+    ASSERT_EQ(found.targets.size(), 4u);
+    EXPECT_EQ(found.targets[0].place, (LibraryPlace{"alib", "Alib"}));
+    EXPECT_FALSE(found.targets[0].is_installed);
+    EXPECT_EQ(found.targets[1].place, (LibraryPlace{"new", "new"}));
+    EXPECT_TRUE(found.targets[2].is_installed);
+    EXPECT_TRUE(found.targets[3].is_installed);
+    EXPECT_EQ(make_plan(options, found).failure.text, "Library 'elib' is an installed library.");
 }
 
 } // namespace

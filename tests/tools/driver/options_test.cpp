@@ -1,5 +1,8 @@
 #include "tools/driver/compile/options.h"
 
+#include "tests/support/scratch.h"
+#include "tools/driver/arguments.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -10,20 +13,8 @@
 namespace pellux {
 namespace {
 
-using Files = std::map<std::string, std::string>;
-
-bool read_response(void* context, std::string_view name, String& text, String& reason) {
-    const auto& files = *static_cast<const Files*>(context);
-    const auto found = files.find(std::string(name));
-    if (found == files.end())
-        reason = "gone";
-    else
-        text = found->second;
-    return found != files.end();
-}
-
 struct Arguments : testing::Test {
-    Files responses; ///< in memory
+    Scratch scratch;
     Options options;
 
     /// `line` holds the words with bars between them.
@@ -36,7 +27,7 @@ struct Arguments : testing::Test {
         for (const std::string& word : words)
             vector.push_back(word.c_str());
         options = {};
-        return parse_arguments(vector, {read_response, &responses}, options);
+        return parse_arguments(vector, options);
     }
     /// Each file behind its library, then the top design.
     std::string files() const {
@@ -62,8 +53,8 @@ TEST_F(Arguments, TakesTheVectorOfTheEnvironment) {
 }
 
 TEST_F(Arguments, EachFileGoesIntoItsLibrary) {
-    responses = {{"r.rsp", "-q\t-aalib \"my file.vhd\"\r\n-b \"a\\\"b\\\\c.vhd\"\n"},
-                 {"a.rsp", "a.vhd"}};
+    scratch.write("r.rsp", "-q\t-aalib \"my file.vhd\"\r\n-b \"a\\\"b\\\\c.vhd\"\n");
+    scratch.write("a.rsp", "a.vhd");
     const std::pair<const char*, const char*> rows[] = {
         {"one.vhd|-alib|two.vhd|three.vhd|-alib|-q|four.vhd",
          "work:one.vhd lib:two.vhd work:three.vhd lib:four.vhd "},
@@ -91,12 +82,14 @@ TEST_F(Arguments, EachStandardHasItsNumber) {
 }
 
 TEST_F(Arguments, RefusesWhatItCannotUnderstandWithTheChannelKnown) {
-    responses = {{"nested.rsp", "a.vhd @a.rsp"},
-                 {"a.rsp", "b.vhd"},
-                 {"open.rsp", "a.vhd \"b.vhd"},
-                 {"nul.rsp", std::string("a.vhd\0b.vhd", 11)},
-                 {"empty.rsp", ""},
-                 {"word.rsp", "a.vhd \"\""}};
+    for (const auto& [name, text] :
+         std::map<std::string, std::string>{{"nested.rsp", "a.vhd @a.rsp"},
+                                            {"a.rsp", "b.vhd"},
+                                            {"open.rsp", "a.vhd \"b.vhd"},
+                                            {"nul.rsp", std::string("a.vhd\0b.vhd", 11)},
+                                            {"empty.rsp", ""},
+                                            {"word.rsp", "a.vhd \"\""}})
+        scratch.write(name, text);
     for (const char* line : {"-m",
                              "-z|x.vhd",
                              "-mm|x.vhd",

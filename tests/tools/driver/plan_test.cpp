@@ -32,9 +32,8 @@ TEST(Plan, TopIsAnalysedLastInWorkAndThenElaborated) {
 }
 
 TEST(Plan, OneLibraryIsOneTargetWhateverItsCase) {
-    const Surroundings around{.targets = {{{"alib", "ALIB"}}}, .visible = {}, .installed = {}};
-    const Plan plan =
-        make_plan(options_of({{"a.vhd", "ALib"}, {"b.vhd", "alib"}}, "t.vhd"), around);
+    const FoundLibraries found{.targets = {{{"alib", "ALIB"}}}, .visible = {}, .installed = {}};
+    const Plan plan = make_plan(options_of({{"a.vhd", "ALib"}, {"b.vhd", "alib"}}, "t.vhd"), found);
     EXPECT_EQ(plan.targets, (Vector<LibraryPlace>{{"alib", "ALIB"}, {"work", "work"}}));
 }
 
@@ -64,10 +63,10 @@ TEST(Plan, RefusesNamesThatAreNoLibraryOfTheUsers) {
 }
 
 TEST(Plan, CallsNameTheLibrariesInPlay) {
-    const Surroundings around{.targets = {},
-                              .visible = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}},
-                              .installed = {{"alib", "x"}, {"far", "f"}}};
-    const Plan plan = make_plan(options_of({{"a.vhd", "alib"}}), around);
+    const FoundLibraries found{.targets = {},
+                               .visible = {{"alib", "alib"}, {"more", "More"}, {"ieee", "ieee"}},
+                               .installed = {{"alib", "x"}, {"far", "f"}}};
+    const Plan plan = make_plan(options_of({{"a.vhd", "alib"}}), found);
     EXPECT_EQ(plan.others, (Vector<LibraryPlace>{{"more", "More"}}));
     EXPECT_EQ(plan.installed, (Vector<LibraryPlace>{{"far", "f"}}));
     const GhdlCalls calls{"/bin/g", VhdlStandard::vhdl_93, "run", {"More"}};

@@ -12,17 +12,13 @@
 namespace pellux {
 namespace {
 
-/// "x.rsp" holds `-q "a b.vhd"`; no other file can be read.
-bool read_one(void*, std::string_view name, String& text, String&) {
-    text = "-q \"a b.vhd\"";
-    return name == "x.rsp";
-}
-
 TEST(SimulationOptions, EachVectorIsTakenOrRefused) {
     struct Row {
         std::vector<const char*> words;
         const char* parsed;
     };
+    const Scratch scratch;
+    scratch.write("x.rsp", "-q \"a b.vhd\"");
     const Row rows[] = {
         {{"t.bpr"}, "t.bpr||60000||0|t.vcd"},
         {{"-utb", "-s10us", "-wghw", "a.b/t"}, "a.b/t|tb|60000|10us|1|t.ghw"},
@@ -35,7 +31,7 @@ TEST(SimulationOptions, EachVectorIsTakenOrRefused) {
     };
     for (const Row& row : rows) {
         SimulationOptions options;
-        const Failure failure = parse_simulation(row.words, {read_one, nullptr}, options);
+        const Failure failure = parse_simulation(row.words, options);
         EXPECT_FALSE(failure) << failure.text;
         const String parsed =
             format_text("%s|%s|%d|%s|%d|%s", options.design.c_str(), options.unit.c_str(),
@@ -47,8 +43,7 @@ TEST(SimulationOptions, EachVectorIsTakenOrRefused) {
                             "-l1.", "-l.", "-l1e3", "-l1000000.001", "-l1..5", "-v94", "-wfst",
                             "-u", "-qq", "-%bpipe0", "", "@y.rsp"}) {
         SimulationOptions options;
-        const Failure failure =
-            parse_simulation(std::vector{bad, "t.vhd"}, {read_one, nullptr}, options);
+        const Failure failure = parse_simulation(std::vector{bad, "t.vhd"}, options);
         EXPECT_EQ(failure.status, ExitStatus::arguments) << bad;
         EXPECT_FALSE(failure.text.empty());
     }

@@ -1,6 +1,7 @@
 #include "tools/driver/ghdl/translator.h"
 
 #include "tests/support/scratch.h"
+#include "tools/driver/ghdl/ghdl_words.h"
 
 #include <gtest/gtest.h>
 
@@ -148,10 +149,8 @@ TEST_F(Translation, ColumnsCountTheCharactersOfTheirLine) {
 TEST_F(Translation, NamesAreTheVectorsOwn) {
     for (const char* file : {"a.vhd", "other.vhd", "sub/x"})
         scratch.write(file, "x");
-    Options options;
-    options.files = {{"./sub/../a.vhd", "work"}, {"gone.vhd", "work"}};
-    options.top = "-t.vhd";
-    names = source_names(make_plan(options, {}));
+    for (const char* given : {"./sub/../a.vhd", "gone.vhd", "-t.vhd"})
+        names.names.push_back({given, ghdl_file_name(given), false, {}});
     call("./-t.vhd:1:1: top\n" + scratch.path("a.vhd") + ":2:1: same file\n" +
          "./sub/../a.vhd:3:1: same words\nother.vhd:4:1: another\ngone.vhd:5:1: missing\n");
     EXPECT_EQ(told, (Lines{"E -t.vhd(1,1) top", "E ./sub/../a.vhd(2,1) same file",

@@ -1,11 +1,12 @@
+#include "tools/driver/compile/commit_session.h"
+
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/os/safe_write.h"
-#include "tools/driver/compile/compile_session.h"
 #include "tools/driver/compile/session_contents.h"
 #include "tools/driver/libraries/derived_file.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/libraries/source_place.h"
 #include "tools/driver/messages.h"
 

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "tools/driver/compile/options.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/compile/recompile.h"
-#include "tools/driver/exit_status.h"
 #include "tools/driver/libraries/bde_file.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/libraries/library_lock.h"
@@ -12,7 +10,6 @@
 #include "tools/driver/libraries/run_directory.h"
 
 #include <cstddef>
-#include <string_view>
 
 namespace pellux {
 
@@ -61,7 +58,8 @@ struct ForeignSource {
 
 /// The libraries of one run. GHDL works on copies in a directory of the run's own, which always
 /// hold what a compilation of all sources in their order would have made up to that point; the
-/// libraries themselves change only in `commit_session`.
+/// libraries themselves change only in `commit_session`. Opened, led through its sources in their
+/// order, and committed by the modules that include this.
 struct CompileSession {
     const Plan* plan = nullptr;
     bool only_changed = false;
@@ -78,32 +76,5 @@ struct CompileSession {
     bool exposed = false;    ///< the copies are what the next source must see
     Vector<String> warnings; ///< about what was found, to be told
 };
-
-/// Everything about GHDL and the way it is called that a library's contents may hang on.
-[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl);
-
-/// Locks and reads the libraries. `ghdl` is the program that will write them.
-[[nodiscard]] Failure open_session(CompileSession& session, const Plan& plan, bool only_changed,
-                                   std::string_view ghdl, const WaitGuard& guard);
-
-/// Reads a source and tells whether it must be compiled. One that is up to date is done with that.
-/// A failure is about this source alone.
-[[nodiscard]] Failure decide_source(CompileSession& session, std::size_t source,
-                                    SourceDecision& decision);
-
-/// Puts in the run's directory what the source may see; the last one sees all.
-[[nodiscard]] Failure expose_libraries(CompileSession& session);
-
-/// Takes what GHDL has made of the source after an analysis that it calls a success.
-[[nodiscard]] Failure take_compiled(CompileSession& session, std::size_t source);
-void take_failed(CompileSession& session, std::size_t source);
-
-/// What an elaboration of the source's units depends on.
-[[nodiscard]] Digest elaboration_digest(const CompileSession& session, std::size_t source);
-/// Records that the units were elaborated with success.
-void take_elaborated(CompileSession& session, std::size_t source, const Digest& digest);
-
-/// Makes what was compiled the contents of the libraries, then records it beside the sources.
-[[nodiscard]] Failure commit_session(CompileSession& session);
 
 } // namespace pellux

@@ -3,7 +3,7 @@
 #include "core/common/blanks.h"
 #include "core/os/ascii.h"
 #include "core/project/directives.h"
-#include "tools/driver/libraries/library_name.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <algorithm>
 

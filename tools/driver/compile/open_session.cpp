@@ -1,9 +1,11 @@
+#include "tools/driver/compile/open_session.h"
+
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
-#include "tools/driver/compile/compile_session.h"
 #include "tools/driver/compile/session_contents.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/ghdl/ghdl_call.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>
@@ -160,15 +162,6 @@ Failure expose_others(CompileSession& session) {
 }
 
 } // namespace
-
-Digest settings_digest(VhdlStandard standard, std::string_view ghdl) {
-    FileStat stat;
-    static_cast<void>(stat_file(ghdl, stat));
-    const String text =
-        format_text("%d %s %lld %lld", static_cast<int>(standard), String(ghdl).c_str(),
-                    static_cast<long long>(stat.size), static_cast<long long>(stat.modified_ns));
-    return digest_of(view(text));
-}
 
 Failure open_session(CompileSession& session, const Plan& plan, bool only_changed,
                      std::string_view ghdl, const WaitGuard& guard) {

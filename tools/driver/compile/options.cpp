@@ -1,11 +1,10 @@
 #include "tools/driver/compile/options.h"
 
-#include "core/common/text_file.h"
-#include "tools/driver/libraries/library_name.h"
+#include "tools/driver/arguments.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <array>
-#include <charconv>
 #include <optional>
 
 namespace pellux {
@@ -51,18 +50,6 @@ constexpr std::array k_switches{
     SwitchRow{"-xor2", Operand::none, SwitchKind::fitting},
 };
 
-struct StandardRow {
-    std::string_view number;
-    VhdlStandard standard;
-};
-
-constexpr std::array k_standards{
-    StandardRow{"87", VhdlStandard::vhdl_87},
-    StandardRow{"93", VhdlStandard::vhdl_93},
-    StandardRow{"2", VhdlStandard::vhdl_2002},
-    StandardRow{"8", VhdlStandard::vhdl_2008},
-};
-
 const SwitchRow* find_switch(std::string_view word) {
     for (const SwitchRow& row : k_switches) {
         if (word.starts_with(row.letters) &&
@@ -72,19 +59,8 @@ const SwitchRow* find_switch(std::string_view word) {
     return nullptr;
 }
 
-template <typename Number>
-std::optional<Number> number_of(std::string_view digits) {
-    Number number = 0;
-    const char* end = digits.data() + digits.size();
-    const auto [rest, error] = std::from_chars(digits.data(), end, number);
-    if (error != std::errc{} || rest != end || number < 0)
-        return std::nullopt;
-    return number;
-}
-
 struct Parser {
     Options& options;
-    ResponseReader reader;
     String library;                 ///< of the next file, empty for `work`
     String library_switch;          ///< the `-a` that waits for its file
     bool awaits_top = false;        ///< the word before was `-b`
@@ -153,7 +129,7 @@ Failure take_word(Parser& parser, std::string_view word);
 Failure take_response(Parser& parser, std::string_view name) {
     const String file(name);
     Vector<String> words;
-    if (Failure failure = read_response(parser.reader, file, words))
+    if (Failure failure = read_response(file, words))
         return failure;
     parser.response = file.c_str();
     for (const String& word : words) {
@@ -210,26 +186,10 @@ Failure take_word(Parser& parser, std::string_view word) {
     return {};
 }
 
-bool read_response_from_disk(void*, std::string_view name, String& text, String& reason) {
-    SystemError error = SystemError::none;
-    switch (read_text_file(name, k_response_max, text, error)) {
-    case TextFileStatus::read:
-        return true;
-    case TextFileStatus::too_large:
-        reason = format_message(msg_file_too_large);
-        return false;
-    case TextFileStatus::failed:
-        reason = error_text(error);
-        return false;
-    }
-    return false;
-}
-
 } // namespace
 
-Failure parse_arguments(std::span<const char* const> words, ResponseReader reader,
-                        Options& options) {
-    Parser parser{options, reader, {}, {}};
+Failure parse_arguments(std::span<const char* const> words, Options& options) {
+    Parser parser{options, {}, {}};
     for (const char* word : words) {
         if (Failure failure = take_word(parser, word))
             return failure;
@@ -243,62 +203,13 @@ Failure parse_arguments(std::span<const char* const> words, ResponseReader reade
     return {};
 }
 
-bool find_standard(std::string_view number, VhdlStandard& standard) {
-    for (const StandardRow& known : k_standards) {
-        if (known.number == number) {
-            standard = known.standard;
-            return true;
-        }
-    }
-    return false;
-}
-
-bool parse_channel(std::string_view digits, std::uint64_t& channel) {
-    const auto address = number_of<std::uint64_t>(digits);
-    if (!address || *address == 0)
-        return false;
-    channel = *address;
-    return true;
-}
-
-bool split_response(std::string_view text, Vector<String>& words) {
-    bool in_word = false;
-    bool in_quotes = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '\0')
-            return false;
-        if (!in_quotes && (c == ' ' || c == '\t' || c == '\n' || c == '\r')) {
-            in_word = false;
-            continue;
-        }
-        if (!in_word)
-            words.emplace_back();
-        in_word = true;
-        if (c == '"') {
-            in_quotes = !in_quotes;
-            continue;
-        }
-        if (in_quotes && c == '\\' && i + 1 < text.size() &&
-            (text[i + 1] == '"' || text[i + 1] == '\\'))
-            c = text[++i];
-        words.back() += c;
-    }
-    return !in_quotes;
-}
-
-Failure read_response(ResponseReader reader, const String& file, Vector<String>& words) {
-    String text;
-    String reason;
-    if (!reader.read(reader.context, view(file), text, reason))
-        return bad(format_message(msg_cannot_read, file.c_str(), reason.c_str()));
-    if (!split_response(view(text), words))
-        return bad(format_message(msg_damaged_response, file.c_str()));
-    return {};
-}
-
-ResponseReader disk_response_reader() {
-    return {read_response_from_disk, nullptr};
+Vector<String> named_libraries(const Options& options) {
+    Vector<String> names;
+    for (const SourceArgument& source : options.files)
+        names.push_back(source.library);
+    if (!options.top.empty())
+        names.emplace_back(k_work_library);
+    return names;
 }
 
 } // namespace pellux

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "core/common/digest.h"
 #include "core/vhdl/source_scan.h"
 #include "tools/driver/ghdl/ghdl_library.h"
+#include "tools/driver/libraries/bde_file.h"
 
 #include <cstddef>
 #include <span>
@@ -18,22 +18,6 @@ namespace pellux {
 
 /// "work architecture rtl of alu": one unit among those of all libraries.
 [[nodiscard]] String unit_key(std::string_view library, const GhdlUnit& unit);
-
-struct UnitStamp {
-    String unit; ///< its key
-    Digest stamp{};
-
-    bool operator==(const UnitStamp&) const = default;
-};
-
-/// A source's last success in one library.
-struct SourceRecord {
-    Digest content{};  ///< the bytes that GHDL read
-    Digest settings{}; ///< standard, GHDL
-    Vector<UnitStamp> units;
-    Vector<UnitStamp> uses; ///< units of other sources that it may depend on, ascending
-    Digest elaborated{};    ///< what its units were last elaborated with; zeros: never
-};
 
 /// The units that a source sees while it is compiled: those of the sources before it, and those
 /// that the libraries hold from elsewhere.

@@ -4,9 +4,11 @@
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/vhdl/source_scan.h"
-#include "tools/driver/compile/compile_session.h"
+#include "tools/driver/compile/commit_session.h"
+#include "tools/driver/compile/open_session.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/compile/run_report.h"
+#include "tools/driver/compile/session_sources.h"
 #include "tools/driver/ghdl/ghdl_call.h"
 #include "tools/driver/ghdl/translator.h"
 #include "tools/driver/interruption.h"
@@ -128,12 +130,12 @@ Failure analyse(Runner& runner, std::size_t number) {
     CompileSession& session = runner.session;
     const SessionSource& source = session.sources[number];
     SourceDecision decision;
-    const Failure unreadable = decide_source(session, number, decision);
-    if (!unreadable)
+    const Failure failed_reading = decide_source(session, number, decision);
+    if (!failed_reading)
         report_source(runner.report, source,
                       view(session.targets[source.library].library.place.name), decision,
                       !session.only_changed);
-    if (decision.verdict == Verdict::up_to_date && !unreadable)
+    if (decision.verdict == Verdict::up_to_date && !failed_reading)
         return {};
     runner.anything_done = true;
     tell_warnings(runner);
@@ -141,8 +143,8 @@ Failure analyse(Runner& runner, std::size_t number) {
     // The environment shows each file as soon as its packet comes.
     send_pending(runner.output.packets);
     print_lines(runner.output, view(line));
-    if (unreadable) {
-        report_failure(unreadable);
+    if (failed_reading) {
+        report_failure(failed_reading);
         take_failed(session, number);
         return {};
     }
@@ -174,11 +176,11 @@ Failure elaborate(Runner& runner, std::size_t number) {
     if (source.record.elaborated == digest)
         return {};
     String text;
-    SystemError unreadable = SystemError::none;
-    if (read_text_file(view(source.ghdl_name), k_source_max, text, unreadable) !=
-        TextFileStatus::read) {
-        const String reason = error_text(unreadable);
-        error(-1, msg_cannot_read, source.name.c_str(), reason.c_str());
+    SystemError system_error = SystemError::none;
+    const TextFileStatus status =
+        read_text_file(view(source.ghdl_name), k_source_max, text, system_error);
+    if (status != TextFileStatus::read) {
+        report_failure(unreadable(ExitStatus::errors, source.name, status, system_error));
         return {};
     }
     if (Failure failure = expose_libraries(session))
@@ -227,6 +229,23 @@ void on_waiting(void* context, const LibraryPlace& place) {
     on_told(context, view(line));
 }
 
+/// The sources that the plan analyses, in its order.
+SourceNames source_names(const Plan& plan) {
+    SourceNames names;
+    for (const Step& step : plan.steps) {
+        if (step.kind == StepKind::analyse)
+            names.names.push_back({step.file, ghdl_file_name(view(step.file)), false, {}});
+    }
+    return names;
+}
+
+Vector<String> analysed_files(const Plan& plan) {
+    Vector<String> files;
+    for (const Step& step : plan.steps)
+        files.push_back(step.file);
+    return files;
+}
+
 void set_up_calls(Runner& runner) {
     runner.calls = {String(runner.ghdl.view()), runner.plan.standard, runner.session.run.path,
                     runner.session.search};
@@ -270,18 +289,19 @@ ExitStatus run_compiler(const Options& options, Output& output) {
     Runner runner(output);
     if (options.version)
         return tell_version(runner);
-    Surroundings surroundings;
-    if (const Failure failure = look_around(options, surroundings))
+    FoundLibraries found;
+    if (const Failure failure = find_libraries(named_libraries(options), options.standard, found))
         return report_failure(failure);
-    runner.plan = make_plan(options, surroundings);
+    runner.plan = make_plan(options, found);
     if (runner.plan.failure)
         return report_failure(runner.plan.failure);
     if (!find_ghdl(runner.ghdl))
         return report_failure({ExitStatus::no_ghdl, format_message(msg_no_ghdl)});
     const WaitGuard guard{on_waiting, on_stop_question, &runner};
-    add_installed_libraries(runner.plan, {runner.process, runner.ghdl.c_str(),
-                                          settings_digest(options.standard, runner.ghdl.view()),
-                                          guard, on_told, runner.session.warnings});
+    runner.names = source_names(runner.plan);
+    add_installed_libraries(runner.plan.others, runner.plan.installed, analysed_files(runner.plan),
+                            {runner.process, runner.ghdl.c_str(), options.standard, guard, on_told,
+                             runner.session.warnings});
     if (on_stop_question(&runner))
         return ExitStatus::errors;
     if (const Failure failure = open_session(runner.session, runner.plan, options.only_changed,
@@ -293,7 +313,6 @@ ExitStatus run_compiler(const Options& options, Output& output) {
         begin_report(runner.report, options, runner.plan,
                      version.empty() ? runner.ghdl.view() : view(version));
     }
-    runner.names = source_names(runner.plan);
     set_up_calls(runner);
     reporter().ending = on_ending_run;
     reporter().ending_context = &runner;

@@ -1,7 +1,7 @@
 #include "tools/driver/compile/session_contents.h"
 
 #include "tools/driver/libraries/derived_file.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <algorithm>
 #include <utility>

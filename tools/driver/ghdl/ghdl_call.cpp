@@ -1,6 +1,8 @@
 #include "tools/driver/ghdl/ghdl_call.h"
 
 #include "core/common/callback.h"
+#include "core/diagnostics/message.h"
+#include "core/os/files.h"
 #include "core/os/loop.h"
 
 #include <array>
@@ -90,6 +92,15 @@ bool find_ghdl(PathBuffer& path) {
             return true;
     }
     return false;
+}
+
+Digest settings_digest(VhdlStandard standard, std::string_view ghdl) {
+    FileStat stat;
+    static_cast<void>(stat_file(ghdl, stat));
+    const String text =
+        format_text("%d %s %lld %lld", static_cast<int>(standard), String(ghdl).c_str(),
+                    static_cast<long long>(stat.size), static_cast<long long>(stat.modified_ns));
+    return digest_of(view(text));
 }
 
 GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& words,

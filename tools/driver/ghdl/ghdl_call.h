@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "core/common/digest.h"
 #include "core/os/process.h"
+#include "tools/driver/ghdl/ghdl_words.h"
 
 #include <string_view>
 
@@ -9,6 +11,9 @@ namespace pellux {
 
 /// The installed GHDL: the light one, else any. False when there is none.
 [[nodiscard]] bool find_ghdl(PathBuffer& path);
+
+/// Everything about GHDL and the way it is called that a library's contents may hang on.
+[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl);
 
 /// Takes GHDL's output, standard output and errors in the order written, line by line without line
 /// ends; `piece_read` after each burst of lines.

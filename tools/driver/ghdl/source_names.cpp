@@ -2,15 +2,6 @@
 
 namespace pellux {
 
-SourceNames source_names(const Plan& plan) {
-    SourceNames names;
-    for (const Step& step : plan.steps) {
-        if (step.kind == StepKind::analyse)
-            names.names.push_back({step.file, ghdl_file_name(view(step.file)), false, {}});
-    }
-    return names;
-}
-
 std::string_view shown_name(SourceNames& names, std::string_view path) {
     for (const SourceNames::Name& name : names.names) {
         if (name.ghdl == path)

@@ -2,7 +2,6 @@
 
 #include "core/common/containers.h"
 #include "core/os/files.h"
-#include "tools/driver/compile/plan.h"
 
 #include <string_view>
 
@@ -18,9 +17,6 @@ struct SourceNames {
     };
     Vector<Name> names;
 };
-
-/// The sources that the plan analyses, in its order.
-[[nodiscard]] SourceNames source_names(const Plan& plan);
 
 /// The argument vector's spelling of the file that GHDL calls `path`, be it another path to the
 /// same file; else `path`. The view lasts as long as `names` and `path`.

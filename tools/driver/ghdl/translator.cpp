@@ -1,5 +1,6 @@
 #include "tools/driver/ghdl/translator.h"
 
+#include "core/diagnostics/reporter.h"
 #include "tools/driver/messages.h"
 
 #include <array>
@@ -107,7 +108,32 @@ void add_plain(Translator& translator, std::string_view line) {
     translator.current.text += line;
 }
 
+Severity severity_of(GhdlLevel level) {
+    switch (level) {
+    case GhdlLevel::note:
+        return Severity::note;
+    case GhdlLevel::warning:
+        return Severity::warning;
+    case GhdlLevel::error:
+        break;
+    }
+    return Severity::error;
+}
+
 } // namespace
+
+void report_diagnostic(const Diagnostic& diagnostic, NoteOutput notes) {
+    const char* compiled = reporter().current_source;
+    if (!diagnostic.file.empty())
+        reporter().current_source = diagnostic.file.c_str();
+    Report told;
+    told.severity = severity_of(diagnostic.level);
+    told.at = {diagnostic.line, diagnostic.column};
+    told.to_report_file_only =
+        diagnostic.level == GhdlLevel::note && notes == NoteOutput::report_file;
+    report(told, msg_as_it_stands.text(), diagnostic.text.c_str());
+    reporter().current_source = compiled;
+}
 
 void begin_source(Translator& translator) {
     translator.told.clear();

@@ -18,6 +18,12 @@ struct Diagnostic {
     String text;    ///< further lines follow line ends
 };
 
+enum class NoteOutput { shown, report_file };
+
+/// Tells a diagnostic through the reporter. One without a source of its own is the current
+/// source's.
+void report_diagnostic(const Diagnostic& diagnostic, NoteOutput notes);
+
 /// Turns GHDL's output, line by line, into diagnostics, each told once.
 ///
 /// A message that explains the one before it, or repeats its place, becomes a further line of it;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "core/common/digest.h"
 #include "core/os/system_error.h"
-#include "tools/driver/compile/recompile.h"
 
 #include <string_view>
 
@@ -10,6 +10,22 @@ namespace pellux {
 
 // The file beside a source, named after it with the extension "bde", that tells what the source was
 // compiled from when it last succeeded (docs/formats.md).
+
+struct UnitStamp {
+    String unit; ///< its key, "work architecture rtl of alu"
+    Digest stamp{};
+
+    bool operator==(const UnitStamp&) const = default;
+};
+
+/// A source's last success in one library.
+struct SourceRecord {
+    Digest content{};  ///< the bytes that GHDL read
+    Digest settings{}; ///< standard, GHDL
+    Vector<UnitStamp> units;
+    Vector<UnitStamp> uses; ///< units of other sources that it may depend on, ascending
+    Digest elaborated{};    ///< what its units were last elaborated with; zeros: never
+};
 
 /// What is known of one library and one standard and GHDL; several sources may share a file
 /// (alu.vhd and alu.vhdl).

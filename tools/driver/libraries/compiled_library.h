@@ -1,8 +1,9 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "tools/driver/compile/plan.h"
 #include "tools/driver/ghdl/ghdl_library.h"
+#include "tools/driver/ghdl/ghdl_words.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <string_view>
 

@@ -11,7 +11,7 @@
 #include "tools/driver/ghdl/ghdl_call.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/libraries/derived_file.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/libraries/run_directory.h"
 #include "tools/driver/libraries/source_place.h"
 #include "tools/driver/messages.h"
@@ -37,7 +37,7 @@ struct Candidate {
 
 /// The highest time stamp in GHDL's own libraries: what is older was analysed with others. Empty
 /// when they cannot be found.
-String newest_stamp_of_ghdl(const InstalledLibraryRun& run, VhdlStandard standard) {
+String newest_stamp_of_ghdl(const InstalledLibraryRun& run) {
     constexpr std::string_view k_mark = "library directory: ";
     String newest;
     for (const String& line :
@@ -46,8 +46,9 @@ String newest_stamp_of_ghdl(const InstalledLibraryRun& run, VhdlStandard standar
             continue;
         for (const char* name : {"std", "ieee"}) {
             const String place = joined_path(view(line).substr(k_mark.size()), name);
-            const String path = library_file_path(
-                view(joined_path(view(place), standard_directory(standard))), name, standard);
+            const String path =
+                library_file_path(view(joined_path(view(place), standard_directory(run.standard))),
+                                  name, run.standard);
             String text;
             SystemError error = SystemError::none;
             GhdlLibrary library;
@@ -96,7 +97,7 @@ void want_named(Vector<Candidate>& candidates, std::string_view path, SourceScan
 /// What the analysis is made from: another text, another analysis.
 String key_of(const Candidate& candidate, const InstalledLibraryRun& run) {
     Digester digester;
-    digester.update(bytes_of(run.settings));
+    digester.update(bytes_of(settings_digest(run.standard, run.ghdl)));
     for (const String& source : candidate.sources) {
         FileStat stat;
         static_cast<void>(stat_file(view(source), stat));
@@ -187,8 +188,8 @@ SystemError keep_analysis(const LibraryPlace& cache, const RunDirectory& directo
     return write_derived_file(view(joined_path(view(cache.directory), k_key_file)), view(key));
 }
 
-void make_analysis(const Plan& plan, const InstalledLibraryRun& run, const Candidate& candidate,
-                   const LibraryPlace& cache) {
+void make_analysis(const Vector<LibraryPlace>& readable, const InstalledLibraryRun& run,
+                   const Candidate& candidate, const LibraryPlace& cache) {
     const String line = format_message(msg_installed_analysis, cache.name.c_str());
     run.tell(run.guard.context, view(line));
     remove_leftovers(view(cache.directory));
@@ -198,8 +199,8 @@ void make_analysis(const Plan& plan, const InstalledLibraryRun& run, const Candi
         warn(run, cache, error);
         return;
     }
-    GhdlCalls calls{run.ghdl, plan.standard, directory.path, {}};
-    for (const LibraryPlace& other : plan.others)
+    GhdlCalls calls{run.ghdl, run.standard, directory.path, {}};
+    for (const LibraryPlace& other : readable)
         calls.search.push_back(other.directory);
     const Vector<std::size_t> refused = analyse_all(run, calls, cache, candidate);
     if (run.guard.stop(run.guard.context))
@@ -209,15 +210,15 @@ void make_analysis(const Plan& plan, const InstalledLibraryRun& run, const Candi
                                               static_cast<int>(refused.size()),
                                               static_cast<int>(candidate.sources.size()),
                                               candidate.sources[refused.front()].c_str()));
-    const SystemError error =
-        keep_analysis(cache, directory, plan.standard, key_of(candidate, run));
+    const SystemError error = keep_analysis(cache, directory, run.standard, key_of(candidate, run));
     if (failed(error))
         warn(run, cache, error);
 }
 
-void add_analysis(Plan& plan, const InstalledLibraryRun& run, const Candidate& candidate) {
+void add_analysis(Vector<LibraryPlace>& readable, const InstalledLibraryRun& run,
+                  const Candidate& candidate) {
     LibraryPlace cache;
-    if (!find_cache(candidate, plan.standard, cache)) {
+    if (!find_cache(candidate, run.standard, cache)) {
         warn(run, candidate.place, refuse(Refusal::path_too_long));
         return;
     }
@@ -232,52 +233,54 @@ void add_analysis(Plan& plan, const InstalledLibraryRun& run, const Candidate& c
             return;
         }
         if (!is_made_from(cache, key))
-            make_analysis(plan, run, candidate, cache);
+            make_analysis(readable, run, candidate, cache);
     }
     if (is_made_from(cache, key))
-        plan.others.push_back(std::move(cache));
+        readable.push_back(std::move(cache));
 }
 
 /// Adds a library after those that its sources name.
-void add_wanted(Plan& plan, const InstalledLibraryRun& run, Vector<Candidate>& candidates,
-                Candidate& candidate) {
+void add_wanted(Vector<LibraryPlace>& readable, const InstalledLibraryRun& run,
+                Vector<Candidate>& candidates, Candidate& candidate) {
     candidate.is_done = true;
     SourceScan scan;
     for (const String& source : candidate.sources)
         want_named(candidates, view(source), scan);
     for (Candidate& other : candidates) {
         if (other.is_wanted && !other.is_done)
-            add_wanted(plan, run, candidates, other);
+            add_wanted(readable, run, candidates, other);
     }
     if (!run.guard.stop(run.guard.context))
-        add_analysis(plan, run, candidate);
+        add_analysis(readable, run, candidate);
 }
 
 } // namespace
 
-void add_installed_libraries(Plan& plan, const InstalledLibraryRun& run) {
-    if (plan.installed.empty())
+void add_installed_libraries(Vector<LibraryPlace>& readable,
+                             std::span<const LibraryPlace> installed,
+                             std::span<const String> sources, const InstalledLibraryRun& run) {
+    if (installed.empty())
         return;
-    const String newest = newest_stamp_of_ghdl(run, plan.standard);
+    const String newest = newest_stamp_of_ghdl(run);
     Vector<Candidate> candidates;
-    for (const LibraryPlace& place : plan.installed) {
+    for (const LibraryPlace& place : installed) {
         PathBuffer resolved;
-        if (fits(place, plan.standard, newest)) {
-            plan.others.push_back(place);
+        if (fits(place, run.standard, newest)) {
+            readable.push_back(place);
         } else if (!failed(real_path(view(place.directory), resolved))) {
-            Vector<String> sources = kept_sources(resolved.view());
-            if (!sources.empty())
-                candidates.push_back({place, String(resolved.view()), std::move(sources)});
+            Vector<String> own = kept_sources(resolved.view());
+            if (!own.empty())
+                candidates.push_back({place, String(resolved.view()), std::move(own)});
         }
     }
     if (candidates.empty())
         return;
     SourceScan scan;
-    for (const Step& step : plan.steps)
-        want_named(candidates, view(step.file), scan);
+    for (const String& source : sources)
+        want_named(candidates, view(source), scan);
     for (Candidate& candidate : candidates) {
         if (candidate.is_wanted && !candidate.is_done)
-            add_wanted(plan, run, candidates, candidate);
+            add_wanted(readable, run, candidates, candidate);
     }
 }
 

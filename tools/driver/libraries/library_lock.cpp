@@ -5,7 +5,7 @@
 #include "core/os/clock.h"
 #include "core/os/loop.h"
 #include "core/os/process.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <span>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/os/files.h"
-#include "tools/driver/compile/plan.h"
 #include "tools/driver/exit_status.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <cstdint>
 

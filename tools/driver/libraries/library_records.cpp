@@ -2,7 +2,7 @@
 
 #include "core/library/unit_records.h"
 #include "core/os/files.h"
-#include "tools/driver/libraries/local_libraries.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <array>

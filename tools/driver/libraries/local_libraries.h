@@ -1,21 +1,26 @@
 #pragma once
 
-#include "core/os/system_error.h"
-#include "tools/driver/compile/plan.h"
+#include "core/common/containers.h"
+#include "tools/driver/ghdl/ghdl_words.h"
+#include "tools/driver/libraries/library_place.h"
+
+#include <span>
 
 namespace pellux {
 
-/// Finds the libraries that the options name and those that may be read besides: assigned in
-/// "brix.rc", in the current directory, installed. The first place that has a library's name wins.
-[[nodiscard]] Failure look_around(const Options& options, Surroundings& surroundings);
+struct FoundLibraries {
+    struct Target {
+        LibraryPlace place;
+        bool is_installed = false; ///< only to be read
+    };
+    Vector<Target> targets;         ///< those that were asked for
+    Vector<LibraryPlace> visible;   ///< those that hold units for the standard
+    Vector<LibraryPlace> installed; ///< of the installation, whatever they hold
+};
 
-/// Makes the library's directory where it is missing, and tries whether it can be written.
-[[nodiscard]] Failure prepare_library(const LibraryPlace& place);
-
-/// What a failing operation on the library's files means for the run.
-[[nodiscard]] Failure library_failure(const LibraryPlace& place, SystemError error);
-/// The same, with the file in the library's directory that it is about.
-[[nodiscard]] Failure library_failure(const LibraryPlace& place, std::string_view file,
-                                      SystemError error);
+/// Finds the libraries of these names, and those that may be read besides: assigned in "brix.rc",
+/// in the current directory, installed. The first place that has a library's name wins.
+[[nodiscard]] Failure find_libraries(std::span<const String> names, VhdlStandard standard,
+                                     FoundLibraries& found);
 
 } // namespace pellux

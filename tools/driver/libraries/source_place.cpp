@@ -5,7 +5,6 @@
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
-#include "tools/driver/libraries/library_name.h"
 
 #include <algorithm>
 

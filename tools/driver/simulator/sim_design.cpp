@@ -9,6 +9,7 @@
 #include "core/vhdl/source_scan.h"
 #include "core/vhdl/vhdl_lexer.h"
 #include "tools/driver/messages.h"
+#include "tools/driver/reporting.h"
 
 #include <utility>
 
@@ -19,8 +20,8 @@ Failure in_design(String text) {
     return {ExitStatus::errors, std::move(text)};
 }
 
-Failure unreadable(const String& file, const String& reason) {
-    return in_design(format_message(msg_cannot_read, file.c_str(), reason.c_str()));
+Failure missing(const String& file, SystemError error) {
+    return unreadable(ExitStatus::errors, file, TextFileStatus::failed, error);
 }
 
 bool is_same_file(std::string_view a, std::string_view b) {
@@ -108,14 +109,9 @@ Failure find_top_unit(const SimDesign& design, const CompiledLibrary& work, Stri
     String text;
     SystemError error = SystemError::none;
     const String path = absolute_path(view(work.directory), view(source_path(*source)));
-    switch (read_text_file(view(path), k_source_max, text, error)) {
-    case TextFileStatus::read:
-        break;
-    case TextFileStatus::too_large:
-        return unreadable(design.file, format_message(msg_file_too_large));
-    case TextFileStatus::failed:
-        return unreadable(design.file, error_text(error));
-    }
+    const TextFileStatus status = read_text_file(view(path), k_source_max, text, error);
+    if (status != TextFileStatus::read)
+        return unreadable(ExitStatus::errors, design.file, status, error);
     const Vector<String> units = elaborated_units(*source, view(text));
     if (units.empty())
         return in_design(format_message(msg_no_top_unit, design.file.c_str()));
@@ -132,12 +128,12 @@ Failure find_sim_design(const SimulationOptions& options, SimDesign& design) {
     std::string_view name = view(options.design);
     FileStat stat;
     if (const SystemError error = stat_file(name, stat); failed(error))
-        return unreadable(options.design, error_text(error));
+        return missing(options.design, error);
     const bool is_project = is_project_name(name);
     if (is_project && !directory_part(name).empty()) {
         const SystemError error = change_directory(directory_part(name));
         if (failed(error))
-            return unreadable(options.design, error_text(error));
+            return missing(options.design, error);
         name = file_name_part(name);
     }
     const Owned<Project> project = is_project ? read_project(name) : project_of(name);

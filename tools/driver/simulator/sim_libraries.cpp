@@ -5,7 +5,7 @@
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "tools/driver/libraries/derived_file.h"
-#include "tools/driver/libraries/library_name.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/libraries/local_libraries.h"
 #include "tools/driver/libraries/source_place.h"
 #include "tools/driver/messages.h"
@@ -61,20 +61,19 @@ LibraryState add_library(SimLibraries& libraries, const LibraryPlace& place,
 }
 
 /// Adds the installed libraries that the sources of the others name.
-void add_installed(SimLibraries& libraries, Vector<LibraryPlace> installed, VhdlStandard standard,
+void add_installed(SimLibraries& libraries, Vector<LibraryPlace> installed,
                    const InstalledLibraryRun& run) {
-    Plan plan;
-    plan.standard = standard;
-    plan.installed = std::move(installed);
+    Vector<String> sources;
     for (const CompiledLibrary& library : libraries.libraries) {
-        std::erase_if(plan.installed,
+        std::erase_if(installed,
                       [&](const LibraryPlace& place) { return place.name == library.place.name; });
         for (const GhdlSource& source : library.sources)
-            plan.steps.push_back({StepKind::analyse, source.name, 0});
+            sources.push_back(source.name);
     }
-    add_installed_libraries(plan, run);
-    for (const LibraryPlace& place : plan.others)
-        static_cast<void>(add_library(libraries, place, standard));
+    Vector<LibraryPlace> readable;
+    add_installed_libraries(readable, installed, sources, run);
+    for (const LibraryPlace& place : readable)
+        static_cast<void>(add_library(libraries, place, run.standard));
 }
 
 /// Of a copy without directive lines it is the path of the source itself.
@@ -87,23 +86,20 @@ String original_path(const CompiledLibrary& library, const String& path) {
 
 } // namespace
 
-Failure read_libraries(SimLibraries& libraries, VhdlStandard standard,
-                       const InstalledLibraryRun& run) {
-    Options options;
-    options.standard = standard;
-    options.files.push_back({{}, String(k_work_library)});
-    Surroundings surroundings;
-    if (Failure failure = look_around(options, surroundings))
+Failure read_libraries(SimLibraries& libraries, const InstalledLibraryRun& run) {
+    const String names[] = {String(k_work_library)};
+    FoundLibraries found;
+    if (Failure failure = find_libraries(names, run.standard, found))
         return failure;
-    const LibraryPlace& work = surroundings.targets.front().place;
-    const LibraryState state = add_library(libraries, work, standard);
+    const LibraryPlace& work = found.targets.front().place;
+    const LibraryState state = add_library(libraries, work, run.standard);
     if (state != LibraryState::read && state != LibraryState::missing)
         return {ExitStatus::bad_library, format_message(msg_library_no_use, work.name.c_str())};
-    for (const LibraryPlace& place : surroundings.visible) {
+    for (const LibraryPlace& place : found.visible) {
         if (place.name != work.name && !is_reserved_library(view(place.name)))
-            static_cast<void>(add_library(libraries, place, standard));
+            static_cast<void>(add_library(libraries, place, run.standard));
     }
-    add_installed(libraries, std::move(surroundings.installed), standard, run);
+    add_installed(libraries, std::move(found.installed), run);
     return {};
 }
 

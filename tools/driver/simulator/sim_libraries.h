@@ -1,8 +1,6 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "tools/driver/compile/plan.h"
-#include "tools/driver/exit_status.h"
 #include "tools/driver/ghdl/source_names.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/libraries/installed_libraries.h"
@@ -21,8 +19,7 @@ struct SimLibraries {
 
 /// Finds and reads them, the installed ones that are there for `run` too. `work` is there, and
 /// maybe empty, after a success.
-[[nodiscard]] Failure read_libraries(SimLibraries& libraries, VhdlStandard standard,
-                                     const InstalledLibraryRun& run);
+[[nodiscard]] Failure read_libraries(SimLibraries& libraries, const InstalledLibraryRun& run);
 
 /// Makes the copies, in the user's cache directory, or beside `work` where GHDL would find no
 /// source from there. They name every source by its absolute path, as GHDL's messages then do too,

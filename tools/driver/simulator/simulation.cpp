@@ -4,7 +4,6 @@
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/loop.h"
-#include "tools/driver/compile/compile_session.h"
 #include "tools/driver/ghdl/ghdl_call.h"
 #include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
@@ -94,14 +93,12 @@ Failure prepare(Simulation& simulation) {
     if (Failure failure = find_sim_design(options, design))
         return failure;
     Vector<String> warnings;
-    const Failure unusable =
-        read_libraries(libraries, design.standard,
-                       {simulation.process,
-                        simulation.ghdl.c_str(),
-                        settings_digest(design.standard, simulation.ghdl.view()),
-                        {on_waiting, on_stop_question, &simulation},
-                        on_plain_line,
-                        warnings});
+    const Failure unusable = read_libraries(libraries, {simulation.process,
+                                                        simulation.ghdl.c_str(),
+                                                        design.standard,
+                                                        {on_waiting, on_stop_question, &simulation},
+                                                        on_plain_line,
+                                                        warnings});
     for (const String& text : warnings)
         warning(-1, msg_as_it_stands, text.c_str());
     if (unusable)

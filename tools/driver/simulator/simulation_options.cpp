@@ -2,7 +2,7 @@
 
 #include "core/common/ascii_case.h"
 #include "core/os/path.h"
-#include "tools/driver/libraries/library_name.h"
+#include "tools/driver/arguments.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>
@@ -159,8 +159,7 @@ Failure take_word(SimulationOptions& options, const String& word, bool is_last) 
 }
 
 /// The words one by one, those of response files in place of their names.
-Failure take_words(SimulationOptions& options, std::span<const char* const> words,
-                   ResponseReader reader) {
+Failure take_words(SimulationOptions& options, std::span<const char* const> words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const bool is_last = i + 1 == words.size();
         const String word(words[i]);
@@ -168,7 +167,7 @@ Failure take_words(SimulationOptions& options, std::span<const char* const> word
         const bool is_response = word.starts_with('@');
         if (is_response) {
             inner.clear();
-            if (Failure failure = read_response(reader, word.substr(1), inner))
+            if (Failure failure = read_response(word.substr(1), inner))
                 return failure;
         }
         for (const String& one : inner) {
@@ -183,9 +182,8 @@ Failure take_words(SimulationOptions& options, std::span<const char* const> word
 
 } // namespace
 
-Failure parse_simulation(std::span<const char* const> words, ResponseReader reader,
-                         SimulationOptions& options) {
-    if (Failure failure = take_words(options, words, reader))
+Failure parse_simulation(std::span<const char* const> words, SimulationOptions& options) {
+    if (Failure failure = take_words(options, words))
         return failure;
     if (options.design.empty())
         return bad(format_message(msg_no_design));

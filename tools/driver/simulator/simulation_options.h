@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "tools/driver/compile/options.h"
 #include "tools/driver/exit_status.h"
+#include "tools/driver/ghdl/ghdl_words.h"
 
 #include <cstdint>
 #include <optional>
@@ -28,7 +28,7 @@ struct SimulationOptions {
 
 /// Reads the words that follow the program's name. The first fault ends it; `options` then holds
 /// what came before, the channel included.
-[[nodiscard]] Failure parse_simulation(std::span<const char* const> words, ResponseReader reader,
+[[nodiscard]] Failure parse_simulation(std::span<const char* const> words,
                                        SimulationOptions& options);
 
 /// Has the file's name the extension of a project's?

@@ -1,4 +1,4 @@
-#include "tools/driver/compile/compile_session.h"
+#include "tools/driver/compile/session_sources.h"
 
 #include "core/common/text_file.h"
 #include "core/os/files.h"
@@ -7,6 +7,7 @@
 #include "tools/driver/libraries/derived_file.h"
 #include "tools/driver/libraries/source_place.h"
 #include "tools/driver/messages.h"
+#include "tools/driver/reporting.h"
 
 #include <algorithm>
 #include <utility>
@@ -42,10 +43,7 @@ Failure read_source(CompileSession& session, SessionSource& source) {
         error = make_plain_copy(session, source);
     if (status == TextFileStatus::read && !failed(error))
         return {};
-    const String reason = status == TextFileStatus::too_large ? format_message(msg_file_too_large)
-                                                              : error_text(error);
-    return {ExitStatus::errors,
-            format_message(msg_cannot_read, source.name.c_str(), reason.c_str())};
+    return unreadable(ExitStatus::errors, source.name, status, error);
 }
 
 bool read_record(CompileSession& session, SessionSource& source) {
