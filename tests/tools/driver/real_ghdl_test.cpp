@@ -15,23 +15,6 @@ struct RealGhdl : testing::Test {
     }
 };
 
-TEST_F(RealGhdl, BrokenExampleHasThreeErrorsInTwoFiles) {
-    std::filesystem::copy(PELLUX_SOURCE_DIR "/data/examples/counter_broken", scratch.path(),
-                          std::filesystem::copy_options::recursive);
-    const ToolRun run =
-        run_brix({"-q", "-a", "counter_pkg.vhd", "-a", "counter.vhd", "-b", "counter_tb.vhd"});
-    EXPECT_EQ(run.text,
-              "Compiling 'counter_pkg.vhd'\n"
-              "Compiling 'counter.vhd'\n"
-              "counter.vhd (line 38, col 10):  no declaration for \"enabled\"\n"
-              "Compiling 'counter_tb.vhd'\n"
-              "counter_tb.vhd (line 15, col 34):  can't match integer literal with type physical "
-              "type \"time\"\n"
-              "counter_tb.vhd (line 73, col 12):  can't match character literal '0' with type "
-              "direction\n");
-    EXPECT_EQ(run.status, 1);
-}
-
 TEST_F(RealGhdl, ItsMessagesBecomeOurLines) {
     struct Row {
         const char* source;
