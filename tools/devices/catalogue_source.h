@@ -1,18 +1,14 @@
 #pragma once
 
-#include "tools/devices/catalogue_finding.h"
+#include "core/common/containers.h"
+
+#include <string_view>
 
 namespace pellux {
 
-/// The bytes of a "devices.dat", and for each of its lines the number of the source's line that it
-/// comes from; 0 for lines of the index.
-struct BuiltCatalogue {
-    String file;
-    Vector<int> source_lines;
-};
-
-/// Makes "devices.dat" from its source (docs/formats.md). With findings it is not to be used.
-[[nodiscard]] BuiltCatalogue build_catalogue(std::string_view source,
-                                             Vector<CatalogueFinding>& findings);
+/// Makes the bytes of a "devices.dat" from its source (docs/formats.md), the text of `source_name`.
+/// False after it has told the user of sections that stand twice, lines that are too long, a
+/// "begin" or "end" without its partner, and blocks that a reader would not find by their names.
+[[nodiscard]] bool build_catalogue(std::string_view source, const char* source_name, String& file);
 
 } // namespace pellux

@@ -4,18 +4,12 @@
 
 namespace pellux {
 
-inline Message<const char*> msg_devices_usage{"E1890", "usage: %s make SOURCE FILE | check FILE"};
+inline Message<const char*> msg_devices_usage{"E1890", "usage: %s SOURCE FILE"};
 inline Message<const char*, const char*> msg_devices_cannot_write{"E1891", "Can't write '%s': %s."};
 inline Message<const char*, int> msg_no_section_head{
     "E1892", "'%s', line %d: a section must begin here, as [NAME]."};
-inline Message<const char*, const char*> msg_damaged_index{"E1893",
-                                                           "'%s': the index is damaged at '%s'."};
-inline Message<const char*, const char*> msg_section_twice{"E1894",
-                                                           "'%s': section '%s' is listed twice."};
-inline Message<const char*, const char*> msg_misplaced_section{
-    "E1895", "'%s': section '%s' does not hold whole lines of its own."};
-inline Message<const char*, int> msg_lost_text{"E1896",
-                                               "'%s', line %d: text that belongs to no section."};
+inline Message<const char*, int, const char*> msg_section_twice{
+    "E1894", "'%s', line %d: section '%s' stands twice."};
 inline Message<const char*, int, int> msg_devices_long_line{
     "E1897", "'%s', line %d: the line is longer than %d characters."};
 inline Message<const char*, int, const char*> msg_unbalanced_block{

@@ -2,11 +2,10 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/safe_write.h"
 #include "core/project/messages.h"
-#include "tools/devices/catalogue_check.h"
 #include "tools/devices/catalogue_source.h"
 #include "tools/devices/messages.h"
 
-#include <cstring>
+#include <span>
 
 namespace pellux {
 namespace {
@@ -22,43 +21,20 @@ bool read(const char* path, String& text) {
     return false;
 }
 
-/// Tells what was found; true when that is nothing.
-bool is_sound(const Vector<CatalogueFinding>& findings, const char* path) {
-    for (const CatalogueFinding& finding : findings)
-        tell_finding(finding, path);
-    return findings.empty();
-}
-
 bool make(const char* source_path, const char* path) {
     String source;
-    if (!read(source_path, source))
+    String file;
+    if (!read(source_path, source) || !build_catalogue(view(source), source_path, file))
         return false;
-    Vector<CatalogueFinding> findings;
-    const BuiltCatalogue built = build_catalogue(view(source), findings);
-    if (!is_sound(findings, source_path))
-        return false;
-    findings = check_catalogue(view(built.file));
-    for (CatalogueFinding& finding : findings)
-        if (finding.line > 0)
-            finding.line = built.source_lines[static_cast<std::size_t>(finding.line) - 1];
-    if (!is_sound(findings, source_path))
-        return false;
-    const SystemError error = safe_write_file(path, std::as_bytes(std::span(built.file)));
+    const SystemError error = safe_write_file(path, std::as_bytes(std::span(file)));
     if (failed(error))
         tell(msg_devices_cannot_write, path, error_text(error).c_str());
     return !failed(error);
 }
 
-bool check(const char* path) {
-    String file;
-    return read(path, file) && is_sound(check_catalogue(view(file)), path);
-}
-
 bool run(std::span<const char* const> arguments) {
-    if (arguments.size() == 3 && std::strcmp(arguments[0], "make") == 0)
-        return make(arguments[1], arguments[2]);
-    if (arguments.size() == 2 && std::strcmp(arguments[0], "check") == 0)
-        return check(arguments[1]);
+    if (arguments.size() == 2)
+        return make(arguments[0], arguments[1]);
     tell(msg_devices_usage, k_program);
     return false;
 }
