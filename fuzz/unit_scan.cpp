@@ -1,4 +1,5 @@
 #include "core/vhdl/source_scan.h"
+#include "core/vhdl/top_units.h"
 #include "core/vhdl/vhdl_lexer.h"
 #include "core/vhdl/vhdl_tokens.h"
 #include "fuzz/require.h"
@@ -18,7 +19,7 @@ bool is_identifier(const String& token) {
 
 } // namespace
 
-/// Scans the input in all ways; the ways must agree on its identifiers.
+/// Scans the input in all ways, which must agree on its identifiers; looks for its top units.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // A block of its own size, so that a look behind its end is seen.
     const Vector<char> copy(data, data + size);
@@ -35,8 +36,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     scan.identifiers.for_each([&](std::string_view name) { require(names.contains(name)); });
     for (const String& name : names)
         require(scan.identifiers.contains(view(name)));
-    for (const DeclaredUnit& unit : declared_units(text))
+    Vector<String> units;
+    for (const DeclaredUnit& unit : declared_units(text)) {
         require(names.contains(unit.name) && (unit.entity.empty() || names.contains(unit.entity)));
+        units.push_back(unit.name);
+    }
+    for (const String& unused : unused_units(units, text))
+        require(names.contains(unused));
     std::string spaced(text);
     std::replace(spaced.begin(), spaced.end(), '\n', '\r');
     require(token_digest(spaced) == token_digest(text));

@@ -1,14 +1,11 @@
 #include "core/devices/device_catalogue.h"
 
-#include "core/common/blanks.h"
 #include "tests/support/captured_reports.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -177,98 +174,6 @@ TEST_F(DeviceCatalogue, TheInstallationsFileIsTakenElseOneAlongThePath) {
     EXPECT_TRUE(open(reader_, false) && seekSection(reader_, "here", false)) << "stays open";
     CatalogueReader other;
     EXPECT_TRUE(open(other, false) && seekSection(other, "there", false));
-}
-
-TEST_F(DeviceCatalogue, AFileCutOffAnywhereGivesWholeSectionsOrNone) {
-    const std::string one = "begin a\n1\nend a\n2\n";
-    const std::string two = "3\n";
-    const std::string file = "seek: \\\n  cone:0,18 \\\n  two:18,2\n" + one + two;
-    for (std::size_t size = 0; size <= file.size(); ++size) {
-        load(file.substr(0, size));
-        const bool has_one = size >= file.size() - two.size();
-        EXPECT_EQ(seekSection(reader_, "cone", true), has_one) << size;
-        EXPECT_EQ(enterBlock(reader_, "a", true), has_one) << size;
-        EXPECT_EQ(lines(), has_one ? Lines{"1"} : Lines{}) << size;
-        EXPECT_EQ(find_section(reader_, "two") == CatalogueStatus::done, size == file.size());
-        int names = 0;
-        while (next_device_name(reader_, line_) == CatalogueStatus::done)
-            ++names;
-        EXPECT_EQ(names, size >= file.find(':', 6) + 1 ? 1 : 0) << size;
-    }
-}
-
-/// The lines of each section of the shipped source.
-std::map<std::string, Lines> source_sections() {
-    std::ifstream file(PELLUX_SOURCE_DIR "/data/devices.src");
-    std::map<std::string, Lines> sections;
-    Lines* section = nullptr;
-    for (std::string line; std::getline(file, line);)
-        if (line.starts_with('['))
-            section = &sections[line.substr(1, line.size() - 2)];
-        else if (!line.empty() && !line.starts_with('#'))
-            section->push_back(line);
-    return sections;
-}
-
-TEST_F(DeviceCatalogue, TheShippedFileHoldsItsSourceAndEveryBlockIsReached) {
-    ASSERT_TRUE(open(reader_, false));
-    std::map<std::string, Lines> sections = source_sections();
-    ASSERT_EQ(sections.size(), 8U);
-    for (const auto& [section, expected] : sections) {
-        ASSERT_TRUE(seekSection(reader_, section, false));
-        EXPECT_EQ(lines(), expected);
-        std::vector<std::pair<std::string, std::size_t>> open_blocks; // names, first lines
-        for (std::size_t at = 0; at < expected.size(); ++at) {
-            std::string word, name;
-            std::istringstream(expected[at]) >> word >> name;
-            if (word == "begin")
-                open_blocks.emplace_back(name, at + 1);
-            if (word != "end")
-                continue;
-            ASSERT_TRUE(seekSection(reader_, section, false));
-            for (const auto& block : open_blocks)
-                ASSERT_TRUE(enterBlock(reader_, block.first, false));
-            const auto first = static_cast<std::ptrdiff_t>(open_blocks.back().second);
-            EXPECT_EQ(lines(), Lines(expected.begin() + first,
-                                     expected.begin() + static_cast<std::ptrdiff_t>(at)));
-            open_blocks.pop_back();
-        }
-    }
-    for (const char* name : {"tools_dos", "simulators_dos"})
-        for (const std::string& line : sections[name]) {
-            std::string_view rest = line, word;
-            EXPECT_TRUE(next_word(rest, word) && next_word(rest, word)) << line;
-        }
-    EXPECT_TRUE(sections["simulators_dos"][0].starts_with("brixsim "));
-}
-
-TEST_F(DeviceCatalogue, EveryShippedPackageHasAllItsPins) {
-    ASSERT_TRUE(open(reader_, false));
-    int families = 0;
-    for (; nextIndexName(reader_, line_, false); ++families) {
-        const std::string family(line_.view());
-        ASSERT_TRUE(seekSection(reader_, family, false) && enterBlock(reader_, "packages", false));
-        for (const std::string& package : lines(false)) {
-            std::string name, use;
-            int pins = 0, signals = 0, last = 0;
-            std::istringstream(package) >> name >> pins >> signals;
-            ASSERT_TRUE(seekSection(reader_, family, false) && enterBlock(reader_, "pins", false) &&
-                        enterBlock(reader_, name, false));
-            for (const std::string& row : lines()) {
-                const int first = last + 1;
-                std::istringstream words(row);
-                words >> last;
-                EXPECT_EQ(last, first) << package << row;
-                if (words.peek() == '-')
-                    words.ignore() >> last;
-                words >> use;
-                signals -= use == "io" ? last - first + 1 : 0;
-            }
-            EXPECT_EQ(last, pins) << package;
-            EXPECT_EQ(signals, 0) << package;
-        }
-    }
-    EXPECT_EQ(families, 6);
 }
 
 } // namespace
