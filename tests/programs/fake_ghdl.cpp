@@ -121,10 +121,6 @@ int simulate(const std::string& role, int count, char** words) {
         say("x.vhd:1:1:@0ms:(report note): runs\n");
         hang();
     }
-    if (role == "run_flood") {
-        for (int i = 0; i < 20000; ++i)
-            say("x.vhd:2:1:@5ns:(assertion warning): again\nand text\n");
-    }
     if (role == "run_crash")
         ::raise(SIGKILL);
     return role == "run_fault" ? 2 : role == "run_silent" ? 1 : 0;

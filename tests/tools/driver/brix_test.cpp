@@ -1,43 +1,16 @@
-#include "core/os/loop.h"
-#include "tests/support/scratch.h"
 #include "tests/tools/driver/environment.h"
-#include "tests/tools/driver/run_brix.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>
-#include <csignal>
 
 namespace pellux {
 namespace {
 
-/// The driver with the fake GHDL first in `PATH`.
-struct Brix : testing::Test {
-    Scratch scratch;
-    std::string fake_first =
-        std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
-    test::ScopedVariable path{"PATH", fake_first.c_str()};
-    test::ScopedVariable log{"FAKE_GHDL_LOG", scratch.path("calls.log").c_str()};
-
+struct Brix : testing::Test, FakeGhdl {
     void SetUp() override {
         for (const char* role : {"good", "top", "errors", "warnings", "flood", "endless", "silent",
                                  "fault", "killed", "raw", "holder", "long", "forgetful"})
             scratch.write(std::string(role) + ".vhd", std::string("-- ") + role + "\n");
-    }
-
-    /// What GHDL was asked: command and subject of each call.
-    static std::string calls() {
-        std::ifstream lines("calls.log");
-        std::string all;
-        for (std::string line; std::getline(lines, line);)
-            all += line.substr(line.find(' ') + 1, 3) + line.substr(line.rfind(' ') + 1) + "; ";
-        return all;
-    }
-    static bool ghdl_still_runs() {
-        std::ifstream lines("calls.log");
-        std::int64_t last_process = 0;
-        for (std::string line; std::getline(lines, line);)
-            last_process = std::stoll(line);
-        return process_exists(last_process);
     }
 };
 
@@ -97,19 +70,6 @@ TEST_F(Brix, WhateverGhdlDoesToAFileBecomesItsLines) {
                               "GHDL left nothing; the disk may be full.\n");
 }
 
-TEST_F(Brix, ASignalEndsGhdlToo) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        Process process;
-        const OwnedHandle output =
-            start_program(process, "BRIX.EXE", {"-q", "errors.vhd", "endless.vhd"});
-        // The fourth fault is told when the fifth is known, so GHDL runs by now.
-        const std::string text = read_until(output, "endless.vhd (line 4");
-        ::kill(static_cast<pid_t>(process.id), signal);
-        EXPECT_EQ(status_of(wait_for_process(process)), 1) << text;
-        EXPECT_FALSE(ghdl_still_runs());
-    }
-}
-
 TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
     const std::vector<const char*> words{"-q", "errors.vhd", "long.vhd", "flood.vhd", "good.vhd"};
     Environment environment;
@@ -135,27 +95,6 @@ TEST_F(Brix, TellsWhatRunsWithoutAFile) {
     EXPECT_EQ(run.text, banner + "BRIX:  " + msg_no_ghdl.text() + "\n");
 }
 
-TEST_F(Brix, AskedToCloseItEndsGhdlAndItself) {
-    Environment environment;
-    environment.close_at = "endless.vhd (line 4";
-    environment.answers = false;
-    environment.run({"-q", "endless.vhd", "good.vhd"}, 1);
-    EXPECT_FALSE(ghdl_still_runs());
-    EXPECT_EQ(calls(), "-a endless.vhd; ");
-}
-
-TEST_F(Brix, ALostEnvironmentEndsGhdlToo) {
-    Process process;
-    {
-        Environment environment;
-        environment.start(process, {"-q", "endless.vhd"});
-        while (environment.text.find("line 4") == std::string::npos)
-            run_turn(TurnWait::until_event);
-    }
-    EXPECT_NE(status_of(wait_for_process(process)), 0);
-    EXPECT_FALSE(ghdl_still_runs());
-}
-
 TEST_F(Brix, LimitsEndTheRunAndGhdl) {
     Environment limited;
     limited.run({"-q", "-e2", "endless.vhd", "good.vhd"}, 1);
@@ -167,35 +106,6 @@ TEST_F(Brix, LimitsEndTheRunAndGhdl) {
     EXPECT_EQ(warnings.status, 1);
     EXPECT_TRUE(warnings.text.ends_with("Warning limit (1) exceeded\n")) << warnings.text;
     EXPECT_EQ(run_brix({"-q", "-w3", "warnings.vhd"}).status, 0);
-}
-
-TEST_F(Brix, EveryWayToFailHasItsStatusAndOneLine) {
-    scratch.write("afile", "");
-    scratch.write("bad.rsp", "@again.rsp");
-    std::filesystem::create_symlink("nowhere", "dangling");
-    const std::pair<std::vector<const char*>, int> rows[] = {{{"-q"}, 2},
-                                                             {{"-q", "-zz", "good.vhd"}, 2},
-                                                             {{"@gone.rsp"}, 2},
-                                                             {{"@bad.rsp"}, 2},
-                                                             {{"@."}, 2},
-                                                             {{"-q", "-astd", "good.vhd"}, 5},
-                                                             {{"-q", "-aafile", "good.vhd"}, 5},
-                                                             {{"-q", "-adangling", "good.vhd"}, 5}};
-    for (const auto& [words, status] : rows) {
-        const ToolRun run = run_brix(words);
-        EXPECT_EQ(run.status, status) << run.text;
-        EXPECT_EQ(line_count(run.text), 1) << run.text;
-        Environment environment;
-        environment.run(words, status);
-        EXPECT_EQ(environment.text, run.text);
-    }
-    EXPECT_EQ(run_brix({"-q", "-zz"}).text, "BRIX:  Unknown switch '-zz'.\n");
-    const ToolRun unreachable = run_brix({"-%bpipe1023", "good.vhd"});
-    EXPECT_EQ(unreachable.status, 2);
-    EXPECT_EQ(line_count(unreachable.text), 1) << unreachable.text;
-    EXPECT_EQ(calls(), "");
-    const test::ScopedVariable no_path("PATH", scratch.path().c_str());
-    EXPECT_EQ(run_brix({"-q", "good.vhd"}).status, 3);
 }
 
 } // namespace

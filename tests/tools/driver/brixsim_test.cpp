@@ -1,10 +1,6 @@
-#include "core/os/loop.h"
-#include "core/project/project_file.h"
-#include "tests/support/scratch.h"
 #include "tests/tools/driver/environment.h"
 
 #include <algorithm>
-#include <csignal>
 #include <map>
 #include <sstream>
 
@@ -12,23 +8,6 @@ namespace pellux {
 namespace {
 
 const std::string k_waveform = "$enddefinitions $end\n#0\n0!\n#5\n1!\n";
-
-/// `top` and the unit may be empty.
-void write_project(const char* file, std::vector<const char*> sources, const char* top,
-                   const char* unit, int standard) {
-    Project project;
-    project.file_name.assign(file);
-    for (const char* name : sources) {
-        auto source = make_owned<VHDL_source>();
-        source->file_name.assign(name);
-        if (std::string(name) == top)
-            project.top_design = source.get();
-        project.sources.push_back(std::move(source));
-    }
-    project.options.text_12.assign(unit);
-    project.options.vhdl_standard = static_cast<std::int16_t>(standard);
-    EXPECT_FALSE(failed(write_project_as(project, file, {}).error));
-}
 
 /// `line` is cut at its blanks.
 ToolRun run_brixsim(const std::string& line) {
@@ -40,9 +19,14 @@ ToolRun run_brixsim(const std::string& line) {
     return run_program("brixsim", std::move(arguments));
 }
 
-/// Simulations of a scratch directory; copies of libraries go to one of the directory's own.
-struct Simulations : testing::Test {
+struct InScratch {
     Scratch scratch;
+};
+
+/// Simulations of a scratch directory; copies of libraries go to one of the directory's own.
+template <typename Place>
+struct Simulations : testing::Test, Place {
+    using Place::scratch;
     test::ScopedVariable cache{"XDG_CACHE_HOME", scratch.path("cache").c_str()};
 
     void expect_nothing_left(const std::set<std::string>& before) const {
@@ -51,28 +35,24 @@ struct Simulations : testing::Test {
     }
 };
 
-struct FakeSimulations : Simulations {
-    std::string fake_first =
-        std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
-    test::ScopedVariable path{"PATH", fake_first.c_str()};
-    test::ScopedVariable log{"FAKE_GHDL_LOG", scratch.path("calls.log").c_str()};
+struct FakeSimulations : Simulations<FakeGhdl> {
     std::set<std::string> before;
 
     void SetUp() override {
-        std::vector<const char*> words{"-q"};
-        for (const char* file :
-             {"run_good.vhd", "run_hang.vhd", "run_cut.vhd", "run_flood.vhd", "run_crash.vhd",
-              "run_empty.vhd", "run_fault.vhd", "run_silent.vhd", "run_twice.vhd"}) {
+        std::vector<const char*> words{"-q",
+                                       "run_good.vhd",
+                                       "run_hang.vhd",
+                                       "run_cut.vhd",
+                                       "run_crash.vhd",
+                                       "run_empty.vhd",
+                                       "run_fault.vhd",
+                                       "run_silent.vhd",
+                                       "run_twice.vhd"};
+        for (const char* file : std::span(words).subspan(1))
             scratch.write(file, "-- a unit\n");
-            words.push_back(file);
-        }
         ASSERT_EQ(run_brix(words).status, 0);
         std::filesystem::create_directory("cache");
         before = scratch.names();
-    }
-    [[nodiscard]] bool ghdl_still_runs() const {
-        const std::string calls = scratch.read("calls.log");
-        return process_exists(std::stoll(calls.substr(calls.rfind('\n', calls.size() - 2) + 1)));
     }
 };
 
@@ -119,85 +99,6 @@ TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
     }
 }
 
-TEST_F(FakeSimulations, WhoeverEndsItEndsGhdlAndLeavesNothing) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        Process process;
-        const OwnedHandle output = start_program(process, "brixsim", {"run_hang.vhd"});
-        read_until(output, "runs");
-        ::kill(static_cast<pid_t>(process.id), signal);
-        EXPECT_EQ(status_of(wait_for_process(process)), 1);
-        EXPECT_FALSE(ghdl_still_runs());
-        expect_nothing_left(before);
-    }
-    Environment closing{"brixsim"};
-    closing.close_at = "runs";
-    closing.answers = false;
-    closing.run({"-q", "run_hang.vhd"}, 1);
-    EXPECT_EQ(closing.text, "Simulating 'run_hang'\nx.vhd (line 1, col 1):  Note: at 0ms: runs\n");
-    EXPECT_FALSE(ghdl_still_runs());
-    expect_nothing_left(before);
-    Process process;
-    {
-        Environment lost{"brixsim"};
-        lost.start(process, {"run_hang.vhd"});
-        while (lost.text.find("runs") == std::string::npos)
-            run_turn(TurnWait::until_event);
-    }
-    EXPECT_EQ(status_of(wait_for_process(process)), 1);
-    EXPECT_FALSE(ghdl_still_runs());
-    expect_nothing_left(before);
-}
-
-TEST_F(FakeSimulations, AFloodComesWholeAndInOrderOverTheChannel) {
-    Environment environment{"brixsim"};
-    environment.run({"-q", "run_flood.vhd"}, 0);
-    const ToolRun run = run_brixsim("run_flood.vhd");
-    EXPECT_EQ(environment.text, run.text);
-    EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1 + 40000 + 1);
-    EXPECT_TRUE(
-        run.text.find("'\nx.vhd (line 2, col 1):  Warning: at 5ns: again\nand text\nx.vhd") !=
-        std::string::npos);
-    EXPECT_LT(environment.packets, 5000u);
-}
-
-TEST_F(FakeSimulations, EveryWayToFailHasItsStatusAndOneLine) {
-    write_project("none.bpr", {"run_good.vhd"}, "", "", -1);
-    write_project("gone.bpr", {"run_good.vhd"}, "", "gone", -1);
-    write_project("old.bpr", {"run_twice.vhd"}, "run_twice.vhd", "", 93);
-    scratch.write("bad.bpr", "what is this");
-    scratch.write("new.vhd", "");
-    scratch.write("bad.rsp", "@again.rsp");
-    const std::map<int, std::vector<const char*>> rows = {
-        {1,
-         {"gone.vhd", "new.vhd", "-v93 run_good.vhd", "-ugone run_good.vhd", "none.bpr", "gone.bpr",
-          "old.bpr", "bad.bpr"}},
-        {2,
-         {"", "-zz run_good.vhd", "run_good.vhd run_cut.vhd", "run_good.vhd @bad.rsp",
-          "@gone.rsp"}},
-        {4, {"-onowhere/w run_good.vhd", "-o. run_good.vhd"}}};
-    before = scratch.names();
-    for (const auto& [status, lines] : rows) {
-        for (const char* line : lines) {
-            const ToolRun run = run_brixsim(line);
-            EXPECT_EQ(run.status, status) << run.text;
-            EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1) << run.text;
-            expect_nothing_left(before);
-        }
-    }
-    scratch.write("file", "");
-    {
-        const test::ScopedVariable no_cache("XDG_CACHE_HOME", scratch.path("file").c_str());
-        EXPECT_EQ(run_brixsim("run_good.vhd").status, 4);
-    }
-    {
-        const test::ScopedVariable no_path("PATH", scratch.path().c_str());
-        EXPECT_EQ(run_brixsim("run_good.vhd").status, 3);
-    }
-    EXPECT_EQ(run_brixsim("-%bpipe1023 run_good.vhd").status, 2);
-    scratch.write("work/work-obj08.cf", "v 4\nfile");
-    EXPECT_EQ(run_brixsim("run_good.vhd").status, 5);
-}
-
 TEST_F(FakeSimulations, ADesignIsAProjectOrItsTop) {
     write_project("other.bpr", {"run_cut.vhd"}, "run_cut.vhd", "", -1);
     scratch.write("damaged.bpr", "what is this");
@@ -225,7 +126,7 @@ TEST_F(FakeSimulations, ADesignIsAProjectOrItsTop) {
 }
 
 /// With the installed GHDL, whose words these tests hold our reading of it against.
-struct RealSimulations : Simulations {
+struct RealSimulations : Simulations<InScratch> {
     void SetUp() override {
         PathBuffer path;
         ASSERT_TRUE(find_program("ghdl-mcode", path) || find_program("ghdl", path))

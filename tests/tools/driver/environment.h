@@ -2,9 +2,34 @@
 
 #include "core/channel/channel.h"
 #include "core/os/loop.h"
+#include "core/project/project_file.h"
+#include "tests/support/scratch.h"
 #include "tests/tools/driver/run_brix.h"
+#include "tools/driver/output.h"
 
 namespace pellux {
+
+/// The fake GHDL stands first in `PATH`, and keeps a record of its calls in the scratch directory.
+struct FakeGhdl {
+    Scratch scratch;
+    std::string fake_first =
+        std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
+    test::ScopedVariable path{"PATH", fake_first.c_str()};
+    test::ScopedVariable log{"FAKE_GHDL_LOG", scratch.path("calls.log").c_str()};
+
+    /// What GHDL was asked: command and subject of each call.
+    [[nodiscard]] static std::string calls() {
+        std::ifstream lines("calls.log");
+        std::string all;
+        for (std::string line; std::getline(lines, line);)
+            all += line.substr(line.find(' ') + 1, 3) + line.substr(line.rfind(' ') + 1) + "; ";
+        return all;
+    }
+    [[nodiscard]] bool ghdl_still_runs() const {
+        const std::string text = scratch.read("calls.log");
+        return process_exists(std::stoll(text.substr(text.rfind('\n', text.size() - 2) + 1)));
+    }
+};
 
 /// The environment's side of a run.
 struct Environment {
@@ -38,6 +63,8 @@ struct Environment {
             const std::string_view packet = data.substr(1, data.size() - 2);
             // The environment shows each file as soon as its packet comes.
             EXPECT_EQ(packet.find("Compiling '", 1), packet.npos) << packet;
+            // Only a line that fits into no packet is split.
+            EXPECT_TRUE(packet.ends_with('\n') || packet.size() == k_packet_text_max) << packet;
             text += packet;
             ++packets;
             if (!close_at.empty() && packet.find(close_at) != packet.npos)
@@ -71,5 +98,22 @@ struct Environment {
         EXPECT_EQ(status_of(end), status);
     }
 };
+
+/// Writes a project; `top` and the unit may be empty.
+inline void write_project(const char* file, std::vector<const char*> sources, const char* top,
+                          const char* unit, int standard) {
+    Project project;
+    project.file_name.assign(file);
+    for (const char* name : sources) {
+        auto source = make_owned<VHDL_source>();
+        source->file_name.assign(name);
+        if (std::string(name) == top)
+            project.top_design = source.get();
+        project.sources.push_back(std::move(source));
+    }
+    project.options.text_12.assign(unit);
+    project.options.vhdl_standard = static_cast<std::int16_t>(standard);
+    EXPECT_FALSE(failed(write_project_as(project, file, {}).error));
+}
 
 } // namespace pellux

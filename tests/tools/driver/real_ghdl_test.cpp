@@ -15,37 +15,6 @@ struct RealGhdl : testing::Test {
     }
 };
 
-TEST_F(RealGhdl, ItsMessagesBecomeOurLines) {
-    struct Row {
-        const char* source;
-        const char* lines; ///< behind the "Compiling" line
-        int status;
-    };
-    const Row rows[] = {
-        {"entity e is end;\narchitecture a of e is\nbegin\n\t  x\t<= y;\n\r\n\tz <= '1';\r\nend;\n",
-         "t.vhd (line 4, col 4):  no declaration for \"x\"\n"
-         "t.vhd (line 4, col 9):  no declaration for \"y\"\n"
-         "t.vhd (line 6, col 2):  no declaration for \"z\"\n",
-         1},
-        {"package p is\n  signal s : bit;\n\tsignal s : bit;\nend;\n",
-         "t.vhd (line 3, col 9):  identifier \"s\" already used for a declaration\n"
-         "    previous declaration: signal \"s\" (line 2, col 10)\n",
-         1},
-        {"entity e is end;\narchitecture a of e is\n  component c is end component;\nbegin\n"
-         "\tu : c;\nend;\n",
-         "t.vhd (line 5, col 2):  Warning: instance \"u\" of component \"c\" is not bound "
-         "[-Wbinding]\n    (in default configuration of e(a)) (line 2, col 14)\n",
-         0},
-    };
-    for (const Row& row : rows) {
-        std::filesystem::remove_all("work");
-        scratch.write("t.vhd", row.source);
-        const ToolRun run = run_brix({"-q", "-b", "t.vhd"});
-        EXPECT_EQ(run.text, std::string("Compiling 't.vhd'\n") + row.lines);
-        EXPECT_EQ(run.status, row.status);
-    }
-}
-
 TEST_F(RealGhdl, FilesThatCannotBeReadAndADamagedLibrary) {
     scratch.write("-x.vhd", "entity x is end;\nbad\n");
     EXPECT_EQ(run_brix({"-q", "gone.vhd", "-a", "-x.vhd"}).text,

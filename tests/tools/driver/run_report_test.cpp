@@ -1,17 +1,11 @@
-#include "tests/support/scratch.h"
-#include "tests/tools/driver/run_brix.h"
+#include "tests/tools/driver/environment.h"
 
 namespace pellux {
 namespace {
 
-struct RunReport : testing::Test {
-    Scratch scratch;
-
+struct RunReport : testing::Test, FakeGhdl {
     /// The report of a run with the fake GHDL, every time of day as "T".
     std::string report(std::vector<const char*> words, int status, const char* name = "top.rpt") {
-        const std::string fake_first =
-            std::string(PELLUX_BINARY_DIR) + "/tests/fake_ghdl:" + environment_variable("PATH");
-        const test::ScopedVariable path{"PATH", fake_first.c_str()};
         words.insert(words.begin(), "-q");
         const ToolRun run = run_brix(words);
         EXPECT_EQ(run.status, status) << run.text;
@@ -77,7 +71,7 @@ TEST_F(RunReport, TakesTheNameOfNothingElse) {
     std::filesystem::remove_all("work");
     std::filesystem::create_directory("top.rpt");
     scratch.write("top.vhd", "package top is end;\n");
-    EXPECT_EQ(run_brix({"-b", "top.vhd"}).status, 0);
+    EXPECT_EQ(run_brix({"-b", "top.vhd"}).status, 1);
     EXPECT_TRUE(std::filesystem::is_directory("top.rpt"));
 }
 

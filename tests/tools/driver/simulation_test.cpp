@@ -12,43 +12,6 @@
 namespace pellux {
 namespace {
 
-TEST(SimulationOptions, EachVectorIsTakenOrRefused) {
-    struct Row {
-        std::vector<const char*> words;
-        const char* parsed;
-    };
-    const Scratch scratch;
-    scratch.write("x.rsp", "-q \"a b.vhd\"");
-    const Row rows[] = {
-        {{"t.bpr"}, "t.bpr||60000||0|t.vcd"},
-        {{"-utb", "-s10us", "-wghw", "a.b/t"}, "a.b/t|tb|60000|10us|1|t.ghw"},
-        {{"-l.25", "-s9223372036854775807FS", "d/t.BPR"},
-         "d/t.BPR||250|9223372036854775807FS|0|d/t.vcd"},
-        {{"-l1000000", "t.vhd", "-oy.GHW"}, "t.vhd||1000000000||1|y.GHW"},
-        {{"-l3.5", "-oy.ghw", "-wvcd", "t.vhd"}, "t.vhd||3500||0|y.ghw"},
-        {{"@x.rsp"}, "a b.vhd||60000||0|a b.vcd"},
-        {{"-ux", "-ux.vhd"}, "-ux.vhd|x|60000||0|-ux.vcd"},
-    };
-    for (const Row& row : rows) {
-        SimulationOptions options;
-        const Failure failure = parse_simulation(row.words, options);
-        EXPECT_FALSE(failure) << failure.text;
-        const String parsed =
-            format_text("%s|%s|%d|%s|%d|%s", options.design.c_str(), options.unit.c_str(),
-                        static_cast<int>(options.limit_ms), options.stop_time.c_str(),
-                        static_cast<int>(options.format), options.output.c_str());
-        EXPECT_EQ(parsed, row.parsed);
-    }
-    for (const char* bad : {"-s9223372036854776ns", "-s5", "-s-5ns", "-s1.5ns", "-l0", "-l0.0005",
-                            "-l1.", "-l.", "-l1e3", "-l1000000.001", "-l1..5", "-v94", "-wfst",
-                            "-u", "-qq", "-%bpipe0", "", "@y.rsp"}) {
-        SimulationOptions options;
-        const Failure failure = parse_simulation(std::vector{bad, "t.vhd"}, options);
-        EXPECT_EQ(failure.status, ExitStatus::arguments) << bad;
-        EXPECT_FALSE(failure.text.empty());
-    }
-}
-
 TEST(SimulationOutput, OnlyGhdlsOwnWordsAreMessages) {
     String told;
     SourceNames names;
@@ -105,67 +68,48 @@ TEST(SimulationOutput, OnlyGhdlsOwnWordsAreMessages) {
     EXPECT_TRUE(output.translator.told.empty());
 }
 
-TEST(Waveform, IsKeptWholeOrNotAtAll) {
-    const Scratch scratch;
-    const std::string header = "$enddefinitions $end\n";
-    const std::string tail = "GHDLwave TAI" + std::string(9, '\0');
-    const std::string changes(200'000, 'x');
-    struct Row {
-        WaveformFormat format;
-        GhdlOutcome outcome;
-        std::string bytes;
-        std::size_t kept; ///< of the bytes
-    };
-    using enum WaveformFormat;
-    using enum GhdlOutcome;
-    const Row rows[] = {
-        {vcd, succeeded, header, header.size()},
-        {vcd, ended, header + "#0\n1!\n#12", header.size() + 6},
-        {vcd, ended, header + "#0\n" + changes, header.size() + 3},
-        {vcd, ended, header + "#0\n" + changes + "\n" + changes,
-         header.size() + 4 + changes.size()},
-        {vcd, ended, std::string(65530, '\n') + "$enddefinitions $end\n1!", 65551},
-        {vcd, ended, "$scope\n" + changes + "\nhalf", 0},
-        {vcd, failed, header + "#0\n1!", 0},
-        {vcd, ended, "", 0},
-        {ghw, failed, tail, tail.size()},
-        {ghw, ended, tail.substr(1) + "x", 0},
-        {ghw, ended, "", 0},
-    };
-    for (const Row& row : rows) {
-        scratch.write("w", "old");
-        Waveform waveform;
-        ASSERT_FALSE(begin_waveform(waveform, row.format, "w"));
-        scratch.write(waveform.temporary.view(), row.bytes);
-        bool kept = false;
-        EXPECT_FALSE(finish_waveform(waveform, row.outcome, kept));
-        EXPECT_EQ(kept, row.kept > 0);
-        EXPECT_EQ(scratch.read("w"), kept ? row.bytes.substr(0, row.kept) : "old");
-        EXPECT_EQ(scratch.names(), std::set<std::string>{"w"});
-    }
-}
-
 SystemError refuse_one(void* context, FileOperation asked, std::string_view, std::size_t&) {
     return asked == from_context<FileOperation>(context) ? static_cast<SystemError>(ENOSPC)
                                                          : SystemError::none;
 }
 
-TEST(Waveform, AFullDiskLeavesTheOldOne) {
+/// What is left of "w", which held "old", when GHDL ends so with these bytes written.
+std::string finished(const Scratch& scratch, WaveformFormat format, GhdlOutcome outcome,
+                     const std::string& bytes, FileOperation* refused = nullptr) {
+    scratch.write("w", "old");
+    Waveform waveform;
+    EXPECT_FALSE(begin_waveform(waveform, format, "w"));
+    scratch.write(waveform.temporary.view(), bytes);
+    bool kept = false;
+    set_file_fault_hook(refused != nullptr ? refuse_one : nullptr, refused);
+    const Failure failure = finish_waveform(waveform, outcome, kept);
+    set_file_fault_hook(nullptr, nullptr);
+    EXPECT_EQ(failure.status,
+              refused != nullptr ? ExitStatus::no_room : ExitStatus::nothing_failed);
+    EXPECT_EQ(scratch.names(), std::set<std::string>{"w"});
+    return scratch.read("w");
+}
+
+TEST(Waveform, IsKeptWholeOrNotAtAll) {
+    using enum WaveformFormat;
+    using enum GhdlOutcome;
     const Scratch scratch;
+    const std::string header = "$enddefinitions $end\n";
+    const std::string tail = "GHDLwave TAI" + std::string(9, '\0');
+    const std::string changes(200'000, 'x');
+    const std::string blank = std::string(65530, '\n') + header;
+    // The whole lines of a VCD file, whose marks may lie far in front of its end.
+    EXPECT_EQ(finished(scratch, vcd, ended, header + "#0\n" + changes), header + "#0\n");
+    EXPECT_EQ(finished(scratch, vcd, ended, header + "#0\n" + changes + "\n" + changes),
+              header + "#0\n" + changes + "\n");
+    EXPECT_EQ(finished(scratch, vcd, ended, blank + "1!"), blank);
+    EXPECT_EQ(finished(scratch, vcd, ended, "$scope\n" + changes + "\nhalf"), "old");
+    EXPECT_EQ(finished(scratch, vcd, failed, header + "#0\n1!"), "old");
+    EXPECT_EQ(finished(scratch, ghw, failed, tail), tail);
+    EXPECT_EQ(finished(scratch, ghw, ended, tail.substr(1) + "x"), "old");
     for (FileOperation operation : {FileOperation::write, FileOperation::flush, FileOperation::read,
-                                    FileOperation::rename, FileOperation::truncate}) {
-        scratch.write("w", "old");
-        Waveform waveform;
-        ASSERT_FALSE(begin_waveform(waveform, WaveformFormat::vcd, "w"));
-        scratch.write(waveform.temporary.view(), "$enddefinitions $end\n");
-        bool kept = false;
-        set_file_fault_hook(refuse_one, &operation);
-        const Failure failure = finish_waveform(waveform, GhdlOutcome::succeeded, kept);
-        set_file_fault_hook(nullptr, nullptr);
-        EXPECT_EQ(failure.status, ExitStatus::no_room) << static_cast<int>(operation);
-        EXPECT_EQ(scratch.read("w"), "old");
-        EXPECT_EQ(scratch.names(), std::set<std::string>{"w"});
-    }
+                                    FileOperation::rename, FileOperation::truncate})
+        EXPECT_EQ(finished(scratch, vcd, succeeded, header, &operation), "old");
 }
 
 } // namespace

@@ -1,0 +1,133 @@
+#include "core/os/loop.h"
+#include "tests/tools/driver/environment.h"
+
+#include <algorithm>
+#include <csignal>
+#include <sstream>
+
+namespace pellux {
+namespace {
+
+/// Both programs with the fake GHDL, and a library in which the simulator finds its units.
+struct ProgramEnds : testing::Test, FakeGhdl {
+    test::ScopedVariable cache{"XDG_CACHE_HOME", scratch.path("cache").c_str()};
+    std::set<std::string> before;
+    std::set<std::string> library;
+
+    void SetUp() override {
+        for (const char* file : {"good.vhd", "endless.vhd", "run_hang.vhd", "run_twice.vhd"})
+            scratch.write(file, "-- a unit\n");
+        ASSERT_EQ(run_brix({"-q", "good.vhd", "run_hang.vhd", "run_twice.vhd"}).status, 0);
+        std::filesystem::create_directory("cache");
+        remember();
+    }
+    void remember() {
+        before = scratch.names();
+        library = scratch.names("work");
+    }
+    void expect_nothing_left() const {
+        EXPECT_EQ(scratch.names(), before);
+        EXPECT_EQ(scratch.names("work"), library);
+        EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
+    }
+};
+
+/// Words that the caller's `line` holds, which blanks part.
+struct Words {
+    std::vector<std::string> texts;
+    std::vector<const char*> all{"-q"};
+
+    explicit Words(const std::string& line) {
+        std::istringstream stream(line);
+        texts.assign(std::istream_iterator<std::string>(stream), {});
+        for (const std::string& text : texts)
+            all.push_back(text.c_str());
+    }
+};
+
+TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
+    const struct {
+        const char* tool;
+        const char* file;
+        const char* running; ///< said when GHDL runs
+    } rows[] = {{"BRIX.EXE", "endless.vhd", "(line 4"}, {"brixsim", "run_hang.vhd", "runs"}};
+    for (const auto& row : rows) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            Process process;
+            const OwnedHandle output = start_program(process, row.tool, {row.file});
+            const std::string text = read_until(output, row.running);
+            ::kill(static_cast<pid_t>(process.id), signal);
+            EXPECT_EQ(status_of(wait_for_process(process)), 1) << text;
+            EXPECT_FALSE(ghdl_still_runs());
+            expect_nothing_left();
+        }
+        Environment closing{row.tool};
+        closing.close_at = row.running;
+        closing.answers = false;
+        closing.run({row.file}, 1);
+        EXPECT_FALSE(ghdl_still_runs());
+        expect_nothing_left();
+        Process process;
+        {
+            Environment lost{row.tool};
+            lost.start(process, {row.file});
+            while (lost.text.find(row.running) == std::string::npos)
+                run_turn(TurnWait::until_event);
+        }
+        EXPECT_EQ(status_of(wait_for_process(process)), 1);
+        EXPECT_FALSE(ghdl_still_runs());
+        expect_nothing_left();
+    }
+}
+
+TEST_F(ProgramEnds, EveryWayToFailHasItsStatusAndOneLine) {
+    scratch.write("afile", "");
+    scratch.write("bad.rsp", "@again.rsp");
+    scratch.write("bad.bpr", "what is this");
+    scratch.write("new.vhd", "");
+    std::filesystem::create_symlink("nowhere", "dangling");
+    write_project("none.bpr", {"good.vhd"}, "", "", -1);
+    write_project("gone.bpr", {"good.vhd"}, "", "gone", -1);
+    write_project("old.bpr", {"run_twice.vhd"}, "run_twice.vhd", "", 93);
+    remember();
+    const struct {
+        const char* tool;
+        int status;
+        std::vector<const char*> lines;
+    } rows[] = {
+        {"BRIX.EXE", 2, {"", "-zz good.vhd", "@gone.rsp", "@bad.rsp", "@."}},
+        {"BRIX.EXE", 5, {"-astd good.vhd", "-aafile good.vhd", "-adangling good.vhd"}},
+        {"brixsim",
+         1,
+         {"gone.vhd", "new.vhd", "-v93 good.vhd", "-ugone good.vhd", "none.bpr", "gone.bpr",
+          "old.bpr", "bad.bpr"}},
+        {"brixsim", 2, {"", "-zz good.vhd", "good.vhd new.vhd", "good.vhd @bad.rsp", "@gone.rsp"}},
+        {"brixsim", 4, {"-onowhere/w good.vhd", "-o. good.vhd"}},
+    };
+    for (const auto& row : rows) {
+        for (const char* line : row.lines) {
+            const ToolRun run = run_program(row.tool, Words(line).all);
+            EXPECT_EQ(run.status, row.status) << run.text;
+            EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1) << run.text;
+            Environment environment{row.tool};
+            environment.run(Words(line).all, row.status);
+            EXPECT_EQ(environment.text, run.text);
+            expect_nothing_left();
+        }
+    }
+    EXPECT_EQ(run_brix({"-q", "-zz"}).text, "BRIX:  Unknown switch '-zz'.\n");
+    for (const char* tool : {"BRIX.EXE", "brixsim"}) {
+        EXPECT_EQ(run_program(tool, {"-%bpipe1023", "good.vhd"}).status, 2);
+        const test::ScopedVariable no_path("PATH", scratch.path().c_str());
+        EXPECT_EQ(run_program(tool, {"good.vhd"}).status, 3);
+    }
+    {
+        const test::ScopedVariable no_cache("XDG_CACHE_HOME", scratch.path("afile").c_str());
+        EXPECT_EQ(run_program("brixsim", {"good.vhd"}).status, 4);
+    }
+    scratch.write("work/work-obj08.cf", "v 4\nfile");
+    EXPECT_EQ(run_program("brixsim", {"good.vhd"}).status, 5);
+}
+
+} // namespace
+} // namespace pellux
