@@ -8,16 +8,59 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <variant>
 
 namespace pellux {
 namespace {
 
-using Json = nlohmann::json;
+using Words = decltype(VHDL_source::words);
 
-/// The first thing of a document that does not fit.
-struct Complaint {
-    String path; ///< of the value in the document
-    String text; ///< empty: none so far
+struct Nothing {};     ///< no value may stand here
+struct Document {};    ///< the whole of it
+struct SourceArray {}; ///< "sources"
+struct TopDesign {};   ///< "top_design"
+
+/// What a value of the document is for.
+using Slot =
+    std::variant<Nothing, Document, ProjectHeader*, Project*, VHDL_source*, Source_options*,
+                 Screen_position*, Font_spec*, SourceArray, TopDesign, NullableText*, std::int16_t*,
+                 std::int32_t*, std::uint32_t*, SourceKind*, Words*, Vector<std::byte>*>;
+
+template <typename T>
+constexpr bool k_is_record =
+    std::is_same_v<T, ProjectHeader*> || std::is_convertible_v<T, const Object*>;
+
+/// Looks for one key among the fields of a record.
+struct FieldFinder {
+    std::string_view key;
+    std::string_view name{}; ///< the key again, for good
+    Slot slot{};
+    std::uint32_t bit = 0; ///< of the field, by its place in the record; 0: no such field
+    std::uint32_t next_bit = 1;
+
+    template <typename Target>
+    void offer(std::string_view field, Target target) {
+        if (field == key) {
+            name = field;
+            slot = target;
+            bit = next_bit;
+        }
+        next_bit <<= 1;
+    }
+
+    void text(std::string_view field, NullableText& value) { offer(field, &value); }
+    void words(std::string_view field, Words& value) { offer(field, &value); }
+    void bytes(std::string_view field, Vector<std::byte>& value) { offer(field, &value); }
+    void sources(std::string_view field, Project&) { offer(field, SourceArray{}); }
+    void top_design(std::string_view field, Project&) { offer(field, TopDesign{}); }
+    template <typename Number>
+    void number(std::string_view field, Number& value) {
+        offer(field, &value);
+    }
+    template <typename Record>
+    void record(std::string_view field, Record& value) {
+        offer(field, &value);
+    }
 };
 
 /// UTF-8 of code points up to 255 back to bytes; false for anything else.
@@ -45,231 +88,259 @@ int hex_digit(char c) {
     return -1;
 }
 
-/// Fills one record from one JSON object and complains of the keys that nobody asked for.
-class JsonReader {
-public:
-    JsonReader(const Json& json, String path, Complaint& complaint)
-        : json_(json), path_(std::move(path)), complaint_(complaint) {
-        if (!json.is_object())
-            complain(path_, msg_expect_object);
-    }
-
-    void text(const char* key, NullableText& value) {
-        const Json* found = take(key);
-        if (found == nullptr)
-            return;
-        if (found->is_null()) {
-            value.clear();
-            return;
-        }
-        String bytes;
-        if (!found->is_string())
-            complain(child(key), msg_expect_text);
-        else if (!to_bytes(found->get_ref<const std::string&>(), bytes))
-            complain(child(key), msg_expect_characters);
-        else
-            value.assign(view(bytes));
-    }
-
-    template <typename Number>
-    void number(const char* key, Number& value) {
-        if (const Json* found = take(key))
-            read_number(*found, child(key), value);
-    }
-
-    void words(const char* key, std::array<std::uint32_t, 8>& value) {
-        const Json* found = take(key);
-        if (found == nullptr)
-            return;
-        if (!found->is_array() || found->size() != value.size()) {
-            complain(child(key), msg_expect_words);
-            return;
-        }
-        for (std::size_t i = 0; i < value.size(); ++i)
-            read_number((*found)[i], child(key, i), value[i]);
-    }
-
-    void bytes(const char* key, Vector<std::byte>& value) {
-        const Json* found = take(key);
-        if (found == nullptr)
-            return;
-        if (!found->is_string()) {
-            complain(child(key), msg_expect_bytes);
-            return;
-        }
-        const auto& text = found->get_ref<const std::string&>();
-        value.clear();
-        for (std::size_t i = 0; i < text.size(); i += 2) {
-            const int high = hex_digit(text[i]);
-            const int low = i + 1 < text.size() ? hex_digit(text[i + 1]) : -1;
-            if (high < 0 || low < 0) {
-                complain(child(key), msg_expect_bytes);
-                return;
-            }
-            value.push_back(static_cast<std::byte>(high * 16 + low));
-        }
-    }
-
-    template <typename Visit>
-    void record(const char* key, Visit visit) {
-        const Json* found = take(key);
-        if (found == nullptr)
-            return;
-        JsonReader inner(*found, child(key), complaint_);
-        visit(inner);
-        inner.finish();
-    }
-
-    void sources(const char* key, Project& project) {
-        const Json* found = take(key);
-        if (found == nullptr)
-            return;
-        if (!found->is_array()) {
-            complain(child(key), msg_expect_array);
-            return;
-        }
-        for (std::size_t i = 0; i < found->size(); ++i) {
-            auto source = make_owned<VHDL_source>();
-            JsonReader inner((*found)[i], child(key, i), complaint_);
-            visit_source(inner, *source);
-            inner.finish();
-            project.sources.push_back(std::move(source));
-        }
-    }
-
-    void top_design(const char* key, Project& project) {
-        const Json* found = take(key);
-        if (found == nullptr || found->is_null())
-            return;
-        std::uint32_t index = 0;
-        read_number(*found, child(key), index);
-        if (index < project.sources.size())
-            project.top_design = project.sources[index].get();
-        else
-            complain(child(key), msg_expect_source);
-    }
-
-    /// Every key must have been asked for.
-    void finish() {
-        if (!json_.is_object())
-            return;
-        for (const auto& [key, value] : json_.items())
-            if (!taken_.contains(std::string_view(key)))
-                complain(child(key.c_str()), msg_unknown_key);
-    }
-
-private:
-    const Json* take(const char* key) {
-        taken_.insert(String(key));
-        if (!json_.is_object())
-            return nullptr;
-        const auto found = json_.find(key);
-        return found == json_.end() ? nullptr : &*found;
-    }
-
-    template <typename Number>
-    void read_number(const Json& json, const String& path, Number& value) {
-        if constexpr (std::is_enum_v<Number>) {
-            std::underlying_type_t<Number> number{};
-            read_number(json, path, number);
-            if (number < 0 || number > 1)
-                complain(path, msg_expect_kind);
-            value = Number{number};
-        } else {
-            using Limits = std::numeric_limits<Number>;
-            const bool fits =
-                json.is_number_unsigned()
-                    ? json.get<std::uint64_t>() <= static_cast<std::uint64_t>(Limits::max())
-                    : json.is_number_integer() && std::is_signed_v<Number> &&
-                          json.get<std::int64_t>() >= static_cast<std::int64_t>(Limits::min());
-            if (fits)
-                value = json.get<Number>();
-            else
-                complain(path, msg_expect_number, static_cast<long long>(Limits::min()),
-                         static_cast<long long>(Limits::max()));
-        }
-    }
-
-    [[nodiscard]] String child(const char* key) const {
-        return path_.empty() ? String(key) : path_ + "." + key;
-    }
-    [[nodiscard]] String child(const char* key, std::size_t index) const {
-        return child(key) + format_text("[%lu]", static_cast<unsigned long>(index));
-    }
-
-    template <typename... Arguments>
-    void complain(const String& path, Message<Arguments...>& message,
-                  std::type_identity_t<Arguments>... arguments) {
-        if (!complaint_.text.empty())
-            return;
-        complaint_.path = path.empty() ? String("the document") : path;
-        complaint_.text = format_message(message, arguments...);
-    }
-
-    const Json& json_;
-    String path_;
-    Complaint& complaint_;
-    TextSet taken_;
-};
-
-/// Parses the document; false after a message. A key that stands twice in one object is told as
-/// well: one of the two would be lost.
-bool parse_document(std::string_view text, const char* name, Json& json) {
-    std::vector<TextSet> open_objects;
-    String twice;
-    const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
-        if (event == Json::parse_event_t::object_start)
-            open_objects.emplace_back();
-        else if (event == Json::parse_event_t::object_end)
-            open_objects.pop_back();
-        else if (event == Json::parse_event_t::key &&
-                 !open_objects.back().insert(String(parsed.get_ref<const std::string&>())).second &&
-                 twice.empty())
-            twice = parsed.get_ref<const std::string&>();
-        return true;
-    };
-    try {
-        json = Json::parse(text, watch);
-    } catch (const Json::parse_error& problem) {
-        int line = 1;
-        int column = 1;
-        for (const char c : text.substr(0, problem.byte > 0 ? problem.byte - 1 : 0)) {
-            line += c == '\n' ? 1 : 0;
-            column = c == '\n' ? 1 : column + 1;
-        }
-        tell(msg_not_json, name, line, column);
-        return false;
-    } catch (const Json::exception&) {
-        tell(msg_not_json, name, 1, 1);
-        return false;
-    }
-    if (!twice.empty()) {
-        tell(msg_bad_value, name, twice.c_str(), msg_key_twice.text());
-        return false;
+bool parse_hex(std::string_view text, Vector<std::byte>& bytes) {
+    bytes.clear();
+    bytes.reserve(text.size() / 2);
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const int high = hex_digit(text[i]);
+        const int low = i + 1 < text.size() ? hex_digit(text[i + 1]) : -1;
+        if (high < 0 || low < 0)
+            return false;
+        bytes.push_back(static_cast<std::byte>(high * 16 + low));
     }
     return true;
+}
+
+/// Takes a document's parts as the parser meets them and puts each value where it belongs, so that
+/// no tree of them is ever made. The first thing that does not fit ends the parsing: as no part can
+/// stand where none is expected, that bounds the depth too.
+class ProjectBuilder {
+public:
+    ProjectBuilder(ProjectHeader& header, Project& project) : header_(header), project_(project) {}
+
+    bool null() {
+        const Slot slot = next_slot();
+        if (NullableText* const* text = std::get_if<NullableText*>(&slot))
+            (*text)->clear();
+        else if (!std::holds_alternative<TopDesign>(slot))
+            return misfit(slot);
+        return true;
+    }
+    bool boolean(bool) { return misfit(next_slot()); }
+    bool number_integer(std::int64_t value) {
+        const Slot slot = next_slot();
+        return std::visit([&](auto target) { return take_number(target, value); }, slot) ||
+               misfit(slot);
+    }
+    bool number_unsigned(std::uint64_t value) {
+        constexpr auto k_largest = std::numeric_limits<std::int64_t>::max();
+        return value <= std::uint64_t{k_largest} ? number_integer(static_cast<std::int64_t>(value))
+                                                 : misfit(next_slot());
+    }
+    bool number_float(double, const std::string&) { return misfit(next_slot()); }
+    bool string(const std::string& value) {
+        const Slot slot = next_slot();
+        if (NullableText* const* text = std::get_if<NullableText*>(&slot)) {
+            String bytes;
+            if (!to_bytes(value, bytes))
+                return complain(msg_expect_characters);
+            (*text)->assign_without_nul(view(bytes));
+            return true;
+        }
+        Vector<std::byte>* const* bytes = std::get_if<Vector<std::byte>*>(&slot);
+        return (bytes != nullptr && parse_hex(value, **bytes)) || misfit(slot);
+    }
+    bool binary(const nlohmann::json::binary_t&) { return misfit(next_slot()); }
+
+    bool start_object(std::size_t) {
+        const Slot slot = next_slot();
+        const bool is_object = std::visit(
+            []<typename T>(T) { return std::is_same_v<T, Document> || k_is_record<T>; }, slot);
+        if (!is_object)
+            return misfit(slot);
+        open_.push_back({.record = slot});
+        return true;
+    }
+    bool key(const std::string& key) {
+        Open& object = open_.back();
+        FieldFinder finder{.key = key};
+        std::visit(
+            [&]<typename T>(T record) {
+                if constexpr (k_is_record<T>) {
+                    visit_fields(finder, *record);
+                } else {
+                    finder.record("header", header_);
+                    finder.record("project", project_);
+                }
+            },
+            object.record);
+        object.key = finder.bit != 0 ? finder.name : std::string_view(key);
+        if (finder.bit == 0)
+            return complain(msg_unknown_key);
+        if ((object.seen & finder.bit) != 0)
+            return complain(msg_key_twice);
+        object.seen |= finder.bit;
+        object.value = finder.slot;
+        return true;
+    }
+    bool end_object() {
+        open_.pop_back();
+        return true;
+    }
+
+    bool start_array(std::size_t) {
+        const Slot slot = next_slot();
+        if (!std::holds_alternative<SourceArray>(slot) && !std::holds_alternative<Words*>(slot))
+            return misfit(slot);
+        open_.push_back({.record = slot, .is_array = true});
+        return true;
+    }
+    bool end_array() {
+        const Open array = open_.back();
+        open_.pop_back();
+        return std::holds_alternative<SourceArray>(array.record) ||
+               array.started == std::tuple_size_v<Words> || misfit(array.record);
+    }
+
+    template <typename Exception>
+    bool parse_error(std::size_t position, const std::string&, const Exception& exception) {
+        constexpr int k_number_overflow = 406;
+        if (exception.id == k_number_overflow)
+            return misfit(next_slot());
+        error_position = position;
+        return false;
+    }
+
+    /// To be asked when all was taken.
+    bool finish() {
+        ProjectVersion version{};
+        if (!find_version(header_.version, version))
+            return complain_at("header.version", msg_expect_version);
+        if (top_number_ < 0)
+            return true;
+        if (static_cast<std::uint64_t>(top_number_) >= project_.sources.size())
+            return complain_at("project.top_design", msg_expect_source);
+        project_.top_design = project_.sources[static_cast<std::size_t>(top_number_)].get();
+        return true;
+    }
+
+    String path;                    ///< of the value that does not fit
+    String complaint;               ///< empty: none
+    std::size_t error_position = 0; ///< of the byte, from 1, where the text is no JSON
+
+private:
+    /// An object or array whose end did not come yet.
+    struct Open {
+        Slot record;
+        Slot value{};            ///< an object's field that comes next
+        std::string_view key{};  ///< its name
+        std::uint32_t seen = 0;  ///< bits of an object's fields
+        std::size_t started = 0; ///< an array's elements
+        bool is_array = false;
+    };
+
+    Slot next_slot() {
+        if (open_.empty())
+            return Document{};
+        Open& open = open_.back();
+        if (!open.is_array)
+            return open.value;
+        const std::size_t index = open.started++;
+        if (Words* const* words = std::get_if<Words*>(&open.record))
+            return index < (*words)->size() ? Slot(&(**words)[index]) : Slot(Nothing{});
+        project_.sources.push_back(make_owned<VHDL_source>());
+        return project_.sources.back().get();
+    }
+
+    template <typename Target>
+    bool take_number(Target target, std::int64_t value) {
+        if constexpr (std::is_same_v<Target, TopDesign>) {
+            top_number_ = value;
+            return value >= 0;
+        } else if constexpr (std::is_same_v<Target, SourceKind*>) {
+            *target = SourceKind{static_cast<std::int16_t>(value)};
+            return value == 0 || value == 1;
+        } else if constexpr (std::is_pointer_v<Target>) {
+            if constexpr (std::is_integral_v<std::remove_pointer_t<Target>>) {
+                *target = static_cast<std::remove_pointer_t<Target>>(value);
+                return *target == value;
+            }
+        }
+        return false;
+    }
+
+    /// Complains of a value that is not what `slot` is for.
+    bool misfit(const Slot& slot) {
+        return std::visit([&]<typename T>(T) { return misfit_of<T>(); }, slot);
+    }
+    template <typename Target>
+    bool misfit_of() {
+        if constexpr (std::is_same_v<Target, Document> || k_is_record<Target>) {
+            return complain(msg_expect_object);
+        } else if constexpr (std::is_same_v<Target, SourceArray>) {
+            return complain(msg_expect_array);
+        } else if constexpr (std::is_same_v<Target, TopDesign>) {
+            return complain(msg_expect_source);
+        } else if constexpr (std::is_same_v<Target, NullableText*>) {
+            return complain(msg_expect_text);
+        } else if constexpr (std::is_same_v<Target, SourceKind*>) {
+            return complain(msg_expect_kind);
+        } else if constexpr (std::is_same_v<Target, Vector<std::byte>*>) {
+            return complain(msg_expect_bytes);
+        } else if constexpr (std::is_same_v<Target, Words*>) {
+            return complain(msg_expect_words);
+        } else if constexpr (std::is_same_v<Target, Nothing>) {
+            open_.pop_back();
+            return complain(msg_expect_words);
+        } else {
+            using Limits = std::numeric_limits<std::remove_pointer_t<Target>>;
+            return complain(msg_expect_number, Limits::min(), Limits::max());
+        }
+    }
+
+    /// Notes what is expected of the value that comes next, or came last; false.
+    template <typename... Arguments>
+    bool complain(Message<Arguments...>& message, std::type_identity_t<Arguments>... arguments) {
+        String place;
+        for (const Open& open : open_) {
+            if (open.is_array) {
+                place += format_text("[%zu]", open.started - 1);
+            } else {
+                place += place.empty() ? "" : ".";
+                place += open.key;
+            }
+        }
+        return complain_at(place.empty() ? "the document" : view(place), message, arguments...);
+    }
+    template <typename... Arguments>
+    bool complain_at(std::string_view place, Message<Arguments...>& message,
+                     std::type_identity_t<Arguments>... arguments) {
+        path = place;
+        complaint = format_message(message, arguments...);
+        return false;
+    }
+
+    ProjectHeader& header_;
+    Project& project_;
+    Vector<Open> open_;
+    std::int64_t top_number_ = -1;
+};
+
+/// Tells where, by the byte's number from 1, a text is no JSON.
+void tell_not_json(std::string_view text, const char* name, std::size_t position) {
+    int line = 1;
+    int column = 1;
+    for (const char c : text.substr(0, position > 0 ? position - 1 : 0)) {
+        line += c == '\n' ? 1 : 0;
+        column = c == '\n' ? 1 : column + 1;
+    }
+    tell(msg_not_json, name, line, column);
 }
 
 } // namespace
 
 Owned<Project> project_from_json(std::string_view text, const char* name, ProjectHeader& header) {
-    Json json;
-    if (!parse_document(text, name, json))
-        return nullptr;
-    Complaint complaint;
     auto project = make_owned<Project>();
-    JsonReader document(json, "", complaint);
-    document.record("header", [&](auto& inner) { visit_header(inner, header); });
-    document.record("project", [&](auto& inner) { visit_project(inner, *project); });
-    document.finish();
-    ProjectVersion version{};
-    if (complaint.text.empty() && !find_version(header.version, version)) {
-        complaint.path = "header.version";
-        complaint.text = msg_expect_version.text();
-    }
-    if (complaint.text.empty())
+    ProjectBuilder builder(header, *project);
+    const bool parsed = nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder);
+    if (parsed && text.find('\0') != std::string_view::npos)
+        builder.error_position = text.find('\0') + 1; // the parser takes it for the end
+    else if (parsed && builder.finish())
         return project;
-    tell(msg_bad_value, name, complaint.path.c_str(), complaint.text.c_str());
+    if (builder.complaint.empty())
+        tell_not_json(text, name, builder.error_position);
+    else
+        tell(msg_bad_value, name, builder.path.c_str(), builder.complaint.c_str());
     return nullptr;
 }
 

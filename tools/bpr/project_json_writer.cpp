@@ -48,17 +48,17 @@ struct JsonWriter {
         }
         json[key] = text;
     }
-    template <typename Visit>
-    void record(const char* key, Visit visit) {
+    template <typename Record>
+    void record(const char* key, const Record& record) {
         JsonWriter inner;
-        visit(inner);
+        visit_fields(inner, record);
         json[key] = std::move(inner.json);
     }
     void sources(const char* key, const Project& project) {
         Json list = Json::array();
         for (const Owned<VHDL_source>& source : project.sources) {
             JsonWriter inner;
-            visit_source(inner, *source);
+            visit_fields(inner, std::as_const(*source));
             list.push_back(std::move(inner.json));
         }
         json[key] = std::move(list);
@@ -75,8 +75,8 @@ struct JsonWriter {
 
 String project_to_json(const Project& project, const ProjectHeader& header) {
     JsonWriter document;
-    document.record("header", [&](auto& inner) { visit_header(inner, header); });
-    document.record("project", [&](auto& inner) { visit_project(inner, project); });
+    document.record("header", header);
+    document.record("project", project);
     const std::string text = document.json.dump(2);
     return String(text) + "\n";
 }

@@ -66,14 +66,19 @@ TEST_F(ProjectJson, WhatIsLeftOutIsAsInANewProject) {
 
 TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
     const struct {
-        const char* text;
+        std::string_view text;
         const char* message;
     } rows[] = {
         {"", "'p.json': line 1, column 1: this is no JSON document."},
         {"{\n  \"project\": {},\n  oops\n}",
          "'p.json': line 3, column 3: this is no JSON document."},
-        {"{\"project\": {\"options\": {\"flags\": 1e999}}}", nullptr},
-        {"\"\xFF\"", nullptr},
+        {"{\"project\":\xFF}", "'p.json': line 1, column 12: this is no JSON document."},
+        {{"{}\n \0{}", 7}, "'p.json': line 2, column 2: this is no JSON document."},
+        {R"({"project": {"options": {"flags": 1e400}}})",
+         "'p.json': project.options.flags: a whole number from -2147483648 to 2147483647 is "
+         "expected."},
+        {R"({"project": {"sources": [{"words": [0, -1e400]}]}})",
+         "'p.json': project.sources[0].words[1]: a whole number from 0 to 4294967295 is expected."},
         {"[]", "'p.json': the document: an object is expected."},
         {R"({"project": 1})", "'p.json': project: an object is expected."},
         {R"({"projekt": {}})", "'p.json': projekt: unknown key."},
@@ -103,18 +108,15 @@ TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
          "'p.json': project.print_record: pairs of hexadecimal digits in lower case are expected."},
         {R"({"header": {"version": "1X07"}})",
          "'p.json': header.version: \"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected."},
-        {R"({"project": {}, "project": {}})",
-         "'p.json': project: this key stands twice in one object."},
+        {R"({"project": {"sources": [{}, {"note": "", "note": null}]}})",
+         "'p.json': project.sources[1].note: this key stands twice in one object."},
     };
     for (const auto& row : rows) {
         header_ = {};
         EXPECT_EQ(parse(row.text), nullptr) << row.text;
         ASSERT_EQ(said_.size(), 1U) << row.text;
-        EXPECT_TRUE(row.message == nullptr || said_[0] == row.message) << said_[0];
+        EXPECT_EQ(said_[0], row.message);
     }
-    std::string deep(100000, '[');
-    EXPECT_EQ(parse(deep), nullptr);
-    EXPECT_EQ(parse(deep + std::string(100000, ']')), nullptr);
 }
 
 TEST_F(ProjectJson, EveryTruncationIsRefused) {
