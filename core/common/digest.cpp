@@ -1,21 +1,8 @@
 #include "core/common/digest.h"
 
+#include "core/common/hex.h"
+
 namespace pellux {
-namespace {
-
-/// Value of a hexadecimal digit; 16 for another character.
-unsigned digit_value(char c) {
-    if (c >= '0' && c <= '9')
-        return static_cast<unsigned>(c - '0');
-    if (c >= 'a' && c <= 'f')
-        return static_cast<unsigned>(c - 'a') + 10;
-    if (c >= 'A' && c <= 'F')
-        return static_cast<unsigned>(c - 'A') + 10;
-    return 16;
-}
-
-} // namespace
-
 void Digester::update(std::string_view piece) {
     SHA1Update(&context_, reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size());
 }
@@ -33,12 +20,9 @@ Digest digest_of(std::string_view text) {
 }
 
 String hex(const Digest& digest) {
-    constexpr std::string_view k_digits = "0123456789abcdef";
     String text;
-    for (const std::uint8_t byte : digest.bytes) {
-        text += k_digits[byte >> 4];
-        text += k_digits[byte & 15];
-    }
+    for (const std::uint8_t byte : digest.bytes)
+        append_hex(text, byte);
     return text;
 }
 
@@ -47,8 +31,8 @@ bool parse_hex(std::string_view text, Digest& digest) {
     if (text.size() != 2 * read.bytes.size())
         return false;
     for (std::size_t i = 0; i < read.bytes.size(); ++i) {
-        const unsigned high = digit_value(text[2 * i]);
-        const unsigned low = digit_value(text[2 * i + 1]);
+        const unsigned high = hex_value(text[2 * i]);
+        const unsigned low = hex_value(text[2 * i + 1]);
         if (high > 15 || low > 15)
             return false;
         read.bytes[i] = static_cast<std::uint8_t>(high << 4 | low);

@@ -41,8 +41,11 @@ std::size_t ascii_length(std::string_view text) {
     return length;
 }
 
-/// Bytes of the character at the front of a text that is not empty; 0 where none stands.
-std::size_t character_length(std::string_view text) {
+} // namespace
+
+std::size_t utf8_length(std::string_view text) {
+    if (text.empty())
+        return 0;
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     for (const FirstByte& row : k_first_bytes) {
         if (byte(0) < row.first || byte(0) > row.last)
@@ -59,14 +62,12 @@ std::size_t character_length(std::string_view text) {
     return 0;
 }
 
-} // namespace
-
 bool is_utf8(std::string_view text) {
     for (;;) {
         text.remove_prefix(ascii_length(text));
         if (text.empty())
             return true;
-        const std::size_t length = character_length(text);
+        const std::size_t length = utf8_length(text);
         if (length == 0)
             return false;
         text.remove_prefix(length);

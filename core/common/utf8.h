@@ -26,7 +26,11 @@ namespace pellux {
     return text.substr(0, length);
 }
 
-/// Is all of it UTF-8? Longer forms than needed, surrogates and numbers over 0x10FFFF are none.
+/// Bytes of the character at the front of `text`; 0 where none stands that is UTF-8: a form longer
+/// than needed, a surrogate, a number over 0x10FFFF, one that is cut off, or nothing at all.
+[[nodiscard]] std::size_t utf8_length(std::string_view text);
+
+/// Is all of it UTF-8? ASCII and the empty text are.
 [[nodiscard]] bool is_utf8(std::string_view text);
 
 } // namespace pellux
