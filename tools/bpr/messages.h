@@ -25,10 +25,9 @@ inline Message<> msg_unsuccessful{"E1861", "Compilation failed."};
 inline Message<> msg_expect_object{"E1862", "an object is expected"};
 inline Message<> msg_expect_array{"E1863", "an array is expected"};
 inline Message<> msg_expect_text{"E1864", "a text or null is expected"};
-inline Message<> msg_expect_characters{"E1865", "only characters from 1 to 255 can be stored"};
+inline Message<> msg_expect_characters{"E1865", "a text can't hold the character 0"};
 inline Message<> msg_expect_words{"E1866", "an array of 8 numbers is expected"};
-inline Message<> msg_expect_bytes{"E1867",
-                                  "pairs of hexadecimal digits in lower case are expected"};
+inline Message<> msg_expect_bytes{"E1867", "pairs of hexadecimal digits are expected"};
 inline Message<long long, long long> msg_expect_number{
     "E1868", "a whole number from %lld to %lld is expected"};
 inline Message<> msg_expect_kind{"E1869", "0 or 1 is expected"};

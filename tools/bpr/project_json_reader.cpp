@@ -1,3 +1,6 @@
+#include "core/common/hex.h"
+#include "core/common/utf8.h"
+#include "core/common/visible_text.h"
 #include "core/diagnostics/reporter.h"
 #include "tools/bpr/messages.h"
 #include "tools/bpr/project_fields.h"
@@ -19,16 +22,25 @@ struct Nothing {};     ///< no value may stand here
 struct Document {};    ///< the whole of it
 struct SourceArray {}; ///< "sources"
 struct TopDesign {};   ///< "top_design"
+struct TextBytes {     ///< an object that gives a text by its bytes
+    NullableText* text;
+};
+struct TextHex { ///< these bytes
+    NullableText* text;
+};
 
 /// What a value of the document is for.
-using Slot =
-    std::variant<Nothing, Document, ProjectHeader*, Project*, VHDL_source*, Source_options*,
-                 Screen_position*, Font_spec*, SourceArray, TopDesign, NullableText*, std::int16_t*,
-                 std::int32_t*, std::uint32_t*, SourceKind*, Words*, Vector<std::byte>*>;
+using Slot = std::variant<Nothing, Document, ProjectHeader*, Project*, VHDL_source*,
+                          Source_options*, Screen_position*, Font_spec*, SourceArray, TopDesign,
+                          NullableText*, TextBytes, TextHex, std::int16_t*, std::int32_t*,
+                          std::uint32_t*, SourceKind*, Words*, Vector<std::byte>*>;
 
 template <typename T>
 constexpr bool k_is_record =
     std::is_same_v<T, ProjectHeader*> || std::is_convertible_v<T, const Object*>;
+template <typename T>
+constexpr bool k_is_object =
+    k_is_record<T> || std::is_same_v<T, Document> || std::is_same_v<T, TextBytes>;
 
 /// Looks for one key among the fields of a record.
 struct FieldFinder {
@@ -63,40 +75,20 @@ struct FieldFinder {
     }
 };
 
-/// UTF-8 of code points up to 255 back to bytes; false for anything else.
-bool to_bytes(const std::string& utf8, String& result) {
-    for (std::size_t i = 0; i < utf8.size(); ++i) {
-        auto byte = static_cast<unsigned char>(utf8[i]);
-        if (byte >= 0x80) {
-            if (byte > 0xC3 || i + 1 == utf8.size())
-                return false;
-            byte = static_cast<unsigned char>(byte << 6 |
-                                              (static_cast<unsigned char>(utf8[++i]) & 0x3F));
-        }
-        if (byte == 0)
-            return false;
-        result += static_cast<char>(byte);
-    }
-    return true;
-}
-
-int hex_digit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
-bool parse_hex(std::string_view text, Vector<std::byte>& bytes) {
+/// Pairs of hexadecimal digits, one blank or none between them.
+template <typename Bytes>
+bool parse_hex(std::string_view text, Bytes& bytes) {
     bytes.clear();
     bytes.reserve(text.size() / 2);
     for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = hex_digit(text[i]);
-        const int low = i + 1 < text.size() ? hex_digit(text[i + 1]) : -1;
-        if (high < 0 || low < 0)
+        i += i > 0 && text[i] == ' ' ? 1 : 0;
+        if (i == text.size())
             return false;
-        bytes.push_back(static_cast<std::byte>(high * 16 + low));
+        const unsigned high = hex_value(text[i]);
+        const unsigned low = i + 1 < text.size() ? hex_value(text[i + 1]) : 16;
+        if (high > 15 || low > 15)
+            return false;
+        bytes.push_back(static_cast<typename Bytes::value_type>(high * 16 + low));
     }
     return true;
 }
@@ -131,11 +123,11 @@ public:
     bool string(const std::string& value) {
         const Slot slot = next_slot();
         if (NullableText* const* text = std::get_if<NullableText*>(&slot)) {
+            return take_text(**text, value);
+        }
+        if (const TextHex* hex = std::get_if<TextHex>(&slot)) {
             String bytes;
-            if (!to_bytes(value, bytes))
-                return complain(msg_expect_characters);
-            (*text)->assign_without_nul(view(bytes));
-            return true;
+            return parse_hex(value, bytes) ? take_text(*hex->text, view(bytes)) : misfit(slot);
         }
         Vector<std::byte>* const* bytes = std::get_if<Vector<std::byte>*>(&slot);
         return (bytes != nullptr && parse_hex(value, **bytes)) || misfit(slot);
@@ -143,10 +135,10 @@ public:
     bool binary(const nlohmann::json::binary_t&) { return misfit(next_slot()); }
 
     bool start_object(std::size_t) {
-        const Slot slot = next_slot();
-        const bool is_object = std::visit(
-            []<typename T>(T) { return std::is_same_v<T, Document> || k_is_record<T>; }, slot);
-        if (!is_object)
+        Slot slot = next_slot();
+        if (NullableText* const* text = std::get_if<NullableText*>(&slot))
+            slot = TextBytes{*text};
+        if (!std::visit([]<typename T>(T) { return k_is_object<T>; }, slot))
             return misfit(slot);
         open_.push_back({.record = slot});
         return true;
@@ -158,6 +150,8 @@ public:
             [&]<typename T>(T record) {
                 if constexpr (k_is_record<T>) {
                     visit_fields(finder, *record);
+                } else if constexpr (std::is_same_v<T, TextBytes>) {
+                    finder.offer("bytes", TextHex{record.text});
                 } else {
                     finder.record("header", header_);
                     finder.record("project", project_);
@@ -174,8 +168,10 @@ public:
         return true;
     }
     bool end_object() {
+        const Open object = open_.back();
         open_.pop_back();
-        return true;
+        return !std::holds_alternative<TextBytes>(object.record) || object.seen != 0 ||
+               misfit(object.record);
     }
 
     bool start_array(std::size_t) {
@@ -242,6 +238,13 @@ private:
         return project_.sources.back().get();
     }
 
+    bool take_text(NullableText& text, std::string_view bytes) {
+        if (bytes.find('\0') != std::string_view::npos)
+            return complain(msg_expect_characters);
+        text.assign_without_nul(bytes);
+        return true;
+    }
+
     template <typename Target>
     bool take_number(Target target, std::int64_t value) {
         if constexpr (std::is_same_v<Target, TopDesign>) {
@@ -265,17 +268,18 @@ private:
     }
     template <typename Target>
     bool misfit_of() {
-        if constexpr (std::is_same_v<Target, Document> || k_is_record<Target>) {
+        if constexpr (std::is_same_v<Target, NullableText*> || std::is_same_v<Target, TextBytes>) {
+            return complain(msg_expect_text);
+        } else if constexpr (k_is_object<Target>) {
             return complain(msg_expect_object);
         } else if constexpr (std::is_same_v<Target, SourceArray>) {
             return complain(msg_expect_array);
         } else if constexpr (std::is_same_v<Target, TopDesign>) {
             return complain(msg_expect_source);
-        } else if constexpr (std::is_same_v<Target, NullableText*>) {
-            return complain(msg_expect_text);
         } else if constexpr (std::is_same_v<Target, SourceKind*>) {
             return complain(msg_expect_kind);
-        } else if constexpr (std::is_same_v<Target, Vector<std::byte>*>) {
+        } else if constexpr (std::is_same_v<Target, Vector<std::byte>*> ||
+                             std::is_same_v<Target, TextHex>) {
             return complain(msg_expect_bytes);
         } else if constexpr (std::is_same_v<Target, Words*>) {
             return complain(msg_expect_words);
@@ -297,7 +301,7 @@ private:
                 place += format_text("[%zu]", open.started - 1);
             } else {
                 place += place.empty() ? "" : ".";
-                place += open.key;
+                place += view(visible_text(open.key));
             }
         }
         return complain_at(place.empty() ? "the document" : view(place), message, arguments...);
@@ -322,7 +326,7 @@ void tell_not_json(std::string_view text, const char* name, std::size_t position
     int column = 1;
     for (const char c : text.substr(0, position > 0 ? position - 1 : 0)) {
         line += c == '\n' ? 1 : 0;
-        column = c == '\n' ? 1 : column + 1;
+        column = c == '\n' ? 1 : column + (is_continuation(c) ? 0 : 1);
     }
     tell(msg_not_json, name, line, column);
 }

@@ -1,84 +1,159 @@
+#include "core/common/hex.h"
+#include "core/common/utf8.h"
+#include "core/common/visible_text.h"
+#include "core/diagnostics/message.h"
 #include "tools/bpr/project_fields.h"
 #include "tools/bpr/project_json.h"
 
-#include <nlohmann/json.hpp>
-
-#include <string>
+#include <charconv>
+#include <utility>
 
 namespace pellux {
 namespace {
 
-using Json = nlohmann::ordered_json;
+constexpr std::size_t k_indentation = 2; ///< blanks a level
 
-/// A text's bytes become the code points of the same numbers.
-std::string to_utf8(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            result += c;
-        } else {
-            result += static_cast<char>(0xC0 | byte >> 6);
-            result += static_cast<char>(0x80 | (byte & 0x3F));
-        }
+/// Hexadecimal digits, two a byte.
+String to_hex(std::span<const std::byte> bytes, std::string_view between) {
+    String text;
+    for (const std::byte byte : bytes) {
+        text += text.empty() ? "" : between;
+        append_hex(text, std::to_integer<unsigned char>(byte));
     }
-    return result;
+    return text;
 }
 
-struct JsonWriter {
-    Json json = Json::object();
+/// Writes what it visits behind what is there already: no document is held but the text itself.
+class JsonWriter {
+public:
+    String json;
 
-    void text(const char* key, const NullableText& value) {
-        if (value.present())
-            json[key] = to_utf8(value.view());
-        else
-            json[key] = nullptr;
+    void text(std::string_view key, const NullableText& value) {
+        put_key(key);
+        if (!value.present()) {
+            json += "null";
+        } else if (is_utf8(value.view())) {
+            put_text(value.view());
+        } else {
+            open('{');
+            put_key("bytes");
+            put_text(view(to_hex(std::as_bytes(std::span(value.view())), " ")));
+            close('}');
+        }
     }
     template <typename Number>
-    void number(const char* key, Number value) {
-        json[key] = static_cast<std::int64_t>(value);
+    void number(std::string_view key, Number value) {
+        put_key(key);
+        put_number(static_cast<std::int64_t>(value));
     }
-    void words(const char* key, const std::array<std::uint32_t, 8>& value) { json[key] = value; }
-    void bytes(const char* key, const Vector<std::byte>& value) {
-        constexpr std::string_view k_digits = "0123456789abcdef";
-        std::string text;
-        for (const std::byte byte : value) {
-            text += k_digits[std::to_integer<std::size_t>(byte >> 4)];
-            text += k_digits[std::to_integer<std::size_t>(byte & std::byte{15})];
+    void words(std::string_view key, const std::array<std::uint32_t, 8>& value) {
+        put_key(key);
+        open('[');
+        for (const std::uint32_t word : value) {
+            next_line();
+            put_number(word);
         }
-        json[key] = text;
+        close(']');
+    }
+    void bytes(std::string_view key, const Vector<std::byte>& value) {
+        put_key(key);
+        put_text(view(to_hex(value, "")));
     }
     template <typename Record>
-    void record(const char* key, const Record& record) {
-        JsonWriter inner;
-        visit_fields(inner, record);
-        json[key] = std::move(inner.json);
+    void record(std::string_view key, const Record& record) {
+        put_key(key);
+        put_record(record);
     }
-    void sources(const char* key, const Project& project) {
-        Json list = Json::array();
+    void sources(std::string_view key, const Project& project) {
+        put_key(key);
+        open('[');
         for (const Owned<VHDL_source>& source : project.sources) {
-            JsonWriter inner;
-            visit_fields(inner, std::as_const(*source));
-            list.push_back(std::move(inner.json));
+            next_line();
+            put_record(std::as_const(*source));
         }
-        json[key] = std::move(list);
+        close(']');
     }
-    void top_design(const char* key, const Project& project) {
-        json[key] = nullptr;
-        for (std::size_t i = 0; i < project.sources.size(); ++i)
-            if (project.sources[i].get() == project.top_design)
-                json[key] = i;
+    void top_design(std::string_view key, const Project& project) {
+        put_key(key);
+        std::int64_t index = 0;
+        for (const Owned<VHDL_source>& source : project.sources) {
+            if (source.get() == project.top_design) {
+                put_number(index);
+                return;
+            }
+            ++index;
+        }
+        json += "null";
     }
+
+    void open(char bracket) {
+        json += bracket;
+        ++depth_;
+        is_first_ = true;
+    }
+    void close(char bracket) {
+        --depth_;
+        if (!is_first_)
+            start_line();
+        is_first_ = false;
+        json += bracket;
+    }
+
+private:
+    void start_line() {
+        json += '\n';
+        json.append(depth_ * k_indentation, ' ');
+    }
+    void next_line() {
+        if (!std::exchange(is_first_, false))
+            json += ',';
+        start_line();
+    }
+    void put_key(std::string_view key) {
+        next_line();
+        put_text(key);
+        json += ": ";
+    }
+    void put_number(std::int64_t value) {
+        std::array<char, 20> digits;
+        json.append(digits.data(), std::to_chars(digits.begin(), digits.end(), value).ptr);
+    }
+    void put_text(std::string_view text) {
+        constexpr std::string_view k_escaped = "\"\\\b\f\n\r\t";
+        constexpr std::string_view k_letters = "\"\\bfnrt";
+        json += '"';
+        while (!text.empty()) {
+            const std::size_t at = k_escaped.find(text.front());
+            if (at == std::string_view::npos) {
+                text.remove_prefix(append_visible(json, text));
+            } else {
+                json += '\\';
+                json += k_letters[at];
+                text.remove_prefix(1);
+            }
+        }
+        json += '"';
+    }
+    template <typename Record>
+    void put_record(const Record& record) {
+        open('{');
+        visit_fields(*this, record);
+        close('}');
+    }
+
+    std::size_t depth_ = 0;
+    bool is_first_ = true; ///< nothing stands in the innermost bracket yet
 };
 
 } // namespace
 
 String project_to_json(const Project& project, const ProjectHeader& header) {
     JsonWriter document;
+    document.open('{');
     document.record("header", header);
     document.record("project", project);
-    const std::string text = document.json.dump(2);
-    return String(text) + "\n";
+    document.close('}');
+    return document.json + "\n";
 }
 
 } // namespace pellux
