@@ -1,5 +1,6 @@
 #include "core/common/callback.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/controls/controls.h"
 #include "windows/controls/pictures.h"
@@ -27,36 +28,17 @@ namespace {
 constexpr WindowResource k_windows[] = {{.number = 8100, .width = 400, .height = 120}};
 
 /// A window with a control in it, and what it and the toolkit's error print were told since the
-/// last `take`: ":code" for a character, "focus", "number id type cause" for a notice.
+/// last `take`.
 struct Owner {
     Window window = Window::none;
     Window control = Window::none;
-    std::string told;
-    std::function<void()> at_notice;
+    EventLog log{{EventType::character, EventType::focus, EventType::notice}};
 
-    std::string take() { return std::exchange(told, {}); }
-
-    static long on_event(void* context, Window, const Event& event) {
-        auto& owner = from_context<Owner>(context);
-        if (const auto* key = event.get<CharacterEvent>())
-            owner.told += ":" + std::to_string(key->code) + " ";
-        if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained)
-            owner.told += "focus ";
-        if (const auto* notice = event.get<NoticeEvent>()) {
-            owner.told += std::to_string(notice->number) + " " + std::to_string(notice->part_id) +
-                          " " + std::to_string(notice->part_type) + " ";
-            owner.told += notice->cause->get<ControlEvent>() != nullptr  ? "control\n"
-                          : notice->cause->get<NoticeEvent>() != nullptr ? "notice\n"
-                                                                         : "?\n";
-            if (owner.at_notice)
-                owner.at_notice();
-        }
-        return 0;
-    }
+    std::string take() { return log.take(); }
     static bool on_error(void* context, const ToolkitError& error) {
         // What is less severe is kept quiet in the program too.
         if (error.severity > 2)
-            from_context<Owner>(context).told += "! " + std::string(error.text) + "\n";
+            from_context<Owner>(context).log.text += "! " + std::string(error.text) + "\n";
         return true;
     }
 };
@@ -71,8 +53,8 @@ void with_control(std::string_view class_name, const Lines& lines, std::string_v
     in_application([&] {
         Owner owner;
         xvt_errmsg_set_filter({Owner::on_error, &owner});
-        owner.window = xvt_win_create_res(8100, {Owner::on_event, &owner});
-        owner.told.clear();
+        owner.window = xvt_win_create_res(8100, owner.log.handler());
+        owner.take();
         owner.control = xvt_cxo_create({.class_name = class_name,
                                         .parent = owner.window,
                                         .id = 7,
@@ -111,22 +93,25 @@ TEST(Toolbar, TellsItsOwnerWhatHappensToItsControls) {
         EXPECT_FALSE(xvt_vobj_is_valid(part(202)) || xvt_vobj_is_valid(part(9)));
 
         click(part(201), k_inside);
-        EXPECT_EQ(owner.take(), "101 201 4 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 201 4 of notice; ");
         EXPECT_EQ(toggle_button_get_state(part(201)), ToggleState::push);
         click(part(203), k_inside);
-        EXPECT_EQ(owner.take(), "101 203 5 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 203 5 of notice; ");
         EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::down);
         click(part(204), k_inside);
         EXPECT_EQ(toggle_button_get_state(part(204)), ToggleState::down);
         click(part(203), k_inside);
-        EXPECT_EQ(owner.take(), "101 204 6 notice\n101 203 5 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 204 6 of notice; notice 101 203 5 of notice; ");
         EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::up);
         click(part(205), k_inside);
-        EXPECT_EQ(owner.take(), "101 205 1 control\n");
+        EXPECT_EQ(owner.take(), "notice 101 205 1 of control; ");
 
-        owner.at_notice = [&] { xvt_vobj_destroy(owner.window); };
+        owner.log.act = [](Window window, const Event& event) {
+            if (event.get<NoticeEvent>() != nullptr)
+                xvt_vobj_destroy(window);
+        };
         click(part(203), k_inside);
-        EXPECT_EQ(owner.take(), "101 203 5 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 203 5 of notice; ");
         EXPECT_FALSE(xvt_vobj_is_valid(owner.control));
         EXPECT_FALSE(toolbar_add_control(owner.control, {}));
         EXPECT_EQ(owner.take(), "");
@@ -156,7 +141,7 @@ TEST(Toolbar, RefusesControlsThatCannotBe) {
         EXPECT_TRUE(toolbar_add_custom_control(owner.control,
                                                {.class_name = k_toggle_button_class, .id = 6}));
         click(toolbar_get_control(owner.control, 6), k_inside);
-        EXPECT_EQ(owner.take(), "101 6 7 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 6 7 of notice; ");
         // What was refused took no room.
         EXPECT_EQ(xvt_vobj_get_outer_rect(toolbar_get_control(owner.control, 6)).left, 26);
         for (int id = 10; id < 58; ++id)
@@ -213,28 +198,28 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         move_pointer(part(1), k_outside, PointerButton::left);
         EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::push);
         release_pointer(part(1), k_outside);
-        EXPECT_EQ(owner.take(), "focus ");
+        EXPECT_EQ(owner.take(), "focus; ");
         press_pointer(part(1), k_inside);
         move_pointer(part(1), k_outside, PointerButton::left);
         move_pointer(part(1), k_inside, PointerButton::left);
         release_pointer(part(1), k_inside);
         click(part(1), k_inside, PointerButton::right);
-        EXPECT_EQ(owner.take(), "101 1 4 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 1 4 of notice; ");
 
         // The numbers that windows set buttons by.
         toggle_button_set_state(part(2), static_cast<ToggleState>(4));
         click(part(2), k_inside);
         EXPECT_FALSE(xvt_vobj_is_enabled(part(2)));
-        EXPECT_EQ(owner.take(), "focus ") << "the window takes the click";
+        EXPECT_EQ(owner.take(), "focus; ") << "the window takes the click";
 
         xvt_vobj_set_focus(part(1));
         press_key("Space");
         press_key("Return");
-        EXPECT_EQ(owner.take(), "101 1 4 notice\n101 1 4 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 1 4 of notice; notice 101 1 4 of notice; ");
         press_key("Ctrl+M");
         type_text("x");
         press_key("Down");
-        EXPECT_EQ(owner.take(), ":13 :120 :302 ");
+        EXPECT_EQ(owner.take(), "key 13; key 120; key 302; ");
         for (const int id : {3, 4, 1}) {
             press_key("Right");
             EXPECT_TRUE(xvt_vobj_has_focus(part(id))) << id;
@@ -242,17 +227,17 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         press_key("Left");
         press_key("Left");
         press_key("Space");
-        EXPECT_EQ(owner.take(), "101 3 5 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 3 5 of notice; ");
         EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::down);
         press_key("Tab");
         EXPECT_FALSE(xvt_vobj_has_focus(part(3)) || xvt_vobj_has_focus(part(1)));
         xvt_vobj_set_focus(part(1));
         press_key("Esc");
-        EXPECT_EQ(owner.take(), "focus focus ");
+        EXPECT_EQ(owner.take(), "focus; focus; ");
 
         toggle_button_set_state(part(2), static_cast<ToggleState>(0));
         click(part(2), k_inside);
-        EXPECT_EQ(owner.take(), "101 2 4 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 2 4 of notice; ");
         // One that is disabled under a press is not clicked by its end.
         press_pointer(part(2), k_inside);
         toggle_button_set_state(part(2), ToggleState::disabled);

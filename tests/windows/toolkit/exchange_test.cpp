@@ -1,5 +1,5 @@
-#include "core/common/callback.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
@@ -15,7 +15,6 @@
 #include <QMimeData>
 #include <QWindow>
 
-#include <functional>
 #include <string>
 
 namespace pellux {
@@ -29,44 +28,14 @@ const bool k_is_registered = [] {
     return true;
 }();
 
-/// Tells as text what comes from outside.
-struct Log {
-    std::string text;
-    std::function<void(Window, const Event&)> act;
-    long answer = 0;
-
-    EventHandler handler() { return {on_event, this}; }
-    std::string take() { return std::exchange(text, {}); }
-
-    static std::string at(Point at, int control) {
-        return std::to_string(control) + " " + std::to_string(at.x) + "," + std::to_string(at.y);
-    }
-    static long on_event(void* context, Window window, const Event& event) {
-        auto& log = from_context<Log>(context);
-        if (const auto* command = event.get<CommandEvent>())
-            log.text += "command " + std::to_string(command->tag) + "; ";
-        else if (const auto* key = event.get<CharacterEvent>())
-            log.text += "key " + std::to_string(key->code) + "; ";
-        else if (const auto* menu = event.get<ContextMenuEvent>())
-            log.text += "menu " + at(menu->at, menu->control) + "; ";
-        else if (event.get<ClipboardEvent>() != nullptr)
-            log.text += "clipboard; ";
-        else if (const auto* drop = event.get<DropEvent>()) {
-            log.text += "drop " + at(drop->at, drop->control);
-            for (const String& path : drop->paths)
-                log.text += "|" + std::string(view(path));
-            log.text += "; ";
-        }
-        if (log.act)
-            log.act(window, event);
-        return log.answer;
-    }
-};
+/// What comes from outside.
+const std::set<EventType> k_told{EventType::command, EventType::character, EventType::context_menu,
+                                 EventType::clipboard, EventType::drop};
 
 /// A window with a pane (id 1) and a list (id 2) in it.
 struct Scene {
-    Log log;
-    Log inner;
+    EventLog log{k_told};
+    EventLog inner{k_told};
     Window window = Window::none;
     Window pane = Window::none;
     Window list = Window::none;
@@ -153,7 +122,7 @@ TEST(ContextMenus, TellTheirCommandAfterTheyAreGone) {
 }
 
 TEST(Clipboard, HoldsBytesUnderAName) {
-    Log task;
+    EventLog task(k_told);
     in_application(
         [&] {
             Scene scene;

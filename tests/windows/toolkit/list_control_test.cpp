@@ -1,5 +1,5 @@
-#include "core/common/callback.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/qt/windows/window_table.h"
@@ -29,11 +29,11 @@ const bool k_is_registered = [] {
     return true;
 }();
 
-/// A window around one control, whose events are told as text.
+/// A window around one control, and what the window is told.
 template <typename Widget>
 struct Around {
-    std::string told;
-    Window window = xvt_win_create_res(7160, {on_event, this});
+    EventLog log{{EventType::character, EventType::control, EventType::context_menu}};
+    Window window = xvt_win_create_res(7160, log.handler());
     Window control;
     Widget* widget;
 
@@ -42,22 +42,13 @@ struct Around {
           widget(widget_of<Widget>(control)) {
         xvt_vobj_set_focus(control);
         process_events();
+        log.answer = 1;
     }
     ~Around() { xvt_vobj_destroy(window); }
     Around(const Around&) = delete;
     Around& operator=(const Around&) = delete;
 
-    static long on_event(void* context, Window, const Event& event) {
-        auto& told = from_context<Around>(context).told;
-        if (const auto* key = event.get<CharacterEvent>())
-            told += "key " + std::to_string(key->code) + "; ";
-        if (const auto* control = event.get<ControlEvent>())
-            told += control->action == ControlAction::chosen ? "chosen; " : "selected; ";
-        if (const auto* menu = event.get<ContextMenuEvent>())
-            told += "menu " + std::to_string(menu->control) + " at " + std::to_string(menu->at.y);
-        return 1;
-    }
-    std::string take() { return std::exchange(told, {}); }
+    std::string take() { return log.take(); }
     [[nodiscard]] QScrollBar& bar() const { return *widget->verticalScrollBar(); }
 };
 using ListWindow = Around<QListView>;
@@ -172,21 +163,22 @@ TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
         press_key("Return");
         EXPECT_EQ(files.take(), "key 13; ");
         press_key("Menu");
-        EXPECT_TRUE(files.take().starts_with("menu 3 at ")) << "an empty list asks nobody";
+        EXPECT_TRUE(files.take().starts_with("menu 3 ")) << "an empty list asks nobody";
         xvt_list_set_entries(files.control, numbered(5));
         process_events();
         const QRect third = files.widget->visualRect(files.widget->model()->index(3, 0));
-        const Point at{60, files.widget->viewport()->y() + third.center().y()};
-        const std::string menu = "menu 3 at " + std::to_string(at.y + 20);
+        const QPoint middle = files.widget->viewport()->pos() + third.center();
+        const Point at{middle.x(), middle.y()};
+        const std::string menu = "menu 3 " + EventLog::place({at.x + 10, at.y + 20}) + "; ";
         right_click(files.control, at);
-        EXPECT_EQ(files.take(), "selected; " + menu);
+        EXPECT_EQ(files.take(), "selected 3; " + menu);
         const std::pair<const char*, std::string> rows[] = {
-            {"Del", "key 127; "},      {"Return", "chosen; "},
+            {"Del", "key 127; "},      {"Return", "chosen 3; "},
             {"Esc", "key 27; "},       {"Ctrl+X", "key 24; "},
             {"F5", "key 405; "},       {"Backspace", "key 8; "},
             {"Alt+Up", "key 301; "},   {"Menu", menu},
-            {"Shift+F10", menu},       {"Ctrl+A", "selected; "},
-            {"Alt+Down", "key 302; "}, {"1", "selected; "}};
+            {"Shift+F10", menu},       {"Ctrl+A", "selected 3; "},
+            {"Alt+Down", "key 302; "}, {"1", "selected 3; "}};
         for (const auto& [key, told] : rows) {
             press_key(key);
             EXPECT_EQ(files.take(), told) << key;

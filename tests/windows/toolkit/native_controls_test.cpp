@@ -1,5 +1,5 @@
-#include "core/common/callback.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 namespace pellux {
@@ -19,35 +18,23 @@ const bool k_is_registered = [] {
     return true;
 }();
 
-/// A window whose controls' events are told as text.
+/// A window and what its controls tell it.
 struct Form {
-    Window window = Window::none;
-    std::string told;
-    std::function<void(const ControlEvent&)> act;
+    EventLog log{{EventType::control}};
+    Window window = xvt_win_create_res(7150, log.handler());
     int next_top = 0;
 
-    Form() { window = xvt_win_create_res(7150, {on_event, this}); }
+    Form() = default;
     ~Form() { xvt_vobj_destroy(window); }
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 
-    static long on_event(void* context, Window, const Event& event) {
-        auto& form = from_context<Form>(context);
-        if (const auto* control = event.get<ControlEvent>()) {
-            constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
-            form.told += std::to_string(control->id) + " " +
-                         k_actions[static_cast<int>(control->action)] + "; ";
-            if (form.act)
-                form.act(*control);
-        }
-        return 0;
-    }
     Window add(ControlKind kind, std::string_view title, int height = 24) {
         const int top = next_top;
         next_top += height + 2;
         return xvt_ctl_create({window, kind, top + 1, title, {top, 10, top + height, 200}});
     }
-    std::string take() { return std::exchange(told, {}); }
+    std::string take() { return log.take(); }
 };
 
 TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
@@ -72,25 +59,25 @@ TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
 
         click(button, {20, 10});
         click(check, {8, 12});
-        EXPECT_EQ(form.take(), "1 pressed; 27 pressed; ");
+        EXPECT_EQ(form.take(), "pressed 1; pressed 27; ");
         EXPECT_FALSE(xvt_ctl_is_checked(check));
         xvt_vobj_set_focus(edit);
         type_text("x");
         press_key("Return");
-        EXPECT_EQ(form.take(), "53 edited; 53 chosen; ");
+        EXPECT_EQ(form.take(), "edited 53; chosen 53; ");
         EXPECT_EQ(xvt_vobj_get_title(edit), "textx");
         xvt_vobj_set_focus(list);
         press_key("Down");
         press_key("Return");
-        EXPECT_EQ(form.take(), "79 selected; 79 chosen; ");
+        EXPECT_EQ(form.take(), "selected 79; chosen 79; ");
         EXPECT_EQ(xvt_list_get_selection(list), 2);
         xvt_vobj_set_focus(combo);
         press_key("Down");
-        EXPECT_EQ(form.take(), "161 selected; ");
+        EXPECT_EQ(form.take(), "selected 161; ");
         xvt_vobj_set_focus(field);
         press_key("End");
         type_text("z");
-        EXPECT_EQ(form.take(), "187 edited; ");
+        EXPECT_EQ(form.take(), "edited 187; ");
         EXPECT_EQ(xvt_vobj_get_title(field), "bz");
         EXPECT_EQ(xvt_list_get_selection(field), -1) << "what was typed is no entry";
         xvt_list_set_items(field, items);
@@ -154,13 +141,19 @@ TEST(NativeControls, MayEndInTheirOwnEvents) {
     in_application([] {
         Form form;
         const Window button = form.add(ControlKind::button, "End");
-        form.act = [](const ControlEvent& event) { xvt_vobj_destroy(event.control); };
+        form.log.act = [=](Window, const Event& event) {
+            if (event.get<ControlEvent>() != nullptr)
+                xvt_vobj_destroy(button);
+        };
         click(button, {20, 10});
         EXPECT_FALSE(xvt_vobj_is_valid(button));
         const Window list = form.add(ControlKind::list, "", 80);
         const Vector<String> items = {"a", "b"};
         xvt_list_set_items(list, items);
-        form.act = [&form](const ControlEvent&) { xvt_vobj_destroy(form.window); };
+        form.log.act = [](Window window, const Event& event) {
+            if (event.get<ControlEvent>() != nullptr)
+                xvt_vobj_destroy(window);
+        };
         xvt_vobj_set_focus(list);
         press_key("Down");
         EXPECT_FALSE(xvt_vobj_is_valid(list));

@@ -3,6 +3,7 @@
 #include "core/os/loop.h"
 #include "core/os/process.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
@@ -48,47 +49,19 @@ void run(const std::function<void()>& script, EventHandler handler = {}) {
     in_application(script, k_config, handler);
 }
 
-/// Writes down what comes, and may do something at one type of event.
-struct Log {
-    std::string text;
-    EventType at = EventType::help;
-    std::function<void(Window)> act;
-    long answer = 0;
-
-    EventHandler handler() { return {on_event, this}; }
-    std::string take() { return std::exchange(text, {}); }
-
-    static long on_event(void* context, Window window, const Event& event) {
-        auto& log = from_context<Log>(context);
-        const EventType type = event.type();
-        if (type == EventType::size || type == EventType::focus || type == EventType::update ||
-            type == EventType::pointer_move || type == EventType::pointer_leave ||
-            type == EventType::pointer_up || type == EventType::theme)
-            return 0;
-        log.text += std::to_string(static_cast<int>(type));
-        if (const auto* key = event.get<CharacterEvent>())
-            log.text += ":" + std::to_string(key->code);
-        if (const auto* command = event.get<CommandEvent>())
-            log.text += ":" + std::to_string(command->tag);
-        if (const auto* press = event.get<PointerDownEvent>())
-            log.text += ":" + std::to_string(press->at.x) + "," + std::to_string(press->at.y) +
-                        "*" + std::to_string(press->clicks);
-        log.text += " ";
-        if (type == log.at && log.act)
-            std::exchange(log.act, nullptr)(window);
-        return log.answer;
-    }
-};
+const std::set<EventType> k_told{
+    EventType::creation,  EventType::destruction, EventType::close, EventType::pointer_down,
+    EventType::character, EventType::command,     EventType::timer, EventType::help};
 
 TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
-    Log task;
+    EventLog task(k_told);
     run(
         [&] {
-            EXPECT_EQ(task.take(), "0 ");
-            Log log;
+            EXPECT_EQ(task.take(), "created; ");
+            EventLog log(k_told);
             const Window window = xvt_win_create_res(1, log.handler());
-            EXPECT_EQ(log.take(), "0 ");
-            Log inner;
+            EXPECT_EQ(log.take(), "created; ");
+            EventLog inner(k_told);
             const Window pane = xvt_win_create_pane(
                 {.parent = window, .id = 5, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
             process_events();
@@ -98,28 +71,28 @@ TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
             click(pane, {7, 9});
             double_click(pane, {7, 9});
             click(window, {200, 150});
-            EXPECT_EQ(inner.take(), "0 6:7,9*1 6:7,9*2 ");
-            EXPECT_EQ(log.take(), "6:200,150*1 ");
+            EXPECT_EQ(inner.take(), "created; down 7,9*1; down 7,9*2; ");
+            EXPECT_EQ(log.take(), "down 200,150*1; ");
             xvt_vobj_set_focus(pane);
             press_key("A");
             inner.answer = 1;
             press_key("Ctrl+B");
-            EXPECT_EQ(inner.take(), "10:97 10:2 ");
-            EXPECT_EQ(log.take(), "10:2 ");
+            EXPECT_EQ(inner.take(), "key 97; key 2; ");
+            EXPECT_EQ(log.take(), "key 2; ");
             press_key("F1");
-            EXPECT_EQ(inner.take() + log.take() + task.take(), "18 18 ");
+            EXPECT_EQ(inner.take() + log.take() + task.take(), "help; help; ");
             close_by_frame(window);
-            EXPECT_EQ(log.take(), "5 ");
+            EXPECT_EQ(log.take(), "close; ");
             EXPECT_TRUE(xvt_vobj_is_valid(window));
             xvt_vobj_destroy(window);
-            EXPECT_EQ(inner.take(), "1 ");
-            EXPECT_EQ(log.take(), "1 ");
+            EXPECT_EQ(inner.take(), "gone; ");
+            EXPECT_EQ(log.take(), "gone; ");
             process_events();
             close_by_frame(xvt_win_get_task());
-            EXPECT_EQ(task.take(), "5 ");
+            EXPECT_EQ(task.take(), "close; ");
         },
         task.handler());
-    EXPECT_EQ(task.take(), "1 ");
+    EXPECT_EQ(task.take(), "gone; ");
     EXPECT_EQ(xvt_win_get_task(), Window::none);
 }
 
@@ -136,26 +109,22 @@ TEST(Windows, MayBeDestroyedInsideAnyOfTheirEvents) {
             {EventType::command, [](Window) { EXPECT_TRUE(choose_item(21)); }},
             {EventType::notice,
              [](Window window) { xvt_cxo_notify(xvt_win_get_ctl(window, 1), {}); }},
-            {EventType::update,
-             [](Window window) {
-                 xvt_dwin_invalidate_rect(window, {0, 0, 9, 9});
-             }},
         };
         for (const auto& [type, provoke] : rows) {
-            Log log;
-            log.at = type;
-            log.act = [](Window window) { xvt_vobj_destroy(window); };
+            EventLog log(k_told);
+            log.act = [at = type](Window window, const Event& event) {
+                if (event.type() == at)
+                    xvt_vobj_destroy(window);
+            };
             const Window window = xvt_win_create_res(2, log.handler());
             EXPECT_EQ(window == Window::none, type == EventType::creation);
-            if (type == EventType::update)
-                log.act(window);
             xvt_win_create_pane({.parent = window, .id = 1, .rect = {50, 0, 60, 60}});
             process_events();
             xvt_vobj_set_focus(window);
             provoke(window);
             process_events();
             EXPECT_FALSE(xvt_vobj_is_valid(window)) << static_cast<int>(type);
-            EXPECT_TRUE(log.text.ends_with("1 ")) << log.text;
+            EXPECT_TRUE(log.text.ends_with("gone; ")) << log.text;
         }
     });
 }
@@ -280,8 +249,8 @@ TEST(Windows, StandWhereTheyAreMoved) {
 }
 
 TEST(Menus, AreThoseOfTheActiveWindow) {
-    Log task;
-    Log log;
+    EventLog task(k_told);
+    EventLog log(k_told);
     run(
         [&] {
             const std::string of_task = "&File\n  &Open...\tCtrl+O\n  -\n  (Save && &quit)\n"
@@ -292,7 +261,7 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             EXPECT_EQ(shown_menus(), "&Own\n  &Do it\tF7\n");
             EXPECT_FALSE(choose_item(11));
             press_key("F7");
-            EXPECT_EQ(log.take(), "0 13:21 ");
+            EXPECT_EQ(log.take(), "created; command 21; ");
             // Changed while another window's menus are shown, and then while they are.
             xvt_menu_set_item_enabled(xvt_win_get_task(), 12, true);
             xvt_menu_set_item_checked(own, 21, true);
@@ -303,7 +272,7 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             task.take();
             press_key("Ctrl+O");
             EXPECT_TRUE(choose_item(12));
-            EXPECT_EQ(task.take(), "13:11 13:12 ");
+            EXPECT_EQ(task.take(), "command 11; command 12; ");
             Vector<MenuItem> menus = xvt_menu_get_tree(xvt_win_get_task());
             MenuItem added;
             added.tag = 30;
@@ -319,13 +288,13 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             xvt_vobj_set_focus(own);
             process_events();
             EXPECT_TRUE(choose_item(21));
-            EXPECT_EQ(log.take(), "13:21 ");
+            EXPECT_EQ(log.take(), "command 21; ");
         },
         task.handler());
 }
 
 TEST(Keys, BecomeTheirCodes) {
-    Log log;
+    EventLog log(k_told);
     run([&] {
         const Window window = xvt_win_create_res(1, {});
         const Window pane = xvt_win_create_pane({.parent = window,
@@ -345,33 +314,32 @@ TEST(Keys, BecomeTheirCodes) {
         };
         for (const auto& [key, code] : rows) {
             press_key(key);
-            EXPECT_EQ(log.take(), "10:" + std::to_string(code) + " ") << key;
+            EXPECT_EQ(log.take(), "key " + std::to_string(code) + "; ") << key;
         }
         press_key("Shift");
         type_text("z{\xE4");
-        EXPECT_EQ(log.take(), "10:122 10:123 10:228 ");
+        EXPECT_EQ(log.take(), "key 122; key 123; key 228; ");
     });
 }
 
 TEST(Timers, TellTheirWindowUntilTheyEnd) {
     run([] {
         ManualClock clock;
-        Log log;
+        EventLog log(k_told);
         const Window window = xvt_win_create_res(1, log.handler());
         const TimerId kept = xvt_timer_create(window, 1000);
         const TimerId ended = xvt_timer_create(window, 400);
         log.take();
         clock.advance(400);
         process_events();
-        EXPECT_EQ(log.take(), "14 ");
-        log.at = EventType::timer;
-        log.act = [&](Window) { xvt_timer_destroy(ended); };
+        EXPECT_EQ(log.take(), "timer; ");
+        log.act = [&](Window, const Event&) { xvt_timer_destroy(ended); };
         clock.advance(5000);
         process_events();
-        EXPECT_EQ(log.take(), "14 14 ");
+        EXPECT_EQ(log.take(), "timer; timer; ");
         clock.advance(1000);
         process_events();
-        EXPECT_EQ(log.take(), "14 ");
+        EXPECT_EQ(log.take(), "timer; ");
         xvt_vobj_destroy(window);
         log.take();
         clock.advance(5000);
@@ -417,25 +385,15 @@ TEST(Loop, WaitsForPipesTimersAndCallsUnderTheDesktopsLoop) {
 }
 
 TEST(SessionEnd, IsRefusedUntilTheTaskAllowsIt) {
-    std::string told;
+    EventLog task({EventType::quit});
     bool allows = false;
-    struct Both {
-        std::string* told;
-        bool* allows;
-    } both{&told, &allows};
-    const EventHandler handler{[](void* context, Window, const Event& event) -> long {
-                                   const auto& state = from_context<Both>(context);
-                                   const auto* quit = event.get<QuitEvent>();
-                                   if (quit == nullptr)
-                                       return 0;
-                                   *state.told += quit->is_query ? "query " : "quit ";
-                                   if (quit->is_query && *state.allows)
-                                       xvt_app_allow_quit();
-                                   if (!quit->is_query)
-                                       xvt_app_destroy();
-                                   return 0;
-                               },
-                               &both};
+    task.act = [&](Window, const Event& event) {
+        const auto* quit = event.get<QuitEvent>();
+        if (quit != nullptr && !quit->is_query)
+            xvt_app_destroy();
+        else if (quit != nullptr && allows)
+            xvt_app_allow_quit();
+    };
     run(
         [&] {
             EXPECT_FALSE(end_session());
@@ -443,8 +401,8 @@ TEST(SessionEnd, IsRefusedUntilTheTaskAllowsIt) {
             EXPECT_TRUE(end_session());
             EXPECT_EQ(xvt_vobj_is_valid(xvt_win_get_task()), false);
         },
-        handler);
-    EXPECT_EQ(told, "query query quit ");
+        task.handler());
+    EXPECT_EQ(task.text, "quit?; quit?; quit; ");
 }
 
 } // namespace
