@@ -8,6 +8,9 @@
 
 namespace pellux {
 
+/// The largest VHDL source that is read, in bytes.
+inline constexpr std::size_t k_source_max = std::size_t{64} << 20;
+
 enum class TextFileStatus { read, too_large, failed };
 
 /// All bytes of a regular file of at most `limit` bytes. `error` says what went wrong when it

@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::string_view k_mark = "#$";
 constexpr std::size_t k_line_max = 1023; ///< characters of a line that are looked at
-constexpr std::size_t k_source_max = std::size_t{64} << 20;
 
 struct GroupKeyword {
     std::string_view keyword;

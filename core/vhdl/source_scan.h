@@ -9,9 +9,6 @@
 
 namespace pellux {
 
-/// Bytes of the largest source that is read.
-inline constexpr std::size_t k_source_max = std::size_t{64} << 20;
-
 /// The different identifiers of a text, in no order. Basic ones are in lower case as GHDL folds
 /// them (ASCII and Latin-1), extended ones stand with their backslashes.
 ///
