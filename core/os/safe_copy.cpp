@@ -1,7 +1,6 @@
 #include "core/os/safe_copy.h"
 
 #include "core/os/environment.h"
-#include "core/os/safe_write.h"
 
 #include <array>
 

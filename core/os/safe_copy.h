@@ -18,6 +18,12 @@ namespace pellux {
 [[nodiscard]] SystemError make_safe_copy(File& original, std::int64_t size, std::string_view target,
                                          PathBuffer& copy);
 
+/// The oldest copy that an interrupted in-place writing of `path` left behind; false when there is
+/// none or the file is being written just now. The next one is found once it is removed by
+/// `remove_interrupted_copy`.
+[[nodiscard]] bool find_interrupted_copy(std::string_view path, PathBuffer& copy);
+[[nodiscard]] SystemError remove_interrupted_copy(std::string_view copy);
+
 /// Reads `from` from its start and writes its bytes to the start of `to`; `size` is their number.
 [[nodiscard]] SystemError copy_bytes(File& from, File& to, std::int64_t& size);
 

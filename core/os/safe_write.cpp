@@ -55,12 +55,7 @@ SystemError commit_in_place(SafeWriter& writer) {
     SystemError error = truncate_file(writer.file, writer.written);
     if (!failed(error))
         error = finish_file(writer.file, writer.written);
-    if (failed(error))
-        return error;
-    writer.target_touched = false;
-    error = remove_interrupted_copy(writer.copy_path.view());
-    if (!failed(error))
-        writer.copy_path.clear();
+    writer.target_touched = failed(error);
     return error;
 }
 
@@ -79,10 +74,6 @@ SystemError commit_temporary_in_place(SafeWriter& writer) {
     writer.attributes_lost = false;
     if (!failed(error))
         error = commit_in_place(writer);
-    if (!failed(error))
-        error = remove_file(writer.temporary.view());
-    if (!failed(error))
-        writer.temporary.clear();
     return error;
 }
 
@@ -104,7 +95,8 @@ SystemError commit_by_rename(SafeWriter& writer) {
     if (failed(error))
         return error;
     writer.temporary.clear();
-    return flush_directory(directory_part(writer.target.view()));
+    writer.directory_error = flush_directory(directory_part(writer.target.view()));
+    return SystemError::none;
 }
 
 /// Puts the old bytes back into the target.
@@ -129,14 +121,26 @@ void clean_up(SafeWriter& writer) {
     const bool whole = !writer.target_touched || !failed(restore(writer));
     writer.target_touched = false;
     if (whole && !writer.copy_path.empty()) {
-        static_cast<void>(remove_interrupted_copy(writer.copy_path.view()));
+        writer.directory_error = remove_interrupted_copy(writer.copy_path.view());
         if (!file_exists(writer.copy_path.view()))
             writer.copy_path.clear();
     }
     writer.file.handle.reset();
-    if (!writer.temporary.empty())
-        static_cast<void>(remove_file(writer.temporary.view()));
+    if (!writer.temporary.empty()) {
+        const SystemError error = remove_file(writer.temporary.view());
+        if (failed(error))
+            writer.directory_error = error;
+    }
     writer.temporary.clear();
+}
+
+/// What earlier writings left behind: the file is whole again, and its older bytes would only
+/// confuse.
+void forget_copies(const SafeWriter& writer) {
+    PathBuffer copy;
+    while (find_interrupted_copy(writer.target.view(), copy) &&
+           !failed(remove_interrupted_copy(copy.view()))) {
+    }
 }
 
 } // namespace
@@ -149,6 +153,7 @@ SystemError begin_safe_write(SafeWriter& writer, std::string_view path, std::uin
     abandon_safe_write(writer);
     writer.method = SafeWriter::Method::none;
     writer.attributes_lost = false;
+    writer.directory_error = SystemError::none;
     writer.copy_path.clear();
     writer.written = 0;
     writer.under_way = true;
@@ -183,6 +188,10 @@ SystemError commit_safe_write(SafeWriter& writer) {
     writer.error = writer.method == SafeWriter::Method::rename ? commit_by_rename(writer)
                                                                : commit_in_place(writer);
     clean_up(writer);
+    if (!failed(writer.error)) {
+        forget_copies(writer);
+        writer.copy_path.clear();
+    }
     return writer.error;
 }
 

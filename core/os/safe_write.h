@@ -16,20 +16,21 @@ namespace pellux {
 /// or tool's only.
 ///
 /// After a failure the old bytes stand, or, where even they could not be put back, lie in
-/// `copy_path`. Only a failure in the very last step (making the new name last, removing the copy)
-/// leaves the new bytes.
+/// `copy_path`. What fails once the new bytes are in place (making the new name last, removing the
+/// copy) is no failure of the writing: `directory_error` tells it.
 ///
-/// The copy of a file has a name that follows from the file's, so that it is found after a crash,
-/// and bears it only once it is complete and flushed. A copy that is there already, left behind by
-/// an earlier crash, may hold the only good bytes: it is never written over nor removed, the new
-/// copy takes the next of nine names. With all nine in use the writing is refused (`is_taken`).
-/// While a file is written in place it is locked, so that two programs never write into each other
-/// (`is_busy`).
+/// The copy of a file has a name that follows from the file's, so that it is found after a crash
+/// (safe_copy.h), and bears it only once it is complete and flushed. A copy that is there already,
+/// left behind by an earlier crash, may hold the only good bytes: it stays until a writing is
+/// whole, and meanwhile the new copy takes the next of nine names. With all nine in use the writing
+/// is refused (`is_taken`). While a file is written in place it is locked, so that two programs
+/// never write into each other (`is_busy`).
 struct SafeWriter {
     enum class Method { none, rename, in_place };
 
     Method method = Method::none;
     SystemError error = SystemError::none; ///< the first failure; what follows it does nothing
+    SystemError directory_error = SystemError::none; ///< the new bytes stand all the same
     bool attributes_lost = false;          ///< owner, mode or attributes could not be kept
     PathBuffer target;                     ///< the file itself, all links followed, absolute
     PathBuffer temporary;                  ///< of method `rename`
@@ -59,11 +60,5 @@ void abandon_safe_write(SafeWriter& writer);
 
 /// All of it at once.
 [[nodiscard]] SystemError safe_write_file(std::string_view path, std::span<const std::byte> bytes);
-
-/// The oldest copy that an interrupted in-place writing of `path` left behind; false when there is
-/// none or the file is being written just now. The next one is found once it is removed by
-/// `remove_interrupted_copy`.
-[[nodiscard]] bool find_interrupted_copy(std::string_view path, PathBuffer& copy);
-[[nodiscard]] SystemError remove_interrupted_copy(std::string_view copy);
 
 } // namespace pellux

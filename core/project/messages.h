@@ -10,5 +10,7 @@ inline Message<const char*, const char*> msg_version_not_supported{
 inline Message<const char*> msg_cannot_find{"E1822", "Cannot find '%s'."};
 inline Message<const char*, const char*> msg_interrupted_copy{
     "E1823", "'%s' was not written to its end; its old contents lie in '%s'."};
+inline Message<const char*, const char*> msg_directory_behind{
+    "E1826", "'%s' was written, but its directory could not be brought up to date: %s."};
 
 } // namespace pellux

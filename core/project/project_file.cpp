@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/clock.h"
+#include "core/os/safe_copy.h"
 #include "core/os/safe_write.h"
 #include "core/project/messages.h"
 
@@ -96,6 +97,8 @@ ProjectWriteResult write_project_as(const Project& project, std::string_view pat
     result.attributes_lost = writer.attributes_lost;
     if (failed(result.error))
         result.old_contents = writer.copy_path;
+    else
+        result.directory_error = writer.directory_error;
     return result;
 }
 

@@ -28,6 +28,7 @@ struct ProjectHeader {
 /// How the writing of a project went. Who asked for it tells the user.
 struct ProjectWriteResult {
     SystemError error = SystemError::none;
+    SystemError directory_error = SystemError::none; ///< of a file that was written all the same
     bool attributes_lost = false; ///< owner, mode or attributes could not be kept
     PathBuffer old_contents;      ///< not empty: the file is damaged, its old bytes lie here
 };

@@ -3,6 +3,7 @@
 #include "core/common/text_file.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
+#include "core/project/messages.h"
 #include "core/project/project_file.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/boxes.h"
@@ -119,6 +120,10 @@ bool write_open_project(Window window) {
     else if (result.attributes_lost)
         xvt_dm_post_warning("%s",
                             format_message(msg_project_attributes_lost, path.c_str()).c_str());
+    if (failed(result.directory_error))
+        xvt_dm_post_warning("%s", format_message(msg_directory_behind, path.c_str(),
+                                                 error_text(result.directory_error).c_str())
+                                      .c_str());
     if (!result.old_contents.empty())
         post_error(msg_project_old_contents, path.c_str(), result.old_contents.c_str());
     return !failed(result.error);
