@@ -4,6 +4,7 @@
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "windows/app/messages.h"
+#include "windows/controls/help_topics.h"
 #include "windows/workspace/boxes.h"
 
 #include <utility>
@@ -13,27 +14,24 @@ namespace {
 
 constexpr std::string_view k_name = "pellux";
 constexpr std::string_view k_extension = "hlp";
-constexpr std::size_t k_waiting_step = 50;
 
-/// True when there is a file then, to which all that waited is tied.
-bool take_file(HelpHooks& hooks, HelpFile file) {
+/// True when there is a file then.
+bool take_file(HelpFile file) {
     if (file == HelpFile::none)
         return false;
-    hooks.file = file;
-    for (const HelpAssociation& association : std::exchange(hooks.waiting, {}))
-        xvt_help_associate(file, association.subject, association.topic);
+    set_help_file(file);
     return true;
 }
 
 bool simple_hook(void* context, Window window, const Event& event) {
     auto& hooks = from_context<HelpHooks>(context);
-    if (!std::exchange(hooks.is_tried, true) && hooks.file == HelpFile::none)
+    if (!std::exchange(hooks.is_tried, true) && help_file() == HelpFile::none)
         if (const char* directory = environment_variable("HELP"))
-            take_file(hooks, xvt_help_open_helpfile(directory, k_name, HelpCheck::when_shown));
+            take_file(xvt_help_open_helpfile(directory, k_name, HelpCheck::when_shown));
     const auto* help = event.get<HelpEvent>();
-    if (hooks.file == HelpFile::none || (help != nullptr && help->topic != 0))
+    if (help_file() == HelpFile::none || (help != nullptr && help->topic != 0))
         return false;
-    return xvt_help_process_event(hooks.file, window, event);
+    return xvt_help_process_event(help_file(), window, event);
 }
 
 bool is_readable(std::string_view path) {
@@ -42,7 +40,7 @@ bool is_readable(std::string_view path) {
 }
 
 /// Opens what the user chose; false, after a word about it, when that is no help file.
-bool open_chosen(HelpHooks& hooks, const FileChoice& choice) {
+bool open_chosen(const FileChoice& choice) {
     PathBuffer path(view(choice.directory));
     FileStat stat;
     const bool is_there = path.join(view(choice.name)) && !failed(stat_file(path.view(), stat));
@@ -57,24 +55,23 @@ bool open_chosen(HelpHooks& hooks, const FileChoice& choice) {
     std::string_view name = view(choice.name);
     if (extension_part(name) == k_extension && name.size() > k_extension.size()) {
         name.remove_suffix(k_extension.size() + 1);
-        if (take_file(hooks, xvt_help_open_helpfile(view(choice.directory), name)))
+        if (take_file(xvt_help_open_helpfile(view(choice.directory), name)))
             return true;
     }
     xvt_dm_post_note("%s", format_message(msg_help_invalid).c_str());
     return false;
 }
 
-bool locate_file(HelpHooks& hooks) {
+bool locate_file() {
     PathBuffer directory;
-    if (program_directory(directory) &&
-        take_file(hooks, xvt_help_open_helpfile(directory.view(), k_name)))
+    if (program_directory(directory) && take_file(xvt_help_open_helpfile(directory.view(), k_name)))
         return true;
     const String title = format_message(msg_find_help);
     FileChoice choice;
     while (xvt_dm_post_file_open(
         {.title = view(title), .directory = directory.view(), .name = {}, .extension = k_extension},
         choice))
-        if (open_chosen(hooks, choice))
+        if (open_chosen(choice))
             return true;
     return false;
 }
@@ -88,15 +85,15 @@ bool wants_help(const Event& event) {
 
 bool locating_hook(void* context, Window window, const Event& event) {
     auto& hooks = from_context<HelpHooks>(context);
-    if (hooks.file == HelpFile::none) {
+    if (help_file() == HelpFile::none) {
         if (!wants_help(event) || std::exchange(hooks.is_asking, true))
             return false;
-        const bool is_found = locate_file(hooks);
+        const bool is_found = locate_file();
         hooks.is_asking = false;
         if (!is_found)
             return false;
     }
-    return xvt_help_process_event(hooks.file, window, event);
+    return xvt_help_process_event(help_file(), window, event);
 }
 
 } // namespace
@@ -109,20 +106,9 @@ EventHook locating_help_hook(HelpHooks& hooks) {
     return {locating_hook, &hooks};
 }
 
-void associate_help(HelpHooks& hooks, const HelpSubject& subject, int topic) {
-    if (hooks.file != HelpFile::none) {
-        xvt_help_associate(hooks.file, subject, topic);
-        return;
-    }
-    if (hooks.waiting.size() == hooks.waiting.capacity())
-        hooks.waiting.reserve(hooks.waiting.size() + k_waiting_step);
-    hooks.waiting.push_back({subject, topic});
-}
-
-void close_help(HelpHooks& hooks) {
-    if (hooks.file != HelpFile::none)
-        xvt_help_close_helpfile(std::exchange(hooks.file, HelpFile::none));
-    hooks.waiting = {};
+void close_help() {
+    xvt_help_close_helpfile(help_file());
+    set_help_file(HelpFile::none);
 }
 
 void show_help_contents() {

@@ -31,9 +31,9 @@ void on_creation(Shell& shell, Window task) {
         post_error(msg_no_picture_window);
 }
 
-void on_destruction(Shell& shell) {
+void on_destruction() {
     xvt_app_set_event_hook({});
-    close_help(shell.help);
+    close_help();
 }
 
 void on_command(Shell& shell, int tag) {
@@ -66,7 +66,7 @@ long on_event(void* context, Window window, const Event& event) {
     if (event.get<CreationEvent>() != nullptr)
         on_creation(shell, window);
     else if (event.get<DestructionEvent>() != nullptr)
-        on_destruction(shell);
+        on_destruction();
     else if (event.get<CloseEvent>() != nullptr && ask_to_quit(shell))
         xvt_app_destroy();
     else if (const auto* command = event.get<CommandEvent>())

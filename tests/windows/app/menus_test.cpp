@@ -3,6 +3,7 @@
 #include "tests/support/running.h"
 #include "tests/windows/app/program.h"
 #include "windows/app/messages.h"
+#include "windows/controls/help_topics.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/message_box.h"
 
@@ -97,13 +98,13 @@ TEST_F(HelpHooksTest, SimpleOneLooksOnceWhereTheEnvironmentSays) {
         in_application([&] {
             HelpHooks hooks;
             const EventHook hook = simple_help_hook(hooks);
-            associate_help(hooks, {xvt_win_get_task(), 0, 0}, 1);
+            associate_help({xvt_win_get_task(), 0, 0}, static_cast<HelpTopic>(20));
             EXPECT_FALSE(offer(hook, Event{HelpEvent{.topic = 7}}));
-            EXPECT_EQ(hooks.waiting.empty(), is_there);
             set_environment_variable("HELP", PELLUX_BINARY_DIR "/velmora/bin");
             EXPECT_EQ(offer(hook, Event{HelpEvent{}}), is_there);
+            EXPECT_EQ(shown_help_page(), is_there ? "projects.html" : "");
             EXPECT_FALSE(offer(hook, Event{CommandEvent{5}}));
-            close_help(hooks);
+            close_help();
             EXPECT_FALSE(offer(hook, Event{HelpEvent{}}));
         });
     }
@@ -120,9 +121,7 @@ TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {
         for (const int tag : {32449, 32463})
             EXPECT_FALSE(offer(hook, Event{CommandEvent{tag}}));
         for (int i = 0; i < 120; ++i)
-            associate_help(hooks, {xvt_win_get_task(), 0, i}, 1);
-        EXPECT_EQ(hooks.waiting.size(), 120u);
-        EXPECT_EQ(hooks.waiting.capacity(), 150u);
+            associate_help({xvt_win_get_task(), 0, i}, static_cast<HelpTopic>(i == 119 ? 20 : 30));
         user_.expect_closed(QuestionKind::file_open, k_title);
         EXPECT_FALSE(offer(hook, Event{CommandEvent{32450}}));
         const auto choose = [&](const char* name) {
@@ -138,10 +137,10 @@ TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {
         }
         choose("other.hlp");
         EXPECT_TRUE(offer(hook, Event{HelpEvent{.command = 119}}));
-        EXPECT_TRUE(hooks.waiting.empty());
+        EXPECT_EQ(shown_help_page(), "projects.html");
         EXPECT_EQ(user_.left(), 0u);
         EXPECT_TRUE(offer(hook, Event{HelpEvent{}}));
-        close_help(hooks);
+        close_help();
     });
 }
 

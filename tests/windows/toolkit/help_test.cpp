@@ -206,14 +206,6 @@ QMainWindow* help_window() {
     return nullptr;
 }
 
-/// The file name of the page that is shown; empty without a window.
-std::string shown_page() {
-    const QMainWindow* window = help_window();
-    return window == nullptr
-               ? ""
-               : window->findChild<QTextBrowser*>()->source().fileName().toStdString();
-}
-
 constexpr WindowResource k_window{.number = 7801, .title = "A window", .width = 300, .height = 200};
 
 TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
@@ -227,7 +219,7 @@ TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
         EXPECT_EQ(temporaries.place.names(), std::set<std::string>{}) << "no window, no files";
         const auto ask = [file](Window about, const HelpEvent& event) {
             EXPECT_TRUE(xvt_help_process_event(file, about, Event{event}));
-            return shown_page();
+            return shown_help_page();
         };
         EXPECT_EQ(ask(window, {}), "index.html");
         xvt_help_associate(file, {.window = xvt_win_get_task()}, 20);
@@ -255,7 +247,7 @@ TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
         EXPECT_EQ(help_window(), nullptr);
         EXPECT_FALSE(xvt_help_process_event(file, window, Event{HelpEvent{}}));
         EXPECT_TRUE(xvt_help_show_contents(k_path));
-        EXPECT_EQ(shown_page(), "index.html");
+        EXPECT_EQ(shown_help_page(), "index.html");
     });
     EXPECT_EQ(help_window(), nullptr) << "the application took it down";
     EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});
@@ -280,18 +272,18 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
 
         press_key("Tab");
         press_key("Return");
-        EXPECT_EQ(shown_page(), "starting.html") << "the first link";
+        EXPECT_EQ(shown_help_page(), "starting.html") << "the first link";
         press_key("Alt+Left");
-        EXPECT_EQ(shown_page(), "index.html");
+        EXPECT_EQ(shown_help_page(), "index.html");
         press_key("Alt+Right");
-        EXPECT_EQ(shown_page(), "starting.html");
+        EXPECT_EQ(shown_help_page(), "starting.html");
 
         run_until(
             [window] { return window->findChild<QHelpIndexWidget*>()->model()->rowCount() > 0; });
         press_key("Alt+I");
         type_text("exit");
         press_key("Return");
-        EXPECT_EQ(shown_page(), "messages.html");
+        EXPECT_EQ(shown_help_page(), "messages.html");
 
         press_key("Alt+S");
         type_text("waveform gtkwave");
@@ -300,7 +292,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         run_until([results] { return results->count() > 0; });
         press_key("Tab");
         press_key("Return");
-        EXPECT_EQ(shown_page(), "tools.html");
+        EXPECT_EQ(shown_help_page(), "tools.html");
 
         auto* viewer = window->findChild<QTextBrowser*>();
         press_key("Ctrl+F");
@@ -314,10 +306,10 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
 
         viewer->setSource(QUrl("file:///etc/hostname"));
         viewer->setSource(QUrl("nowhere.html"));
-        EXPECT_EQ(shown_page(), "tools.html") << "a page of the book or none";
+        EXPECT_EQ(shown_help_page(), "tools.html") << "a page of the book or none";
 
         press_key("Alt+Home");
-        EXPECT_EQ(shown_page(), "index.html");
+        EXPECT_EQ(shown_help_page(), "index.html");
         press_key("Ctrl+W");
         EXPECT_EQ(help_window(), nullptr);
         EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});

@@ -16,6 +16,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
@@ -348,6 +349,13 @@ bool press_by_voice(Window window) {
     actions->doAction(actions->actionNames().first());
     process_events();
     return true;
+}
+
+std::string shown_help_page() {
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (const auto* page = widget->findChild<const QTextBrowser*>("help_page"))
+            return page->source().fileName().toStdString();
+    return {};
 }
 
 void close_by_frame(Window window) {

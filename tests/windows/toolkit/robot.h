@@ -62,6 +62,9 @@ void in_box(const std::function<void()>& act);
 /// Does what the control offers there first; false when it offers nothing.
 bool press_by_voice(Window window);
 
+/// The file name of the page that the help window shows; empty without a window.
+[[nodiscard]] std::string shown_help_page();
+
 /// Clicks on a frame's close button.
 void close_by_frame(Window window);
 /// What the desktop asks before it ends the session: may it end?

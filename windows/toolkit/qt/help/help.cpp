@@ -150,12 +150,12 @@ void xvt_help_associate(HelpFile file, const HelpSubject& subject, int topic) {
     const auto found = system.files.find(static_cast<std::uint64_t>(file));
     if (found == system.files.end())
         return;
-    for (Association& association : found->second.associations) {
-        if (is_same(association.subject, subject)) {
-            association.topic = topic;
-            return;
-        }
-    }
+    // The newest counts, and those of windows that are gone are let go.
+    std::erase_if(found->second.associations, [&subject](const Association& association) {
+        const Window about = association.subject.window;
+        return is_same(association.subject, subject) ||
+               (about != Window::none && !xvt_vobj_is_valid(about));
+    });
     found->second.associations.push_back({subject, topic});
 }
 
