@@ -6,6 +6,7 @@
 #include "windows/app/resources.h"
 #include "windows/app/start_picture.h"
 #include "windows/app/starting_projects.h"
+#include "windows/controls/help_topics.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/boxes.h"
 #include "windows/workspace/new_project.h"
@@ -61,6 +62,12 @@ void on_quit(Shell& shell, const QuitEvent& event) {
         xvt_app_allow_quit();
 }
 
+/// The hook leaves to the program what already names its page.
+void on_help(Window task, const Event& event, int topic) {
+    if (topic == 0 || !xvt_help_process_event(help_file(), task, event))
+        show_help_contents();
+}
+
 long on_event(void* context, Window window, const Event& event) {
     auto& shell = from_context<Shell>(context);
     if (event.get<CreationEvent>() != nullptr)
@@ -75,8 +82,8 @@ long on_event(void* context, Window window, const Event& event) {
         on_quit(shell, *wish);
     else if (const auto* drop = event.get<DropEvent>())
         open_projects_among(drop->paths);
-    else if (event.get<HelpEvent>() != nullptr)
-        show_help_contents();
+    else if (const auto* help = event.get<HelpEvent>())
+        on_help(window, event, help->topic);
     return 0;
 }
 

@@ -53,6 +53,7 @@ struct Question {
     Vector<FileType> types;   ///< of a file box
     Font font;                ///< the first one of a font box
     Vector<DialogRow> rows;   ///< of a dialog
+    int help_topic = 0;       ///< of a dialog: number of the page that F1 shows; 0: none
     std::uint64_t dialog = 0; ///< number of a dialog that stays on the screen between two questions
 };
 

@@ -52,6 +52,7 @@ struct DialogResource {
     const char* title = "";
     std::span<const DialogRowResource> rows;
     std::span<const char* const> buttons; ///< the first is the default
+    int help_topic = 0;                   ///< number of the page that F1 shows; 0: none
 };
 
 struct Resources {

@@ -3,6 +3,7 @@
 #include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
@@ -20,7 +21,9 @@
 #include <QSqlQuery>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTextBrowser>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -251,6 +254,40 @@ TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
     });
     EXPECT_EQ(help_window(), nullptr) << "the application took it down";
     EXPECT_EQ(temporaries.place.names(), std::set<std::string>{});
+}
+
+TEST(HelpSystem, ADialogsPageIsReadBesideIt) {
+    static constexpr DialogResource k_dialog{
+        .number = 7802, .title = "A dialog", .rows = {}, .buttons = {}, .help_topic = 50};
+    const ScopedTemporaries temporaries;
+    xvt_res_register({.dialogs = {&k_dialog, 1}});
+    HelpFile file = HelpFile::none;
+    const EventHandler task{[](void* context, Window window, const Event& event) -> long {
+                                return static_cast<long>(xvt_help_process_event(
+                                    *static_cast<HelpFile*>(context), window, event));
+                            },
+                            &file};
+    in_application(
+        [&file] {
+            file = xvt_help_open_helpfile(k_directory, "pellux");
+            EXPECT_TRUE(xvt_help_show_contents(k_path));
+            Dialog dialog;
+            ASSERT_TRUE(xvt_dlg_create_res(dialog, k_dialog.number));
+            in_box([] {
+                press_key("F1");
+                EXPECT_EQ(shown_help_page(), "keys.html");
+                QTest::keyClick(help_window()->windowHandle(), Qt::Key_W, Qt::ControlModifier);
+                process_events();
+                EXPECT_EQ(help_window(), nullptr) << "keys reach it";
+                press_key("F1");
+                press_key("Esc");
+            });
+            EXPECT_EQ(xvt_dlg_ask(dialog), -1);
+            QTest::keyClick(help_window()->windowHandle(), Qt::Key_Home, Qt::AltModifier);
+            EXPECT_EQ(shown_help_page(), "index.html");
+            xvt_help_close_helpfile(file);
+        },
+        {}, task);
 }
 
 TEST(HelpSystem, ShowsNoPageWithoutRoomForItsFiles) {

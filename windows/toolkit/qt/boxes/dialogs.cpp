@@ -5,10 +5,13 @@
 #include "windows/toolkit/qt/boxes/plain_text.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/item_list.h"
+#include "windows/toolkit/qt/windows/window_table.h"
+#include "windows/toolkit/window.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -64,6 +67,9 @@ public:
     void take(const Question& question);
     void give(Vector<DialogRow>& rows) const;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     [[nodiscard]] bool has_shape_of(const Question& question) const;
     void build(const Question& question);
@@ -72,6 +78,7 @@ private:
     void fill(ShownRow& shown, const DialogRow& row);
     void focus_first();
 
+    int help_topic_ = 0;
     Vector<ShownRow> rows_;
     QWidget* body_ = nullptr;
     QButtonGroup* radio_group_ = nullptr; ///< of the radio row before, while rows are made
@@ -80,6 +87,7 @@ private:
 
 void DialogBox::take(const Question& question) {
     setUpdatesEnabled(false);
+    help_topic_ = question.help_topic;
     const bool is_new = !has_shape_of(question);
     if (is_new)
         build(question);
@@ -100,6 +108,14 @@ void DialogBox::take(const Question& question) {
     setUpdatesEnabled(true);
     if (is_new)
         focus_first();
+}
+
+/// The page is the program's to show.
+void DialogBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F1 && help_topic_ != 0)
+        deliver(xvt_win_get_task(), Event{HelpEvent{.topic = help_topic_}});
+    else
+        Box::keyPressEvent(event);
 }
 
 bool DialogBox::has_shape_of(const Question& question) const {

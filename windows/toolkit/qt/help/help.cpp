@@ -7,9 +7,10 @@
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/window.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileInfo>
 #include <QPointer>
+#include <QWindow>
 
 namespace pellux {
 namespace {
@@ -56,7 +57,19 @@ HelpWindow* help_window(const QString& path) {
     return made;
 }
 
+/// A modal box lets only those windows be used that stand for it.
+void stand_for(HelpWindow& window, const QWidget* box) {
+    window.winId();
+    QWindow* owner = box == nullptr ? nullptr : box->windowHandle();
+    if (window.windowHandle()->transientParent() == owner)
+        return;
+    // It is looked at when a window is shown.
+    window.hide();
+    window.windowHandle()->setTransientParent(owner);
+}
+
 void bring_to_front(HelpWindow& window) {
+    stand_for(window, QApplication::activeModalWidget());
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
