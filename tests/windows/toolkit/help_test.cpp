@@ -13,6 +13,7 @@
 #include <QHelpEngine>
 #include <QHelpIndexWidget>
 #include <QHelpLink>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
@@ -322,28 +323,53 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         press_key("Return");
         EXPECT_EQ(shown_help_page(), "messages.html");
 
-        press_key("Alt+S");
-        type_text("waveform gtkwave");
-        press_key("Return");
-        auto* results = tabs->currentWidget()->findChild<QListWidget*>();
-        run_until([results] { return results->count() > 0; });
-        press_key("Tab");
-        press_key("Return");
-        EXPECT_EQ(shown_help_page(), "tools.html");
-
+        // The search runs while one types: the best page is shown with its hits marked.
         auto* viewer = window->findChild<QTextBrowser*>();
+        press_key("Alt+Home");
+        press_key("Alt+S");
+        auto* panel = tabs->currentWidget();
+        const auto shown = [&] {
+            return std::to_string(viewer->extraSelections().size()) + " " + shown_help_page() +
+                   " '" + viewer->textCursor().selectedText().toStdString() + "' " +
+                   panel->findChild<QLabel*>()->text().toStdString();
+        };
+        const std::pair<const char*, const char*> rows[] = {
+            {"waveform gtkw", "2 tools.html 'Waveform' One page. Hit 1 of 2."},
+            {"\"exit status\"", "1 compiling.html 'exit status' 4 pages. Hit 1 of 1."},
+            {"vhdl.msg", "1 messages.html 'vhdl.msg' One page. Hit 1 of 1."},
+            {"nowhere", "0 windows.html '' No page has these words."},
+            {"\" * -", "0 windows.html '' "},
+            {"compil", "15 compiling.html 'Compil' 8 pages. Hit 1 of 15."},
+        };
+        for (const auto& [typed, expected] : rows) {
+            panel->findChild<QLineEdit*>()->clear();
+            type_text(typed);
+            EXPECT_EQ(shown(), expected) << typed;
+        }
+        const int first = viewer->textCursor().position();
+        for (const char* key : {"Return", "F3", "Shift+F3", "Shift+Return"})
+            press_key(key);
+        EXPECT_EQ(viewer->textCursor().position(), first);
+        press_key("Shift+F3");
+        EXPECT_EQ(shown(), "15 compiling.html 'compil' 8 pages. Hit 15 of 15.") << "round the end";
+        press_key("Down");
+        press_key("Down");
+        EXPECT_EQ(shown(), "8 projects.html 'compil' 8 pages. Hit 1 of 8.");
+        press_key("Return");
+        EXPECT_TRUE(viewer->hasFocus());
+
         press_key("Ctrl+F");
         type_text("index");
-        press_key("Return");
-        EXPECT_EQ(viewer->textCursor().selectedText(), "index");
-        const int first = viewer->textCursor().position();
-        press_key("F3");
-        press_key("Shift+F3");
-        EXPECT_EQ(viewer->textCursor().position(), first);
+        press_key("Alt+Left");
+        EXPECT_EQ(shown(), "0 index.html '' 8 pages.") << "typing left one page behind";
+        press_key("Alt+Right");
+        press_key("Esc");
+        press_key("Alt+C");
+        EXPECT_TRUE(viewer->extraSelections().isEmpty() && !viewer->textCursor().hasSelection());
 
         viewer->setSource(QUrl("file:///etc/hostname"));
         viewer->setSource(QUrl("nowhere.html"));
-        EXPECT_EQ(shown_help_page(), "tools.html") << "a page of the book or none";
+        EXPECT_EQ(shown_help_page(), "projects.html") << "a page of the book or none";
 
         press_key("Alt+Home");
         EXPECT_EQ(shown_help_page(), "index.html");

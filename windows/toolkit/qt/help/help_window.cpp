@@ -11,8 +11,7 @@
 #include <QHelpEngine>
 #include <QHelpIndexWidget>
 #include <QHelpLink>
-#include <QHelpSearchEngine>
-#include <QHelpSearchResult>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -32,7 +31,6 @@ namespace {
 constexpr int k_width_px = 900;
 constexpr int k_height_px = 640;
 constexpr int k_list_width_px = 260;
-constexpr int k_results_max = 200;
 constexpr int k_home_topic = 1;
 constexpr std::array k_looks{ImageLook::normal, ImageLook::disabled};
 constexpr int k_icon_px = 20;
@@ -85,11 +83,11 @@ HelpWindow::HelpWindow(const QString& path) : path_(path), directory_(directory_
     setCentralWidget(middle);
     make_actions();
     make_find_bar();
+    viewer_->on_hits = [this] { show_hits(); };
 
     home_ = page_of_topic(k_home_topic);
     show_home();
     viewer_->setFocus();
-    engine_->searchEngine()->reindexDocumentation();
 }
 
 HelpWindow::~HelpWindow() {
@@ -175,44 +173,85 @@ QWidget* HelpWindow::make_search() {
     results_->setAccessibleName(tr("Pages found"));
     search_state_ = new QLabel;
     search_state_->setWordWrap(true);
-    QHelpSearchEngine* searcher = engine_->searchEngine();
-    connect(search_field_, &QLineEdit::returnPressed, this, [this] { search(); });
-    connect(searcher, &QHelpSearchEngine::indexingFinished, this, [this] {
-        is_indexed_ = true;
-        if (!search_state_->text().isEmpty())
-            search();
+    search_field_->installEventFilter(this);
+    connect(search_field_, &QLineEdit::textChanged, this, [this] { search(); });
+    connect(results_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+        if (item != nullptr)
+            preview(item->data(Qt::UserRole).toUrl());
     });
-    connect(searcher, &QHelpSearchEngine::searchingFinished, this, [this] { list_results(); });
-    const auto open_result = [this](const QListWidgetItem* item) {
-        viewer_->setSource(item->data(Qt::UserRole).toUrl());
+    // A result that the user chose is a page that "Back" comes back to.
+    const auto choose = [this] {
+        preview_.clear();
+        viewer_->setFocus();
     };
-    connect(results_, &QListWidget::itemActivated, viewer_, open_result);
-    connect(results_, &QListWidget::itemClicked, viewer_, open_result);
+    connect(results_, &QListWidget::itemActivated, this, choose);
+    connect(results_, &QListWidget::itemClicked, this, choose);
     QWidget* panel = stacked(search_field_, results_, search_state_);
     panel->setFocusProxy(search_field_);
     return panel;
 }
 
 void HelpWindow::search() {
+    if (pages_.isEmpty())
+        pages_ = read_help_pages(*engine_, QHelpEngineCore::namespaceName(path_));
+    mark_words();
     results_->clear();
-    search_state_->clear();
-    if (search_field_->text().trimmed().isEmpty())
-        return;
-    search_state_->setText(tr("Searching..."));
-    if (is_indexed_)
-        engine_->searchEngine()->search(search_field_->text());
-}
-
-void HelpWindow::list_results() {
-    const auto found = engine_->searchEngine()->searchResults(0, k_results_max);
-    for (const QHelpSearchResult& result : found) {
-        auto* item = new QListWidgetItem(result.title(), results_);
-        item->setData(Qt::UserRole, result.url());
+    for (const HelpResult& result : search_help(pages_, parse_help_words(search_field_->text()))) {
+        auto* item =
+            new QListWidgetItem(tr("%1 (%2)").arg(result.title).arg(result.hits), results_);
+        item->setData(Qt::UserRole, result.page);
     }
     results_->setCurrentRow(0);
-    search_state_->setText(found.isEmpty()     ? tr("No page has these words.")
-                           : found.size() == 1 ? tr("One page.")
-                                               : tr("%1 pages.").arg(found.size()));
+    show_hits();
+}
+
+/// Shows a result in place of the one before, so that typing leaves one page behind to go back to.
+void HelpWindow::preview(const QUrl& page) {
+    if (viewer_->source() == page)
+        return;
+    if (!preview_.isEmpty() && viewer_->source() == preview_)
+        viewer_->backward();
+    preview_ = viewer_->source() == page ? QUrl() : page;
+    viewer_->setSource(page);
+}
+
+/// What the user looks for now: the text of the bar below while that is there, else the words of
+/// the search while its list is there.
+void HelpWindow::mark_words() {
+    if (!find_bar_->isHidden())
+        viewer_->mark(QRegularExpression(QRegularExpression::escape(find_field_->text()),
+                                         QRegularExpression::CaseInsensitiveOption));
+    else if (search_field_->parentWidget() == tabs_->currentWidget())
+        viewer_->mark(parse_help_words(search_field_->text()).marks);
+    else
+        viewer_->mark(QRegularExpression());
+}
+
+void HelpWindow::show_hits() {
+    find_state_->setText(viewer_->hit_text());
+    const int count = results_->count();
+    QString state = parse_help_words(search_field_->text()).all.isEmpty() ? QString()
+                    : count == 0 ? tr("No page has these words.")
+                    : count == 1 ? tr("One page.")
+                                 : tr("%1 pages.").arg(count);
+    if (count > 0 && find_bar_->isHidden())
+        state += tr(" %1.").arg(viewer_->hit_text());
+    search_state_->setText(state);
+}
+
+bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress)
+        return QMainWindow::eventFilter(watched, event);
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+        viewer_->step_hit(key.modifiers().testFlag(Qt::ShiftModifier));
+        return true;
+    }
+    if (key.key() == Qt::Key_Down && watched == search_field_) {
+        results_->setFocus();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void HelpWindow::make_actions() {
@@ -250,6 +289,7 @@ void HelpWindow::make_actions() {
     // A tab chosen by its letter or the pointer takes the keys, too; one reached by an arrow key
     // leaves them to the arrows.
     connect(tabs_, &QTabWidget::currentChanged, this, [this] {
+        mark_words();
         if (!tabs_->tabBar()->hasFocus())
             tabs_->currentWidget()->setFocus();
     });
@@ -277,11 +317,15 @@ void HelpWindow::make_find_bar() {
     find_field_->setPlaceholderText(tr("Find in page"));
     find_field_->setAccessibleName(tr("Find in page"));
     find_field_->setClearButtonEnabled(true);
+    find_state_ = new QLabel(find_bar_);
+    find_state_->setContentsMargins(k_margin_px, 0, k_margin_px, 0);
     find_bar_->addWidget(find_field_);
+    find_bar_->addWidget(find_state_);
     addToolBar(Qt::BottomToolBarArea, find_bar_);
     find_bar_->hide();
 
-    connect(find_field_, &QLineEdit::returnPressed, this, [this] { find_in_page(false); });
+    find_field_->installEventFilter(this);
+    connect(find_field_, &QLineEdit::textChanged, this, [this] { mark_words(); });
     const auto on_key = [this](QKeySequence key, QWidget* where, auto action) {
         connect(new QShortcut(key, where, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
                 &QShortcut::activated, this, action);
@@ -290,27 +334,15 @@ void HelpWindow::make_find_bar() {
         find_bar_->show();
         find_field_->setFocus();
         find_field_->selectAll();
+        mark_words();
     });
-    on_key(QKeySequence::FindNext, this, [this] { find_in_page(false); });
-    on_key(QKeySequence::FindPrevious, this, [this] { find_in_page(true); });
+    on_key(QKeySequence::FindNext, this, [this] { viewer_->step_hit(false); });
+    on_key(QKeySequence::FindPrevious, this, [this] { viewer_->step_hit(true); });
     on_key(Qt::Key_Escape, find_bar_, [this] {
         find_bar_->hide();
+        mark_words();
         viewer_->setFocus();
     });
-}
-
-void HelpWindow::find_in_page(bool backwards) {
-    const QString text = find_field_->text();
-    if (text.isEmpty())
-        return;
-    const auto flags = backwards ? QTextDocument::FindBackward : QTextDocument::FindFlags();
-    if (viewer_->find(text, flags))
-        return;
-    // Round the end of the page, back to where it was when the text is nowhere.
-    const QTextCursor before = viewer_->textCursor();
-    viewer_->moveCursor(backwards ? QTextCursor::End : QTextCursor::Start);
-    if (!viewer_->find(text, flags))
-        viewer_->setTextCursor(before);
 }
 
 QUrl HelpWindow::page_of_topic(int topic) const {

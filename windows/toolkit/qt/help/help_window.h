@@ -1,5 +1,7 @@
 #pragma once
 
+#include "windows/toolkit/qt/help/help_words.h"
+
 #include <QMainWindow>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -18,7 +20,7 @@ class HelpViewer;
 /// The window on one help file: contents, index and search beside the page that is read.
 ///
 /// The help engine keeps what it makes of the file in a temporary directory, which goes with the
-/// window. It indexes the text in a thread of its own; nothing of ours runs there.
+/// window. The search reads the pages when it is used first, and runs while the user types.
 class HelpWindow : public QMainWindow {
 public:
     /// `path` is a help file. The window isn't shown yet.
@@ -34,6 +36,7 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     bool open_engine();
@@ -44,8 +47,9 @@ private:
     void show_icons();
     void make_find_bar();
     void search();
-    void list_results();
-    void find_in_page(bool backwards);
+    void preview(const QUrl& page);
+    void mark_words();
+    void show_hits();
     [[nodiscard]] QUrl page_of_topic(int topic) const;
 
     QString path_;
@@ -56,11 +60,13 @@ private:
     QLineEdit* search_field_ = nullptr;
     QLabel* search_state_ = nullptr;
     QListWidget* results_ = nullptr;
+    QList<HelpPageText> pages_; ///< empty until something is searched for
+    QUrl preview_;              ///< shown by the search, and by nothing else so far
     QToolBar* bar_ = nullptr;
     QToolBar* find_bar_ = nullptr;
     QLineEdit* find_field_ = nullptr;
+    QLabel* find_state_ = nullptr;
     QUrl home_;
-    bool is_indexed_ = false; ///< the text can be searched
 };
 
 } // namespace pellux
