@@ -14,8 +14,6 @@
 #include <QScreen>
 #include <QStyledItemDelegate>
 
-#include <cstdlib>
-
 namespace pellux {
 namespace {
 
@@ -23,31 +21,17 @@ constexpr auto bit(FontStyle style) {
     return static_cast<std::uint16_t>(style);
 }
 
-/// The family's own word for a style, by which the box finds it; empty when it has none such.
-QString style_name(const QString& family, bool is_bold, bool is_italic) {
-    constexpr int k_any_size = 10;
-    const int wanted = is_bold ? QFont::Bold : QFont::Normal;
-    QString best;
-    int best_distance = 0;
-    for (const QString& style : QFontDatabase::styles(family)) {
-        const QFont font = QFontDatabase::font(family, style, k_any_size);
-        const int distance = std::abs(font.weight() - wanted);
-        if (font.italic() != is_italic || (!best.isEmpty() && distance >= best_distance))
-            continue;
-        best = style;
-        best_distance = distance;
-    }
-    return best;
-}
-
-/// The font as the system has it.
+/// The font as the system has it, with the family's own word for its style: by that the box finds
+/// it among faces of one weight, such as a condensed one.
 QFont to_qfont(Font font) {
     const QFont face = font_face(font, 1).font;
-    const QString family = QFontInfo(face).family();
-    QFont shown(family, font.size > 0 ? font.size : QFontInfo(QApplication::font()).pointSize());
+    const QFontInfo found(face);
+    QFont shown(found.family(),
+                font.size > 0 ? font.size : QFontInfo(QApplication::font()).pointSize());
     shown.setBold(face.bold());
     shown.setItalic(face.italic());
-    shown.setStyleName(style_name(family, face.bold(), face.italic()));
+    if (found.bold() == face.bold() && found.italic() == face.italic())
+        shown.setStyleName(found.styleName());
     shown.setUnderline((font.style & bit(FontStyle::underline)) != 0);
     return shown;
 }
