@@ -41,12 +41,14 @@ constexpr std::array k_windows{WindowResource{.number = k_start_picture_window,
 constexpr std::array k_about_rows{
     DialogRowResource{1, DialogRowKind::text, "Pellux", 0},
     DialogRowResource{2, DialogRowKind::text, "Version " PELLUX_VERSION, 0},
-    DialogRowResource{3, DialogRowKind::text,
-                      "An environment for writing, compiling and simulating VHDL designs.", 0},
+    DialogRowResource{3, DialogRowKind::text, "Write, compile and simulate VHDL designs.", 0},
 };
 constexpr std::array k_about_buttons{k_ok};
-constexpr std::array k_dialogs{
-    DialogResource{k_about_box, "About Pellux", k_about_rows, k_about_buttons}};
+constexpr std::array k_dialogs{DialogResource{.number = k_about_box,
+                                              .title = "About Pellux",
+                                              .rows = k_about_rows,
+                                              .buttons = k_about_buttons,
+                                              .image = static_cast<int>(Picture::program)}};
 
 } // namespace
 

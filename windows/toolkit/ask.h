@@ -54,6 +54,7 @@ struct Question {
     Font font;                ///< the first one of a font box
     Vector<DialogRow> rows;   ///< of a dialog
     int help_topic = 0;       ///< of a dialog: number of the page that F1 shows; 0: none
+    int image = 0;            ///< of a dialog: picture beside its rows; 0: none
     std::uint64_t dialog = 0; ///< number of a dialog that stays on the screen between two questions
 };
 

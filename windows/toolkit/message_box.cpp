@@ -169,6 +169,7 @@ bool xvt_dlg_create_res(Dialog& dialog, int resource) {
     question.title = found->title;
     question.buttons.assign(found->buttons.begin(), found->buttons.end());
     question.help_topic = found->help_topic;
+    question.image = found->image;
     question.dialog = ++g_last_dialog;
     dialog.rows.clear();
     for (const DialogRowResource& row : found->rows) {

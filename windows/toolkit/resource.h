@@ -53,6 +53,7 @@ struct DialogResource {
     std::span<const DialogRowResource> rows;
     std::span<const char* const> buttons; ///< the first is the default
     int help_topic = 0;                   ///< number of the page that F1 shows; 0: none
+    int image = 0; ///< beside the rows, of which the first is then a heading; 0: none
 };
 
 struct Resources {

@@ -16,6 +16,7 @@
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/move_frame.h"
@@ -129,9 +130,29 @@ void visit_program(Tour& tour) {
     box(static_cast<int>(TaskCommand::new_project), "new_project");
     box(static_cast<int>(TaskCommand::open), "file_box");
 
+    {
+        in_box([&tour] {
+            tour.front("about");
+            press_key("Esc");
+        });
+        Dialog about;
+        tour.keep(xvt_dlg_create_res(about, app_config().about_box) && xvt_dlg_ask(about) == 0,
+                  "about");
+    }
+    in_box([&tour] {
+        tour.front("font_box");
+        press_key("Esc");
+    });
+    Font font = xvt_font_get_default();
+    xvt_font_set_style(font, static_cast<std::uint16_t>(FontStyle::bold));
+    static_cast<void>(xvt_dm_post_font_sel(font));
+
     xvt_win_dispatch_event(task, Event{CommandEvent{static_cast<int>(TaskCommand::help_contents)}});
     process_events();
     tour.front("help");
+    press_key("Alt+S");
+    type_text("library");
+    tour.front("help_search");
 }
 
 /// Until the newest output says so.

@@ -3,14 +3,17 @@
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/boxes/byte_edit.h"
 #include "windows/toolkit/qt/boxes/plain_text.h"
+#include "windows/toolkit/qt/draw/pictures.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/item_list.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
@@ -19,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace pellux {
@@ -26,6 +30,8 @@ namespace {
 
 constexpr int k_list_lines = 10;
 constexpr int k_list_characters = 40;
+constexpr int k_image_px = 64;
+constexpr std::array k_image_looks{ImageLook::normal};
 
 Vector<String> lines_of(std::string_view text) {
     Vector<String> lines;
@@ -47,6 +53,14 @@ QString spoken(QString label) {
     if (label.endsWith(u':'))
         label.chop(1);
     return label;
+}
+
+QFont heading_font() {
+    constexpr double k_larger = 1.5;
+    QFont font = QApplication::font();
+    font.setPointSizeF(font.pointSizeF() * k_larger);
+    font.setBold(true);
+    return font;
 }
 
 /// A row as it stands on the screen.
@@ -133,11 +147,23 @@ void DialogBox::build(const Question& question) {
     beside_ = nullptr;
     body_ = new QWidget;
     contents().addWidget(body_);
-    auto* grid = new QGridLayout(body_);
-    grid->setContentsMargins(0, 0, 0, 0);
+    auto* halves = new QHBoxLayout(body_);
+    halves->setContentsMargins(0, 0, 0, 0);
+    if (question.image != 0) {
+        auto* image = new QLabel;
+        image->setPixmap(
+            picture_icon(question.image, k_image_px, devicePixelRatioF(), k_image_looks)
+                .pixmap(k_image_px));
+        halves->addWidget(image, 0, Qt::AlignTop);
+        halves->addSpacing(fontMetrics().height());
+    }
+    auto* grid = new QGridLayout;
+    halves->addLayout(grid, 1);
     grid->setColumnStretch(1, 1);
     for (const DialogRow& row : question.rows) {
         ShownRow shown{row.id, row.kind, row.length_max, nullptr, make_field(row)};
+        if (question.image != 0 && rows_.empty())
+            shown.field->setFont(heading_font());
         const int line = grid->rowCount();
         if (row.kind == DialogRowKind::button) {
             add_beside(*grid, static_cast<QPushButton*>(shown.field));
