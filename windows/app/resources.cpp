@@ -63,6 +63,7 @@ AppConfig app_config() {
             .base_name = "pellux",
             .name = "Pellux",
             .task_title = "Pellux",
+            .tabs_setting = "Tabs",
             .mark = static_cast<int>(Picture::program)};
 }
 

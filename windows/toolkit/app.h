@@ -14,6 +14,8 @@ struct AppConfig {
     const char* base_name = "";
     const char* name = "";
     const char* task_title = "";
+    /// Name of the user's setting that keeps "As tabs" of the Window menu; null: kept for the run.
+    const char* tabs_setting = nullptr;
     int mark = 0; ///< picture of the program, in window frames
 };
 

@@ -49,7 +49,9 @@ void xvt_vobj_destroy(Window window); ///< with everything in it; the destructio
 [[nodiscard]] int xvt_vobj_get_id(Window window);
 /// Top left 0, in the window's own units; the task window's is the area below its menus.
 [[nodiscard]] Rect xvt_vobj_get_client_rect(Window window);
-/// With the frame: in the parent's client area or, for the task window, on the screen.
+/// With the frame: in the parent's client area or, for the task window, on the screen. Of a window
+/// in the task window that is minimised or fills the area, and of its client area, it is the place
+/// that the window goes back to.
 [[nodiscard]] Rect xvt_vobj_get_outer_rect(Window window);
 /// The client area where it stands; inside the outer rectangle by the thickness of the frame.
 [[nodiscard]] Rect xvt_vobj_get_inner_rect(Window window);

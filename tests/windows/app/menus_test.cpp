@@ -47,7 +47,7 @@ TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
             const Vector<MenuItem> menus = xvt_menu_get_tree(window);
             EXPECT_EQ(menus.at(menus.size() - 2).tag, 5100);
         }
-        const char* tools = "\nT&ools\n  &Echo it\n  Missing\n  only label\n&Help\n";
+        const char* tools = "\nT&ools\n  &Echo it\n  Missing\n  only label\n&Window\n";
         EXPECT_NE(shown_menus().find(tools), std::string::npos) << shown_menus();
         std::filesystem::current_path("/");
         const std::string said = said_during([] { EXPECT_TRUE(choose_item(5000)); });
@@ -66,9 +66,10 @@ TEST_F(Menus, HaveNoToolsWithoutCatalogue) {
     const test::ScopedVariable install("VELMORA_DIR", directory_.path().c_str());
     user_.expect_closed(QuestionKind::dialog, "New Project");
     run([&] {
-        EXPECT_EQ(shown_menus(),
-                  "&Project\n  &New...\tCtrl+N\n  &Open...\tCtrl+O\n"
-                  "  &Quit\tCtrl+Q\n&Help\n  &Contents\tF1\n  -\n  &About Pellux...\n");
+        EXPECT_EQ(shown_menus(), "&Project\n  &New...\tCtrl+N\n  &Open...\tCtrl+O\n"
+                                 "  &Quit\tCtrl+Q\n&Window\n  (&Next\tCtrl+Tab)\n"
+                                 "  (&Previous\tCtrl+Shift+Tab)\n  -\n  (&Tile)\n  (&Cascade)\n"
+                                 "  &As tabs\n&Help\n  &Contents\tF1\n  -\n  &About Pellux...\n");
         user_.expect_closed(QuestionKind::dialog, "New Project");
         press_key("Ctrl+N");
         user_.expect_closed(QuestionKind::file_open, "Open project...");

@@ -156,6 +156,8 @@ void list_actions(const QList<QAction*>& actions, int depth, std::string& list) 
         std::string title = action->text().toStdString();
         if (!action->shortcut().isEmpty())
             title += "\t" + action->shortcut().toString(QKeySequence::PortableText).toStdString();
+        if (action->isChecked())
+            title = "*" + title;
         list += (action->isEnabled() ? title : "(" + title + ")") + "\n";
         if (action->menu() != nullptr)
             list_actions(action->menu()->actions(), depth + 1, list);

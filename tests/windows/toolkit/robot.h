@@ -37,7 +37,7 @@ bool drop_data(Window window, Point at, const char* type, std::string_view data)
 /// Chooses the item of a tag from the menus that are shown; false when it is not there or disabled.
 bool choose_item(int tag);
 /// The menus that are shown, one per line, items indented: "Title", "Title\tKey", "(Title)" for a
-/// disabled one, "-" for a separator.
+/// disabled one, "*Title" for a checked one, "-" for a separator.
 [[nodiscard]] std::string shown_menus();
 
 /// The same for the menu that has popped up, with the keys that a user presses in it.

@@ -77,7 +77,7 @@ int xvt_app_create(const AppConfig& config, EventHandler task_handler) {
     record.handler = task_handler;
     if (const MenuBarResource* bar = xvt_res_get_menu_bar(config.menu_bar))
         record.menus = make_owned<Vector<MenuItem>>(menu_tree(*bar));
-    const auto window = std::make_unique<TaskWindow>(task, config.help_menu);
+    const auto window = std::make_unique<TaskWindow>(task, config);
     set_widget(record, window.get());
     set_task_window(window.get());
     xvt_vobj_set_title(task, config.task_title);

@@ -57,20 +57,26 @@ QAction* find_action(const QList<QAction*>& actions, int tag) {
     return nullptr;
 }
 
-void fill_menu_bar(QMenuBar& bar, Window owner, const Vector<MenuItem>& menus, int help_menu) {
+void fill_menu_bar(QMenuBar& bar, Window owner, const Vector<MenuItem>& menus,
+                   const OwnMenus& own) {
+    QAction* windows = own.window->menuAction();
     for (QAction* action : bar.actions()) {
         bar.removeAction(action);
-        if (action->menu() != nullptr)
+        if (action->menu() != nullptr && action != windows)
             action->menu()->deleteLater();
     }
     for (const MenuItem& menu : menus) {
         auto* shown = new QMenu(marked_title(menu), &bar);
         shown->menuAction()->setData(menu.tag);
         fill_menu(*shown, owner, menu.items);
-        if (menu.tag == help_menu)
+        if (menu.tag == own.help) {
+            bar.addAction(windows);
             add_about(*shown);
+        }
         bar.addMenu(shown);
     }
+    if (!menus.empty() && !bar.actions().contains(windows))
+        bar.addAction(windows);
 }
 
 } // namespace pellux

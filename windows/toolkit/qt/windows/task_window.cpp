@@ -2,16 +2,17 @@
 
 #include "windows/toolkit/app.h"
 #include "windows/toolkit/qt/windows/canvas.h"
+#include "windows/toolkit/qt/windows/document_frame.h"
 #include "windows/toolkit/qt/windows/menu_actions.h"
+#include "windows/toolkit/qt/windows/window_menu.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QLayout>
 #include <QMdiArea>
-#include <QMenu>
+#include <QMenuBar>
 #include <QScreen>
 #include <QTimer>
 
@@ -48,8 +49,9 @@ void set_task_window(TaskWindow* window) {
     the_task_window = window;
 }
 
-TaskWindow::TaskWindow(Window window, int help_menu)
-    : window_(window), help_menu_(help_menu), area_(new QMdiArea) {
+TaskWindow::TaskWindow(Window window, const AppConfig& config)
+    : window_(window), help_menu_(config.help_menu), area_(new QMdiArea),
+      window_menu_(std::make_unique<WindowMenu>(*area_, config.tabs_setting)) {
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(area_);
@@ -60,6 +62,7 @@ TaskWindow::TaskWindow(Window window, int help_menu)
     connect(area_, &QMdiArea::subWindowActivated, this, [this] {
         if (menu_owner() != shown_menus_)
             show_menus();
+        update_window_menu();
     });
     connect(qApp, &QApplication::focusChanged, this, on_focus_changed);
 }
@@ -80,7 +83,12 @@ void TaskWindow::show_menus() {
     shown_menus_ = owner;
     const WindowRecord* record = find_window(owner);
     const bool has_menus = record != nullptr && record->menus;
-    fill_menu_bar(*menuBar(), owner, has_menus ? *record->menus : Vector<MenuItem>(), help_menu_);
+    fill_menu_bar(*menuBar(), owner, has_menus ? *record->menus : Vector<MenuItem>(),
+                  {help_menu_, window_menu_.get()});
+}
+
+void TaskWindow::update_window_menu() {
+    window_menu_->update_items();
 }
 
 QSize TaskWindow::room() const {
@@ -135,28 +143,6 @@ bool TaskWindow::event(QEvent* event) {
                           type == QEvent::WindowActivate))
         QTimer::singleShot(0, this, [this] { mend_place(); });
     return QMainWindow::event(event);
-}
-
-DocumentFrame::DocumentFrame(QWidget* parent, Window window)
-    : QMdiSubWindow(parent), window_(window) {
-    // The rest of its keys would take those of the windows' own menus away.
-    const QKeySequence close(Qt::CTRL | Qt::Key_F4);
-    for (QAction* action : systemMenu()->actions()) {
-        action->setShortcuts(action->shortcuts().contains(close) ? QList{close}
-                                                                 : QList<QKeySequence>());
-        // "Stay on Top", which is not remembered.
-        if (action->isCheckable())
-            action->setVisible(false);
-    }
-}
-
-void DocumentFrame::closeEvent(QCloseEvent* event) {
-    if (find_window(window_) == nullptr) {
-        QMdiSubWindow::closeEvent(event);
-        return;
-    }
-    event->ignore();
-    deliver(window_, Event{CloseEvent{}});
 }
 
 } // namespace pellux

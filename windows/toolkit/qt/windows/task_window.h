@@ -1,21 +1,23 @@
 #pragma once
 
-#include "windows/toolkit/event.h"
+#include "windows/toolkit/app.h"
 #include "windows/toolkit/geometry.h"
 
 #include <QMainWindow>
-#include <QMdiSubWindow>
 
+#include <memory>
 #include <optional>
 
 class QMdiArea;
 
 namespace pellux {
 
+class WindowMenu;
+
 /// The program's frame: the menu bar of the active window, and the area that the windows stand in.
 class TaskWindow : public QMainWindow {
 public:
-    TaskWindow(Window window, int help_menu);
+    TaskWindow(Window window, const AppConfig& config);
     ~TaskWindow() override;
     TaskWindow(const TaskWindow&) = delete;
     TaskWindow& operator=(const TaskWindow&) = delete;
@@ -25,6 +27,8 @@ public:
     [[nodiscard]] QSize room() const;
     /// Takes the place of the frame, which may not be known before the window is shown.
     void place(const Rect& client);
+    /// The windows in the area, or their states, have changed.
+    void update_window_menu();
     /// Fills the menu bar from the active window's menus, or the task's.
     void show_menus();
 
@@ -42,21 +46,10 @@ private:
     Window window_;
     int help_menu_;
     QMdiArea* area_;
+    std::unique_ptr<WindowMenu> window_menu_;
     Window shown_menus_ = Window::none; ///< whose menus the bar holds
     /// Given before the frame was known, which then counted as nothing.
     std::optional<QSize> outer_wanted_;
-};
-
-/// A window's frame in the area.
-class DocumentFrame : public QMdiSubWindow {
-public:
-    DocumentFrame(QWidget* parent, Window window);
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
-private:
-    Window window_;
 };
 
 /// Null without a task window.

@@ -4,8 +4,10 @@
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/canvas.h"
 #include "windows/toolkit/qt/windows/controls.h"
+#include "windows/toolkit/qt/windows/document_frame.h"
 #include "windows/toolkit/qt/windows/free_place.h"
 #include "windows/toolkit/qt/windows/task_window.h"
+#include "windows/toolkit/qt/windows/window_menu.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/resource.h"
 
@@ -41,12 +43,10 @@ QWidget* frame_of(Window window) {
     return record == nullptr ? nullptr : frame_of(*record);
 }
 
-/// Gives the client area of a document's frame this place.
-void place_document(const WindowRecord& record, const QRect& client) {
-    QWidget* frame = frame_of(record);
-    const QPoint corner = record.widget->pos();
-    const QSize around = frame->size() - record.widget->size();
-    frame->setGeometry(QRect(client.topLeft() - corner, client.size() + around));
+/// Null for a window of another kind.
+DocumentFrame* document_frame(const WindowRecord* record) {
+    const bool is_document = record != nullptr && record->kind == WindowKind::document;
+    return is_document ? static_cast<DocumentFrame*>(frame_of(*record)) : nullptr;
 }
 
 /// In a document's title "[*]" is the place for the mark of changes, and is doubled where it is
@@ -72,7 +72,7 @@ void find_place(QWidget& frame, const TaskWindow& task) {
     Vector<QRect> others;
     for (const QMdiSubWindow* other : task.area().subWindowList())
         if (other != &frame && other->isVisibleTo(&task.area()) && !other->isMinimized())
-            others.push_back(other->geometry());
+            others.push_back(static_cast<const DocumentFrame*>(other)->place());
     frame.setGeometry(free_place(task.room(), others, frame.size()));
 }
 
@@ -109,11 +109,16 @@ Window xvt_win_create_res(int number, EventHandler handler) {
         // The area has its size once the task window is shown.
         QTimer::singleShot(0, frame, [frame] { center(*frame); });
     }
+    QObject::connect(frame, &QMdiSubWindow::windowStateChanged, task, [task, frame] {
+        if (frame->isMinimized())
+            activate_before(task->area(), *frame);
+        task->update_window_menu();
+    });
     task->area().addSubWindow(frame);
     frame->ensurePolished();
     frame->adjustSize();
-    place_document(record,
-                   QRect(frame->pos() + client->pos(), QSize(resource->width, resource->height)));
+    frame->move_client(
+        QRect(frame->pos() + client->pos(), QSize(resource->width, resource->height)));
     if (resource->is_resizable)
         find_place(*frame, *task);
     deliver(window, Event{CreationEvent{}});
@@ -147,15 +152,20 @@ void xvt_vobj_destroy(Window window) {
     WindowRecord* record = find_window(window);
     if (record == nullptr || record->is_closing)
         return;
-    const bool is_document = record->kind == WindowKind::document;
+    const QPointer<DocumentFrame> document = document_frame(record);
     const QPointer<QWidget> frame = frame_of(*record);
     remove_window(window);
     if (frame == nullptr)
         return;
+    TaskWindow* task = task_window();
+    if (task != nullptr && document != nullptr)
+        activate_before(task->area(), *document);
     // Its own events may be what runs now.
     frame->hide();
-    if (TaskWindow* task = task_window(); task != nullptr && is_document)
-        task->area().removeSubWindow(frame);
+    if (task != nullptr && document != nullptr) {
+        task->area().removeSubWindow(document);
+        task->update_window_menu();
+    }
     frame->deleteLater();
 }
 
@@ -187,6 +197,8 @@ Rect xvt_vobj_get_client_rect(Window window) {
 }
 
 Rect xvt_vobj_get_outer_rect(Window window) {
+    if (const DocumentFrame* document = document_frame(find_window(window)))
+        return to_rect(document->place());
     const QWidget* frame = frame_of(window);
     return frame == nullptr ? Rect{} : to_rect(frame->frameGeometry());
 }
@@ -195,9 +207,8 @@ Rect xvt_vobj_get_inner_rect(Window window) {
     const WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
         return {};
-    if (record->kind != WindowKind::document)
-        return to_rect(record->widget->geometry());
-    return to_rect(record->widget->geometry().translated(frame_of(*record)->pos()));
+    const DocumentFrame* document = document_frame(record);
+    return to_rect(document == nullptr ? record->widget->geometry() : document->client_place());
 }
 
 void xvt_vobj_move(Window window, const Rect& rect) {
@@ -206,8 +217,8 @@ void xvt_vobj_move(Window window, const Rect& rect) {
         return;
     if (record->kind == WindowKind::task)
         static_cast<TaskWindow&>(*record->widget).place(rect);
-    else if (record->kind == WindowKind::document)
-        place_document(*record, to_qrect(rect));
+    else if (DocumentFrame* document = document_frame(record))
+        document->move_client(to_qrect(rect));
     else
         record->widget->setGeometry(to_qrect(rect));
 }
