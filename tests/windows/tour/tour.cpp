@@ -200,6 +200,20 @@ void visit_project(Tour& tour) {
     };
     read(ProjectCommand::report_file, "Started:", "report");
     read(ProjectCommand::tool_versions, "GHDL ", "versions");
+    xvt_vobj_raise(project);
+    process_events();
+    press_key("Alt+W");
+    tour.picture(task, "menu_bar");
+    tour.front("window_menu");
+    press_key("Esc");
+    const auto arrange = [&](std::string_view key, std::string_view name) {
+        press_key("Alt+W");
+        press_key(key);
+        tour.picture(task, name);
+    };
+    arrange("C", "cascade");
+    arrange("T", "tiled");
+    arrange("A", "tabs");
 }
 
 void run(std::span<const char* const> words, const std::function<void()>& script) {

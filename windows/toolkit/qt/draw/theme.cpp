@@ -1,6 +1,7 @@
 #include "windows/toolkit/qt/draw/theme.h"
 
 #include "core/os/environment.h"
+#include "windows/toolkit/qt/draw/desktop_style.h"
 
 #include <QApplication>
 #include <QStyle>
@@ -144,7 +145,6 @@ void use_palette(const RoleColor (&colors)[count]) {
         palette.setColor(QPalette::Inactive, color.role, QColor::fromRgb(color.normal));
         palette.setColor(QPalette::Disabled, color.role, QColor::fromRgb(color.disabled));
     }
-    QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication::setPalette(palette);
 }
 
@@ -193,9 +193,13 @@ double contrast_of(QRgb a, QRgb b) {
 void apply_theme() {
     const char* wanted = environment_variable("PELLUX_THEME");
     const QLatin1String name(wanted == nullptr ? "" : wanted);
-    if (name.compare(QLatin1String("dark"), Qt::CaseInsensitive) == 0)
+    const bool is_dark = name.compare(QLatin1String("dark"), Qt::CaseInsensitive) == 0;
+    const bool is_light = name.compare(QLatin1String("light"), Qt::CaseInsensitive) == 0;
+    if (is_dark || is_light || QApplication::style()->name() == QLatin1String("fusion"))
+        QApplication::setStyle(new DesktopStyle);
+    if (is_dark)
         use_palette(k_dark);
-    else if (name.compare(QLatin1String("light"), Qt::CaseInsensitive) == 0)
+    else if (is_light)
         use_palette(k_light);
 }
 

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLayout>
 #include <QMdiArea>
 #include <QMenuBar>
@@ -39,6 +40,25 @@ void on_focus_changed(const QWidget* before, const QWidget* now) {
         deliver(document_of(frame), Event{FocusEvent{true}});
 }
 
+/// Whether a menu bar that has the keyboard's focus has a use for the key.
+bool moves_in_menus(const QKeyEvent& event) {
+    switch (event.key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Escape:
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+        return true;
+    default:
+        return (event.modifiers() & ~Qt::ShiftModifier) != Qt::NoModifier ||
+               event.key() == Qt::Key_Alt || (!event.text().isEmpty() && event.text()[0].isPrint());
+    }
+}
+
 } // namespace
 
 TaskWindow* task_window() {
@@ -55,6 +75,7 @@ TaskWindow::TaskWindow(Window window, const AppConfig& config)
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(area_);
+    menuBar()->installEventFilter(this);
     set_ground();
     // Until the application gives it a place.
     if (const QScreen* screen = QGuiApplication::primaryScreen())
@@ -133,6 +154,24 @@ void TaskWindow::set_ground() {
     const QColor window = palette().window().color();
     const int percent = window.lightness() < 128 ? 135 : 108;
     area_->setBackground(window.darker(percent));
+}
+
+bool TaskWindow::eventFilter(QObject* watched, QEvent* event) {
+    QMenuBar& bar = *menuBar();
+    if (watched != &bar || event->type() != QEvent::KeyPress || !bar.hasFocus())
+        return QMainWindow::eventFilter(watched, event);
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (moves_in_menus(key))
+        return false;
+    // The bar would keep the focus, and the key: the window that had it before gets both.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(&bar, &escape);
+    QWidget* focus = QApplication::focusWidget();
+    if (focus == nullptr || focus == &bar)
+        return false;
+    QKeyEvent again(key.type(), key.key(), key.modifiers(), key.text());
+    QCoreApplication::sendEvent(focus, &again);
+    return true;
 }
 
 bool TaskWindow::event(QEvent* event) {

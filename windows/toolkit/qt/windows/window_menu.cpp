@@ -60,6 +60,12 @@ bool reads_yes(const char* setting) {
     return setting != nullptr && read_setting(setting, buffer, value) && value == k_yes;
 }
 
+/// Without an empty box where there is no mark.
+void mark(QAction& action, bool is_marked) {
+    action.setCheckable(is_marked);
+    action.setChecked(is_marked);
+}
+
 /// What the list calls a frame.
 QString title_of(const QMdiSubWindow& frame) {
     const WindowRecord* record = find_window(window_of(*frame.widget()));
@@ -99,13 +105,11 @@ WindowMenu::WindowMenu(QMdiArea& area, const char* tabs_setting)
     addSeparator();
     add(WindowCommand::tile, "&Tile");
     add(WindowCommand::cascade, "&Cascade");
-    QAction* tabs = add(WindowCommand::tabs, "&As tabs");
-    tabs->setCheckable(true);
-    tabs->setChecked(reads_yes(tabs_setting));
+    add(WindowCommand::tabs, "&As tabs");
     area.setDocumentMode(true);
     area.setTabsClosable(true);
     area.setTabsMovable(true);
-    show_as_tabs(tabs->isChecked());
+    show_as_tabs(reads_yes(tabs_setting));
     connect(this, &QMenu::aboutToShow, this, [this] {
         update_items();
         list_windows();
@@ -157,8 +161,7 @@ void WindowMenu::show_as_tabs(bool as_tabs) {
 void WindowMenu::update_items() {
     const Frames frames = shown_frames(area_);
     const bool has_other = frames.size() > 1 || (frames.size() == 1 && frames[0]->isMinimized());
-    const bool has_room =
-        area_.viewMode() == QMdiArea::SubWindowView && !open_frames(area_).empty();
+    const bool as_tabs = area_.viewMode() == QMdiArea::TabbedView;
     for (QAction* action : actions()) {
         switch (static_cast<WindowCommand>(action->data().toInt())) {
         case WindowCommand::next:
@@ -167,10 +170,12 @@ void WindowMenu::update_items() {
             break;
         case WindowCommand::tile:
         case WindowCommand::cascade:
-            action->setEnabled(has_room);
+            action->setEnabled(!as_tabs && !open_frames(area_).empty());
+            break;
+        case WindowCommand::tabs:
+            mark(*action, as_tabs);
             break;
         case WindowCommand::menu:
-        case WindowCommand::tabs:
             break;
         }
     }
@@ -187,8 +192,7 @@ void WindowMenu::list_windows() {
         const QString digit = number <= k_numbered ? QStringLiteral("&%1 ").arg(number) : QString();
         QAction* action = addAction(digit + title_of(*frame));
         ++number;
-        action->setCheckable(true);
-        action->setChecked(frame == area_.activeSubWindow());
+        mark(*action, frame == area_.activeSubWindow());
         // The frame may be gone before its item is.
         connect(action, &QAction::triggered, frame, [this, frame] { show_frame(area_, *frame); });
         listed_.push_back(action);
