@@ -31,11 +31,14 @@ inline Message<> msg_expect_bytes{"E1867", "pairs of hexadecimal digits are expe
 inline Message<long long, long long> msg_expect_number{
     "E1868", "a whole number from %lld to %lld is expected"};
 inline Message<> msg_expect_kind{"E1869", "0 or 1 is expected"};
-inline Message<> msg_expect_source{"E1870", "no source has this number"};
+inline Message<> msg_expect_source{"E1870", "the number or name of a source, or null, is expected"};
 inline Message<> msg_expect_version{"E1871",
                                     "\"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected"};
 inline Message<> msg_unknown_key{"E1872", "unknown key"};
 inline Message<> msg_key_twice{"E1873", "this key stands twice in one object"};
 inline Message<const char*> msg_too_large{"E1874", "'%s' is too large."};
+inline Message<> msg_expect_name{"E1875", "the name of a file is expected"};
+inline Message<const char*> msg_library_unused{
+    "E1876", "'%s': project.options.library has no effect: each source names its own."};
 
 } // namespace pellux

@@ -125,6 +125,8 @@ public:
         if (NullableText* const* text = std::get_if<NullableText*>(&slot)) {
             return take_text(**text, value);
         }
+        if (std::holds_alternative<TopDesign>(slot))
+            return take_text(top_name_, value);
         if (const TextHex* hex = std::get_if<TextHex>(&slot)) {
             String bytes;
             return parse_hex(value, bytes) ? take_text(*hex->text, view(bytes)) : misfit(slot);
@@ -138,6 +140,8 @@ public:
         Slot slot = next_slot();
         if (NullableText* const* text = std::get_if<NullableText*>(&slot))
             slot = TextBytes{*text};
+        if (std::holds_alternative<TopDesign>(slot))
+            slot = TextBytes{&top_name_};
         if (!std::visit([]<typename T>(T) { return k_is_object<T>; }, slot))
             return misfit(slot);
         open_.push_back({.record = slot});
@@ -169,6 +173,11 @@ public:
     }
     bool end_object() {
         const Open object = open_.back();
+        if (VHDL_source* const* source = std::get_if<VHDL_source*>(&object.record)) {
+            open_.back().key = "file_name";
+            if ((*source)->file_name.view().empty())
+                return complain(msg_expect_name);
+        }
         open_.pop_back();
         return !std::holds_alternative<TextBytes>(object.record) || object.seen != 0 ||
                misfit(object.record);
@@ -202,12 +211,15 @@ public:
         ProjectVersion version{};
         if (!find_version(header_.version, version))
             return complain_at("header.version", msg_expect_version);
-        if (top_number_ < 0)
-            return true;
-        if (static_cast<std::uint64_t>(top_number_) >= project_.sources.size())
-            return complain_at("project.top_design", msg_expect_source);
-        project_.top_design = project_.sources[static_cast<std::size_t>(top_number_)].get();
-        return true;
+        std::int64_t number = 0;
+        for (const Owned<VHDL_source>& source : project_.sources) {
+            const bool is_top = number++ == top_number_ || source->file_name == top_name_;
+            if (is_top && project_.top_design == nullptr)
+                project_.top_design = source.get();
+        }
+        const bool has_top = top_number_ >= 0 || top_name_.present();
+        return !has_top || project_.top_design != nullptr ||
+               complain_at("project.top_design", msg_expect_source);
     }
 
     String path;                    ///< of the value that does not fit
@@ -317,7 +329,8 @@ private:
     ProjectHeader& header_;
     Project& project_;
     Vector<Open> open_;
-    std::int64_t top_number_ = -1;
+    std::int64_t top_number_ = -1; ///< of the top design, which may stand before the sources
+    NullableText top_name_;
 };
 
 /// Tells where, by the byte's number from 1, a text is no JSON.
@@ -339,8 +352,11 @@ Owned<Project> project_from_json(std::string_view text, const char* name, Projec
     const bool parsed = nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder);
     if (parsed && text.find('\0') != std::string_view::npos)
         builder.error_position = text.find('\0') + 1; // the parser takes it for the end
-    else if (parsed && builder.finish())
+    else if (parsed && builder.finish()) {
+        if (!project->options.library.view().empty())
+            tell(msg_library_unused, name);
         return project;
+    }
     if (builder.complaint.empty())
         tell_not_json(text, name, builder.error_position);
     else
