@@ -191,6 +191,7 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
     directory_.write("bad.json", "{\"project\": {\"options\": {\"color\": 1}}}");
     directory_.write("good.json", "{}");
     directory_.write("bad.bpr", "no project");
+    fs::create_symlink("good.json", "link.json");
     const struct {
         const char* arguments;
         const char* text;
@@ -198,6 +199,10 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
         {"make bad.json a.bpr", "'bad.json': project.options.color: unknown key.\n"},
         {"make none.json a.bpr", "Can't read 'none.json': No such file or directory.\n"},
         {"make good.json none/a.bpr", "Can't write 'none/a.bpr': No such file or directory.\n"},
+        {"make good.json good.json",
+         "Can't write 'good.json': it is the same file as 'good.json'.\n"},
+        {"make link.json ./good.json",
+         "Can't write './good.json': it is the same file as 'link.json'.\n"},
         {"show bad.bpr", "Error reading 'bad.bpr'.\n"},
         {"compile none.bpr", "Error reading 'none.bpr'.\n"},
         {"show", nullptr},
@@ -211,6 +216,11 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
         EXPECT_TRUE(row.text == nullptr || outcome.text == row.text) << outcome.text;
     }
     EXPECT_FALSE(fs::exists("a.bpr"));
+    EXPECT_EQ(directory_.read("good.json"), "{}");
+    const Outcome help = bpr("--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.text.starts_with(bpr("").text)) << help.text;
+    EXPECT_EQ(count(help.text, "\n"), 6U);
 }
 
 } // namespace

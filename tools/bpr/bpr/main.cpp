@@ -17,17 +17,26 @@ constexpr const char* k_program = "bpr";
 /// Bytes of a JSON document; a project of 10,000 sources takes less than 10 MB.
 constexpr std::size_t k_json_max = std::size_t{256} << 20;
 
-int show(const char* file) {
-    ProjectHeader header;
-    const Owned<Project> project = read_project(file, header);
-    if (project == nullptr)
-        return k_status_unusable;
-    const String text = project_to_json(*project, header);
+int print(const String& text) {
     const SystemError problem = write_handle(standard_output(), std::as_bytes(std::span(text)));
     if (!failed(problem))
         return k_status_done;
     tell(msg_bpr_cannot_write, "standard output", error_text(problem).c_str());
     return k_status_unusable;
+}
+
+int help() {
+    String text = format_message(msg_bpr_usage, k_program) + "\n";
+    for (Message<>* line : {&msg_help_show, &msg_help_make, &msg_help_compile, &msg_help_status,
+                            &msg_help_compiler_status})
+        text += format_message(*line) + "\n";
+    return print(text);
+}
+
+int show(const char* file) {
+    ProjectHeader header;
+    const Owned<Project> project = read_project(file, header);
+    return project == nullptr ? k_status_unusable : print(project_to_json(*project, header));
 }
 
 bool read_json_file(const char* path, String& text) {
@@ -45,12 +54,24 @@ bool read_json_file(const char* path, String& text) {
     return false;
 }
 
+bool is_same_file(std::string_view one, std::string_view other) {
+    FileStat first;
+    FileStat second;
+    return !failed(stat_file(one, first)) && !failed(stat_file(other, second)) &&
+           first.device == second.device && first.inode == second.inode;
+}
+
 int make(const char* json_file, const char* file) {
+    if (is_same_file(json_file, file)) {
+        tell(msg_same_file, file, json_file);
+        return k_status_unusable;
+    }
     String text;
     ProjectHeader header;
     if (!read_json_file(json_file, text))
         return k_status_unusable;
     const Owned<Project> project = project_from_json(view(text), json_file, header);
+    text = {}; // may be much larger than the project
     if (project == nullptr || !tell_write_result(write_project_as(*project, file, header), file))
         return k_status_unusable;
     return k_status_done;
@@ -60,6 +81,8 @@ int run(std::span<const char* const> arguments) {
     const auto is = [&](std::size_t at, const char* word) {
         return at < arguments.size() && std::strcmp(arguments[at], word) == 0;
     };
+    if ((is(0, "--help") || is(0, "-h")) && arguments.size() == 1)
+        return help();
     if (is(0, "show") && arguments.size() == 2)
         return show(arguments[1]);
     if (is(0, "make") && arguments.size() == 3)
