@@ -1,45 +1,35 @@
 #include "tools/bpr/compile_command.h"
 
 #include "core/common/callback.h"
+#include "core/common/visible_text.h"
 #include "core/diagnostics/reporter.h"
 #include "core/launch/spawner.h"
 #include "core/project/compile_arguments.h"
 #include "core/project/project_file.h"
 #include "tools/bpr/exit_status.h"
 #include "tools/bpr/messages.h"
+#include "tools/bpr/terminal.h"
 #include "tools/bpr/write_result.h"
-
-#include <algorithm>
 
 namespace pellux {
 namespace {
 
-/// Standard output, which knows whether its last line was ended.
-struct Output {
-    bool at_line_start = true;
-
-    void write(std::string_view text) {
-        if (text.empty())
-            return;
-        static_cast<void>(write_handle(standard_output(), std::as_bytes(std::span(text))));
-        at_line_start = text.back() == '\n';
-    }
-};
-
 /// The rows of the project's list, in its order; false when a selected name is not among them.
 bool list_entries(const Project& project, std::string_view file,
                   const std::span<const char* const>* selected, Vector<CompileEntry>& entries) {
-    for (const Owned<VHDL_source>& source : project.sources)
-        entries.push_back({source.get(), false});
-    if (selected == nullptr)
-        return true;
-    for (const char* name : *selected) {
-        bool found = false;
-        for (CompileEntry& entry : entries) {
-            if (entry.source->file_name.view() == name)
-                found = entry.selected = true;
-        }
-        if (!found) {
+    const std::span<const char* const> names =
+        selected == nullptr ? std::span<const char* const>() : *selected;
+    TextMap<bool> is_listed; // by the selected names
+    for (const char* name : names)
+        is_listed.emplace(name, false);
+    for (const Owned<VHDL_source>& source : project.sources) {
+        const auto found = is_listed.find(source->file_name.view());
+        entries.push_back({source.get(), found != is_listed.end()});
+        if (found != is_listed.end())
+            found->second = true;
+    }
+    for (const char* name : names) {
+        if (!is_listed.find(std::string_view(name))->second) {
             tell(msg_no_such_source, String(file).c_str(), name);
             return false;
         }
@@ -57,18 +47,21 @@ bool enter_directory_of(std::string_view file) {
 
 /// Runs the compiler to its end; its status, or -1 when it cannot be started.
 int run_compiler(const Vector<String>& vector) {
-    Output output;
+    Terminal output(standard_output());
     Vector<const char*> words;
+    String line;
     for (const String& word : vector) {
-        output.write(view(word + " "));
+        for (std::string_view rest = view(word); !rest.empty();)
+            rest.remove_prefix(append_visible(line, rest));
+        line += ' ';
         words.push_back(word.c_str());
     }
     words.push_back(nullptr);
-    output.write("\n");
+    output.write(view(line + "\n"));
     Spawner spawner(
         [](void* context, const char* text, int done, int) {
             if (done == 0)
-                from_context<Output>(context).write(text);
+                from_context<Terminal>(context).write(text);
         },
         &output);
     if (!spawner.launch(words.front(), words.data())) {
@@ -76,8 +69,7 @@ int run_compiler(const Vector<String>& vector) {
         return -1;
     }
     const int status = spawner.wait();
-    if (!output.at_line_start)
-        output.write("\n");
+    output.end_line();
     output.write(status == 0 ? msg_successful.text() : msg_unsuccessful.text());
     output.write("\n");
     return status;

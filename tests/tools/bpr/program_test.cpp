@@ -136,9 +136,14 @@ TEST_F(BprProgram, CompilesSelectedFilesOnly) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(count(outcome.text, "Compiling '"), 1U);
     EXPECT_EQ(outcome.text.find(" -m "), std::string::npos);
-    const Outcome unknown = bpr("compile " + project + " --selected none.vhd");
+    const Outcome unknown = bpr("compile counter/brix.bpr --selected counter.vhd '\x1B[1m'");
     EXPECT_EQ(unknown.status, 2);
-    EXPECT_EQ(unknown.text, "Project '" + project + "' has no file 'none.vhd'.\n");
+    EXPECT_EQ(unknown.text, "Project 'counter/brix.bpr' has no file '\\u001b[1m'.\n");
+    directory_.write("a.json", R"({"project":{"sources":[{"file_name":"\u001b[2J\u009b.vhd"}]}})");
+    ASSERT_EQ(bpr("make a.json counter/a.bpr").status, 0);
+    const std::string text = bpr("compile counter/a.bpr").text;
+    EXPECT_EQ(count(text, "\\u001b[2J\\u009b.vhd"), 4U) << text;
+    EXPECT_EQ(text.find_first_of("\x1B\x9B"), std::string::npos);
 }
 
 TEST_F(BprProgram, ARebuildRequestIsCarriedOutOnceAndWrittenBack) {

@@ -89,8 +89,8 @@ TEST_F(ProjectJson, WhatIsLeftOutIsAsInANewProject) {
 
 TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
     const struct {
-        std::string_view text;
-        const char* message;
+        std::string text;
+        std::string message;
     } rows[] = {
         {"", "'p.json': line 1, column 1: this is no JSON document."},
         {"{\n  \"project\": {},\n  oops\n}",
@@ -105,6 +105,9 @@ TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
         {"[]", "'p.json': the document: an object is expected."},
         {R"({"project": 1})", "'p.json': project: an object is expected."},
         {R"({"projekt": {}})", "'p.json': projekt: unknown key."},
+        {"{\"" + std::string(199, 'a') + "\u00F6b\": 1}",
+         "'p.json': " + std::string(199, 'a') + "\u00F6...: unknown key."},
+        {R"({"\u001b\n": 1})", "'p.json': \\u001b\\u000a: unknown key."},
         {R"({"project": {"sources": [{"file_name": "a"}, {"options": {"tabs": 1}}]}})",
          "'p.json': project.sources[1].options.tabs: unknown key."},
         {R"({"project": {"sources": {}}})", "'p.json': project.sources: an array is expected."},

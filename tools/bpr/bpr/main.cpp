@@ -1,3 +1,4 @@
+#include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
@@ -6,6 +7,7 @@
 #include "tools/bpr/exit_status.h"
 #include "tools/bpr/messages.h"
 #include "tools/bpr/project_json.h"
+#include "tools/bpr/terminal.h"
 #include "tools/bpr/write_result.h"
 
 #include <cstring>
@@ -102,6 +104,14 @@ int run(std::span<const char* const> arguments) {
 
 int main(int argc, char** argv) {
     pellux::make_size_limit_an_error();
+    // Whatever a file's texts hold, they do not steer the terminal that shows the message.
+    static pellux::Terminal s_errors(pellux::standard_errors());
+    pellux::reporter().output = [](void* context, std::string_view text) {
+        auto& terminal = pellux::from_context<pellux::Terminal>(context);
+        terminal.write(text);
+        terminal.end_line();
+    };
+    pellux::reporter().output_context = &s_errors;
     pellux::start_diagnostics(pellux::k_program);
     const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
     return pellux::run(arguments.subspan(argc > 0 ? 1 : 0));
