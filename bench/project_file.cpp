@@ -1,6 +1,6 @@
 #include "core/project/project_file.h"
+#include "bench/large_project.h"
 #include "bench/ratio.h"
-#include "core/diagnostics/message.h"
 #include "core/os/safe_write.h"
 
 #include <benchmark/benchmark.h>
@@ -17,24 +17,6 @@ namespace {
 
 using namespace pellux;
 
-constexpr int k_sources = 10000;
-
-/// A project such as a designer has, only larger.
-Owned<Project> large_project() {
-    auto project = make_owned<Project>();
-    project->file_name.assign("large.bpr");
-    for (int i = 0; i < k_sources; ++i) {
-        auto source = make_owned<VHDL_source>();
-        source->file_name.assign(view(format_text("units/block%04d/entity_%05d.vhd", i / 16, i)));
-        source->added_from.assign("\\home\\designer\\projects\\units");
-        source->options.library.assign(i % 3 == 0 ? "work" : "dsp");
-        source->words = {10, 20, 500, 700, 1, 0, 0, 0};
-        project->sources.push_back(std::move(source));
-    }
-    project->top_design = project->sources.back().get();
-    return project;
-}
-
 int g_file = -1;
 
 bool write_plain(void*, std::span<const std::byte> bytes) {
@@ -50,7 +32,7 @@ int main(int argc, char** argv) {
         return 1;
     const std::string ours = std::string(directory) + "/large.bpr";
     const std::string bare = std::string(directory) + "/bare";
-    Owned<Project> project = large_project();
+    Owned<Project> project = large_project(10000);
     if (failed(write_project_as(*project, ours, {}).error))
         return 1;
     std::vector<char> bytes;
