@@ -1,14 +1,13 @@
 #include "core/library/library_index.h"
 
-#include "core/os/files.h"
 #include "tests/core/library/index_contents.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <sqlite3.h>
 
-#include <cerrno>
 #include <map>
 #include <random>
 
@@ -196,12 +195,10 @@ TEST_F(Index, ItsPlaceIsJudged) {
     for (const auto& row : rows)
         EXPECT_EQ(open_index(index, row.directory, row.mode), row.status) << row.directory;
     EXPECT_EQ(replace_index(index, "taken"), IndexStatus::failed);
-    set_file_fault_hook(
-        [](void*, FileOperation, std::string_view, std::size_t&) { return SystemError{EACCES}; },
-        nullptr);
+    const test::FileFaults denied(
+        [](FileOperation, std::string_view) { return SystemError{EACCES}; });
     EXPECT_EQ(read(), IndexStatus::denied);
     EXPECT_EQ(replace_index(index, ""), IndexStatus::denied);
-    set_file_fault_hook(nullptr, nullptr);
     EXPECT_EQ(scratch.read("index"), whole);
 }
 

@@ -1,10 +1,10 @@
 #include "core/os/files.h"
 
+#include "tests/support/file_faults.h"
 #include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <map>
 #include <string>
 
@@ -64,13 +64,10 @@ TEST_F(Files, ListsEveryNameWithItsKind) {
 TEST_F(Files, TemporaryNamesAreNewAndFit) {
     // Another program that had the name first keeps its file.
     int left = 5;
-    set_file_fault_hook(
-        [](void* context, FileOperation operation, std::string_view, std::size_t&) {
-            return operation == FileOperation::open && (*static_cast<int*>(context))-- > 0
-                       ? SystemError{EEXIST}
-                       : SystemError::none;
-        },
-        &left);
+    const test::FileFaults taken([&left](FileOperation operation, std::string_view) {
+        return operation == FileOperation::open && left-- > 0 ? SystemError{EEXIST}
+                                                              : SystemError::none;
+    });
     for (const std::string& name : {std::string("a.vhd"), std::string(255, 'n')}) {
         PathBuffer temporary, other;
         File file;
@@ -80,7 +77,6 @@ TEST_F(Files, TemporaryNamesAreNewAndFit) {
         EXPECT_TRUE(temporary_name(directory.path(name), other));
         EXPECT_NE(other.view(), temporary.view());
     }
-    set_file_fault_hook(nullptr, nullptr);
     EXPECT_LT(left, 0);
 }
 

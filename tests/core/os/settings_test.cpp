@@ -1,12 +1,11 @@
 #include "core/os/settings.h"
 
-#include "core/os/files.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cerrno>
 #include <string>
 
 namespace pellux {
@@ -128,18 +127,13 @@ TEST_F(Settings, ADamagedFileIsMovedAside) {
 }
 
 TEST_F(Settings, AFileThatCannotBeReadOrWrittenStays) {
-    for (FileOperation broken : {FileOperation::open, FileOperation::read, FileOperation::write})
+    for (const FileOperation broken :
+         {FileOperation::open, FileOperation::read, FileOperation::write})
         for (const std::string& old : {std::string("A=1\n"), std::string("A=1\n\0", 5)}) {
             put(old);
-            set_file_fault_hook(
-                [](void* context, FileOperation operation, std::string_view, std::size_t&) {
-                    return operation == *static_cast<FileOperation*>(context) ? SystemError{EIO}
-                                                                              : SystemError::none;
-                },
-                &broken);
+            const test::FileFaults faults(broken, EIO);
             EXPECT_TRUE(broken == FileOperation::write || read("A") == "(none)");
             EXPECT_FALSE(write("B", "2"));
-            set_file_fault_hook(nullptr, nullptr);
             EXPECT_EQ(text(), old);
             EXPECT_EQ(directory_.names("config/Velmora"), std::set<std::string>{"Pellux.conf"});
         }

@@ -1,11 +1,10 @@
 #include "core/project/source_list.h"
 
-#include "core/common/callback.h"
-#include "core/os/files.h"
 #include "core/project/project_file.h"
 #include "core/project/project_state.h"
 #include "core/project/source_clipboard.h"
 #include "core/project/source_history.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/rounds.h"
 #include "tests/support/temporary_directory.h"
 
@@ -356,15 +355,11 @@ TEST(SourceList, ACopyIsWholeOrNotThere) {
     EXPECT_TRUE(is_taken(copy_source_file(from, root.path("dangling"))));
     EXPECT_TRUE(failed(copy_source_file(root.path(), to)));
     int failures = 0;
-    for (int left = 0;; left = ++failures) {
-        const auto fail_one = [](void* context, FileOperation, std::string_view, std::size_t&) {
-            return from_context<int>(context)-- == 0 ? SystemError{5} : SystemError::none;
-        };
-        set_file_fault_hook(fail_one, &left);
+    for (;; ++failures) {
+        const test::NthFileFault fault{failures + 1};
         const SystemError error = copy_source_file(from, to);
-        set_file_fault_hook(nullptr, nullptr);
         const bool is_whole = root.read("b.vhd") == root.read("a.vhd");
-        if (!failed(error) && left >= 0)
+        if (!failed(error) && !fault.happened)
             break;
         // Only when its name could not be made to last is a copy there in spite of an error.
         ASSERT_EQ(root.names().size(), is_whole ? 3U : 2U) << failures;

@@ -1,29 +1,20 @@
 #include "tools/driver/compile/plan.h"
 
-#include "core/os/files.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
-
 namespace pellux {
 namespace {
 
-struct Refused {
-    FileOperation operation;
-    int number; ///< of the system's error
-    ExitStatus status;
-
-    static SystemError answer(void* context, FileOperation asked, std::string_view, std::size_t&) {
-        const auto& self = *static_cast<const Refused*>(context);
-        return asked == self.operation ? static_cast<SystemError>(self.number) : SystemError::none;
-    }
-};
-
 TEST(Libraries, NoRightAndNoRoomDifferFromABadPlace) {
     const Scratch scratch;
-    Refused rows[] = {
+    const struct {
+        FileOperation operation;
+        int number; ///< of the system's error
+        ExitStatus status;
+    } rows[] = {
         {FileOperation::make_directory, 0, ExitStatus::nothing_failed},
         {FileOperation::make_directory, EACCES, ExitStatus::no_room},
         {FileOperation::make_directory, ENAMETOOLONG, ExitStatus::bad_library},
@@ -32,11 +23,13 @@ TEST(Libraries, NoRightAndNoRoomDifferFromABadPlace) {
         {FileOperation::close, EDQUOT, ExitStatus::no_room},
         {FileOperation::stat, EIO, ExitStatus::bad_library},
     };
-    for (Refused& row : rows) {
+    for (const auto& row : rows) {
         std::filesystem::remove_all("alib");
-        set_file_fault_hook(Refused::answer, &row);
-        const Failure failure = prepare_library({"alib", "alib"});
-        set_file_fault_hook(nullptr, nullptr);
+        Failure failure;
+        {
+            const test::FileFaults faults(row.operation, row.number);
+            failure = prepare_library({"alib", "alib"});
+        }
         EXPECT_EQ(failure.status, row.status) << row.number;
         EXPECT_EQ(failure.text.find("alib") != String::npos, row.number != 0);
         EXPECT_TRUE(scratch.names("alib").empty());

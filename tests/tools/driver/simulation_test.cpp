@@ -1,6 +1,6 @@
 #include "core/common/callback.h"
 #include "core/diagnostics/message.h"
-#include "core/os/files.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/scratch.h"
 #include "tools/driver/simulator/sim_output.h"
 #include "tools/driver/simulator/sim_waveform.h"
@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <optional>
 
 namespace pellux {
 namespace {
@@ -68,24 +69,19 @@ TEST(SimulationOutput, OnlyGhdlsOwnWordsAreMessages) {
     EXPECT_TRUE(output.translator.told.empty());
 }
 
-SystemError refuse_one(void* context, FileOperation asked, std::string_view, std::size_t&) {
-    return asked == from_context<FileOperation>(context) ? static_cast<SystemError>(ENOSPC)
-                                                         : SystemError::none;
-}
-
 /// What is left of "w", which held "old", when GHDL ends so with these bytes written.
 std::string finished(const Scratch& scratch, WaveformFormat format, GhdlOutcome outcome,
-                     const std::string& bytes, FileOperation* refused = nullptr) {
+                     const std::string& bytes, std::optional<FileOperation> refused = {}) {
     scratch.write("w", "old");
     Waveform waveform;
     EXPECT_FALSE(begin_waveform(waveform, format, "w"));
     scratch.write(waveform.temporary.view(), bytes);
     bool kept = false;
-    set_file_fault_hook(refused != nullptr ? refuse_one : nullptr, refused);
+    std::optional<test::FileFaults> faults;
+    if (refused)
+        faults.emplace(*refused, ENOSPC);
     const Failure failure = finish_waveform(waveform, outcome, kept);
-    set_file_fault_hook(nullptr, nullptr);
-    EXPECT_EQ(failure.status,
-              refused != nullptr ? ExitStatus::no_room : ExitStatus::nothing_failed);
+    EXPECT_EQ(failure.status, refused ? ExitStatus::no_room : ExitStatus::nothing_failed);
     EXPECT_EQ(scratch.names(), std::set<std::string>{"w"});
     return scratch.read("w");
 }
@@ -107,9 +103,10 @@ TEST(Waveform, IsKeptWholeOrNotAtAll) {
     EXPECT_EQ(finished(scratch, vcd, failed, header + "#0\n1!"), "old");
     EXPECT_EQ(finished(scratch, ghw, failed, tail), tail);
     EXPECT_EQ(finished(scratch, ghw, ended, tail.substr(1) + "x"), "old");
-    for (FileOperation operation : {FileOperation::write, FileOperation::flush, FileOperation::read,
-                                    FileOperation::rename, FileOperation::truncate})
-        EXPECT_EQ(finished(scratch, vcd, succeeded, header, &operation), "old");
+    for (const FileOperation operation :
+         {FileOperation::write, FileOperation::flush, FileOperation::read, FileOperation::rename,
+          FileOperation::truncate})
+        EXPECT_EQ(finished(scratch, vcd, succeeded, header, operation), "old");
 }
 
 } // namespace

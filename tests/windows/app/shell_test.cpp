@@ -1,6 +1,7 @@
 #include "core/common/callback.h"
 #include "core/os/environment.h"
 #include "core/os/settings.h"
+#include "tests/support/file_faults.h"
 #include "tests/windows/app/program.h"
 #include "windows/app/environment.h"
 #include "windows/app/start_picture.h"
@@ -144,17 +145,14 @@ protected:
             make_project_file(directory_.path("three"), name);
         make_project_file(directory_.path("one"), "a.bpr");
         std::filesystem::create_directory(directory_.path("none"));
-        set_file_fault_hook(
-            [](void* self, FileOperation operation, std::string_view path, std::size_t&) {
-                if (operation == FileOperation::rename && path.find("/Velmora/") != path.npos)
-                    ++from_context<End>(self).writings_;
-                return SystemError::none;
-            },
-            this);
     }
-    ~End() override { set_file_fault_hook(nullptr, nullptr); }
 
     int writings_ = 0;
+    test::FileFaults count_{[this](FileOperation operation, std::string_view path) {
+        if (operation == FileOperation::rename && path.find("/Velmora/") != path.npos)
+            ++writings_;
+        return SystemError::none;
+    }};
     bool may_end_ = false;
 };
 

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "core/os/files.h"
+
+#include <cerrno>
+#include <functional>
+#include <string_view>
+#include <utility>
+
+namespace pellux::test {
+
+/// Decides on the file operations of the program as long as it lives. A write that fails has
+/// written three bytes.
+class FileFaults {
+public:
+    using Decide = std::function<SystemError(FileOperation, std::string_view path)>;
+
+    explicit FileFaults(Decide decide) : decide_(std::move(decide)) {
+        set_file_fault_hook(
+            [](void* self, FileOperation operation, std::string_view path, std::size_t& partial) {
+                partial = 3;
+                return static_cast<FileFaults*>(self)->decide_(operation, path);
+            },
+            this);
+    }
+    /// Every operation of one kind fails with this number of the system.
+    FileFaults(FileOperation failing, int number)
+        : FileFaults([=](FileOperation operation, std::string_view) {
+              return operation == failing ? SystemError{number} : SystemError::none;
+          }) {}
+    ~FileFaults() { set_file_fault_hook(nullptr, nullptr); }
+    FileFaults(const FileFaults&) = delete;
+    FileFaults& operator=(const FileFaults&) = delete;
+
+private:
+    Decide decide_;
+};
+
+/// Only the n-th operation fails, counted from 1.
+struct NthFileFault {
+    int countdown;
+    int number = ENOSPC;
+    bool happened = false;
+    FileOperation operation = FileOperation::open; ///< that failed
+    FileFaults faults{[this](FileOperation asked, std::string_view) {
+        if (--countdown != 0)
+            return SystemError::none;
+        happened = true;
+        operation = asked;
+        return SystemError{number};
+    }};
+};
+
+} // namespace pellux::test
