@@ -31,10 +31,10 @@ struct SafeWriter {
     Method method = Method::none;
     SystemError error = SystemError::none; ///< the first failure; what follows it does nothing
     SystemError directory_error = SystemError::none; ///< the new bytes stand all the same
-    bool attributes_lost = false;          ///< owner, mode or attributes could not be kept
-    PathBuffer target;                     ///< the file itself, all links followed, absolute
-    PathBuffer temporary;                  ///< of method `rename`
-    PathBuffer copy_path;                  ///< of method `in_place`
+    bool attributes_lost = false; ///< owner, mode or attributes could not be kept
+    PathBuffer target;            ///< the file itself, all links followed, absolute
+    PathBuffer temporary;         ///< of method `rename`
+    PathBuffer copy_path;         ///< of method `in_place`
     File file;
 
     // The writer's own.

@@ -89,8 +89,9 @@ int compile_project_file(std::string_view file, const std::span<const char* cons
         return k_status_unusable;
     if (rebuild != project->options.has(OptionFlag::rebuild)) {
         const std::string_view name = file_name_part(file);
+        // The next compile will do it all again, which is no reason not to compile now.
         if (!tell_write_result(write_project_as(*project, name, {}), name))
-            return k_status_unusable;
+            warning(-1, msg_rebuild_stays, String(name).c_str());
     }
     const int status = run_compiler(vector);
     return status < 0 ? k_status_unusable : status;

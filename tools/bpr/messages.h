@@ -21,6 +21,7 @@ inline Message<const char*> msg_cannot_enter{"E1858", "Can't change into directo
 inline Message<const char*> msg_bpr_cannot_run{"E1859", "Can't run '%s'."};
 inline Message<> msg_successful{"E1860", "Compilation successful."};
 inline Message<> msg_unsuccessful{"E1861", "Compilation failed."};
+inline Message<const char*> msg_rebuild_stays{"E1888", "'%s' keeps its request to rebuild."};
 
 inline Message<> msg_expect_object{"E1862", "an object is expected"};
 inline Message<> msg_expect_array{"E1863", "an array is expected"};

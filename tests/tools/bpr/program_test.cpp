@@ -1,5 +1,6 @@
 // The program as its users run it: real project files, the real compiler driver, real GHDL.
 
+#include "core/os/files.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"
 
@@ -154,6 +155,21 @@ TEST_F(BprProgram, ARebuildRequestIsCarriedOutOnceAndWrittenBack) {
     json.replace(flags, 17, "\"flags\": 34197507");
     directory_.write("rebuild.json", json);
     ASSERT_EQ(bpr("make rebuild.json " + project).status, 0);
+    directory_.write("counter/counter.bde", "x");
+    {
+        // A second name and a lock: the file can't be written.
+        fs::create_hard_link(project, directory_.path("second"));
+        File file;
+        ASSERT_FALSE(failed(open_file(file, project, OpenMode::update)));
+        ASSERT_FALSE(failed(lock_file(file, FileLock::exclusive)));
+        const Outcome unwritten = bpr("compile " + project);
+        EXPECT_EQ(unwritten.status, 0);
+        EXPECT_TRUE(unwritten.text.starts_with("Can't write 'brix.bpr': "));
+        EXPECT_NE(unwritten.text.find("Warning: 'brix.bpr' keeps its request to rebuild.\n"),
+                  std::string::npos)
+            << unwritten.text;
+        EXPECT_EQ(count(unwritten.text, "Compiling '"), 3U);
+    }
     directory_.write("counter/counter.bde", "x");
     EXPECT_EQ(bpr("compile " + project).text.find(" -m "), std::string::npos);
     EXPECT_NE(directory_.read("counter/counter.bde"), "x");
