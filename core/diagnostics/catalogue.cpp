@@ -2,29 +2,22 @@
 
 #include "core/common/callback.h"
 #include "core/common/containers.h"
-#include "core/common/hash_table.h"
 #include "core/diagnostics/messages.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
 
-#include <cassert>
-#include <cstdlib>
 #include <cstring>
 
 namespace pellux {
 namespace {
 
-constexpr std::uint32_t k_registry_buckets = 371;
 constexpr std::size_t k_line_max = 99; ///< characters of a line behind its id
 constexpr std::size_t k_id_max = 64;   ///< no bound id is as long
 constexpr std::uint16_t k_owned = 4;   ///< flag: `text` is a copy made by the catalogue
 
-struct Catalogue {
-    HashTable registry; ///< id to handle, made when the first handle is bound
-    File file;          ///< open for the deferred texts
-};
-constinit Catalogue g_catalogue;
+/// Open for the deferred texts.
+constinit File g_file;
 
 /// Bytes of a file one by one, with their offsets.
 struct ByteReader {
@@ -84,16 +77,6 @@ void forget_text(MessageHandle& handle) {
     handle.text = nullptr;
 }
 
-const char* id_of(const MessageHandle& wanted) {
-    HashIterator at{&g_catalogue.registry};
-    const char* id = nullptr;
-    void* value = nullptr;
-    while (next(at, id, value) != 0)
-        if (value == &wanted)
-            return id;
-    return "";
-}
-
 /// Takes `text` up to its CR or NUL as the handle's; leaves the handle without one when its
 /// conversions are not those of `default_text`.
 void take_text(MessageHandle& handle, std::string_view text, const char* default_text) {
@@ -105,7 +88,7 @@ void take_text(MessageHandle& handle, std::string_view text, const char* default
         // that warnings are made of.
         forget_text(handle);
         handle.text = default_text;
-        warning(-1, msg_other_conversions, id_of(handle));
+        warning(-1, msg_other_conversions, handle.id);
         return;
     }
     const TrackingSuspended for_life;
@@ -125,7 +108,7 @@ void load_deferred(MessageHandle& handle, const char* default_text) {
     handle.text = nullptr;
     std::byte bytes[k_line_max];
     std::size_t got = 0;
-    if (failed(read_at(g_catalogue.file, offset, bytes, got)) || got == 0)
+    if (failed(read_at(g_file, offset, bytes, got)) || got == 0)
         return;
     std::string_view line(reinterpret_cast<const char*>(bytes), got);
     take_text(handle, line.substr(0, line.find('\n')), default_text);
@@ -186,39 +169,18 @@ void load_all_deferred() {
 
 } // namespace
 
-void bindMessage(MessageHandle& handle, const char* id) {
-    const TrackingSuspended for_life;
-    if (g_catalogue.registry.buckets == nullptr)
-        g_catalogue.registry = create(k_registry_buckets, 1);
-    handle.text = nullptr;
-    handle.flags = 0;
-    const char* digit = id;
-    while (*digit != '\0' && (*digit < '0' || *digit > '9'))
-        ++digit;
-    handle.number = *digit == '\0' ? std::int16_t{-1} : static_cast<std::int16_t>(std::atoi(digit));
-    [[maybe_unused]] const void* other = insert(g_catalogue.registry, id, &handle);
-    assert(other == nullptr && "two messages of one id");
-}
-
-MessageHandle& messageText(MessageHandle& handle, const char* default_text) {
-    if ((handle.flags & MessageHandle::k_deferred) != 0)
-        load_deferred(handle, default_text);
-    if (handle.text == nullptr)
-        handle.text = default_text;
-    return handle;
-}
-
 int Read_text_msgs(const char* file_name) {
     PathBuffer path;
     if (!find_along_path(file_name, path))
         return 0;
     load_all_deferred();
+    set_text_loader(load_deferred);
     // Open for the deferred texts before the first line is taken: the warning of a faulty one is
     // made of them.
-    const SystemError error = open_file(g_catalogue.file, path.view(), OpenMode::read);
+    const SystemError error = open_file(g_file, path.view(), OpenMode::read);
     if (failed(error))
         return is_missing(error) ? 0 : 1;
-    ByteReader reader(g_catalogue.file);
+    ByteReader reader(g_file);
     CatalogueLine line;
     while (read_line(reader, line))
         take_line(line);
@@ -247,20 +209,6 @@ void Check_text_msgs() {
         nullptr);
 }
 
-void for_each_message(MessageVisitor visit, void* context) {
-    HashIterator at{&g_catalogue.registry};
-    const char* id = nullptr;
-    void* value = nullptr;
-    while (next(at, id, value) != 0)
-        visit(context, id, from_context<MessageHandle>(value));
-}
-
-MessageHandle* find_message(const char* id) {
-    if (g_catalogue.registry.buckets == nullptr)
-        return nullptr;
-    return static_cast<MessageHandle*>(find(g_catalogue.registry, id));
-}
-
 void reset_text_msgs() {
     for_each_message(
         [](void*, const char*, MessageHandle& handle) {
@@ -268,7 +216,13 @@ void reset_text_msgs() {
             handle.flags = 0;
         },
         nullptr);
-    g_catalogue.file = {};
+    g_file = {};
+}
+
+void start_diagnostics(const char* program_name) {
+    reporter().program_name = program_name;
+    read_installed_text_msgs();
+    report_allocator_faults();
 }
 
 } // namespace pellux

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "core/diagnostics/catalogue.h"
+#include "core/diagnostics/message_registry.h"
 #include "core/diagnostics/printf_format.h"
 
+#include <cstdarg>
+#include <string_view>
 #include <type_traits>
 
 namespace pellux {
@@ -25,6 +27,21 @@ public:
 
 private:
     MessageHandle handle_;
+};
+
+/// A text that grows in place first, so that a fault of the allocator can be told without it.
+class MessageBuffer {
+public:
+    void add(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    void add_list(const char* format, va_list arguments);
+    [[nodiscard]] std::string_view text() const {
+        return large_.empty() ? std::string_view(small_, small_length_) : view(large_);
+    }
+
+private:
+    char small_[1000];
+    std::size_t small_length_ = 0;
+    String large_; ///< holds everything as soon as it is not empty
 };
 
 /// printf into a text of its own.

@@ -15,48 +15,7 @@ namespace {
 
 constinit Reporter g_reporter;
 
-/// A text that grows in place first, so that a fault of the allocator can be told without it.
-class MessageBuffer {
-public:
-    void add(const char* format, ...) __attribute__((format(printf, 2, 3))) {
-        va_list arguments;
-        va_start(arguments, format);
-        add_list(format, arguments);
-        va_end(arguments);
-    }
-
-    void add_list(const char* format, va_list arguments) {
-        va_list again;
-        va_copy(again, arguments);
-        const std::size_t room = sizeof small_ - small_length_;
-        const int wanted = std::vsnprintf(large_.empty() ? small_ + small_length_ : nullptr,
-                                          large_.empty() ? room : 0, format, arguments);
-        if (wanted > 0) {
-            const auto length = static_cast<std::size_t>(wanted);
-            if (large_.empty() && length < room) {
-                small_length_ += length;
-            } else {
-                if (large_.empty())
-                    large_.assign(small_, small_length_);
-                const std::size_t before = large_.size();
-                large_.resize(before + length);
-                std::vsnprintf(large_.data() + before, length + 1, format, again);
-            }
-        }
-        va_end(again);
-    }
-
-    [[nodiscard]] std::string_view text() const {
-        return large_.empty() ? std::string_view(small_, small_length_) : view(large_);
-    }
-
-private:
-    char small_[1000];
-    std::size_t small_length_ = 0;
-    String large_; ///< holds everything as soon as it is not empty
-};
-
-/// Runs without memory: the texts it shows were loaded by `start_diagnostics`.
+/// Runs without memory: the texts it shows were loaded by `report_allocator_faults`.
 [[noreturn]] void out_of_memory() {
     static bool s_reporting = false;
     if (std::exchange(s_reporting, true))
@@ -139,23 +98,12 @@ void count(const Report& what) {
 
 } // namespace
 
-String format_text(const char* format, ...) {
-    MessageBuffer buffer;
-    va_list arguments;
-    va_start(arguments, format);
-    buffer.add_list(format, arguments);
-    va_end(arguments);
-    return String(buffer.text());
-}
-
 Reporter& reporter() {
     return g_reporter;
 }
 
-void start_diagnostics(const char* program_name) {
-    g_reporter.program_name = program_name;
+void report_allocator_faults() {
     setAllocatorFaultHandler(on_allocator_fault);
-    read_installed_text_msgs();
     static_cast<void>(msg_abort_in_source.text());
     static_cast<void>(msg_abort.text());
     static_cast<void>(msg_out_of_memory.text());

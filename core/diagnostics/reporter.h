@@ -37,9 +37,8 @@ struct Reporter {
 };
 [[nodiscard]] Reporter& reporter();
 
-/// Routes the allocator's faults to the reporter and reads the installed catalogue.
-/// `program_name` (null: none) is kept, not copied.
-void start_diagnostics(const char* program_name);
+/// Routes the allocator's faults to the reporter, and loads the texts that telling them takes.
+void report_allocator_faults();
 
 /// The name of a file's report: its base name with the extension "rpt".
 [[nodiscard]] String report_file_name(std::string_view file_name);

@@ -3,6 +3,7 @@
 
 #include "all_messages.h"
 #include "core/common/callback.h"
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/os/process.h"

@@ -1,5 +1,6 @@
 #include "windows/app/box_diagnostics.h"
 
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "windows/app/messages.h"
 #include "windows/toolkit/message_box.h"

@@ -1,5 +1,6 @@
 #include "core/devices/device_catalogue.h"
 
+#include "core/diagnostics/catalogue.h"
 #include "tests/support/captured_reports.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"

@@ -1,6 +1,7 @@
 #include "core/diagnostics/reporter.h"
 
 #include "core/common/callback.h"
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/messages.h"
 #include "tests/support/captured_reports.h"
 #include "tests/support/scoped_directory.h"

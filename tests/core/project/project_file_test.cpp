@@ -1,6 +1,7 @@
 #include "core/project/project_file.h"
 
 #include "core/common/callback.h"
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "tests/support/captured_reports.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"

@@ -1,5 +1,6 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/os/process.h"

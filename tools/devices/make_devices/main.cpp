@@ -1,4 +1,5 @@
 #include "core/common/text_file.h"
+#include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/safe_write.h"
 #include "core/project/messages.h"
