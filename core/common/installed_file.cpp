@@ -6,7 +6,7 @@
 namespace pellux {
 
 bool find_installed_file(std::string_view name, PathBuffer& path) {
-    if (const char* install = environment_variable("VELMORA_DIR"))
+    if (const char* install = installation_directory())
         return path.assign(install) && path.join("bin") && path.join(name);
     if (path.assign(name) && file_exists(path.view()))
         return true;

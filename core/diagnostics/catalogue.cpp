@@ -188,7 +188,7 @@ int Read_text_msgs(const char* file_name) {
 }
 
 int read_installed_text_msgs() {
-    const char* variable = environment_variable("VELMORA_DIR");
+    const char* variable = installation_directory();
     std::string_view list = variable == nullptr ? "" : variable;
     std::string_view directory;
     while (next_list_entry(list, directory, ';')) {

@@ -68,8 +68,8 @@ bool resolve_place(std::string_view path, PathBuffer& place) {
 } // namespace
 
 bool find_install_library_root(PathBuffer& root) {
-    const char* install = environment_variable("VELMORA_DIR");
-    if (install != nullptr && *install != '\0' && root.assign(install) && root.join("lib") &&
+    const char* install = installation_directory();
+    if (install != nullptr && root.assign(install) && root.join("lib") &&
         file_exists(root.view()))
         return true;
     PathBuffer directory;

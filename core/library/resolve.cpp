@@ -44,8 +44,8 @@ bool is_plain_name(std::string_view name) {
 }
 
 bool find_installed(std::string_view name, PathBuffer& path) {
-    const char* install = environment_variable("VELMORA_DIR");
-    if (install == nullptr || *install == '\0' || !path.assign(install) || !path.join("lib"))
+    const char* install = installation_directory();
+    if (install == nullptr || !path.assign(install) || !path.join("lib"))
         return false;
     const String found = name_in(path.view(), name);
     return !found.empty() && path.join(view(found)) && path.join("work") &&

@@ -9,7 +9,6 @@ namespace pellux {
 namespace {
 
 constexpr std::string_view k_relative_mark = "$$REL$$";
-constexpr const char* k_variable = "VELMORA_DIR";
 
 constexpr ClassRecord k_poly_head{"Poly_head", 1,
                                   +[] { return Owned<Object>(make_owned<Poly_head>()); }};
@@ -20,9 +19,9 @@ constexpr ClassRecord k_class_stamp{"Class_stamp", 3,
 constexpr ClassRecord k_version_stamp{"Version_stamp", 4,
                                       +[] { return Owned<Object>(make_owned<Version_stamp>()); }};
 
-/// The installation's directory with a separator at its end; empty when the variable is unset.
-String installation_directory() {
-    const char* value = environment_variable(k_variable);
+/// The installation's directory with a separator at its end; empty where there is none.
+String installation_prefix() {
+    const char* value = installation_directory();
     String directory(value == nullptr ? "" : value);
     if (!directory.empty() && !is_separator(directory.back()))
         directory += '/';
@@ -67,7 +66,7 @@ void Poly_head::print(TextSink stream) const {
     stream.write(stream.context, view(text));
 }
 
-Path_record::Path_record() : variable(k_variable) {}
+Path_record::Path_record() : variable(k_installation_variable) {}
 
 const ClassRecord& Path_record::class_record() const {
     return k_path_record;
@@ -115,7 +114,7 @@ StreamPathRecord& stream_path_record() {
 }
 
 String stored_path(std::string_view path) {
-    const String directory = installation_directory();
+    const String directory = installation_prefix();
     if (directory.empty() || !path.starts_with(view(directory)))
         return String(path);
     return String(k_relative_mark) + String(path.substr(directory.size()));
@@ -124,7 +123,7 @@ String stored_path(std::string_view path) {
 String loaded_path(std::string_view stored) {
     if (!stored.starts_with(k_relative_mark))
         return String(stored);
-    return installation_directory() + String(stored.substr(k_relative_mark.size()));
+    return installation_prefix() + String(stored.substr(k_relative_mark.size()));
 }
 
 void register_stream_classes() {

@@ -13,6 +13,14 @@ namespace pellux {
 /// Null `value` removes the variable.
 void set_environment_variable(const char* name, const char* value);
 
+inline constexpr const char* k_installation_variable = "VELMORA_DIR";
+/// The directory that Pellux is installed in, for the message catalogue a list of some, cut at ';';
+/// null where `VELMORA_DIR` is unset or empty. Borrowed as any other variable.
+[[nodiscard]] inline const char* installation_directory() {
+    const char* value = environment_variable(k_installation_variable);
+    return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
 /// The next piece of a list such as `PATH` (cut at the platform's separator) or, given `cut`, of
 /// one cut there; takes it off `list`. Empty pieces are skipped. False at the end.
 [[nodiscard]] bool next_list_entry(std::string_view& list, std::string_view& entry, char cut = 0);

@@ -6,15 +6,10 @@
 namespace pellux {
 namespace {
 
-std::string_view value_or_nothing(const char* name) {
-    const char* value = environment_variable(name);
-    return value == nullptr ? "" : value;
-}
-
 /// Puts `place` in front of what the variable holds.
 void put_in_front(const char* name, String place) {
-    const std::string_view old = value_or_nothing(name);
-    if (!old.empty()) {
+    const char* old = environment_variable(name);
+    if (old != nullptr && *old != '\0') {
         place += ';';
         place += old;
     }
@@ -24,9 +19,8 @@ void put_in_front(const char* name, String place) {
 } // namespace
 
 void install_search_paths() {
-    String bin(value_or_nothing("VELMORA_DIR"));
-    if (bin.empty())
-        bin = ".";
+    const char* install = installation_directory();
+    String bin(install == nullptr ? "." : install);
     bin += "/bin";
     put_in_front("XVTPATH", bin);
     put_in_front("UIDPATH", bin + "/%N.uid");

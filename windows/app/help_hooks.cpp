@@ -113,7 +113,7 @@ void close_help() {
 
 void show_help_contents() {
     PathBuffer path;
-    if (const char* install = environment_variable("VELMORA_DIR"))
+    if (const char* install = installation_directory())
         static_cast<void>(path.assign(install) && path.join("bin"));
     static_cast<void>(path.join("pellux.hlp"));
     if (!xvt_help_show_contents(path.view()))

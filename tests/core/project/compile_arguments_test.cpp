@@ -141,6 +141,11 @@ TEST_F(FindCompiler, TheInstallationWinsElseTheCurrentDirectoryElseThePath) {
     EXPECT_EQ(found(), "one/BRIX.EXE");
     touch("BRIX.EXE");
     EXPECT_EQ(found(), "BRIX.EXE");
+    // A stranger's project may bring "bin" and "lib" with it.
+    EXPECT_FALSE(failed(make_directory("bin")));
+    touch("bin/BRIX.EXE");
+    set_environment_variable("VELMORA_DIR", "");
+    EXPECT_EQ(found(), "BRIX.EXE");
     set_environment_variable("VELMORA_DIR", "tree");
     EXPECT_EQ(found(), "none");
     touch("tree/bin/BRIX.EXE");

@@ -60,7 +60,7 @@ bool read_icon(const char* name, QByteArray& bytes) {
     PathBuffer program;
     if (program_directory(program) && read_icon(directory_part(program.view()), name, bytes))
         return true;
-    const char* tree = environment_variable("VELMORA_DIR");
+    const char* tree = installation_directory();
     return tree != nullptr && read_icon(tree, name, bytes);
 }
 
