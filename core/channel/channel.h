@@ -36,6 +36,12 @@ struct ChannelServerEvents {
 
 struct ChannelServer;
 
+/// Replies of one result that a child is still to get.
+struct OwedReplies {
+    std::uint16_t result = 0;
+    std::uint64_t count = 0;
+};
+
 /// One connection of a server; the channel's own.
 struct ChannelConnection {
     std::uint64_t number = 0; ///< 0: free
@@ -45,20 +51,21 @@ struct ChannelConnection {
     DescriptorWatch watch;
     bool accepted = false; ///< its topic
     bool busy = false;     ///< its frames are being handed over
-    bool deaf = false;     ///< the child reads no more; what it sent is still read
+    bool deaf = false;     ///< the child gets no more; what it sends is still read
     std::size_t topic_length = 0;
     std::array<char, k_channel_topic_max> topic;
     FrameReader reader;
-    std::size_t waiting = 0;  ///< bytes of `output` not yet taken by the system
-    std::size_t reserved = 0; ///< bytes of `output` kept for replies to the piece in hand
-    /// Room for the replies to one piece, each to a frame that is at least as long, and for some
-    /// messages.
-    std::array<std::byte, k_channel_piece + 512> output;
+    std::size_t waiting = 0; ///< bytes of `output` not yet taken by the system
+    std::array<std::byte, 4096> output;
+    /// Replies behind those in `output`, as counts: a child that takes none is read all the same.
+    /// One whose results change more often than there is room for becomes deaf.
+    std::array<OwedReplies, 32> owed;
+    std::size_t owed_runs = 0; ///< of `owed`
 };
 
 /// The environment's end of one address: listens, answers, and hands each poke over.
 ///
-/// About 150 KB, to be kept at one address while it is open. GUI thread only. No event comes for
+/// About 70 KB, to be kept at one address while it is open. GUI thread only. No event comes for
 /// what `close_channel_server` ends.
 struct ChannelServer {
     ChannelServerEvents events; ///< set before it is opened

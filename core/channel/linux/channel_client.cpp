@@ -130,7 +130,6 @@ bool send_buffered(ChannelClient& client, std::int64_t deadline) {
         } else if (errno == EAGAIN) {
             if (!wait_for_socket(client, true, deadline))
                 return false;
-            // The environment reads nothing as long as its replies wait.
             receive(client);
         } else if (errno != EINTR) {
             // What it sent before it went may still be there.

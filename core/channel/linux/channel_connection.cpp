@@ -11,7 +11,7 @@
 namespace pellux {
 namespace {
 
-constexpr std::size_t k_message_room = 256; ///< of a connection's output, beside replies
+constexpr std::size_t k_message_room = 256; ///< of a connection's output, which replies leave
 
 struct Connections {
     std::uint64_t last_number = 0;
@@ -30,29 +30,50 @@ void end_and_tell(ChannelConnection& connection) {
         events.closed(events.context, number);
 }
 
-/// While replies wait nothing is read: a child that reads none is slowed down, not served.
 void update_interest(ChannelConnection& connection) {
     const bool writes = connection.waiting != 0;
     DescriptorWatch& watch = connection.watch;
-    if (watch.wants_write == writes && watch.wants_read == !writes)
+    if (watch.wants_write == writes && watch.wants_read)
         return;
     watch.wants_write = writes;
-    watch.wants_read = !writes;
+    watch.wants_read = true;
     watch_descriptor(watch);
 }
 
-std::size_t free_output(const ChannelConnection& connection) {
-    return connection.output.size() - connection.waiting;
+std::span<std::byte> free_output(ChannelConnection& connection) {
+    return std::span(connection.output).subspan(connection.waiting);
 }
 
 void queue_reply(ChannelConnection& connection, std::uint16_t result) {
     if (connection.deaf)
         return;
-    const std::size_t size =
-        build_reply(std::span(connection.output).subspan(connection.waiting), result);
-    assert(size != 0);
-    connection.waiting += size;
-    connection.reserved -= size;
+    if (connection.owed_runs == 0 || connection.owed[connection.owed_runs - 1].result != result) {
+        if (connection.owed_runs == connection.owed.size()) {
+            connection.deaf = true;
+            return;
+        }
+        connection.owed[connection.owed_runs++] = {result, 0};
+    }
+    ++connection.owed[connection.owed_runs - 1].count;
+}
+
+/// Moves owed replies into the output, as far as there is room.
+void write_owed(ChannelConnection& connection) {
+    std::size_t done = 0;
+    for (; done < connection.owed_runs; ++done) {
+        OwedReplies& replies = connection.owed[done];
+        while (replies.count != 0 &&
+               free_output(connection).size() >= k_message_room + k_reply_frame_size) {
+            connection.waiting += build_reply(free_output(connection), replies.result);
+            --replies.count;
+        }
+        if (replies.count != 0)
+            break;
+    }
+    const auto begin = connection.owed.begin();
+    std::copy(begin + static_cast<std::ptrdiff_t>(done),
+              begin + static_cast<std::ptrdiff_t>(connection.owed_runs), begin);
+    connection.owed_runs -= done;
 }
 
 bool may_connect(const ChannelServerEvents& events, std::uint64_t number, std::string_view topic) {
@@ -154,7 +175,7 @@ void begin_connection(ChannelConnection& connection, ChannelServer& server, Owne
     connection.server = &server;
     connection.handle = std::move(handle);
     connection.accepted = connection.busy = connection.deaf = false;
-    connection.topic_length = connection.waiting = connection.reserved = 0;
+    connection.topic_length = connection.waiting = connection.owed_runs = 0;
     connection.reader.position = 0;
     connection.watch = {};
     connection.watch.handle = connection.handle.get();
@@ -175,24 +196,25 @@ std::uint64_t last_connection_number() {
 }
 
 void flush_output(ChannelConnection& connection) {
-    std::size_t sent = 0;
-    while (sent < connection.waiting) {
-        const ssize_t count =
-            ::send(descriptor(connection.handle.get()), connection.output.data() + sent,
-                   connection.waiting - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (count >= 0) {
-            sent += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN) {
-            break;
-        } else if (errno != EINTR) {
+    for (;;) {
+        write_owed(connection);
+        if (connection.waiting == 0)
+            return;
+        const ssize_t count = repeat_interrupted([&] {
+            return ::send(descriptor(connection.handle.get()), connection.output.data(),
+                          connection.waiting, MSG_NOSIGNAL | MSG_DONTWAIT);
+        });
+        if (count < 0 && errno == EAGAIN)
+            return;
+        if (count < 0) {
             connection.deaf = true;
-            sent = connection.waiting;
+            connection.waiting = connection.owed_runs = 0;
+            return;
         }
+        const auto begin = connection.output.begin();
+        std::copy(begin + count, begin + static_cast<std::ptrdiff_t>(connection.waiting), begin);
+        connection.waiting -= static_cast<std::size_t>(count);
     }
-    const auto begin = connection.output.begin();
-    std::copy(begin + static_cast<std::ptrdiff_t>(sent),
-              begin + static_cast<std::ptrdiff_t>(connection.waiting), begin);
-    connection.waiting -= sent;
 }
 
 bool serve_connection(ChannelConnection& connection, const ServerCall& call, std::size_t limit) {
@@ -201,13 +223,7 @@ bool serve_connection(ChannelConnection& connection, const ServerCall& call, std
     connection.busy = true;
     std::array<std::byte, k_channel_piece> buffer;
     while (limit != 0) {
-        if (free_output(connection) < k_channel_piece / 2)
-            flush_output(connection);
-        if (free_output(connection) < k_channel_piece / 2)
-            break;
-        const std::size_t room = free_output(connection) - k_message_room - k_reply_frame_size;
-        std::span<std::byte> piece =
-            std::span(buffer).first(std::min({limit, room, k_channel_piece}));
+        std::span<std::byte> piece = std::span(buffer).first(std::min(limit, k_channel_piece));
         const Arrival arrival = receive(connection, piece);
         if (arrival == Arrival::nothing_yet)
             break;
@@ -216,10 +232,8 @@ bool serve_connection(ChannelConnection& connection, const ServerCall& call, std
             return false;
         }
         limit -= piece.size();
-        connection.reserved = piece.size() + k_reply_frame_size;
         if (!hand_over(connection, call, piece))
             return false;
-        connection.reserved = 0;
     }
     flush_output(connection);
     connection.busy = false;
@@ -246,10 +260,12 @@ void on_connection_ready(void* context, bool readable, bool writable) {
 }
 
 bool send_message(ChannelConnection& connection, std::uint32_t message, std::uint64_t parameter) {
-    if (connection.deaf || free_output(connection) < connection.reserved + k_message_frame_size)
+    // Ahead of replies that are owed: a child that reads may need it more.
+    const std::size_t size =
+        connection.deaf ? 0 : build_message(free_output(connection), message, parameter);
+    if (size == 0)
         return false;
-    connection.waiting +=
-        build_message(std::span(connection.output).subspan(connection.waiting), message, parameter);
+    connection.waiting += size;
     flush_output(connection);
     if (!connection.busy)
         update_interest(connection);

@@ -170,9 +170,6 @@ void drain_channel_server(ChannelServer& server) {
     for (ChannelConnection& connection : server.connections) {
         if (connection.number == 0 || connection.busy)
             continue;
-        flush_output(connection);
-        if (connection.waiting != 0)
-            continue;
         serve_connection(connection, call, k_drain_max);
         if (call.gone)
             return;
@@ -192,17 +189,19 @@ bool wait_for_connection(ChannelServer& server, std::int64_t timeout_ms) {
         for (std::size_t i = 0; i < k_channel_connections_max; ++i) {
             const ChannelConnection& connection = server.connections[i];
             const bool open = connection.number != 0 && !connection.busy;
-            wanted[i + 1] = {open ? descriptor(connection.handle.get()) : -1,
-                             static_cast<short>(connection.waiting != 0 ? POLLOUT : POLLIN), 0};
+            wanted[i + 1] = {
+                open ? descriptor(connection.handle.get()) : -1,
+                static_cast<short>(connection.waiting != 0 ? POLLIN | POLLOUT : POLLIN), 0};
         }
         const int ready = ::poll(wanted.data(), wanted.size(), static_cast<int>(left));
         if (ready < 0 && errno != EINTR)
             return false;
         for (std::size_t i = 0; ready > 0 && i < k_channel_connections_max; ++i) {
             ChannelConnection& connection = server.connections[i];
-            if (wanted[i + 1].revents == 0 || connection.number == 0 || connection.busy)
+            const int revents = wanted[i + 1].revents;
+            if (revents == 0 || connection.number == 0 || connection.busy)
                 continue;
-            on_connection_ready(&connection, connection.waiting == 0, connection.waiting != 0);
+            on_connection_ready(&connection, (revents & ~POLLOUT) != 0, (revents & POLLOUT) != 0);
             if (call.gone)
                 return false;
         }
