@@ -27,13 +27,13 @@ bool append_number(PathBuffer& path, std::uint64_t number) {
 bool run_time_place(ChannelAddress address, PathBuffer& path) {
     const char* directory = environment_variable("XDG_RUNTIME_DIR");
     return directory != nullptr && is_absolute(directory) && path.assign(directory) &&
-           path.join("pellux") && path.join("DDE_brixmsg_") && append_number(path, address) &&
+           path.join("pellux") && path.join(k_socket_name) && append_number(path, address) &&
            path.view().size() < k_place_capacity;
 }
 
 bool temporary_place(ChannelAddress address, PathBuffer& path) {
     return path.assign("/tmp/pellux-") && append_number(path, current_user()) &&
-           path.join("DDE_brixmsg_") && append_number(path, address);
+           path.join(k_socket_name) && append_number(path, address);
 }
 
 } // namespace

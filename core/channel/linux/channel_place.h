@@ -6,11 +6,13 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 #include <sys/un.h>
 
 namespace pellux {
 
+inline constexpr std::string_view k_socket_name = "DDE_brixmsg_"; ///< before an address
 inline constexpr std::size_t k_place_capacity = sizeof(sockaddr_un::sun_path);
 
 /// The path of the socket of one address, NUL-terminated.

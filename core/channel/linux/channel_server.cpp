@@ -3,6 +3,7 @@
 #include "core/channel/linux/channel_connection.h"
 #include "core/channel/linux/channel_place.h"
 #include "core/os/clock.h"
+#include "core/os/files.h"
 #include "core/os/linux/system_call.h"
 #include "core/os/process.h"
 
@@ -70,6 +71,25 @@ bool is_stale(const ChannelPlace& place) {
            (errno == ECONNREFUSED || errno == ENOENT);
 }
 
+/// Removes an entry of the directory of `context`, a place, when it is the socket of a program that
+/// has ended and nobody answers there.
+bool sweep_entry(void* context, std::string_view name, FileKind kind) {
+    ChannelPlace place = *static_cast<const ChannelPlace*>(context);
+    const std::string_view directory = directory_part(place.data());
+    ChannelAddress address = 0;
+    PathBuffer path;
+    if (kind == FileKind::other && name.starts_with(k_socket_name) &&
+        leading_number(name.substr(k_socket_name.size()), address) &&
+        !process_exists(static_cast<std::int64_t>(address / k_counter_end)) &&
+        path.assign(directory) && path.join(name) && path.view().size() < place.size()) {
+        place = {};
+        std::copy(path.view().begin(), path.view().end(), place.begin());
+        if (is_stale(place))
+            ::unlink(place.data());
+    }
+    return true;
+}
+
 /// Listens at `place`; taken (see `is_taken`) when somebody else does.
 SystemError listen_at(const ChannelPlace& place, OwnedHandle& listener) {
     listener = make_socket(SOCK_NONBLOCK);
@@ -120,6 +140,9 @@ SystemError open_channel_server(ChannelServer& server) {
             continue;
         server.place = channel_place(address);
         error = check_channel_directory(server.place, true);
+        if (!failed(error) && tries == 0)
+            static_cast<void>(
+                list_directory(directory_part(server.place.data()), sweep_entry, &server.place));
         if (!failed(error))
             error = listen_at(server.place, server.listener);
         if (is_taken(error))

@@ -349,7 +349,7 @@ TEST_F(ChannelTest, TurnInsideAPokeKeepsTheOrderAndServesOthers) {
                                    "poke 2 0other\nleave\npoke 1 0b\npoke 1 0c\n");
 }
 
-TEST_F(ChannelTest, StaleSocketIsReplacedAndALiveOnePassedOver) {
+TEST_F(ChannelTest, SocketsOfEndedProgramsAreRemovedAndLiveOnesPassedOver) {
     ChannelServer server;
     ASSERT_FALSE(failed(open_channel_server(server)));
     const ChannelAddress first = server.address;
@@ -366,9 +366,20 @@ TEST_F(ChannelTest, StaleSocketIsReplacedAndALiveOnePassedOver) {
     const OwnedHandle live = make_socket(::bind, first + 2);
     ASSERT_EQ(::listen(static_cast<int>(live.get()), 1), 0);
     fs::create_directory(channel_place(first + 3).data());
+    // No process has such a number.
+    const ChannelAddress ended = (std::uint64_t{1} << 40) * 1024;
+    make_socket(::bind, ended).reset();
+    const OwnedHandle answers = make_socket(::bind, ended + 1);
+    ASSERT_EQ(::listen(static_cast<int>(answers.get()), 1), 0);
+    std::ofstream(channel_place(ended + 2).data()) << "no socket";
+    make_socket(::bind, first - 1).reset();
+    make_socket(::bind, 1024).reset(); // of the first process, which never ends
     ASSERT_FALSE(failed(open_channel_server(server)));
     EXPECT_EQ(server.address, first + 4);
-    EXPECT_TRUE(place_exists(first + 2));
+    EXPECT_FALSE(place_exists(ended));
+    for (const ChannelAddress kept :
+         {first + 2, ended + 1, ended + 2, first - 1, ChannelAddress{1024}})
+        EXPECT_TRUE(place_exists(kept)) << kept;
 }
 
 TEST_F(ChannelTest, DirectoryThatIsNotOursAloneIsRefusedByBothEnds) {
