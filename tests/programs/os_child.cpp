@@ -1,6 +1,7 @@
 // A child with a role: os_child ROLE [ARGUMENT...]. See the table at the end.
 
-#include "core/channel/channel.h"
+#include "core/os/interruption.h"
+#include "core/os/loop.h"
 #include "core/os/process.h"
 
 #include <array>
@@ -60,7 +61,8 @@ int play_family(char** arguments) {
     stay();
 }
 
-/// PROGRAM: starts one that takes no notice of anything, gives it up, and ends before its grace.
+/// PROGRAM: starts one that takes no notice of anything, and waits until it is asked to end; then
+/// gives it up and ends before its grace.
 int play_give_up(char** arguments) {
     const char* words[] = {arguments[0], "ignore", nullptr};
     ProcessRequest request;
@@ -70,6 +72,7 @@ int play_give_up(char** arguments) {
     if (failed(make_pipe(ready, ready_end)))
         return 90;
     request.output = ready_end.get();
+    notice_interruption(quit_loop);
     Process process;
     std::array<std::byte, 1> byte;
     std::size_t got = 0;
@@ -78,8 +81,10 @@ int play_give_up(char** arguments) {
         failed(read_handle(ready.get(), byte, got, would_wait)))
         return 90;
     say(std::to_string(process.id) + "\n");
+    while (run_turn(TurnWait::until_event) != TurnResult::quit)
+        continue;
     end_process_later(process, 1);
-    return 0;
+    return interruption();
 }
 
 /// Its words as they came, each in brackets, and what it inherited; the errors go elsewhere.
@@ -103,36 +108,15 @@ int play_echo(char** arguments) {
     return 0;
 }
 
-/// ADDRESS COUNT: so many packets of about 980 bytes, the completion, and one more at the end.
-int play_packets(char** arguments) {
-    ChannelClient client;
-    if (failed(connect_channel(client, std::strtoull(arguments[0], nullptr, 10),
-                               std::to_string(current_process_id()))))
-        return 91;
-    const auto poke = [&](const std::string& text) {
-        return poke_channel(client, std::as_bytes(std::span(text)));
-    };
-    const int count = std::atoi(arguments[1]);
-    for (int packet = 0; packet < count; ++packet)
-        if (!poke("0" + std::to_string(packet) + std::string(976, '.')))
-            return 92;
-    if (!poke(std::string("1\0\0\0\0", 5)) || !wait_for_completion_seen(client))
-        return 93;
-    // The message comes from within the last poke, ahead of its reply.
-    if (client.replies_due > 1 || client.pokes_not_taken != 0)
-        return 94;
-    return poke("0last words") && flush_channel(client) ? 0 : 95;
-}
-
 struct Role {
     const char* name;
     int (*play)(char** arguments);
 };
 
 constexpr Role k_roles[] = {
-    {"exit", play_exit},       {"crash", play_crash},     {"ignore", play_ignore},
-    {"family", play_family},   {"give_up", play_give_up}, {"grandchild", play_grandchild},
-    {"packets", play_packets}, {"echo", play_echo},
+    {"exit", play_exit},     {"crash", play_crash},     {"ignore", play_ignore},
+    {"family", play_family}, {"give_up", play_give_up}, {"grandchild", play_grandchild},
+    {"echo", play_echo},
 };
 
 } // namespace

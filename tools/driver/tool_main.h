@@ -3,8 +3,8 @@
 #include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
+#include "core/os/interruption.h"
 #include "core/os/process.h"
-#include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/reporting.h"
 
@@ -20,7 +20,7 @@ int run_tool(const char* name, std::span<char* const> words,
              ExitStatus (*run)(const Options&, Output&)) {
     make_size_limit_an_error();
     start_diagnostics(name);
-    notice_interruption();
+    notice_interruption(nullptr);
     Options options;
     const Failure failure = parse(words.subspan(words.empty() ? 0 : 1), options);
     Output output;

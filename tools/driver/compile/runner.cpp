@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
+#include "core/os/interruption.h"
 #include "core/vhdl/source_scan.h"
 #include "tools/driver/compile/commit_session.h"
 #include "tools/driver/compile/open_session.h"
@@ -11,7 +12,6 @@
 #include "tools/driver/compile/session_sources.h"
 #include "tools/driver/ghdl/ghdl_call.h"
 #include "tools/driver/ghdl/translator.h"
-#include "tools/driver/interruption.h"
 #include "tools/driver/libraries/installed_libraries.h"
 #include "tools/driver/libraries/local_libraries.h"
 #include "tools/driver/messages.h"
@@ -90,7 +90,7 @@ void on_piece_read(void* context) {
 }
 
 bool on_stop_question(void* context) {
-    return must_stop(from_context<Runner>(context).output) || interrupted();
+    return must_stop(from_context<Runner>(context).output) || interruption() != 0;
 }
 
 /// True when GHDL calls it a success.

@@ -3,9 +3,9 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
+#include "core/os/interruption.h"
 #include "core/os/loop.h"
 #include "tools/driver/ghdl/ghdl_call.h"
-#include "tools/driver/interruption.h"
 #include "tools/driver/messages.h"
 #include "tools/driver/reporting.h"
 #include "tools/driver/simulator/sim_design.h"
@@ -50,7 +50,7 @@ void on_piece_read(void* context) {
 }
 
 bool is_unwanted(const Simulation& simulation) {
-    return must_stop(simulation.output) || interrupted();
+    return must_stop(simulation.output) || interruption() != 0;
 }
 
 bool on_stop_question(void* context) {
