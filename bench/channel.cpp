@@ -17,7 +17,7 @@ namespace {
 
 using namespace pellux;
 
-constexpr const char* k_child = PELLUX_BINARY_DIR "/tests/programs/spawner_child";
+constexpr const char* k_child = PELLUX_BINARY_DIR "/tests/programs/channel_child";
 constexpr std::size_t k_line = 80;
 
 std::size_t g_bytes = 0;
@@ -29,7 +29,8 @@ void count_text(void*, const char* text, int done, int) {
 
 void through_channel(const std::string& lines) {
     Spawner spawner(count_text, nullptr);
-    const char* const words[] = {k_child, "flood", lines.c_str(), nullptr};
+    const std::string flood = "flood=" + lines;
+    const char* const words[] = {k_child, flood.c_str(), nullptr};
     if (!spawner.launch(k_child, words) || spawner.wait() != 0)
         std::printf("the child failed\n");
 }
@@ -39,7 +40,8 @@ void through_pipe(const std::string& lines) {
     OwnedHandle write_end;
     if (failed(make_pipe(read_end, write_end)))
         return;
-    const char* const words[] = {k_child, "-%bpipe0", "pipe_flood", lines.c_str(), nullptr};
+    const std::string flood = "pipe_flood=" + lines;
+    const char* const words[] = {k_child, flood.c_str(), nullptr};
     Process process;
     if (failed(start_process(process,
                              {.program = k_child, .arguments = words, .output = write_end.get()})))

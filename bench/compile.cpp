@@ -2,6 +2,7 @@
 // hand on the same files.
 
 #include "bench/ratio.h"
+#include "core/os/argument_vector.h"
 #include "core/os/process.h"
 #include "core/project/project_file.h"
 
@@ -28,10 +29,7 @@ constexpr const char* k_tree = PELLUX_BINARY_DIR "/velmora";
 int run(const std::vector<std::string>& words) {
     OwnedHandle read_end;
     OwnedHandle write_end;
-    std::vector<const char*> pointers;
-    for (const std::string& word : words)
-        pointers.push_back(word.c_str());
-    pointers.push_back(nullptr);
+    const auto pointers = argument_vector<std::vector<const char*>>(words);
     Process process;
     if (failed(make_pipe(read_end, write_end)) ||
         failed(start_process(process, {.program = pointers[0],

@@ -89,6 +89,8 @@ struct ChannelServer {
 /// ours alone.
 [[nodiscard]] SystemError open_channel_server(ChannelServer& server);
 void close_channel_server(ChannelServer& server); ///< nothing when it is closed
+/// Where its socket lies, or was to lie when it could not be opened.
+[[nodiscard]] std::string_view channel_directory(const ChannelServer& server);
 
 /// Accepts the connections that wait, without reading any. Answers the number of the process's
 /// latest connection: what was there before the call has at most that number, what comes later a

@@ -23,7 +23,8 @@ SystemError take_name(std::string_view temporary, std::string_view name) {
         FileStat named;
         error = stat_link(name, named);
         if (!failed(error) && named.kind != FileKind::regular)
-            return refuse(Refusal::not_a_file);
+            return refuse(named.kind == FileKind::directory ? Refusal::directory
+                                                            : Refusal::not_a_file);
         File old;
         if (!failed(error))
             error = open_file(old, name, OpenMode::update);

@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "core/launch/command_line.h"
 #include "core/launch/response_file.h"
+#include "core/os/argument_vector.h"
 
 #include <algorithm>
 #include <array>
@@ -24,25 +25,27 @@ struct Reader {
     File response;
 };
 
-/// The response file of `line`, if it has one, held open by `response`.
-bool put_response(CommandLine& line, File& response) {
-    String name;
-    if (!line.has_response)
-        return true;
-    if (failed(put_response_file(view(line.response), response, name)))
-        return false;
-    line.words.back() = "@" + name;
-    return true;
-}
-
-/// `process` null starts it detached.
-bool start(const CommandLine& line, Process* process) {
-    Vector<const char*> words;
-    for (const String& word : line.words)
-        words.push_back(word.c_str());
-    words.push_back(nullptr);
+/// Puts the response file of `line`, if it has one, where `response` holds it, and starts the
+/// program; `process` null starts it detached.
+LaunchResult start(CommandLine& line, File& response, Process* process) {
+    if (line.has_response) {
+        String name;
+        const SystemError error = put_response_file(view(line.response), response, name);
+        if (failed(error)) {
+            PathBuffer path;
+            const bool is_known = !failed(current_directory(path)) && path.join(k_response_file);
+            return {LaunchStatus::no_response_file, error,
+                    String(is_known ? path.view() : k_response_file)};
+        }
+        line.words.back() = "@" + name;
+    }
+    const auto words = argument_vector<Vector<const char*>>(line.words);
     const ProcessRequest request{.program = words.front(), .arguments = words.data()};
-    return !failed(process == nullptr ? start_detached(request) : start_process(*process, request));
+    const SystemError error =
+        process == nullptr ? start_detached(request) : start_process(*process, request);
+    if (!failed(error))
+        return {};
+    return {LaunchStatus::cannot_run, error, line.words.front()};
 }
 
 } // namespace
@@ -92,8 +95,7 @@ void Spawner::open() {
                       [=](const Link& link) { return link.connection == connection; });
         named->complete_if_gone();
     };
-    // Without a channel there is no address, and launching fails.
-    static_cast<void>(open_channel_server(*server_));
+    no_channel_ = open_channel_server(*server_);
 }
 
 Spawner::~Spawner() {
@@ -104,8 +106,7 @@ Spawner::~Spawner() {
         place = &(*place)->next_;
     *place = next_;
     close_channel_server(*server_);
-    if (process_.id != 0)
-        end_process_later(process_, k_close_grace_ms);
+    end_process_later(process_, k_close_grace_ms);
 }
 
 Spawner* Spawner::find(std::string_view topic) {
@@ -126,9 +127,11 @@ Spawner* Spawner::find(std::uint64_t connection) {
     return nullptr;
 }
 
-bool Spawner::launch(const char* program, const char* const* argv) {
-    if (running_ || handle() == 0)
-        return false;
+LaunchResult Spawner::launch(const char* program, const char* const* argv) {
+    if (running_)
+        return {LaunchStatus::still_running, SystemError::none, String(program)};
+    if (handle() == 0)
+        return {LaunchStatus::no_channel, no_channel_, String(channel_directory(*server_))};
     if (process_.id != 0)
         end_process_later(process_, k_close_grace_ms);
     if (child_ != 0)
@@ -138,7 +141,8 @@ bool Spawner::launch(const char* program, const char* const* argv) {
     status_ = 0;
     child_window_ = 0;
     CommandLine line = compose_command_line(program, handle(), argv);
-    running_ = put_response(line, response_) && start(line, &process_);
+    LaunchResult result = start(line, response_, &process_);
+    running_ = static_cast<bool>(result);
     child_ = process_.id;
     // A number may be used again.
     std::erase(earlier_children_, child_);
@@ -146,22 +150,23 @@ bool Spawner::launch(const char* program, const char* const* argv) {
         start_timer(watchdog_, k_first_poke_ms);
     else
         response_ = {};
-    return running_;
+    return result;
 }
 
-bool Spawner::run(const char* program, const char* const* argv) {
+LaunchResult Spawner::run(const char* program, const char* const* argv) {
     CommandLine line = compose_command_line(program, 0, argv);
+    File none;
     if (!line.has_response)
-        return start(line, nullptr);
+        return start(line, none, nullptr);
     Owned<Reader> reader = make_owned<Reader>();
     reader->process.context = reader.get();
     reader->process.ended = [](void* self, ProcessEnd) {
         const Owned<Reader> ended(&from_context<Reader>(self));
     };
-    if (!put_response(line, reader->response) || !start(line, &reader->process))
-        return false;
-    static_cast<void>(reader.release());
-    return true;
+    LaunchResult result = start(line, reader->response, &reader->process);
+    if (result)
+        static_cast<void>(reader.release());
+    return result;
 }
 
 void Spawner::halt() {
@@ -192,11 +197,11 @@ bool Spawner::has_live_link() const {
 
 std::uint64_t Spawner::launch_of(std::uint64_t connection) const {
     const std::int64_t peer = channel_peer_process(connection);
-    const std::int64_t group = process_group(peer);
+    const std::int64_t session = process_group(peer);
     const bool earlier =
         connection <= last_earlier_connection_ ||
         std::any_of(earlier_children_.begin(), earlier_children_.end(),
-                    [=](std::int64_t child) { return child == peer || child == group; });
+                    [=](std::int64_t child) { return child == peer || child == session; });
     return earlier ? 0 : launch_;
 }
 
@@ -250,7 +255,7 @@ void Spawner::on_poke(std::uint64_t connection, std::string_view item,
 bool Spawner::child_is_there() const {
     if (!process_exists(child_window_))
         return false;
-    // A grandchild that has left the group and lost its parent is known by its connection alone.
+    // A grandchild that has left the session and lost its parent is known by its connection alone.
     return process_group(child_window_) == child_ ||
            is_descendant_or_self(process_.id, child_window_) ||
            std::any_of(links_.begin(), links_.end(), [this](const Link& link) {

@@ -2,6 +2,7 @@
 
 #include "core/channel/channel.h"
 #include "core/common/containers.h"
+#include "core/launch/launch_result.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
 
@@ -31,13 +32,13 @@ public:
     Spawner& operator=(const Spawner&) = delete;
 
     /// Starts `program` with the pipe switch and the arguments of `argv` (ends with a null, element
-    /// 0 is the program) in the current directory. False, and nothing is started, while a child
-    /// runs, without a channel, or when the response file or the program fails. The response file
-    /// is this launch's until its first connection or its end: a child reads it before it connects.
-    [[nodiscard]] bool launch(const char* program, const char* const* argv);
+    /// 0 is the program) in the current directory, or answers why nothing was started. The response
+    /// file is this launch's until its first connection or its end: a child reads it before it
+    /// connects.
+    [[nodiscard]] LaunchResult launch(const char* program, const char* const* argv);
     /// Starts a program that has no channel and whose end interests nobody. Its response file is
     /// its own until it or this program has ended.
-    [[nodiscard]] static bool run(const char* program, const char* const* argv);
+    [[nodiscard]] static LaunchResult run(const char* program, const char* const* argv);
     /// Asks the child to close; one that does not within two seconds, or that was never heard of,
     /// is ended with all that it started.
     void halt();
@@ -79,6 +80,7 @@ private:
     Method method_ = nullptr;
     void* context_ = nullptr;
     Owned<ChannelServer> server_;
+    SystemError no_channel_ = SystemError::none; ///< why it is not open
     std::int64_t child_window_ = 0;
     bool running_ = false;
     int status_ = -1;

@@ -69,8 +69,7 @@ bool resolve_place(std::string_view path, PathBuffer& place) {
 
 bool find_install_library_root(PathBuffer& root) {
     const char* install = installation_directory();
-    if (install != nullptr && root.assign(install) && root.join("lib") &&
-        file_exists(root.view()))
+    if (install != nullptr && root.assign(install) && root.join("lib") && file_exists(root.view()))
         return true;
     PathBuffer directory;
     if (find_compiler_directory(directory)) {

@@ -4,6 +4,7 @@
 #include "core/common/visible_text.h"
 #include "core/diagnostics/reporter.h"
 #include "core/launch/spawner.h"
+#include "core/os/argument_vector.h"
 #include "core/project/compile_arguments.h"
 #include "core/project/project_file.h"
 #include "tools/bpr/exit_status.h"
@@ -48,15 +49,12 @@ bool enter_directory_of(std::string_view file) {
 /// Runs the compiler to its end; its status, or -1 when it cannot be started.
 int run_compiler(const Vector<String>& vector) {
     Terminal output(standard_output());
-    Vector<const char*> words;
     String line;
     for (const String& word : vector) {
         for (std::string_view rest = view(word); !rest.empty();)
             rest.remove_prefix(append_visible(line, rest));
         line += ' ';
-        words.push_back(word.c_str());
     }
-    words.push_back(nullptr);
     output.write(view(line + "\n"));
     Spawner spawner(
         [](void* context, const char* text, int done, int) {
@@ -64,8 +62,9 @@ int run_compiler(const Vector<String>& vector) {
                 from_context<Terminal>(context).write(text);
         },
         &output);
-    if (!spawner.launch(words.front(), words.data())) {
-        tell(msg_bpr_cannot_run, words.front());
+    const auto words = argument_vector<Vector<const char*>>(vector);
+    if (const LaunchResult result = spawner.launch(words.front(), words.data()); !result) {
+        tell_launch_failure(result);
         return -1;
     }
     const int status = spawner.wait();

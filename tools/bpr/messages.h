@@ -18,7 +18,6 @@ inline Message<const char*, const char*, const char*> msg_bad_value{"E1856", "'%
 inline Message<const char*, const char*> msg_no_such_source{"E1857",
                                                             "Project '%s' has no file '%s'."};
 inline Message<const char*> msg_cannot_enter{"E1858", "Can't change into directory '%s'."};
-inline Message<const char*> msg_bpr_cannot_run{"E1859", "Can't run '%s'."};
 inline Message<> msg_successful{"E1860", "Compilation successful."};
 inline Message<> msg_unsuccessful{"E1861", "Compilation failed."};
 inline Message<const char*> msg_rebuild_stays{"E1888", "'%s' keeps its request to rebuild."};

@@ -4,7 +4,6 @@
 
 namespace pellux {
 
-inline Message<const char*> msg_cannot_run_tool{"E2020", "Can't run '%s'."};
 inline Message<> msg_no_picture_window{"E2021", "Can't open window"};
 inline Message<const char*> msg_cannot_open_help{"E2022", "Can't open help file '%s'."};
 inline Message<> msg_find_help{"E2023", "Please Find and Open help file..."};

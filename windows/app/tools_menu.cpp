@@ -2,6 +2,7 @@
 
 #include "core/devices/device_catalogue.h"
 #include "core/launch/spawner.h"
+#include "core/os/argument_vector.h"
 #include "windows/app/messages.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/boxes.h"
@@ -36,13 +37,11 @@ MenuItem menu_of(const Vector<ToolLine>& tools) {
     return menu;
 }
 
-bool start_tool(const ToolLine& tool, const String& program) {
+LaunchResult start_tool(const ToolLine& tool, const String& program) {
     if (program.empty())
-        return false;
-    Vector<const char*> words{program.c_str()};
-    for (std::size_t i = 1; i < tool.words.size(); ++i)
-        words.push_back(tool.words[i].c_str());
-    words.push_back(nullptr);
+        return {LaunchStatus::cannot_run, SystemError::none, program};
+    // The program stands for the first word.
+    const auto words = argument_vector<Vector<const char*>>(tool.words);
     return Spawner::run(program.c_str(), words.data());
 }
 
@@ -63,8 +62,7 @@ bool run_tool(ToolsMenu& menu, int tag) {
         return false;
     const ToolLine& tool = tools[static_cast<std::size_t>(tag - k_first_tool)];
     const String program = tool.words.empty() ? String() : expand_environment(view(tool.words[0]));
-    if (!start_tool(tool, program))
-        post_error(msg_cannot_run_tool, program.c_str());
+    tell_launch_failure(start_tool(tool, program));
     return true;
 }
 

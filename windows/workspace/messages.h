@@ -40,7 +40,6 @@ inline Message<> msg_too_much_to_copy{"E2068", "These files can't be put on the 
 inline Message<> msg_compile_succeeded{"E2069", "Compilation successful."};
 inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
 inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
-inline Message<const char*> msg_cannot_run_compiler{"E2072", "Can't run '%s'."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 inline Message<const char*> msg_changed_on_disk{

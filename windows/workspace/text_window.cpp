@@ -1,6 +1,7 @@
 #include "windows/workspace/text_window.h"
 
 #include "core/common/callback.h"
+#include "core/os/argument_vector.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
@@ -151,14 +152,10 @@ void append_line(TextWindow& text, std::string_view words) {
 
 void run_program_in(TextWindow& text, const Vector<String>& words,
                     void (*ended)(TextWindow& text, int status)) {
-    Vector<const char*> arguments;
-    for (const String& word : words)
-        arguments.push_back(word.c_str());
-    arguments.push_back(nullptr);
+    const auto arguments = argument_vector<Vector<const char*>>(words);
     text.ended = ended;
     text.program = make_owned<Spawner>(on_words, &text);
-    if (!text.program->launch(arguments.front(), arguments.data()))
-        post_error(msg_cannot_run_compiler, arguments.front());
+    tell_launch_failure(text.program->launch(arguments.front(), arguments.data()));
 }
 
 } // namespace pellux

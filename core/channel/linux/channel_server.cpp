@@ -179,6 +179,10 @@ void close_channel_server(ChannelServer& server) {
     server.address = 0;
 }
 
+std::string_view channel_directory(const ChannelServer& server) {
+    return directory_part(server.place.data());
+}
+
 std::uint64_t accept_channel_connections(ChannelServer& server) {
     if (server.address != 0)
         accept_connections(server);

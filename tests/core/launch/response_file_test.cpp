@@ -96,7 +96,7 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
     Words steps = {pad, "meet=go", "hello", "sync", "closed"};
     {
         Spawner spawner(Log::take, &log_);
-        ASSERT_TRUE(launch_hostile(spawner, steps));
+        ASSERT_TRUE(launch(spawner, steps));
         EXPECT_EQ(next_name(), "brix2.rsp");
         ASSERT_TRUE(go.meet());
         EXPECT_TRUE(turn_until([] { return next_name() == "brix.rsp"; }));
@@ -108,7 +108,7 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
     using End = void (*)(Spawner & spawner, ManualClock & now);
     for (const End end : {End(end_by_watchdog), End(end_by_halt), End(nullptr)}) {
         auto spawner = std::make_unique<Spawner>(Log::take, &log_);
-        ASSERT_TRUE(launch_hostile(*spawner, {pad, "stay"}));
+        ASSERT_TRUE(launch(*spawner, {pad, "stay"}));
         EXPECT_EQ(next_name(), "brix2.rsp");
         if (end == nullptr) {
             spawner.reset();
@@ -130,9 +130,9 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
 TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
     const Meeting first("first"), second("second");
     for (const Meeting* meeting : {&first, &second}) {
-        const Vectored vector(k_hostile_child, {"pad=" + std::string(150, '.'),
-                                                std::string("meet=") + meeting->name});
-        ASSERT_TRUE(Spawner::run(k_hostile_child.c_str(), vector.pointers.data()));
+        const Vectored vector(
+            k_child, {"pad=" + std::string(150, '.'), std::string("meet=") + meeting->name});
+        ASSERT_TRUE(Spawner::run(k_child.c_str(), vector.pointers.data()));
     }
     EXPECT_EQ(next_name(), "brix3.rsp");
     ASSERT_TRUE(first.meet() && turn_until([] { return next_name() == "brix.rsp"; }));
@@ -145,7 +145,7 @@ TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
 TEST_F(ResponseFile, ProgramsThatLaunchAtOnceNeverMixTheirArguments) {
     struct Launcher : Process {
         explicit Launcher(const char* tag) {
-            const Vectored vector(k_child, {"-%bpipe0", "launcher", tag, "100"});
+            const Vectored vector(k_child, {std::string("launch=") + tag});
             EXPECT_FALSE(failed(start_process(
                 *this, {.program = k_child.c_str(), .arguments = vector.pointers.data()})));
         }

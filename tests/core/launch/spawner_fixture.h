@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/launch/spawner.h"
+#include "core/os/argument_vector.h"
 #include "core/os/clock.h"
 #include "tests/support/frames.h"
 #include "tests/support/running.h"
@@ -18,9 +19,7 @@
 
 namespace pellux {
 
-inline const std::string k_programs = std::string(PELLUX_BINARY_DIR) + "/tests/programs/";
-inline const std::string k_child = k_programs + "spawner_child";
-inline const std::string k_hostile_child = k_programs + "hostile_child";
+inline const std::string k_child = std::string(PELLUX_BINARY_DIR) + "/tests/programs/channel_child";
 
 using Words = std::vector<std::string>;
 
@@ -31,11 +30,31 @@ struct Vectored {
 
     Vectored(const std::string& program, Words arguments) : words(std::move(arguments)) {
         words.insert(words.begin(), program);
-        for (const std::string& word : words)
-            pointers.push_back(word.c_str());
-        pointers.push_back(nullptr);
+        pointers = argument_vector<std::vector<const char*>>(words);
     }
 };
+
+// Steps of the child.
+
+inline std::string hex(std::string_view text) {
+    std::string digits;
+    for (const char c : text)
+        for (const int shift : {4, 0})
+            digits += "0123456789abcdef"[static_cast<unsigned char>(c) >> shift & 15];
+    return digits;
+}
+
+inline std::string sends(const std::string& bytes) {
+    return "send=" + hex(bytes);
+}
+
+inline std::string says(const std::string& text) {
+    return "poke=" + hex("0" + text);
+}
+
+inline std::string completes(std::uint32_t status) {
+    return "poke=" + hex("1" + word(status, 4));
+}
 
 /// What a spawner told, and what is to be done at its words.
 struct Log {
@@ -71,12 +90,9 @@ protected:
         EXPECT_TRUE(turn_until_alone());
     }
 
-    static bool launch(Spawner& spawner, Words arguments, const std::string& program = k_child) {
-        const Vectored vector(program, std::move(arguments));
-        return spawner.launch(program.c_str(), vector.pointers.data());
-    }
-    static bool launch_hostile(Spawner& spawner, Words steps) {
-        return launch(spawner, std::move(steps), k_hostile_child);
+    static bool launch(Spawner& spawner, Words steps) {
+        const Vectored vector(k_child, std::move(steps));
+        return static_cast<bool>(spawner.launch(k_child.c_str(), vector.pointers.data()));
     }
     /// Turns the loop until the child was heard of.
     static void hear(const Spawner& spawner) {

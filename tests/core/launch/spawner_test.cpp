@@ -1,6 +1,5 @@
 #include "tests/core/launch/spawner_fixture.h"
-
-#include "core/os/files.h"
+#include "tests/support/captured_reports.h"
 
 #include <memory>
 
@@ -8,61 +7,82 @@ namespace pellux {
 namespace {
 
 TEST_F(SpawnerTest, OneChildAtATimeAndItsStatusIsKept) {
-    Spawner spawner(Log::take, &log_);
-    EXPECT_EQ(spawner.status(), -1);
-    EXPECT_EQ(spawner.wait(), -1);
-    ASSERT_TRUE(launch(spawner, {"say", "77", "line 1\nline 2\n"}));
-    EXPECT_FALSE(launch(spawner, {"say", "0", "refused"}));
-    EXPECT_EQ(spawner.status(), 0);
-    EXPECT_EQ(spawner.wait(), 77);
-    EXPECT_EQ(log_.text, "line 1\nline 2\n");
-    EXPECT_EQ(log_.ends, 1);
-    EXPECT_EQ(spawner.wait(), 77);
-}
-
-TEST_F(SpawnerTest, ThePlainCallbackIsCalledToo) {
     static std::string s_told;
     s_told.clear();
     Spawner spawner([](const char* text, int done, int status) {
         s_told += done != 0 ? "end " + std::to_string(status) : text;
     });
-    ASSERT_TRUE(launch(spawner, {"say", "3", "text "}));
-    EXPECT_EQ(spawner.wait(), 3);
-    EXPECT_EQ(s_told, "text end 3");
+    EXPECT_EQ(spawner.status(), -1);
+    EXPECT_EQ(spawner.wait(), -1);
+    ASSERT_TRUE(launch(spawner, {"hello", says("line 1\nline 2\n"), completes(77)}));
+    const char* const argv[] = {"none", nullptr};
+    EXPECT_EQ(spawner.launch("/no/such/program", argv).status, LaunchStatus::still_running);
+    EXPECT_EQ(spawner.status(), 0);
+    EXPECT_EQ(spawner.wait(), 77);
+    EXPECT_EQ(spawner.wait(), 77);
+    EXPECT_EQ(s_told, "line 1\nline 2\nend 77");
 }
 
 TEST_F(SpawnerTest, ArgumentsArriveAsTheyAreOnTheCommandLineOrInTheResponseFile) {
-    Spawner spawner(Log::take, &log_);
-    ASSERT_TRUE(launch(spawner, {"arguments", "a b", "", "\"q\\\"", "\xFF"}));
-    EXPECT_EQ(spawner.wait(), 0);
-    EXPECT_EQ(log_.text, "[arguments][a b][][\"q\\\"][\xFF]");
-    EXPECT_FALSE(file_exists("brix.rsp"));
-    log_ = {};
     const std::string longer(200, 'x');
-    ASSERT_TRUE(launch(spawner, {"arguments", longer, "a b"}));
-    EXPECT_EQ(spawner.wait(), 0);
-    EXPECT_EQ(log_.text, "[@brix.rsp]arguments " + longer + " \"a b\"\n");
+    const struct {
+        Words words;
+        std::string told;
+    } rows[] = {{{"words", "a b", "", "\"q\\\"", "\xFF"}, "[words][a b][][\"q\\\"][\xFF]"},
+                {{"words", longer, "a b"}, "[@brix.rsp]words " + longer + " \"a b\"\n"}};
+    Spawner spawner(Log::take, &log_);
+    for (const auto& row : rows) {
+        EXPECT_FALSE(file_exists("brix.rsp"));
+        log_ = {};
+        ASSERT_TRUE(launch(spawner, row.words));
+        EXPECT_EQ(spawner.wait(), 0);
+        EXPECT_EQ(log_.text, row.told);
+    }
 }
 
-TEST_F(SpawnerTest, AFailingResponseFileOrProgramFailsTheLaunch) {
+class FailedLaunch : public SpawnerTest, protected test::CapturedReports {};
+
+TEST_F(FailedLaunch, IsToldWithItsCauseAndPath) {
+    const std::string here = directory_.path();
+    const std::string argument(200, 'x');
+    const struct {
+        const char* program;
+        const char* argument;
+        std::string told;
+        bool has_channel = true;
+    } rows[] = {
+        {"/no/such/program", nullptr, "Can't run '/no/such/program'."},
+        {"./brix.rsp", nullptr, "Can't run './brix.rsp'."},
+        {k_child.c_str(), argument.c_str(), "Can't write '" + here + "/brix.rsp': Is a directory."},
+        {k_child.c_str(), nullptr,
+         "Can't talk to the compiler through '/no_directory/pellux' (a directory of yours, mode "
+         "700): No such file or directory.",
+         false},
+    };
     ASSERT_FALSE(failed(make_directory("brix.rsp")));
-    const std::string longer(200, 'x');
+    for (const auto& row : rows) {
+        const test::ScopedVariable runtime("XDG_RUNTIME_DIR",
+                                           row.has_channel ? here.c_str() : "/no_directory");
+        said_.clear();
+        Spawner spawner(Log::take, &log_);
+        const char* const argv[] = {"none", row.argument, nullptr};
+        tell_launch_failure(spawner.launch(row.program, argv));
+        if (row.has_channel)
+            tell_launch_failure(Spawner::run(row.program, argv));
+        EXPECT_EQ(said_, std::vector<std::string>(row.has_channel ? 2 : 1, row.told));
+        EXPECT_FALSE(spawner.running());
+    }
     Spawner spawner(Log::take, &log_);
-    EXPECT_FALSE(launch(spawner, {"arguments", longer}));
-    const char* const argv[] = {"none", nullptr};
-    EXPECT_FALSE(spawner.launch("/no/such/program", argv));
-    EXPECT_FALSE(spawner.launch("./brix.rsp", argv));
-    EXPECT_FALSE(Spawner::run("/no/such/program", argv));
-    EXPECT_FALSE(spawner.running());
-    EXPECT_EQ(log_.ends, 0);
-    ASSERT_TRUE(launch(spawner, {"say", "0", ""}));
+    ASSERT_TRUE(launch(spawner, {"hello", completes(0)}));
     EXPECT_EQ(spawner.wait(), 0);
+    EXPECT_EQ(log_.ends, 1);
 }
 
-TEST_F(SpawnerTest, AChildThatNeverConnectsFailsAfterTwentySeconds) {
+TEST_F(SpawnerTest, AChildThatNeverConnectsFailsAfterTwentySecondsOrWhenItIsHalted) {
     ManualClock clock;
     Spawner spawner(Log::take, &log_);
-    ASSERT_TRUE(launch(spawner, {"mute"}));
+    spawner.halt();
+    ASSERT_TRUE(launch(spawner, {"stay"}));
     clock.advance(19999);
     run_turn(TurnWait::none);
     EXPECT_TRUE(spawner.running());
@@ -70,44 +90,27 @@ TEST_F(SpawnerTest, AChildThatNeverConnectsFailsAfterTwentySeconds) {
     run_turn(TurnWait::none);
     EXPECT_FALSE(spawner.running());
     EXPECT_EQ(log_.status, 1);
+    ASSERT_TRUE(launch(spawner, {"stay"}));
+    spawner.halt();
+    EXPECT_EQ(spawner.wait(), 1);
 }
 
-TEST_F(SpawnerTest, TheWatchdogIsQuietWhileTheChildLives) {
+TEST_F(SpawnerTest, AHaltedChildClosesByItselfOrIsEnded) {
     ManualClock clock;
     Spawner spawner(Log::take, &log_);
-    ASSERT_TRUE(launch(spawner, {"ignore_close"}));
+    ASSERT_TRUE(launch(spawner, {"hello", says(""), "asked", completes(9)}));
     hear(spawner);
-    for (int i = 0; i < 10; ++i) {
-        clock.advance(5000);
-        run_turn(TurnWait::none);
-    }
-    EXPECT_TRUE(spawner.running());
+    spawner.halt();
+    EXPECT_EQ(spawner.wait(), 9);
+    ASSERT_TRUE(launch(spawner, {"hello", says(""), "stay"}));
+    hear(spawner);
     spawner.halt();
     clock.advance(1999);
     run_turn(TurnWait::none);
     EXPECT_TRUE(process_exists(spawner.child_window()));
     clock.advance(1);
     EXPECT_EQ(spawner.wait(), 1);
-    EXPECT_EQ(log_.text, "ready\n");
-}
-
-TEST_F(SpawnerTest, HaltLetsTheChildCloseByItself) {
-    const ManualClock clock;
-    Spawner spawner(Log::take, &log_);
-    spawner.halt();
-    ASSERT_TRUE(launch(spawner, {"obey_close"}));
-    hear(spawner);
-    spawner.halt();
-    EXPECT_EQ(spawner.wait(), 9);
-    EXPECT_EQ(log_.ends, 1);
-}
-
-TEST_F(SpawnerTest, HaltEndsAChildThatWasNeverHeardOf) {
-    const ManualClock clock;
-    Spawner spawner(Log::take, &log_);
-    ASSERT_TRUE(launch(spawner, {"mute"}));
-    spawner.halt();
-    EXPECT_EQ(spawner.wait(), 1);
+    EXPECT_EQ(log_.ends, 2);
 }
 
 TEST_F(SpawnerTest, SpawnersHaveNumbersOfTheirOwnAndDoNotMixTexts) {
@@ -115,8 +118,8 @@ TEST_F(SpawnerTest, SpawnersHaveNumbersOfTheirOwnAndDoNotMixTexts) {
     Spawner first(Log::take, &log_);
     Spawner second(Log::take, &other);
     EXPECT_NE(first.handle(), second.handle());
-    ASSERT_TRUE(launch(first, {"flood", "1000"}));
-    ASSERT_TRUE(launch(second, {"say", "2", "second"}));
+    ASSERT_TRUE(launch(first, {"flood=1000"}));
+    ASSERT_TRUE(launch(second, {"hello", says("second"), completes(2)}));
     EXPECT_EQ(second.wait(), 2);
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(other.text, "second");
@@ -126,7 +129,7 @@ TEST_F(SpawnerTest, SpawnersHaveNumbersOfTheirOwnAndDoNotMixTexts) {
 TEST_F(SpawnerTest, QuittingTheLoopEndsTheWait) {
     log_.quit_at_text = true;
     Spawner spawner(Log::take, &log_);
-    ASSERT_TRUE(launch(spawner, {"ignore_close"}));
+    ASSERT_TRUE(launch(spawner, {"hello", says("x"), "stay"}));
     EXPECT_EQ(spawner.wait(), -1);
     EXPECT_TRUE(spawner.running());
 }
@@ -141,14 +144,15 @@ TEST_F(SpawnerTest, ACallbackMayEndItsSpawner) {
         ++self.calls;
         self.spawner.reset();
     };
-    for (const char* role : {"flood", "die", "complete_and_go_on"}) {
+    for (const Words& steps : {Words{"flood=50"}, Words{"hello", says("x"), "signal=9"},
+                               Words{"hello", completes(3), says("x"), completes(4)}}) {
         holder.calls = 0;
         holder.spawner = std::make_unique<Spawner>(end_it, &holder);
-        ASSERT_TRUE(launch(*holder.spawner, {role, "50"}));
+        ASSERT_TRUE(launch(*holder.spawner, steps));
         while (holder.spawner != nullptr)
             run_turn(TurnWait::until_event);
         run_turn(TurnWait::none);
-        EXPECT_EQ(holder.calls, 1) << role;
+        EXPECT_EQ(holder.calls, 1);
     }
 }
 

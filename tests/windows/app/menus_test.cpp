@@ -148,8 +148,8 @@ TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {
 class BoxDiagnostics : public test::Program {};
 
 TEST_F(BoxDiagnostics, ShowEveryMessageAndTheEnd) {
-    user_.expect_error("Warning: (W7) Can't run '50% of %s'.");
-    warning(7, msg_cannot_run_tool, "50% of %s");
+    user_.expect_error("Warning: (W7) Can't open help file '50% of %s'.");
+    warning(7, msg_cannot_open_help, "50% of %s");
     user_.expect_fatal_exit("Exiting with code -1.");
     reporter().ending(reporter().ending_context, -1);
     testing::internal::CaptureStderr();

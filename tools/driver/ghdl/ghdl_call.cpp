@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/message.h"
+#include "core/os/argument_vector.h"
 #include "core/os/files.h"
 #include "core/os/loop.h"
 
@@ -69,10 +70,7 @@ SystemError start(Call& call, Process& process, const char* program, const Vecto
     SystemError error = make_pipe(call.output, write_end);
     if (failed(error))
         return error;
-    Vector<const char*> arguments;
-    for (const String& word : words)
-        arguments.push_back(word.c_str());
-    arguments.push_back(nullptr);
+    const auto arguments = argument_vector<Vector<const char*>>(words);
     process.ended = on_ended;
     process.context = &call;
     ProcessRequest request;

@@ -1,6 +1,8 @@
-// A child of the spawner that sends what it is told: hostile_child -%bpipeN STEP... or @brix.rsp.
+// A child of the spawner that does what it is told: channel_child -%bpipeN STEP... or @brix.rsp.
 // Steps are VERB or VERB=ARGUMENT, see the table at the end; bytes are in hexadecimal.
 
+#include "core/channel/channel.h"
+#include "core/launch/spawner.h"
 #include "core/os/environment.h"
 #include "core/os/process.h"
 #include "tests/support/frames.h"
@@ -16,6 +18,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -33,19 +36,25 @@ struct Line {
     int socket = -1;
     FrameReader reader;
     long replies_due = 0;
+    bool reads = true;
     bool completion_seen = false;
+    bool close_asked = false;
     bool ended = false;
 };
 
 std::vector<std::unique_ptr<Line>> g_lines;
 Line* g_line = nullptr;
+const std::string k_line = std::string(79, 'x') + '\n';
+
+const char* g_program = nullptr;
 std::string g_topic;
-std::string g_item; ///< empty for the process id
+std::string g_words; ///< as they came, each in brackets, and what the response file holds
+std::string g_item;  ///< empty for the process id
 long g_times = 1;
 std::array<int, 2> g_parent{-1, -1}; ///< to tell the parent to end, and to see it
 
 [[noreturn]] void give_up(const char* why) {
-    std::fprintf(stderr, "hostile_child: %s\n", why);
+    std::fprintf(stderr, "channel_child: %s\n", why);
     std::_Exit(90);
 }
 
@@ -69,15 +78,18 @@ void take(std::span<const std::byte> bytes) {
             return;
         if (frame.kind == FrameKind::reply)
             --g_line->replies_due;
-        else
-            g_line->completion_seen |= frame.message == k_message_completion_seen;
+        g_line->completion_seen |= frame.message == k_message_completion_seen;
+        g_line->close_asked |= frame.message == k_message_close;
     }
 }
 
 /// Waits until something can be read or, given `writes`, written; reads what is there.
 void turn(bool writes) {
-    pollfd wanted{g_line->socket, static_cast<short>(writes ? POLLIN | POLLOUT : POLLIN), 0};
+    const int reads = g_line->reads ? POLLIN : 0;
+    pollfd wanted{g_line->socket, static_cast<short>(writes ? reads | POLLOUT : reads), 0};
     ::poll(&wanted, 1, -1);
+    if (!g_line->reads)
+        return;
     std::array<std::byte, 4096> piece;
     const ssize_t got = ::recv(g_line->socket, piece.data(), piece.size(), MSG_DONTWAIT);
     if (got > 0)
@@ -130,14 +142,18 @@ void play_send(const char* digits) {
     g_times = 1;
 }
 
-void play_poke(const char* digits) {
+void play_poke_text(const std::string& data) {
     const std::string item = g_item.empty() ? std::to_string(current_process_id()) : g_item;
-    const std::string text = poke(item, bytes_of(digits));
+    const std::string text = poke(item, data);
     for (; g_times > 0; --g_times) {
         ++g_line->replies_due;
         send_bytes(text);
     }
     g_times = 1;
+}
+
+void play_poke(const char* digits) {
+    play_poke_text(bytes_of(digits));
 }
 
 void play_fork(const char*) {
@@ -155,6 +171,57 @@ void play_orphan(const char*) {
     char byte = 0;
     check(::write(g_parent[1], &byte, 1) == 1, "no parent");
     static_cast<void>(!::read(g_parent[1], &byte, 1));
+}
+
+/// Lines of 80 characters, batched by the channel's own client.
+void play_flood(const char* lines) {
+    ChannelClient client;
+    std::uint64_t address = 0;
+    check(leading_number(g_topic, address) &&
+              !failed(connect_channel(client, address, std::to_string(current_process_id()))),
+          "no connection");
+    std::string packet = "0";
+    for (long left = std::atol(lines); left > 0; --left) {
+        packet += k_line;
+        if (left == 1 || packet.size() + k_line.size() > 1023)
+            check(poke_channel(client, bytes(std::exchange(packet, "0"))), "no channel");
+    }
+    check(poke_channel(client, bytes("1" + word(0, 4))), "no channel");
+    wait_for_completion_seen(client);
+}
+
+/// The same lines to the standard output, in large pieces.
+void play_pipe_flood(const char* lines) {
+    std::string piece;
+    for (long left = std::atol(lines); left > 0; --left) {
+        piece += k_line;
+        if (left == 1 || piece.size() + k_line.size() > 65536)
+            static_cast<void>(write_handle(standard_output(), bytes(std::exchange(piece, {}))));
+    }
+}
+
+/// Its words as it got them.
+void play_words(const char*) {
+    play_hello("");
+    play_poke_text("0" + g_words);
+    play_poke_text("1" + word(0, 4));
+}
+
+/// Launches children that say their words, again and again; fails when one says anything else.
+void play_launch(const char* tag) {
+    for (int round = 0; round < 100; ++round) {
+        std::string heard;
+        Spawner spawner(
+            [](void* context, const char* text, int done, int) {
+                if (done == 0)
+                    *static_cast<std::string*>(context) += text;
+            },
+            &heard);
+        const std::string pad = "pad=" + (tag + std::to_string(round)) + std::string(150, '.');
+        const char* const argv[] = {g_program, "words", pad.c_str(), nullptr};
+        check(spawner.launch(g_program, argv) && spawner.wait() == 0, "a launch failed");
+        check(heard.ends_with("]words " + pad + "\n"), "a stranger's words");
+    }
 }
 
 /// Both ends of a meeting wait for each other.
@@ -176,6 +243,7 @@ constexpr Verb k_verbs[] = {
     {"hello", play_hello},     ///< the same with a topic, the own one when none is given
     {"send", play_send},       ///< bytes as they are
     {"poke", play_poke},       ///< a frame with these data
+    {"deaf", [](const char*) { g_line->reads = false; }},
     {"item", [](const char* text) { g_item = text; }},
     {"times",
      [](const char* count) { g_times = std::atol(count); }}, ///< of the next "send" or "poke"
@@ -184,6 +252,7 @@ constexpr Verb k_verbs[] = {
     {"drop", [](const char*) { ::close(g_line->socket); }},
     {"sync", [](const char*) { wait_until([] { return g_line->replies_due == 0; }); }},
     {"seen", [](const char*) { wait_until([] { return g_line->completion_seen; }); }},
+    {"asked", [](const char*) { wait_until([] { return g_line->close_asked; }); }},
     {"closed",
      [](const char*) {
          while (!g_line->ended)
@@ -191,7 +260,12 @@ constexpr Verb k_verbs[] = {
      }},
     {"fork", play_fork},     ///< what follows is done by a grandchild
     {"orphan", play_orphan}, ///< lets its parent end, and waits for that
+    {"group", [](const char*) { check(::setpgid(0, 0) == 0, "no group"); }},
     {"leave", [](const char*) { check(::setsid() > 0, "no session"); }},
+    {"words", play_words},
+    {"launch", play_launch},
+    {"flood", play_flood},
+    {"pipe_flood", play_pipe_flood},
     {"meet", play_meet},
     {"invite", play_invite},
     {"pad", [](const char*) {}},
@@ -220,17 +294,26 @@ void play(const std::string& step) {
 } // namespace
 
 int main(int argc, char** argv) {
+    g_program = argv[0];
     std::vector<std::string> steps(argv + 1, argv + argc);
     constexpr std::string_view k_switch = "-%bpipe";
     if (!steps.empty() && steps[0].starts_with(k_switch)) {
         g_topic = steps[0].substr(k_switch.size());
         steps.erase(steps.begin());
     }
+    for (const std::string& word : steps)
+        g_words += "[" + word + "]";
     if (!steps.empty() && steps[0].starts_with('@')) {
         std::ifstream file(steps[0].substr(1));
-        steps.assign(std::istream_iterator<std::string>(file), {});
+        const std::string text(std::istreambuf_iterator<char>(file), {});
+        g_words += text;
+        std::istringstream words(text);
+        steps.assign(std::istream_iterator<std::string>(words), {});
     }
-    for (const std::string& step : steps)
+    for (const std::string& step : steps) {
         play(step);
+        if (step == "words")
+            break;
+    }
     std::_Exit(0);
 }
