@@ -27,7 +27,7 @@ struct Reader {
 
 /// Puts the response file of `line`, if it has one, where `response` holds it, and starts the
 /// program; `process` null starts it detached.
-LaunchResult start(CommandLine& line, File& response, Process* process) {
+LaunchResult start(CommandLine& line, File& response, Process* process, bool own_session) {
     if (line.has_response) {
         String name;
         const SystemError error = put_response_file(view(line.response), response, name);
@@ -40,7 +40,8 @@ LaunchResult start(CommandLine& line, File& response, Process* process) {
         line.words.back() = "@" + name;
     }
     const auto words = argument_vector<Vector<const char*>>(line.words);
-    const ProcessRequest request{.program = words.front(), .arguments = words.data()};
+    const ProcessRequest request{
+        .program = words.front(), .arguments = words.data(), .own_session = own_session};
     const SystemError error =
         process == nullptr ? start_detached(request) : start_process(*process, request);
     if (!failed(error))
@@ -132,8 +133,6 @@ LaunchResult Spawner::launch(const char* program, const char* const* argv) {
         return {LaunchStatus::still_running, SystemError::none, String(program)};
     if (handle() == 0)
         return {LaunchStatus::no_channel, no_channel_, String(channel_directory(*server_))};
-    if (process_.id != 0)
-        end_process_later(process_, k_close_grace_ms);
     if (child_ != 0)
         earlier_children_.push_back(child_);
     last_earlier_connection_ = accept_channel_connections(*server_);
@@ -141,7 +140,7 @@ LaunchResult Spawner::launch(const char* program, const char* const* argv) {
     status_ = 0;
     child_window_ = 0;
     CommandLine line = compose_command_line(program, handle(), argv);
-    LaunchResult result = start(line, response_, &process_);
+    LaunchResult result = start(line, response_, &process_, true);
     running_ = static_cast<bool>(result);
     child_ = process_.id;
     // A number may be used again.
@@ -157,13 +156,13 @@ LaunchResult Spawner::run(const char* program, const char* const* argv) {
     CommandLine line = compose_command_line(program, 0, argv);
     File none;
     if (!line.has_response)
-        return start(line, none, nullptr);
+        return start(line, none, nullptr, false);
     Owned<Reader> reader = make_owned<Reader>();
     reader->process.context = reader.get();
     reader->process.ended = [](void* self, ProcessEnd) {
         const Owned<Reader> ended(&from_context<Reader>(self));
     };
-    LaunchResult result = start(line, reader->response, &reader->process);
+    LaunchResult result = start(line, reader->response, &reader->process, false);
     if (result)
         static_cast<void>(reader.release());
     return result;
@@ -197,7 +196,7 @@ bool Spawner::has_live_link() const {
 
 std::uint64_t Spawner::launch_of(std::uint64_t connection) const {
     const std::int64_t peer = channel_peer_process(connection);
-    const std::int64_t session = process_group(peer);
+    const std::int64_t session = process_session(peer);
     const bool earlier =
         connection <= last_earlier_connection_ ||
         std::any_of(earlier_children_.begin(), earlier_children_.end(),
@@ -218,6 +217,7 @@ void Spawner::complete(int status) {
     response_ = {};
     status_ = status;
     running_ = false;
+    end_process_later(process_, k_close_grace_ms);
     forward(nullptr, 1, status);
 }
 
@@ -256,7 +256,7 @@ bool Spawner::child_is_there() const {
     if (!process_exists(child_window_))
         return false;
     // A grandchild that has left the session and lost its parent is known by its connection alone.
-    return process_group(child_window_) == child_ ||
+    return process_session(child_window_) == child_ ||
            is_descendant_or_self(process_.id, child_window_) ||
            std::any_of(links_.begin(), links_.end(), [this](const Link& link) {
                return link.launch == launch_ &&
@@ -271,18 +271,16 @@ void Spawner::on_watchdog() {
     }
     if (child_is_there())
         return;
-    if (process_.id != 0)
-        end_process_later(process_, 0);
+    end_process_later(process_, 0);
     complete(1);
 }
 
 /// The child was asked to close and has not.
 void Spawner::on_grace_over() {
-    stop_timer(grace_);
-    if (process_.id != 0) {
-        kill_process(process_);
+    kill_process(process_);
+    if (process_.id != 0)
         return;
-    }
+    stop_timer(grace_);
     // What speaks is not our child but something that it left behind.
     for (const Link& link : std::exchange(links_, {}))
         drop_channel_connection(link.connection);

@@ -16,8 +16,12 @@ namespace pellux {
 /// status)`, from the loop. The object stays at one address. A callback may launch again, halt or
 /// destroy the spawner. GUI thread only.
 ///
+/// Each child gets a session of its own. When its launch is over, what is left of the session is
+/// ended with the child, which has two seconds to end by itself: nothing that it started outlives
+/// it but what has left the session.
+///
 /// What the processes of an earlier launch still send is answered and ignored: connections from
-/// before this launch, and those out of an earlier child's process group. Any other one, also of a
+/// before this launch, and those out of an earlier child's session. Any other one, also of a
 /// process that nothing relates to a child any more, speaks for this launch.
 class Spawner {
 public:
@@ -88,7 +92,7 @@ private:
     Timer grace_;
     Process process_;
     std::uint64_t launch_ = 0; ///< counts the launches
-    std::int64_t child_ = 0;   ///< process id and group of this launch, also after the child's end
+    std::int64_t child_ = 0;   ///< process and session of this launch, also after the child's end
     Vector<std::int64_t> earlier_children_;
     std::uint64_t last_earlier_connection_ = 0; ///< there before the launch, as all up to it
     File response_;                             ///< open until the child must have read it

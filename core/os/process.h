@@ -37,6 +37,10 @@ struct ProcessRequest {
     /// The system ends the child once it has used this much processor time, also when we are gone;
     /// 0: no limit.
     std::int64_t processor_seconds_max = 0;
+    /// The child gets a session of its own, which holds all that it starts but what leaves it, and
+    /// which ends wherever the child's group is ended. It is not reaped before its `Process` is
+    /// given up or goes away, so that what it left behind can be ended after its own end.
+    bool own_session = false;
 };
 
 struct ProcessEnd {
@@ -47,8 +51,9 @@ struct ProcessEnd {
 /// One child, in a process group of its own.
 ///
 /// The owner keeps the structure at one address while the child runs. `ended` is called from the
-/// loop, once, after the child was reaped and `id` set to 0; the structure may be used again or
-/// destroyed there. A structure that goes away lets the child run on.
+/// loop, once, after the child's end, `id` being 0; the structure may be destroyed there and, where
+/// the child has no session of its own, used again. A structure that goes away lets the child run
+/// on.
 struct Process {
     void (*ended)(void* context, ProcessEnd end) = nullptr;
     void* context = nullptr;
@@ -74,16 +79,16 @@ void kill_process(Process& process);
 /// Gives the child up: when it still runs after `grace_ms` (0: at once) its process group is ended;
 /// when it ends earlier, what it left of its group is ended then. Outlives `process`: the loop sees
 /// to it, or, when the program ends before, its exit, which then takes what is left of the grace.
-/// `ended` is not called any more.
+/// `ended` is not called any more; nothing happens where no child was started.
 void end_process_later(Process& process, std::int64_t grace_ms);
 
 /// Is there such a process, and is it no zombie?
 [[nodiscard]] bool process_exists(std::int64_t id);
 /// Is `id` the process `child` or one that descends from it, as far as its parents are alive?
 [[nodiscard]] bool is_descendant_or_self(std::int64_t child, std::int64_t id);
-/// The process group of `id`, 0 when there is no such process. A child's group has the number of
-/// the child, also after its end, and what the child starts stays in it unless it leaves.
-[[nodiscard]] std::int64_t process_group(std::int64_t id);
+/// The session of `id`, 0 when there is no such process. A session has the number of the child that
+/// it was made for, also after its end.
+[[nodiscard]] std::int64_t process_session(std::int64_t id);
 [[nodiscard]] std::int64_t current_process_id();
 
 /// A pipe; both ends close on exec.

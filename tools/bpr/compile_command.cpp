@@ -5,6 +5,7 @@
 #include "core/diagnostics/reporter.h"
 #include "core/launch/spawner.h"
 #include "core/os/argument_vector.h"
+#include "core/os/interruption.h"
 #include "core/project/compile_arguments.h"
 #include "core/project/project_file.h"
 #include "tools/bpr/exit_status.h"
@@ -63,11 +64,15 @@ int run_compiler(const Vector<String>& vector) {
         },
         &output);
     const auto words = argument_vector<Vector<const char*>>(vector);
+    notice_interruption(quit_loop);
     if (const LaunchResult result = spawner.launch(words.front(), words.data()); !result) {
         tell_launch_failure(result);
         return -1;
     }
     const int status = spawner.wait();
+    // What still runs ends with the spawner and the program.
+    if (interruption() != 0)
+        return k_status_interrupted + interruption();
     output.end_line();
     output.write(status == 0 ? msg_successful.text() : msg_unsuccessful.text());
     output.write("\n");

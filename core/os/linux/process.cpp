@@ -1,6 +1,7 @@
 #include "core/os/process.h"
 
 #include "core/os/clock.h"
+#include "core/os/linux/process_look.h"
 #include "core/os/linux/system_call.h"
 #include "core/os/loop.h"
 
@@ -27,6 +28,7 @@ struct Record {
     pid_t id = 0;               ///< 0: free
     Process* owner = nullptr;   ///< null: nobody waits for the end
     bool given_up = false;      ///< nothing of the group may outlive the child
+    bool own_session = false;   ///< nor of its session
     std::int64_t end_at_ms = 0; ///< by the real clock, once it is given up
     OwnedHandle handle;
     DescriptorWatch watch;
@@ -53,27 +55,41 @@ void end_group(const Record& record) {
     // The child itself too: it may have left the group that it was started in.
     ::kill(-record.id, SIGKILL);
     ::kill(record.id, SIGKILL);
+    if (record.own_session)
+        end_session(record.id);
 }
 
-/// Takes the status of a child that has ended; false while it runs and `flags` do not wait.
-bool reap(const Record& record, int flags, ProcessEnd& end) {
-    const auto wait = [&record](siginfo_t& info, int how) {
-        return repeat_interrupted(
-            [&] { return ::waitid(P_PID, static_cast<id_t>(record.id), &info, WEXITED | how); });
-    };
-    siginfo_t info{};
-    if (wait(info, flags | WNOWAIT) == 0 && info.si_pid == 0)
-        return false;
-    // As long as the child is not reaped its group's number belongs to nobody else.
-    if (record.given_up)
-        end_group(record);
+/// `how` also says whether to wait for the end, and whether to leave the child there.
+bool wait_for_end(const Record& record, int how, siginfo_t& info) {
     info = {};
-    if (wait(info, WNOHANG) != 0) {
+    return repeat_interrupted([&] {
+               return ::waitid(P_PID, static_cast<id_t>(record.id), &info, WEXITED | how);
+           }) == 0;
+}
+
+/// The status of a child that has ended, which is not reaped; false while it runs and `flags` do
+/// not wait.
+bool see_end(const Record& record, int flags, ProcessEnd& end) {
+    siginfo_t info;
+    if (!wait_for_end(record, flags | WNOWAIT, info)) {
         end = k_unknown_end;
         return true;
     }
     end.by_signal = info.si_code != CLD_EXITED;
     end.code = info.si_status;
+    return info.si_pid != 0;
+}
+
+/// The same, and reaps it.
+bool reap(const Record& record, int flags, ProcessEnd& end) {
+    if (!see_end(record, flags, end))
+        return false;
+    // As long as the child is not reaped its group's number belongs to nobody else.
+    if (record.given_up)
+        end_group(record);
+    siginfo_t info;
+    if (!wait_for_end(record, WNOHANG, info))
+        end = k_unknown_end;
     return true;
 }
 
@@ -108,11 +124,17 @@ void free_record(Record& record) {
 
 void on_ended(void* context, bool, bool) {
     Record& record = *static_cast<Record*>(context);
-    ProcessEnd end;
-    if (!reap(record, WNOHANG, end))
-        return;
     Process* owner = record.owner;
-    free_record(record);
+    const bool stays = record.own_session && owner != nullptr;
+    ProcessEnd end;
+    if (!(stays ? see_end(record, WNOHANG, end) : reap(record, WNOHANG, end)))
+        return;
+    if (stays) {
+        unwatch_descriptor(record.watch);
+        owner->id = 0;
+    } else {
+        free_record(record);
+    }
     if (owner != nullptr && owner->ended != nullptr)
         owner->ended(owner->context, end);
 }
@@ -123,11 +145,19 @@ void on_grace_over(void* context) {
     end_group(record);
 }
 
-void give_up(Process& process) {
+/// Takes the child from its owner.
+Record& give_up(Process& process) {
     Record& record = *record_of(process);
     record.owner = nullptr;
     process.record = nullptr;
     process.id = 0;
+    return record;
+}
+
+void free_if_ended(Record& record) {
+    ProcessEnd end;
+    if (reap(record, WNOHANG, end))
+        free_record(record);
 }
 
 /// In a program that starts children but seldom turns its loop, those that nobody waits for are
@@ -135,9 +165,8 @@ void give_up(Process& process) {
 Record* find_free_record() {
     Record* free = nullptr;
     for (Record& record : table.records) {
-        ProcessEnd end;
-        if (record.id != 0 && record.owner == nullptr && reap(record, WNOHANG, end))
-            free_record(record);
+        if (record.id != 0 && record.owner == nullptr)
+            free_if_ended(record);
         if (free == nullptr && record.id == 0)
             free = &record;
     }
@@ -192,7 +221,7 @@ int prepare_actions(SpawnActions& spawn, const ProcessRequest& request) {
     return error;
 }
 
-int prepare_attributes(SpawnActions& spawn) {
+int prepare_attributes(SpawnActions& spawn, bool own_session) {
     sigset_t signals;
     ::sigemptyset(&signals);
     int error = ::posix_spawnattr_setsigmask(&spawn.attributes, &signals);
@@ -201,10 +230,12 @@ int prepare_attributes(SpawnActions& spawn) {
         error = ::posix_spawnattr_setsigdefault(&spawn.attributes, &signals);
     if (error == 0)
         error = ::posix_spawnattr_setpgroup(&spawn.attributes, 0);
+    // A new session begins with a new group.
+    const int group = own_session ? POSIX_SPAWN_SETSID : POSIX_SPAWN_SETPGROUP;
     if (error == 0)
-        error = ::posix_spawnattr_setflags(&spawn.attributes, POSIX_SPAWN_SETPGROUP |
-                                                                  POSIX_SPAWN_SETSIGMASK |
-                                                                  POSIX_SPAWN_SETSIGDEF);
+        error = ::posix_spawnattr_setflags(
+            &spawn.attributes,
+            static_cast<short>(group | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
     return error;
 }
 
@@ -231,7 +262,7 @@ SystemError start(const ProcessRequest& request, Process* owner) {
     SpawnActions spawn;
     int error = prepare_actions(spawn, request);
     if (error == 0)
-        error = prepare_attributes(spawn);
+        error = prepare_attributes(spawn, request.own_session);
     pid_t id = 0;
     if (error == 0)
         error = ::posix_spawn(&id, program.c_str(), &spawn.actions, &spawn.attributes,
@@ -247,6 +278,7 @@ SystemError start(const ProcessRequest& request, Process* owner) {
     table.program = ::getpid();
     record->id = id;
     record->given_up = false;
+    record->own_session = request.own_session;
     record->owner = owner;
     record->handle.reset(static_cast<SystemHandle>(::syscall(SYS_pidfd_open, id, 0)));
     if (!record->handle) {
@@ -276,7 +308,7 @@ SystemError start(const ProcessRequest& request, Process* owner) {
 
 Process::~Process() {
     if (record != nullptr)
-        give_up(*this);
+        free_if_ended(give_up(*this));
 }
 
 SystemError start_process(Process& process, const ProcessRequest& request) {
@@ -306,11 +338,13 @@ void kill_process(Process& process) {
 void end_process_later(Process& process, std::int64_t grace_ms) {
     if (process.record == nullptr)
         return;
-    Record& record = *record_of(process);
-    give_up(process);
+    const bool has_ended = process.id == 0;
+    Record& record = give_up(process);
     record.given_up = true;
     record.end_at_ms = real_monotonic_ms() + grace_ms;
-    if (grace_ms <= 0)
+    if (has_ended)
+        free_if_ended(record);
+    else if (grace_ms <= 0)
         end_group(record);
     else
         start_timer(record.grace, grace_ms);

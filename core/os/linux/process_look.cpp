@@ -1,3 +1,5 @@
+#include "core/os/linux/process_look.h"
+
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "core/os/linux/system_call.h"
@@ -6,9 +8,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <csignal>
 #include <limits>
 
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace pellux {
@@ -48,6 +52,28 @@ bool look_at(std::int64_t id, ProcessState& found) {
     return std::from_chars(text.data(), text.data() + text.size(), found.parent).ec == std::errc();
 }
 
+/// Of a session; each ends what the last one left, so that only what starts faster survives.
+constexpr int k_sweep_rounds = 20;
+
+/// Ends the process of an entry of "/proc" that belongs to the session.
+template <typename Sweep>
+bool end_member(void* context, std::string_view name, FileKind) {
+    auto& sweep = *static_cast<Sweep*>(context);
+    pid_t id = 0;
+    ProcessState found;
+    if (std::from_chars(name.data(), name.data() + name.size(), id).ec != std::errc() ||
+        process_session(id) != sweep.session)
+        return true;
+    // Held before it is looked at, so that no other process of this number is hit.
+    const OwnedHandle process{static_cast<SystemHandle>(::syscall(SYS_pidfd_open, id, 0))};
+    if (process && process_session(id) == sweep.session && look_at(id, found) &&
+        found.state != 'Z' && found.state != 'X') {
+        ::syscall(SYS_pidfd_send_signal, descriptor(process.get()), SIGKILL, nullptr, 0);
+        sweep.found = true;
+    }
+    return true;
+}
+
 bool can_be_run(const PathBuffer& path) {
     FileStat stat;
     return !failed(stat_file(path.view(), stat)) && stat.kind == FileKind::regular &&
@@ -76,10 +102,22 @@ bool is_descendant_or_self(std::int64_t child, std::int64_t id) {
     return false;
 }
 
-std::int64_t process_group(std::int64_t id) {
+std::int64_t process_session(std::int64_t id) {
     // For the system 0 is the caller itself.
     const bool possible = id > 0 && id <= std::numeric_limits<pid_t>::max();
-    return possible ? std::max(::getpgid(static_cast<pid_t>(id)), pid_t{0}) : 0;
+    return possible ? std::max(::getsid(static_cast<pid_t>(id)), pid_t{0}) : 0;
+}
+
+void end_session(std::int64_t session) {
+    struct Sweep {
+        std::int64_t session;
+        bool found = true;
+    } sweep{session};
+    // What was not there yet when its turn came is found by the next round.
+    for (int round = 0; round < k_sweep_rounds && sweep.found; ++round) {
+        sweep.found = false;
+        static_cast<void>(list_directory("/proc", end_member<Sweep>, &sweep));
+    }
 }
 
 std::int64_t current_process_id() {

@@ -205,17 +205,45 @@ TEST_F(HostileChild, WatchdogIsQuietForTheChildAndWhatItStartedAlone) {
     }
 }
 
-TEST_F(HostileChild, WhatAnEndedChildLeftBehindIsHaltedToo) {
-    ASSERT_TRUE(launch(spawner_, {"fork", "hello", "sync", "orphan", "closed"}));
-    EXPECT_TRUE(turn_until_alone());
-    spawner_.halt();
-    clock_.advance(1999);
-    run_turn(TurnWait::none);
-    EXPECT_TRUE(spawner_.running());
-    clock_.advance(1);
-    run_turn(TurnWait::none);
-    EXPECT_EQ(spawner_.status(), 1);
-    EXPECT_FALSE(spawner_.running());
+TEST_F(HostileChild, NothingThatItStartedOutlivesTheLaunch) {
+    const struct {
+        const char* what;
+        Words steps; ///< of a grandchild, the last to speak
+        int status;
+        bool is_halted = false;
+    } rows[] = {
+        {"beside a child that takes its time", {"fork", "group", "hello", completes(3), "stay"}, 3},
+        {"a child that has ended",
+         {"fork", "group", "hello", says(""), "orphan", completes(4), "stay"},
+         4},
+        {"a child that has ended, without a word of it",
+         {"fork", "group", "hello", says(""), "sync", "orphan", "drop", "stay"},
+         1},
+        {"a child that has ended, halted",
+         {"fork", "group", "hello", says(""), "sync", "orphan", "stay"},
+         1,
+         true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        ASSERT_TRUE(launch(spawner_, row.steps));
+        hear(spawner_);
+        if (row.is_halted) {
+            siginfo_t info{};
+            ASSERT_EQ(::waitid(P_ALL, 0, &info, WEXITED | WNOWAIT), 0);
+            while (run_turn(TurnWait::none) != TurnResult::idle)
+                continue;
+            spawner_.halt();
+            clock_.advance(1999);
+            run_turn(TurnWait::none);
+            EXPECT_TRUE(process_exists(spawner_.child_window()));
+            clock_.advance(1);
+        }
+        EXPECT_EQ(spawner_.wait(), row.status);
+        clock_.advance(2000);
+        EXPECT_TRUE(turn_until_alone());
+        EXPECT_TRUE(turn_until([&] { return !process_exists(spawner_.child_window()); }));
+    }
 }
 
 TEST_F(HostileChild, WhatAnEarlierLaunchStillSaysIsIgnored) {
@@ -227,7 +255,7 @@ TEST_F(HostileChild, WhatAnEarlierLaunchStillSaysIsIgnored) {
         Words grandchild;
         bool is_there_before; ///< the second launch
     } rows[] = {
-        {"connects during the second launch", {"orphan", "meet=go"}, false},
+        {"connects during the second launch", {"group", "meet=go"}, false},
         {"waits in the queue since before it, and cannot be related",
          {"leave", "orphan", "meet=go"},
          true},
@@ -240,7 +268,6 @@ TEST_F(HostileChild, WhatAnEarlierLaunchStillSaysIsIgnored) {
         steps.insert(steps.end(), late.begin(), late.end());
         steps.push_back("invite=done");
         ASSERT_TRUE(launch(spawner_, steps));
-        ASSERT_TRUE(turn_until_alone());
         EXPECT_EQ(spawner_.wait(), 1);
         if (row.is_there_before) {
             ASSERT_TRUE(go.meet());

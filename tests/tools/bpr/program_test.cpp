@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <sstream>
@@ -187,6 +188,10 @@ TEST_F(BprProgram, ACompilerThatDiesOrCannotRunIsAFailure) {
     const Outcome outcome = bpr("compile " + project);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_TRUE(outcome.text.ends_with("\nCompilation failed.\n")) << outcome.text;
+    // One that never ends holds the output open, and so the test up.
+    directory_.write("tree/bin/BRIX.EXE", "#!/bin/sh\nkill -TERM $PPID\n"
+                                          "trap '' TERM HUP INT\nsh -c 'sleep 1000' & wait\n");
+    EXPECT_EQ(bpr("compile " + project).status, 128 + SIGTERM);
     fs::permissions(program, fs::perms::owner_read);
     directory_.write("tree/bin/BRIX.EXE", "no program");
     EXPECT_EQ(bpr("compile " + project).status, 2);
