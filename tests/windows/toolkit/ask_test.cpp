@@ -442,13 +442,38 @@ TEST_F(FileBox, AnswersTheNameThatWasChosenAndChangesNothing) {
         EXPECT_EQ(ask_one(save, "x.vhd", enter, directory_.path("bad\xFF")), here);
         EXPECT_EQ(ask_one(save, "x.vhd", enter, directory_.path("missing")), here);
 
-        Vector<String> names;
-        String where;
-        at_box(takes("\"a.vhd\" \"l.vhd\""));
-        const std::string start = directory_.path("files");
-        EXPECT_TRUE(xvt_dm_post_files_open({"Add", start, "", "vhd"}, where, names));
-        EXPECT_EQ(where, start.c_str());
-        EXPECT_EQ(names, (Vector<String>{"a.vhd", "l.vhd"}));
+        const struct {
+            const char* typed;
+            const char* told; ///< empty: nothing is missing
+            Vector<String> names;
+        } rows[] = {
+            {"\"a.vhd\" \"l.vhd\"", "", {"a.vhd", "l.vhd"}},
+            {"b.vhd", "", {"b.vhd"}},
+            {"\"a.vhd\" \"no.vhd\" gone \"l.vhd\"",
+             "Can't find file 'no.vhd'.\nCan't find file 'gone'.",
+             {"a.vhd", "l.vhd"}},
+            {"no.vhd", "Can't find file 'no.vhd'.", {}},
+            {"\"sub\" \"\"", "Can't find file 'sub'.", {}},
+        };
+        for (const auto& row : rows) {
+            at_box([&row](QDialog& box) {
+                if (*row.told != '\0')
+                    at_box([&row](QDialog& message) {
+                        EXPECT_EQ(message.findChild<QTextEdit*>()->toPlainText(), row.told);
+                        press(message, Qt::Key_Return);
+                    });
+                type_name(box, row.typed);
+                if (row.names.empty())
+                    press(box, Qt::Key_Escape);
+            });
+            Vector<String> names;
+            String where;
+            const std::string start = directory_.path("files");
+            EXPECT_EQ(xvt_dm_post_files_open({"Add", start, "", "vhd"}, where, names),
+                      !row.names.empty());
+            EXPECT_EQ(names, row.names) << row.typed;
+            EXPECT_EQ(where, row.names.empty() ? "" : start.c_str());
+        }
     });
     PathBuffer after;
     ASSERT_FALSE(failed(current_directory(after)));

@@ -9,6 +9,7 @@
 #include <QKeySequence>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -134,6 +135,15 @@ QWidget* box_parent() {
         return active;
     TaskWindow* task = task_window();
     return task != nullptr && task->isVisible() ? task : nullptr;
+}
+
+bool is_accepted(QDialog* box, QSize characters) {
+    const QPointer<QDialog> waiting(box);
+    const QFontMetrics metrics = box->fontMetrics();
+    box->resize(QSize(metrics.averageCharWidth() * characters.width(),
+                      metrics.height() * characters.height())
+                    .boundedTo(box->screen()->availableSize()));
+    return box->exec() == QDialog::Accepted && waiting != nullptr;
 }
 
 QStringList to_titles(std::span<const String> titles) {

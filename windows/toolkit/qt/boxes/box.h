@@ -60,6 +60,9 @@ private:
 /// What a box stands over: the box that asks now, else the active window, else the task window.
 /// Null when there is none.
 [[nodiscard]] QWidget* box_parent();
+/// Shows one of the desktop's own boxes, so many characters wide and lines high as far as the
+/// screen allows, and waits. False, and nothing of it may be touched, also when it was destroyed.
+[[nodiscard]] bool is_accepted(QDialog* box, QSize characters);
 /// Titles of buttons as Qt's texts.
 [[nodiscard]] QStringList to_titles(std::span<const String> titles);
 /// A title without the '&' of its mnemonic.

@@ -1,5 +1,8 @@
 #include "windows/toolkit/qt/boxes/file_box.h"
 
+#include "core/diagnostics/message.h"
+#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/messages.h"
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/text_conversion.h"
 
@@ -10,9 +13,9 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPointer>
-#include <QScreen>
 #include <QTreeView>
 
+#include <algorithm>
 #include <utility>
 
 namespace pellux {
@@ -51,13 +54,91 @@ QString directory_of(const QString& path) {
     return real.isEmpty() || !QFileInfo::exists(real) ? QDir::cleanPath(directory) : real;
 }
 
-/// The files that are chosen. A typed name with a quote is taken as it stands where one file is
-/// asked for: the box reads a list of quoted names in it.
-QStringList chosen_files(const QFileDialog& box) {
-    const auto* name = box.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    if (box.fileMode() == QFileDialog::AnyFile && name != nullptr && name->text().contains(u'"'))
-        return {box.directory().absoluteFilePath(name->text())};
-    return box.selectedFiles();
+/// The names of a list as the box writes it, each in quotes; what stands between them counts too.
+QStringList listed_names(const QString& text) {
+    QStringList names;
+    const QStringList parts = text.split(u'"');
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (i % 2 == 1)
+            names += parts[i];
+        else
+            names += parts[i].split(u' ', Qt::SkipEmptyParts);
+    }
+    names.removeAll(QString());
+    return names;
+}
+
+/// Reads the typed names itself where Qt's box would pass over some in silence, or tell of them in
+/// a box of its own.
+class FileBox : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    [[nodiscard]] QStringList chosen_files() const;
+    void accept() override;
+
+private:
+    [[nodiscard]] QString typed() const {
+        const auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        return field == nullptr ? QString() : field->text();
+    }
+    /// All that the field says; empty where it says nothing that Qt doesn't read rightly.
+    [[nodiscard]] QStringList typed_files() const;
+
+    QStringList found_;
+};
+
+QStringList FileBox::chosen_files() const {
+    if (!found_.empty())
+        return found_;
+    // Where one file is asked for a name with a quote is taken as it stands.
+    if (fileMode() == QFileDialog::AnyFile && typed().contains(u'"'))
+        return {directory().absoluteFilePath(typed())};
+    return selectedFiles();
+}
+
+QStringList FileBox::typed_files() const {
+    const QString text = typed();
+    if (fileMode() != QFileDialog::ExistingFiles || text.isEmpty())
+        return {};
+    const QStringList chosen = selectedFiles();
+    const bool are_there =
+        std::ranges::all_of(chosen, [](const QString& file) { return QFileInfo::exists(file); });
+    if (!text.contains(u'"'))
+        return are_there ? QStringList() : QStringList(text);
+    QStringList names;
+    for (const QString& file : chosen)
+        names += u'"' + QFileInfo(file).fileName() + u'"';
+    // Clicked on, not typed: a name may hold quotes.
+    if (are_there && names.join(u' ') == text)
+        return {};
+    return listed_names(text);
+}
+
+void FileBox::accept() {
+    String missing;
+    QStringList found;
+    for (const QString& name : typed_files()) {
+        const QFileInfo file(directory(), name);
+        if (file.exists() && !file.isDir()) {
+            found += file.absoluteFilePath();
+            continue;
+        }
+        if (!missing.empty())
+            missing += '\n';
+        missing += format_message(msg_no_such_file, to_text(name).c_str());
+    }
+    if (missing.empty() && found.empty()) {
+        QFileDialog::accept();
+        return;
+    }
+    const QPointer<FileBox> self(this);
+    if (!missing.empty())
+        xvt_dm_post_error("%s", missing.c_str());
+    if (self.isNull() || found.empty())
+        return;
+    found_ = found;
+    done(Accepted);
 }
 
 void take_files(const QStringList& files, Answer& answer) {
@@ -78,8 +159,7 @@ void take_files(const QStringList& files, Answer& answer) {
 Answer ask_file(const Question& question) {
     const bool saves = question.kind == QuestionKind::file_save;
     const bool takes_many = question.kind == QuestionKind::files_open;
-    const QPointer<QFileDialog> box =
-        new QFileDialog(box_parent(), to_qstring(view(question.title)));
+    const QPointer<FileBox> box = new FileBox(box_parent(), to_qstring(view(question.title)));
     box->setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite |
                     QFileDialog::DontResolveSymlinks);
     box->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -94,17 +174,10 @@ Answer ask_file(const Question& question) {
         details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         details->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     }
-    const QFontMetrics metrics = box->fontMetrics();
-    box->resize(QSize(metrics.averageCharWidth() * 110, metrics.height() * 30)
-                    .boundedTo(box->screen()->availableSize()));
-
     Answer answer = closed_answer(question);
-    const bool is_accepted = box->exec() == QDialog::Accepted;
-    if (box == nullptr)
-        return answer;
-    if (is_accepted) {
+    if (is_accepted(box.data(), {110, 30})) {
         answer.button = 0;
-        take_files(chosen_files(*box), answer);
+        take_files(box->chosen_files(), answer);
         if (!takes_many && !answer.files.empty())
             answer.value = std::move(answer.files.front());
         if (!takes_many)

@@ -11,7 +11,6 @@
 #include <QFontInfo>
 #include <QListView>
 #include <QPointer>
-#include <QScreen>
 #include <QStyledItemDelegate>
 
 namespace pellux {
@@ -79,14 +78,8 @@ Answer ask_font(const Question& question) {
         families->setItemDelegate(new FamilyDelegate(families));
     if (auto* strike_out = box->findChild<QCheckBox*>())
         strike_out->hide();
-    const QFontMetrics metrics = box->fontMetrics();
-    box->resize(QSize(metrics.averageCharWidth() * 100, metrics.height() * 28)
-                    .boundedTo(box->screen()->availableSize()));
     Answer answer = closed_answer(question);
-    const bool is_accepted = box->exec() == QDialog::Accepted;
-    if (box == nullptr)
-        return answer;
-    if (is_accepted) {
+    if (is_accepted(box.data(), {100, 28})) {
         answer.button = 0;
         answer.font = to_font(box->selectedFont(), offered, question.font);
     }
