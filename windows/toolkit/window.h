@@ -85,6 +85,7 @@ void xvt_vobj_set_data(Window window, void* data);
 
 /// The part of the main screen that panels leave free.
 [[nodiscard]] Rect xvt_scr_get_work_area();
+/// The same of all screens, the main one first.
 [[nodiscard]] Vector<Rect> xvt_scr_list_screens();
 
 } // namespace pellux

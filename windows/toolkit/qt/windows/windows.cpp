@@ -340,7 +340,7 @@ Rect xvt_scr_get_work_area() {
 Vector<Rect> xvt_scr_list_screens() {
     Vector<Rect> screens;
     for (const QScreen* screen : QGuiApplication::screens())
-        screens.push_back(to_rect(screen->geometry()));
+        screens.push_back(to_rect(screen->availableGeometry()));
     return screens;
 }
 
