@@ -307,7 +307,8 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
 
 /// Three windows, of which "c" is the active one.
 struct Three {
-    Log logs[3];
+    EventLog logs[3]{EventLog({EventType::character}), EventLog({EventType::character}),
+                     EventLog({EventType::character})};
     Window windows[3]{};
     QMdiArea& area = task_window()->area();
 
@@ -327,12 +328,12 @@ struct Three {
 
     /// Those that a key is told to.
     std::string with_keys() {
-        for (Log& log : logs)
+        for (EventLog& log : logs)
             log.take();
         press_key("X");
         std::string names;
         for (int i = 0; i < 3; ++i)
-            if (logs[i].take() == "10:120 ")
+            if (logs[i].take() == "key 120; ")
                 names += static_cast<char>('a' + i);
         return names;
     }
