@@ -250,7 +250,7 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::up);
         EXPECT_EQ(spoken(part(3)), "check box 'Wrap'");
         EXPECT_TRUE(press_by_voice(part(3)) && press_by_voice(part(1)));
-        EXPECT_EQ(owner.take(), "101 3 5 notice\n101 1 4 notice\n");
+        EXPECT_EQ(owner.take(), "notice 101 3 5 of notice; notice 101 1 4 of notice; ");
         press_pointer(part(3), k_inside);
         EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked pressed");
         toggle_button_set_state(part(3), ToggleState::down_disabled);

@@ -335,7 +335,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         };
         const std::pair<const char*, const char*> rows[] = {
             {"waveform gtkw", "2 tools.html 'Waveform' One page. Hit 1 of 2."},
-            {"\"exit status\"", "1 compiling.html 'exit status' 4 pages. Hit 1 of 1."},
+            {"\"exit status\"", "1 command_line.html 'exit status' 5 pages. Hit 1 of 1."},
             {"vhdl.msg", "1 messages.html 'vhdl.msg' One page. Hit 1 of 1."},
             {"nowhere", "0 windows.html '' No page has these words."},
             {"\" * -", "0 windows.html '' "},
