@@ -95,12 +95,9 @@ protected:
     }
     /// Waits until the output says a word.
     static bool said(std::string_view word) {
-        for (int i = 0; i < 500; ++i) {
+        for (int i = 0; i < 500 && shown_output().find(word) == std::string::npos; ++i)
             run_turn(TurnWait::until_event);
-            if (shown_output().find(word) != std::string::npos)
-                return true;
-        }
-        return false;
+        return shown_output().find(word) != std::string::npos;
     }
 
     test::ReportsInBoxes reports_;
@@ -489,7 +486,7 @@ TEST_F(ProjectWindow, TellsWhichToolsRun) {
         for (int i = 0; i < 2; ++i) {
             xvt_vobj_raise(window());
             EXPECT_TRUE(choose_item(1102));
-            EXPECT_EQ(shown_output(), own);
+            EXPECT_TRUE(shown_output().starts_with(own));
             EXPECT_TRUE(said("/ghdl"));
         }
         press_key("Esc");
