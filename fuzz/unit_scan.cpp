@@ -1,7 +1,6 @@
 #include "core/vhdl/source_scan.h"
-#include "core/vhdl/top_units.h"
+#include "core/vhdl/unit_uses.h"
 #include "core/vhdl/vhdl_lexer.h"
-#include "core/vhdl/vhdl_tokens.h"
 #include "fuzz/require.h"
 
 #include <algorithm>

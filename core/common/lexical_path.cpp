@@ -17,8 +17,9 @@ std::string_view next_component(std::string_view& path) {
     return component;
 }
 
-void go(String& path, std::string_view way) {
-    for (std::string_view name = next_component(way); !name.empty(); name = next_component(way)) {
+void add_components(String& path, std::string_view added) {
+    for (std::string_view name = next_component(added); !name.empty();
+         name = next_component(added)) {
         if (name == ".")
             continue;
         if (name == "..") {
@@ -45,8 +46,8 @@ String joined_path(std::string_view directory, std::string_view name) {
 String absolute_path(std::string_view directory, std::string_view path) {
     String whole;
     if (!is_absolute(path))
-        go(whole, directory);
-    go(whole, path);
+        add_components(whole, directory);
+    add_components(whole, path);
     return whole;
 }
 
@@ -60,15 +61,15 @@ String relative_path(std::string_view directory, std::string_view file) {
         directory = rest_of_directory;
         file = rest_of_file;
     }
-    String way;
+    String relative;
     while (!next_component(directory).empty()) {
-        way += path_separator();
-        way += "..";
+        relative += path_separator();
+        relative += "..";
     }
     String rest;
-    go(rest, file);
-    way += rest;
-    return way.empty() ? way : way.substr(1);
+    add_components(rest, file);
+    relative += rest;
+    return relative.empty() ? relative : relative.substr(1);
 }
 
 String with_extension(std::string_view path, std::string_view extension) {

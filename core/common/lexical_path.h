@@ -17,8 +17,8 @@ namespace pellux {
 /// resolved in the text.
 [[nodiscard]] String absolute_path(std::string_view directory, std::string_view path);
 
-/// The way from one absolute directory to a file, with ".." where it leaves the directory; empty
-/// for the directory itself.
+/// The relative path from one absolute directory to a file, with ".." where it leaves the
+/// directory; empty for the directory itself.
 [[nodiscard]] String relative_path(std::string_view directory, std::string_view file);
 
 /// `path` with another extension, or with one where its file name has none.

@@ -1,5 +1,5 @@
 #include "core/vhdl/source_scan.h"
-#include "core/vhdl/vhdl_tokens.h"
+#include "core/vhdl/vhdl_lexer.h"
 
 #include <gtest/gtest.h>
 

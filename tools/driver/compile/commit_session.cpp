@@ -23,7 +23,7 @@ bool is_unchanged(const SessionSource& source) {
 
 /// A source whose units mean what they meant keeps its time, so that what uses it stays valid
 /// elsewhere too; but no source is older than what it uses.
-void settle_time_stamps(CompileSession& session) {
+void set_time_stamps(CompileSession& session) {
     for (std::size_t i = 0; i < session.sources.size(); ++i) {
         SessionSource& source = session.sources[i];
         if (source.state != SessionSource::State::up_to_date &&
@@ -40,7 +40,7 @@ void settle_time_stamps(CompileSession& session) {
     }
 }
 
-/// Keeps where the source lies in a way that survives a move of the tree.
+/// Keeps where the source lies by a path that survives a move of the tree.
 SystemError write_vif(const CompileSession& session, const SessionSource& source) {
     const String& directory = session.targets[source.library].library.directory;
     const String path = absolute_path(view(session.current), view(source.name));
@@ -48,11 +48,12 @@ SystemError write_vif(const CompileSession& session, const SessionSource& source
     const SystemError error = real_path(directory_part(view(path)), real);
     if (failed(error))
         return error;
-    const String way =
+    const String relative =
         relative_path(view(directory), view(joined_path(real.view(), view(source.file))));
-    if (read_vif(view(directory), view(source.file)) == way)
+    if (read_vif(view(directory), view(source.file)) == relative)
         return SystemError::none;
-    return write_derived_file(view(vif_name(view(directory), view(source.file))), view(way + "\n"));
+    return write_derived_file(view(vif_name(view(directory), view(source.file))),
+                              view(relative + "\n"));
 }
 
 void remove_traces(const SessionTarget& target, std::string_view file) {
@@ -106,7 +107,7 @@ void record_sources(CompileSession& session) {
 } // namespace
 
 Failure commit_session(CompileSession& session) {
-    settle_time_stamps(session);
+    set_time_stamps(session);
     for (std::size_t i = 0; i < session.targets.size(); ++i) {
         if (Failure failure = commit_target(session, i))
             return failure;

@@ -26,7 +26,7 @@ struct SessionSource {
     std::size_t library = 0; ///< number of its target
     State state = State::waiting;
 
-    // Known once it is judged.
+    // Known once it is decided on.
     String ghdl_name; ///< what GHDL is given: the file or a copy of it
     String text;      ///< what GHDL reads; gone once the source is done
     Digest content{};

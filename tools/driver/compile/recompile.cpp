@@ -142,24 +142,24 @@ void add_needed_sources(const VisibleUnits& visible, const SourceScan& scan,
     });
 }
 
-SourceDecision judge(const SourceRecord* record, const GhdlSource* entry, std::string_view library,
-                     const Digest& content, const Digest& settings,
-                     std::span<const UnitStamp> uses) {
+SourceDecision decide(const SourceRecord* record, const GhdlSource* entry, std::string_view library,
+                      const Digest& content, const Digest& settings,
+                      std::span<const UnitStamp> uses) {
     if (record == nullptr)
-        return {Verdict::never_compiled, {}};
+        return {CompileReason::never_compiled, {}};
     if (record->content != content)
-        return {Verdict::changed, {}};
+        return {CompileReason::changed, {}};
     if (record->settings != settings)
-        return {Verdict::settings, {}};
+        return {CompileReason::settings, {}};
     if (entry == nullptr || entry->checksum != content || !same_units(*record, *entry, library))
-        return {Verdict::not_in_library, {}};
+        return {CompileReason::not_in_library, {}};
     const auto [before, now] =
         std::mismatch(record->uses.begin(), record->uses.end(), uses.begin(), uses.end());
     if (before == record->uses.end() && now == uses.end())
         return {};
     const bool is_gone =
         now == uses.end() || (before != record->uses.end() && by_unit(*before, *now));
-    return {Verdict::uses, is_gone ? before->unit : now->unit};
+    return {CompileReason::uses, is_gone ? before->unit : now->unit};
 }
 
 Vector<UnitStamp> stamp_units(VisibleUnits& visible, std::string_view library,

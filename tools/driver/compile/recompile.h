@@ -47,7 +47,7 @@ void add_visible(VisibleUnits& visible, std::string_view library, const GhdlUnit
 void add_needed_sources(const VisibleUnits& visible, const SourceScan& scan,
                         Vector<std::size_t>& sources);
 
-enum class Verdict {
+enum class CompileReason {
     up_to_date,
     never_compiled,
     not_in_library, ///< or in another form than its record says
@@ -57,14 +57,14 @@ enum class Verdict {
 };
 
 struct SourceDecision {
-    Verdict verdict = Verdict::up_to_date;
+    CompileReason reason = CompileReason::up_to_date;
     String unit; ///< key of the first unit that differs, for `uses`
 };
 
 /// `record` and `entry` (what the library holds of the source) are null where there is none.
-[[nodiscard]] SourceDecision judge(const SourceRecord* record, const GhdlSource* entry,
-                                   std::string_view library, const Digest& content,
-                                   const Digest& settings, std::span<const UnitStamp> uses);
+[[nodiscard]] SourceDecision decide(const SourceRecord* record, const GhdlSource* entry,
+                                    std::string_view library, const Digest& content,
+                                    const Digest& settings, std::span<const UnitStamp> uses);
 
 /// Stamps the units of a source that was just compiled from `text`, and makes them visible.
 [[nodiscard]] Vector<UnitStamp> stamp_units(VisibleUnits& visible, std::string_view library,

@@ -1,9 +1,12 @@
 #include "tools/driver/compile/run_report.h"
 
+#include "core/common/blanks.h"
 #include "core/diagnostics/reporter.h"
+#include "core/os/ascii.h"
 #include "core/os/clock.h"
 #include "core/os/files.h"
-#include "tools/driver/compile/fitting.h"
+#include "core/project/directives.h"
+#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <algorithm>
@@ -43,6 +46,69 @@ const char* standard_name(VhdlStandard standard) {
     return "2008";
 }
 
+/// What a design is to be fitted into, and how. Nothing is fitted yet: it is told in the report.
+struct Fitting {
+    String device; ///< empty: none is named
+    String package;
+    Vector<String> switches;
+    // What came from directives of the top design.
+    bool device_by_directive = false;
+    bool package_by_directive = false;
+    Vector<String> switches_by_directive;
+};
+
+constexpr std::string_view k_device = "-d";
+constexpr std::string_view k_package = "-p";
+constexpr std::string_view k_group = "-f";
+
+/// The letter of a "-f" switch, by which one says the same as another or its contrary; 0 for
+/// other switches. To keep and to choose the polarity are one question.
+char question_of(std::string_view word) {
+    if (!word.starts_with(k_group) || word.size() == k_group.size())
+        return 0;
+    const char letter = ascii_lower(word[k_group.size()]);
+    return letter == 'k' ? 'p' : letter;
+}
+
+bool answers(const Vector<String>& switches, std::string_view word) {
+    return std::any_of(switches.begin(), switches.end(), [=](const String& known) {
+        return question_of(view(known)) == question_of(word);
+    });
+}
+
+/// The arguments' word, and what directives of the top design's source say where the arguments say
+/// nothing about it.
+Fitting find_fitting(const Options& options) {
+    Fitting fitting;
+    for (const String& word : options.fitting) {
+        if (word.starts_with(k_device))
+            fitting.device = word.substr(k_device.size());
+        else if (word.starts_with(k_package))
+            fitting.package = word.substr(k_package.size());
+        else
+            fitting.switches.push_back(word);
+    }
+    String said;
+    String device;
+    String package;
+    if (options.top.empty() || !scanDirectives(view(options.top), said, device, package))
+        return fitting;
+    if (fitting.device.empty() && !device.empty()) {
+        fitting.device = device;
+        fitting.device_by_directive = true;
+    }
+    if (fitting.package.empty() && !package.empty()) {
+        fitting.package = package;
+        fitting.package_by_directive = true;
+    }
+    std::string_view rest = view(said);
+    for (std::string_view word; next_word(rest, word);) {
+        if (!answers(fitting.switches, word) && !answers(fitting.switches_by_directive, word))
+            fitting.switches_by_directive.emplace_back(word);
+    }
+    return fitting;
+}
+
 String joined(const Vector<String>& words) {
     String line;
     for (const String& word : words) {
@@ -68,18 +134,18 @@ void write_fitting(const Options& options) {
 }
 
 String reason_of(const SourceDecision& decision, bool recompiles_all) {
-    switch (decision.verdict) {
-    case Verdict::up_to_date:
+    switch (decision.reason) {
+    case CompileReason::up_to_date:
         return format_message(msg_reason_up_to_date);
-    case Verdict::never_compiled:
+    case CompileReason::never_compiled:
         return format_message(recompiles_all ? msg_reason_all : msg_reason_never_compiled);
-    case Verdict::not_in_library:
+    case CompileReason::not_in_library:
         return format_message(msg_reason_not_in_library);
-    case Verdict::changed:
+    case CompileReason::changed:
         return format_message(msg_reason_changed);
-    case Verdict::settings:
+    case CompileReason::settings:
         return format_message(msg_reason_settings);
-    case Verdict::uses:
+    case CompileReason::uses:
         break;
     }
     return format_message(msg_reason_uses, decision.unit.c_str());

@@ -135,7 +135,7 @@ Failure analyse(Runner& runner, std::size_t number) {
         report_source(runner.report, source,
                       view(session.targets[source.library].library.place.name), decision,
                       !session.only_changed);
-    if (decision.verdict == Verdict::up_to_date && !failed_reading)
+    if (decision.reason == CompileReason::up_to_date && !failed_reading)
         return {};
     runner.anything_done = true;
     tell_warnings(runner);

@@ -24,8 +24,8 @@ SystemError make_plain_copy(CompileSession& session, SessionSource& source) {
     return failed(error) ? error : write_derived_file(view(source.ghdl_name), view(source.text));
 }
 
-/// Does the source lie where GHDL finds it again?
-bool lies_well(const CompileSession& session, const SessionSource& source) {
+/// Does GHDL find the source again where it lies?
+bool is_found_again(const CompileSession& session, const SessionSource& source) {
     GhdlSource entry;
     set_source_path(entry, view(session.current), view(source.ghdl_name));
     return make_readable(entry, view(session.targets[source.library].library.directory));
@@ -39,7 +39,7 @@ Failure read_source(CompileSession& session, SessionSource& source) {
     if (!is_readable_by_ghdl(view(source.file)))
         return {ExitStatus::errors, format_message(msg_bad_file_name, source.name.c_str())};
     if (status == TextFileStatus::read &&
-        (has_directives(view(source.text)) || !lies_well(session, source)))
+        (has_directives(view(source.text)) || !is_found_again(session, source)))
         error = make_plain_copy(session, source);
     if (status == TextFileStatus::read && !failed(error))
         return {};
@@ -112,9 +112,9 @@ bool is_changed(const ForeignSource& foreign) {
 }
 
 /// GHDL refuses a source from elsewhere that was changed since it was compiled: its units count as
-/// changed. True when that was news.
+/// changed. True when a stamp became another.
 bool check_foreign(CompileSession& session, const Vector<UnitStamp>& uses) {
-    bool news = false;
+    bool any_new = false;
     for (const UnitStamp& use : uses) {
         const auto found = session.visible.by_key.find(use.unit);
         VisibleUnits::Unit& unit = session.visible.units[found->second];
@@ -125,10 +125,10 @@ bool check_foreign(CompileSession& session, const Vector<UnitStamp>& uses) {
             foreign.changed = is_changed(foreign);
         if (foreign.changed && unit.stamp.stamp != Digest{}) {
             unit.stamp.stamp = {};
-            news = true;
+            any_new = true;
         }
     }
-    return news;
+    return any_new;
 }
 
 Vector<UnitStamp> checked_uses(CompileSession& session, const SourceScan& scan,
@@ -147,16 +147,16 @@ Failure decide_source(CompileSession& session, std::size_t number, SourceDecisio
         return failure;
     source.content = digest_of(view(source.text));
     scan_source(view(source.text), source.scan);
-    decision = {Verdict::never_compiled, {}};
+    decision = {CompileReason::never_compiled, {}};
     if (!session.only_changed)
         return {};
     const bool has_record = read_record(session, source);
     const std::string_view library = view(session.targets[source.library].library.place.name);
     decision =
-        judge(has_record ? &source.old_record : nullptr,
-              source.before.units.empty() ? nullptr : &source.before, library, source.content,
-              session.settings, checked_uses(session, source.scan, source.old_record.units));
-    if (decision.verdict != Verdict::up_to_date)
+        decide(has_record ? &source.old_record : nullptr,
+               source.before.units.empty() ? nullptr : &source.before, library, source.content,
+               session.settings, checked_uses(session, source.scan, source.old_record.units));
+    if (decision.reason != CompileReason::up_to_date)
         return {};
     source.state = SessionSource::State::up_to_date;
     source.record = source.old_record;

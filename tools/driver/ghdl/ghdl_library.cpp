@@ -1,7 +1,7 @@
 #include "tools/driver/ghdl/ghdl_library.h"
 
 #include "core/os/ascii.h"
-#include "core/vhdl/top_units.h"
+#include "core/vhdl/unit_uses.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,7 @@
 
 #include "core/common/containers.h"
 #include "tools/driver/ghdl/ghdl_line.h"
-#include "tools/driver/ghdl/source_columns.h"
-#include "tools/driver/ghdl/source_names.h"
+#include "tools/driver/ghdl/message_places.h"
 
 #include <string_view>
 

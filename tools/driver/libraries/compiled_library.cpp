@@ -15,10 +15,10 @@ String kept_path(const CompiledLibrary& library, std::string_view path) {
     const String copy = copy_path(view(library.directory), path);
     if (file_name_part(directory_part(path)) == k_copies_directory && file_exists(view(copy)))
         return copy;
-    const String way = read_vif(view(library.directory), path);
-    if (way.empty())
+    const String relative = read_vif(view(library.directory), path);
+    if (relative.empty())
         return {};
-    const String kept = absolute_path(view(library.directory), view(way));
+    const String kept = absolute_path(view(library.directory), view(relative));
     return file_exists(view(kept)) ? kept : String();
 }
 

@@ -41,8 +41,8 @@ enum class LibraryState {
 void set_source_path(GhdlSource& source, std::string_view current, std::string_view path);
 
 /// Gives a source with an absolute path the form in which GHDL can read it again from a library
-/// file in the absolute `directory`: as it stands, else the way from there. False when it refuses
-/// both.
+/// file in the absolute `directory`: as it stands, else the relative path from there. False when it
+/// refuses both.
 [[nodiscard]] bool make_readable(GhdlSource& source, std::string_view directory);
 
 /// Copies of sources that GHDL cannot be given as they are lie in this directory of their library.

@@ -26,7 +26,7 @@ Failure in_use(const LibraryPlace& place, std::string_view path) {
 }
 
 /// For the messages of those that wait; a failure costs only that.
-void sign(File& file) {
+void write_holder(File& file) {
     const String text = format_text("%lld", static_cast<long long>(current_process_id()));
     if (!failed(truncate_file(file, 0)))
         static_cast<void>(write_at(file, 0, std::as_bytes(std::span(text))));
@@ -60,7 +60,7 @@ Failure lock_library(const LibraryPlace& place, LibraryLock& lock, const WaitGua
         stop_timer(retry);
     if (failed(error))
         return library_failure(place, "lock", error);
-    sign(file);
+    write_holder(file);
     lock.file = std::move(file);
     return {};
 }

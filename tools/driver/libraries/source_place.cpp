@@ -11,10 +11,10 @@
 namespace pellux {
 namespace {
 
-constexpr std::string_view k_way_extension = "vif";
+constexpr std::string_view k_vif_extension = "vif";
 
-/// The way that a ".vif" holds; empty when it holds none.
-String read_way(std::string_view path) {
+/// The path that a ".vif" holds; empty when it holds none.
+String read_relative(std::string_view path) {
     String text;
     SystemError error = SystemError::none;
     if (read_text_file(path, k_path_capacity, text, error) != TextFileStatus::read)
@@ -28,12 +28,12 @@ String read_way(std::string_view path) {
 
 String vif_name(std::string_view library_directory, std::string_view file) {
     const std::string_view name = file_name_part(file);
-    return with_extension(view(joined_path(library_directory, name)), k_way_extension);
+    return with_extension(view(joined_path(library_directory, name)), k_vif_extension);
 }
 
 String read_vif(std::string_view library_directory, std::string_view file) {
-    const String way = read_way(view(vif_name(library_directory, file)));
-    return file_name_part(view(way)) == file_name_part(file) ? way : String();
+    const String relative = read_relative(view(vif_name(library_directory, file)));
+    return file_name_part(view(relative)) == file_name_part(file) ? relative : String();
 }
 
 Vector<String> kept_sources(std::string_view library_directory) {
@@ -45,13 +45,13 @@ Vector<String> kept_sources(std::string_view library_directory) {
     const auto visit = [](void* context, std::string_view name, FileKind) {
         auto& all = from_context<Found>(context);
         const String extension = lower_case(extension_part(name));
-        String way(name);
-        if (extension == k_way_extension)
-            way = read_way(view(joined_path(all.directory, name)));
+        String relative(name);
+        if (extension == k_vif_extension)
+            relative = read_relative(view(joined_path(all.directory, name)));
         else if (extension != "vhd" && extension != "vhdl")
             return true;
-        String source = absolute_path(all.directory, view(way));
-        if (!way.empty() && file_exists(view(source)))
+        String source = absolute_path(all.directory, view(relative));
+        if (!relative.empty() && file_exists(view(source)))
             all.sources.push_back(std::move(source));
         return true;
     };

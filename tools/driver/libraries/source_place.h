@@ -17,7 +17,7 @@ namespace pellux {
 [[nodiscard]] String read_vif(std::string_view library_directory, std::string_view file);
 
 /// The absolute paths, ascending, of the VHDL files in the library's absolute directory and of the
-/// other sources that it keeps the way to, as far as they are there.
+/// other sources that it keeps a path to, as far as they are there.
 [[nodiscard]] Vector<String> kept_sources(std::string_view library_directory);
 
 } // namespace pellux

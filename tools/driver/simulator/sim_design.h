@@ -2,7 +2,7 @@
 
 #include "core/common/containers.h"
 #include "tools/driver/exit_status.h"
-#include "tools/driver/ghdl/source_names.h"
+#include "tools/driver/ghdl/message_places.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/simulator/simulation_options.h"
 

@@ -80,8 +80,8 @@ void add_installed(SimLibraries& libraries, Vector<LibraryPlace> installed,
 String original_path(const CompiledLibrary& library, const String& path) {
     if (file_name_part(directory_part(view(path))) != k_copies_directory)
         return path;
-    const String way = read_vif(view(library.directory), view(path));
-    return way.empty() ? path : absolute_path(view(library.directory), view(way));
+    const String relative = read_vif(view(library.directory), view(path));
+    return relative.empty() ? path : absolute_path(view(library.directory), view(relative));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "tools/driver/ghdl/source_names.h"
+#include "tools/driver/ghdl/message_places.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/libraries/installed_libraries.h"
 #include "tools/driver/libraries/run_directory.h"

@@ -46,7 +46,7 @@ bool is_ghdls_file(std::string_view file) {
     return is_absolute(file) || file.starts_with("..") || file.starts_with('*');
 }
 
-void settle(SimTranslator& output) {
+void end_diagnostic(SimTranslator& output) {
     end_translation(output.translator);
     // A report is told as often as it is made.
     output.translator.told.clear();
@@ -61,7 +61,7 @@ void forward(SimTranslator& output, std::string_view line, GhdlLevel level) {
 /// Tells it in the form of the compiler's messages.
 void tell_at(SimTranslator& output, const GhdlLine& place, GhdlLevel level, const String& text) {
     const std::string_view word = k_severities[static_cast<std::size_t>(level)].word;
-    settle(output);
+    end_diagnostic(output);
     forward(output,
             view(format_text("%s:%d:%d:%s: %s", String(place.file).c_str(), place.line,
                              place.column, String(word).c_str(), text.c_str())),
@@ -87,7 +87,7 @@ bool take_report(SimTranslator& output, const GhdlLine& line) {
         tell_at(output, line, row.level, format_message(message, time.c_str(), told.c_str()));
         // Lines that say where follow a failure alone.
         if (!row.is_failure)
-            settle(output);
+            end_diagnostic(output);
         return true;
     }
     return false;
@@ -98,7 +98,7 @@ void take_tool_line(SimTranslator& output, std::string_view line, const GhdlLine
     constexpr std::string_view k_information = "info: ";
     const std::string_view text = parsed.text;
     if (text.starts_with(k_information)) {
-        settle(output);
+        end_diagnostic(output);
         output.translator.plain_line(output.translator.context, text.substr(k_information.size()));
         return;
     }
@@ -114,7 +114,7 @@ void take_tool_line(SimTranslator& output, std::string_view line, const GhdlLine
             return;
         }
     }
-    settle(output);
+    end_diagnostic(output);
     forward(output, line, parsed.level);
 }
 
@@ -134,7 +134,7 @@ void take_text(SimTranslator& output, std::string_view line) {
             translate_line(translator, view(String("    ") += line));
         return;
     }
-    settle(output);
+    end_diagnostic(output);
     output.simulating = true;
     if (is_failed_end(line))
         forward(output, view(String("error:") += line), GhdlLevel::error);
@@ -171,7 +171,7 @@ void translate_simulation_line(SimTranslator& output, std::string_view line) {
 }
 
 void end_simulation_output(SimTranslator& output) {
-    settle(output);
+    end_diagnostic(output);
 }
 
 } // namespace pellux

@@ -1,4 +1,4 @@
-#include "tools/driver/ghdl/source_columns.h"
+#include "tools/driver/ghdl/message_places.h"
 
 #include "core/common/text_file.h"
 #include "core/common/utf8.h"
@@ -55,6 +55,25 @@ std::size_t byte_at(std::string_view line, int column) {
 }
 
 } // namespace
+
+std::string_view shown_name(SourceNames& names, std::string_view path) {
+    for (const SourceNames::Name& name : names.names) {
+        if (name.ghdl == path)
+            return view(name.given);
+    }
+    FileStat wanted;
+    if (failed(stat_file(path, wanted)) || wanted.kind != FileKind::regular)
+        return path;
+    for (SourceNames::Name& name : names.names) {
+        if (!name.looked_up && failed(stat_file(view(name.ghdl), name.stat)))
+            name.stat.kind = FileKind::none;
+        name.looked_up = true;
+        if (name.stat.kind == FileKind::regular && name.stat.device == wanted.device &&
+            name.stat.inode == wanted.inode)
+            return view(name.given);
+    }
+    return path;
+}
 
 int character_column(SourceLines& lines, std::string_view file, int line, int column) {
     const SourceLines::Source& source = source_of(lines, file);

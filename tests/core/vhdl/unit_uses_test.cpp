@@ -1,4 +1,4 @@
-#include "core/vhdl/top_units.h"
+#include "core/vhdl/unit_uses.h"
 
 #include <gtest/gtest.h>
 
