@@ -83,16 +83,22 @@ int analyse(const std::string& file) {
         say_each(file, 3, "warning: doubt [-Wunused]");
     if (role == "errors" || role == "endless")
         say_each(file, 5, " fault");
-    if (role == "flood")
-        say_each(file, 20000, " fault");
+    // Lines of all lengths, so that packets are filled to the last byte.
+    for (int i = 1; role == "flood" && i <= 20000; ++i)
+        say(file + ":" + std::to_string(i) +
+            ":1: " + std::string(1U + static_cast<unsigned>(i) % 97, 'x') + "\n");
     if (role == "endless")
         hang();
     if (role == "fault")
         say("******* Bug occurred *******\n");
     if (role == "killed")
         ::raise(SIGKILL);
+    // Those that just fit into a packet, and do not, then one that fits into none.
+    for (int i = 1; role == "long" && i < 10; ++i)
+        say(file + ":" + std::to_string(i) +
+            ":1: " + std::string(988U + static_cast<unsigned>(i), 'x') + "\n");
     if (role == "long")
-        say(file + ":1:1: " + std::string(5000, 'x'));
+        say(file + ":10:1: " + std::string(5000, 'x'));
     if (role == "raw")
         say(file + std::string(":1:1: a\0b\rc\r\n", 13));
     // The grandchild holds the pipe open after its parent's end.

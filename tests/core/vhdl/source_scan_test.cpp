@@ -113,40 +113,38 @@ struct Piece {
 /// A character literal stands behind one of the delimiters only.
 constexpr std::size_t k_characters = 3;
 constexpr std::size_t k_delimiters = 6;
-const std::vector<Piece> k_pieces{
-    {"'\"'", {}},
-    {"'''", {}},
-    {"'-'", {}},
-    {":=", {}},
-    {"<=", {}},
-    {"?/=", {}},
-    {"(", {}},
-    {"*", {}},
-    {";", {}},
-    {"Foo", {"foo"}},
-    {"\xC9t\xE9_1", {"\xE9t\xE9_1"}},
-    {"is", {"is"}},
-    {"\\Ex \" -- t\\", {"\\Ex \" -- t\\"}},
-    {"\\a\\\\'\\", {"\\a\\\\'\\"}},
-    {"\"s -- '\"\"/*\"", {}},
-    {"a_type'('(','\"')", {"a_type"}},
-    {"e'attr'b", {"e", "attr", "b"}},
-    {"16#FF.a#E-2", {}},
-    {"8:17:", {}},
-    {"1_0.5", {}},
-    {"X\"1F\"", {}},
-    {"12ux\"--\"", {"ux"}},
-};
+const std::vector<Piece> k_pieces{{"'\"'", {}},
+                                  {"'''", {}},
+                                  {"'-'", {}},
+                                  {":=", {}},
+                                  {"<=", {}},
+                                  {"?/=", {}},
+                                  {"(", {}},
+                                  {"*", {}},
+                                  {";", {}},
+                                  {"\"s -- '\"\"/*\"", {}},
+                                  {"16#FF.a#E-2", {}},
+                                  {"8:17:", {}},
+                                  {"1_0.5", {}},
+                                  {"X\"1F\"", {}},
+                                  {"Foo", {"foo"}},
+                                  {"is", {"is"}},
+                                  {"\xC9t\xE9_1", {"\xE9t\xE9_1"}},
+                                  {"\\Ex \" -- t\\", {"\\Ex \" -- t\\"}},
+                                  {"\\a\\\\'\\", {"\\a\\\\'\\"}},
+                                  {"a_type'('(','\"')", {"a_type"}},
+                                  {"e'attr'b", {"e", "attr", "b"}},
+                                  {"12ux\"--\"", {"ux"}}};
 
 /// White space and comments of any sort between two tokens.
 std::string gap(std::mt19937& random) {
-    static const std::vector<std::string> s_gaps{" ",    "\n",
-                                                 "\t",   "\r\n",
-                                                 "\xA0", " -- it's \"x\n",
-                                                 "--\r", "-- c\f",
-                                                 "--\v", "/* ' \" -- \n */",
-                                                 "/***/"};
-    return s_gaps[random() % s_gaps.size()];
+    constexpr const char* k_gaps[] = {" ",    "\n",
+                                      "\t",   "\r\n",
+                                      "\xA0", " -- it's \"x\n",
+                                      "--\r", "-- c\f",
+                                      "--\v", "/* ' \" -- \n */",
+                                      "/***/"};
+    return k_gaps[random() % std::size(k_gaps)];
 }
 
 TEST(SourceScan, SoupOfKnownTokensIsTakenApart) {
@@ -180,32 +178,20 @@ TEST(SourceScan, SoupOfKnownTokensIsTakenApart) {
 }
 
 TEST(TokenDigest, WhiteSpaceCountsOnlyWhereGhdlMindsIt) {
+    struct Pair {
+        const char* a;
+        const char* b;
+    };
     for (const auto& [a, b] :
-         std::vector<std::pair<std::string, std::string>>{{"a<=b;", "a <= b ;"},
-                                                          {"t'('a')", "t ' ( 'a' )"},
-                                                          {"is\"x\"", "is \"x\""},
-                                                          {"x(1)", "x ( 1 )"},
-                                                          {"a:=-1", "a := - 1"},
-                                                          {"a**(-b)", "a ** ( - b )"}})
+         {Pair{"a<=b;", "a <= b ;"}, Pair{"t'('a')", "t ' ( 'a' )"}, Pair{"is\"x\"", "is \"x\""},
+          Pair{"x(1)", "x ( 1 )"}, Pair{"a:=-1", "a := - 1"}, Pair{"a**(-b)", "a ** ( - b )"}})
         EXPECT_EQ(token_digest(a), token_digest(b)) << a;
     for (const auto& [a, b] :
-         std::vector<std::pair<std::string, std::string>>{{"a <= b", "a < = b"},
-                                                          {"10ns", "10 ns"},
-                                                          {"x\"1\"", "x \"1\""},
-                                                          {"ux\"1\"", "ux \"1\""},
-                                                          {"4x\"1\"", "4 x\"1\""},
-                                                          {"1.5", "1 . 5"},
-                                                          {"1e3", "1 e3"},
-                                                          {"16#F#", "16 #F#"},
-                                                          {"\"a\"\"b\"", "\"a\" \"b\""},
-                                                          {"ab", "a b"},
-                                                          {"a", "A"},
-                                                          {"\"a b\"", "\"a  b\""},
-                                                          {"\\a\\b", "\\a\\ b"},
-                                                          {"'x'", "' x '"},
-                                                          {"a", "a;"},
-                                                          {"a?/=b", "a? /=b"},
-                                                          {"", "a"}})
+         {Pair{"a <= b", "a < = b"}, Pair{"10ns", "10 ns"}, Pair{"x\"1\"", "x \"1\""},
+          Pair{"ux\"1\"", "ux \"1\""}, Pair{"4x\"1\"", "4 x\"1\""}, Pair{"1.5", "1 . 5"},
+          Pair{"1e3", "1 e3"}, Pair{"16#F#", "16 #F#"}, Pair{"\"a\"\"b\"", "\"a\" \"b\""},
+          Pair{"ab", "a b"}, Pair{"a", "A"}, Pair{"\"a b\"", "\"a  b\""}, Pair{"\\a\\b", "\\a\\ b"},
+          Pair{"'x'", "' x '"}, Pair{"a", "a;"}, Pair{"a?/=b", "a? /=b"}, Pair{"", "a"}})
         EXPECT_NE(token_digest(a), token_digest(b)) << a;
 }
 

@@ -76,7 +76,7 @@ TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
     environment.run(words, 1);
     const ToolRun run = run_brix(words);
     EXPECT_EQ(environment.text, run.text);
-    EXPECT_EQ(line_count(run.text), 4 + 5 + 1 + 20000);
+    EXPECT_EQ(line_count(run.text), 4 + 5 + 10 + 20000);
     EXPECT_NE(run.text.find("col 1):  " + std::string(5000, 'x') + "\n"), std::string::npos);
     // Lines are joined: far fewer packets than lines.
     EXPECT_LT(environment.packets, 3000u);

@@ -61,6 +61,10 @@ TEST(Libraries, EachNameIsFoundInTheFirstPlaceThatHasIt) {
     EXPECT_TRUE(found.targets[2].is_installed);
     EXPECT_TRUE(found.targets[3].is_installed);
     EXPECT_EQ(make_plan(options, found).failure.text, "Library 'elib' is an installed library.");
+    // One library is one target, in its own place, whatever its case.
+    options.files = {{"a.vhd", "ALIB"}, {"b.vhd", "new"}, {"e.vhd", "ALib"}};
+    EXPECT_EQ(make_plan(options, found).targets,
+              (Vector<LibraryPlace>{{"alib", "Alib"}, {"new", "new"}}));
 }
 
 } // namespace

@@ -37,7 +37,8 @@ TEST_F(RealGhdl, LibrariesSeeEachOtherUnderTheChosenStandard) {
     scratch.write("p.vhd", "package p is constant c : integer := 1; end;\n");
     scratch.write("use.vhd", "library lib; use lib.p.all;\nentity u is generic (g : integer := c); "
                              "end;\n");
-    EXPECT_EQ(run_brix({"-q", "-v93", "-aLib", "p.vhd", "use.vhd"}).status, 0);
+    scratch.write("q.vhd", "package q is end;\n");
+    EXPECT_EQ(run_brix({"-q", "-v93", "-aLib", "p.vhd", "-alib", "q.vhd", "use.vhd"}).status, 0);
     // A library made by an earlier run is found, for the same standard only.
     EXPECT_EQ(run_brix({"-q", "-v93", "use.vhd"}).status, 0);
     EXPECT_EQ(run_brix({"-q", "use.vhd"}).status, 1);
