@@ -1,5 +1,6 @@
 #include "core/objects/object_reader.h"
 
+#include "core/common/visible_text.h"
 #include "core/diagnostics/reporter.h"
 #include "core/objects/messages.h"
 
@@ -204,7 +205,7 @@ const ClassRecord* ObjectReader::read_class(StreamMark mark) {
             if (class_name.view() == entry.from->name)
                 record = entry.to;
         if (record == nullptr)
-            error(-1, msg_class_not_found, class_name.c_str());
+            error(-1, msg_class_not_found, visible_text(class_name.view()).c_str());
     }
     const std::uint16_t number = get_u16();
     if (damaged_ || number >= classes_.size())

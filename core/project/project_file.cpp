@@ -1,6 +1,7 @@
 #include "core/project/project_file.h"
 
 #include "core/common/callback.h"
+#include "core/common/visible_text.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/clock.h"
 #include "core/os/safe_copy.h"
@@ -18,7 +19,8 @@ Owned<Project> read_root(ObjectReader& reader, ProjectHeader& header) {
     }
     ProjectVersion version{};
     if (!find_version(reader.head().program_version, version)) {
-        tell(msg_version_not_supported, reader.name(), reader.head().program_version.c_str());
+        tell(msg_version_not_supported, reader.name(),
+             visible_text(reader.head().program_version.view()).c_str());
         return nullptr;
     }
     reader.layout = static_cast<int>(version);
