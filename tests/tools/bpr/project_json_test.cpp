@@ -87,71 +87,70 @@ TEST_F(ProjectJson, WhatIsLeftOutIsAsInANewProject) {
     }
 }
 
+std::string in_project(const std::string& fields) {
+    return "{\"project\": {" + fields + "}}";
+}
+
+std::string in_source(const std::string& fields) {
+    return in_project("\"sources\": [{\"file_name\": \"a\"}, {" + fields + "}]");
+}
+
 TEST_F(ProjectJson, WhatDoesNotFitIsToldWithItsPlace) {
+    const std::string text = ": a text or null is expected";
+    const std::string nul = ": a text can't hold the character 0";
+    const std::string hex = ": pairs of hexadecimal digits are expected";
+    const std::string flags = ": a whole number from -2147483648 to 2147483647 is expected";
+    const std::string word = ": a whole number from 0 to 4294967295 is expected";
+    const std::string words = "project.sources[1].words";
+    const std::string eight = words + ": an array of 8 numbers is expected";
+    const std::string top =
+        "project.top_design: the number or name of a source, or null, is expected";
+    const std::string name = "project.sources[1].file_name: the name of a file is expected";
     const struct {
-        std::string text;
-        std::string message;
+        std::string json;
+        std::string message; ///< between the document's name and the full stop
     } rows[] = {
-        {"", "'p.json': line 1, column 1: this is no JSON document."},
-        {"{\n  \"project\": {},\n  oops\n}",
-         "'p.json': line 3, column 3: this is no JSON document."},
-        {"{\"project\":\xFF}", "'p.json': line 1, column 12: this is no JSON document."},
-        {{"{}\n \0{}", 7}, "'p.json': line 2, column 2: this is no JSON document."},
-        {R"({"project": {"options": {"flags": 1e400}}})",
-         "'p.json': project.options.flags: a whole number from -2147483648 to 2147483647 is "
-         "expected."},
-        {R"({"project": {"sources": [{"words": [0, -1e400]}]}})",
-         "'p.json': project.sources[0].words[1]: a whole number from 0 to 4294967295 is expected."},
-        {"[]", "'p.json': the document: an object is expected."},
-        {R"({"project": 1})", "'p.json': project: an object is expected."},
-        {R"({"projekt": {}})", "'p.json': projekt: unknown key."},
-        {"{\"" + std::string(199, 'a') + "\u00F6b\": 1}",
-         "'p.json': " + std::string(199, 'a') + "\u00F6...: unknown key."},
-        {R"({"\u001b\n": 1})", "'p.json': \\u001b\\u000a: unknown key."},
-        {R"({"project": {"sources": [{"file_name": "a"}, {"options": {"tabs": 1}}]}})",
-         "'p.json': project.sources[1].options.tabs: unknown key."},
-        {R"({"project": {"sources": {}}})", "'p.json': project.sources: an array is expected."},
-        {R"({"project": {"file_name": 3}})",
-         "'p.json': project.file_name: a text or null is expected."},
-        {R"({"project": {"file_name": {}}})",
-         "'p.json': project.file_name: a text or null is expected."},
-        {R"({"project": {"file_name": "a\u0000"}})",
-         "'p.json': project.file_name: a text can't hold the character 0."},
-        {R"({"project": {"file_name": {"bytes": "61 00"}}})",
-         "'p.json': project.file_name.bytes: a text can't hold the character 0."},
-        {R"({"project": {"file_name": {"bytes": "61  62"}}})",
-         "'p.json': project.file_name.bytes: pairs of hexadecimal digits are expected."},
-        {R"({"project": {"options": {"tab_width": 32768}}})",
-         "'p.json': project.options.tab_width: a whole number from -32768 to 32767 is expected."},
-        {R"({"project": {"options": {"flags": 1.5}}})",
-         "'p.json': project.options.flags: a whole number from -2147483648 to 2147483647 is "
-         "expected."},
-        {R"({"project": {"sources": [{"words": [0,0,0,0,0,0,0,-1]}]}})",
-         "'p.json': project.sources[0].words[7]: a whole number from 0 to 4294967295 is expected."},
-        {R"({"project": {"sources": [{"words": [1]}]}})",
-         "'p.json': project.sources[0].words: an array of 8 numbers is expected."},
-        {R"({"project": {"sources": [{"kind": 2}]}})",
-         "'p.json': project.sources[0].kind: 0 or 1 is expected."},
-        {R"({"project": {"sources": [{"file_name": "a"}, {"file_name": ""}]}})",
-         "'p.json': project.sources[1].file_name: the name of a file is expected."},
-        {R"({"project": {"sources": [{}]}})",
-         "'p.json': project.sources[0].file_name: the name of a file is expected."},
-        {R"({"project": {"top_design": 1, "sources": [{"file_name": "a"}]}})",
-         "'p.json': project.top_design: the number or name of a source, or null, is expected."},
-        {R"({"project": {"top_design": "A", "sources": [{"file_name": "a"}]}})",
-         "'p.json': project.top_design: the number or name of a source, or null, is expected."},
-        {R"({"project": {"print_record": "0AF"}})",
-         "'p.json': project.print_record: pairs of hexadecimal digits are expected."},
+        {"", "line 1, column 1: this is no JSON document"},
+        {"{\n  \"project\": {},\n  oops\n}", "line 3, column 3: this is no JSON document"},
+        {"{\"\u00F6\xFF\":}", "line 1, column 4: this is no JSON document"},
+        {{"{}\n \0{}", 7}, "line 2, column 2: this is no JSON document"},
+        {"[]", "the document: an object is expected"},
+        {R"({"project": 1})", "project: an object is expected"},
+        {R"({"projekt": {}})", "projekt: unknown key"},
         {R"({"header": {"version": "1X07"}})",
-         "'p.json': header.version: \"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected."},
-        {R"({"project": {"sources": [{"note": "", "note": null}]}})",
-         "'p.json': project.sources[0].note: this key stands twice in one object."},
+         "header.version: \"1x04\", \"1x05\", \"1x06\" or \"1x07\" is expected"},
+        {"{\"" + std::string(199, 'a') + "\u00F6b\": 1}",
+         std::string(199, 'a') + "\u00F6...: unknown key"},
+        {R"({"\u001b\n": 1})", "\\u001b\\u000a: unknown key"},
+        {in_project(R"("sources": {})"), "project.sources: an array is expected"},
+        {in_project(R"("file_name": 3)"), "project.file_name" + text},
+        {in_project(R"("file_name": {})"), "project.file_name" + text},
+        {in_project(R"("file_name": "a\u0000")"), "project.file_name" + nul},
+        {in_source(R"("note": {"bytes": "61 00"})"), "project.sources[1].note.bytes" + nul},
+        {in_source(R"("note": {"bytes": "61  62"})"), "project.sources[1].note.bytes" + hex},
+        {in_project(R"("print_record": "0AF")"), "project.print_record" + hex},
+        {in_project(R"("options": {"flags": 1e400})"), "project.options.flags" + flags},
+        {in_project(R"("options": {"flags": 2147483648})"), "project.options.flags" + flags},
+        {in_project(R"("top_design": 1, "sources": [{"file_name": "a"}])"), top},
+        {in_project(R"("top_design": "A", "sources": [{"file_name": "a"}])"), top},
+        {in_source(R"("options": {"tabs": 1})"), "project.sources[1].options.tabs: unknown key"},
+        {in_source(R"("options": {"tab_width": 32768})"),
+         "project.sources[1].options.tab_width: a whole number from -32768 to 32767 is expected"},
+        {in_source(R"("kind": 2)"), "project.sources[1].kind: 0 or 1 is expected"},
+        {in_source(R"("words": [1.5])"), words + "[0]" + word},
+        {in_source(R"("words": [0, -1e400])"), words + "[1]" + word},
+        {in_source(R"("words": [0,0,-1])"), words + "[2]" + word},
+        {in_source(R"("words": [0,0,0,0,0,0,0])"), eight},
+        {in_source(R"("words": [0,0,0,0,0,0,0,0,0])"), eight},
+        {in_source(R"("file_name": "")"), name},
+        {in_source(R"("kind": 0)"), name},
+        {in_source(R"("note": "", "note": null)"),
+         "project.sources[1].note: this key stands twice in one object"},
     };
     for (const auto& row : rows) {
         header_ = {};
-        EXPECT_EQ(parse(row.text), nullptr) << row.text;
-        ASSERT_EQ(said_.size(), 1U) << row.text;
-        EXPECT_EQ(said_[0], row.message);
+        EXPECT_EQ(parse(row.json), nullptr) << row.json;
+        EXPECT_EQ(said_, std::vector<std::string>{"'p.json': " + row.message + "."}) << row.json;
     }
 }
 
