@@ -37,7 +37,7 @@ int rename_without_replacing(const char* from, const char* to) {
 
 FileKind entry_kind(int directory, const dirent64& entry) {
     if (entry.d_type != DT_UNKNOWN)
-        return kind_of(DTTOIF(entry.d_type));
+        return kind_of(static_cast<mode_t>(DTTOIF(entry.d_type)));
     struct stat stat;
     if (::fstatat(directory, entry.d_name, &stat, AT_SYMLINK_NOFOLLOW) != 0)
         return FileKind::none;
