@@ -1,4 +1,4 @@
-#include "tools/bpr/compile_command.h"
+#include "tools/bpr/commands.h"
 
 #include "core/common/callback.h"
 #include "core/common/visible_text.h"
@@ -7,11 +7,8 @@
 #include "core/os/argument_vector.h"
 #include "core/os/interruption.h"
 #include "core/project/compile_arguments.h"
-#include "core/project/project_file.h"
-#include "tools/bpr/exit_status.h"
 #include "tools/bpr/messages.h"
 #include "tools/bpr/terminal.h"
-#include "tools/bpr/write_result.h"
 
 namespace pellux {
 namespace {
