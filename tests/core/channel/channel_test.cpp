@@ -175,9 +175,7 @@ TEST_F(ChannelTest, TopicMustNameALiveServerOfTheProcess) {
 
 TEST_F(ChannelTest, DamageEndsTheConnectionAndNothingElse) {
     Environment environment;
-    for (const std::string& damage :
-         {word(0, 4), word(65537, 4), word(0xffffffff, 4), frame("X"), frame("P\5"),
-          frame("P\xff\xff"), k_taken, message(16, 0), environment.hello}) {
+    for (const std::string& damage : {word(0, 4), k_taken, environment.hello}) {
         const RawChild steady(environment);
         turn_until_idle();
         environment.log.clear();
@@ -188,37 +186,8 @@ TEST_F(ChannelTest, DamageEndsTheConnectionAndNothingElse) {
     }
     turn_until_idle();
     environment.log.clear();
-    for (const std::string& damage : {poke("1", "0early"), word(0, 4), frame("Q")})
-        EXPECT_EQ(RawChild(environment.address).say(damage), "$");
+    EXPECT_EQ(RawChild(environment.address).say(poke("1", "0early")), "$");
     EXPECT_EQ(environment.log, "");
-}
-
-TEST_F(ChannelTest, HalfAFrameHoldsUpNobodyAndIsNeverHandedOver) {
-    Environment environment;
-    {
-        const std::string cut = poke("1", "0half a line");
-        const RawChild silent(environment, cut.substr(0, cut.size() - 1));
-        EXPECT_EQ(RawChild(environment).say(poke("2", "0whole")), k_yes + k_taken);
-        EXPECT_EQ(channel_connection_count(*environment.server), 2U);
-    }
-    turn_until_idle();
-    EXPECT_EQ(environment.log,
-              environment.connected + environment.connected + "poke 2 0whole\nclosed\nclosed\n");
-    EXPECT_EQ(channel_connection_count(*environment.server), 0U);
-}
-
-TEST_F(ChannelTest, ConnectionIsReadToItsEndAfterTheChildIsGone) {
-    for (const bool drained : {true, false}) {
-        Environment environment(true);
-        const std::size_t sent = RawChild(environment).flood(poke("1", std::string(1000, 'x')));
-        EXPECT_GT(sent * 1000, k_channel_turn_max);
-        if (drained)
-            drain_channel_server(*environment.server);
-        else
-            turn_until_idle();
-        EXPECT_EQ(environment.pokes, sent);
-        EXPECT_EQ(environment.log, environment.connected + "closed\n");
-    }
 }
 
 TEST_F(ChannelTest, OneTurnReadsABoundedAmountOfAllConnections) {
@@ -233,78 +202,45 @@ TEST_F(ChannelTest, OneTurnReadsABoundedAmountOfAllConnections) {
     EXPECT_LE(environment.poked_bytes, k_channel_turn_max);
 }
 
-/// The results of the replies in `bytes`, as runs, and how many messages are among them.
-std::string replies_in(const std::string& bytes, std::size_t& messages) {
-    FrameReader reader;
-    std::string told;
-    std::uint16_t last = 0;
-    std::size_t count = 0;
-    const auto end_run = [&] {
-        if (count != 0)
-            told += std::to_string(count) + " x " + std::to_string(last) + "\n";
-        count = 0;
-    };
-    std::span<const std::byte> rest = pellux::bytes(bytes);
-    for (Frame frame; next_frame(reader, rest, frame) == FrameStatus::complete;) {
-        if (frame.kind == FrameKind::message) {
-            ++messages;
-            continue;
-        }
-        if (frame.result != last)
-            end_run();
-        last = frame.result;
-        ++count;
-    }
-    EXPECT_EQ(reader.position, 0U) << "half a frame";
-    end_run();
-    return told;
+std::string repeated(const std::string& text, std::size_t count) {
+    std::string all;
+    for (; count > 0; --count)
+        all += text;
+    return all;
 }
 
 TEST_F(ChannelTest, ChildThatTakesNoRepliesIsReadAllTheSame) {
     Environment environment(true);
     const RawChild deaf(environment);
     constexpr std::size_t count = 50'000;
-    const std::string packet = poke("", "");
-    std::string packets;
-    for (std::size_t i = 0; i < count; ++i)
-        packets += packet;
-    const auto flood = [&] {
-        for (std::size_t sent = 0; sent < packets.size();) {
+    const std::string packets = repeated(poke("", ""), count);
+    std::string expected = k_yes;
+    for (const std::uint16_t answer : {k_poke_taken, std::uint16_t{0}, k_poke_taken}) {
+        environment.answer = answer;
+        expected += repeated(reply(answer), count);
+        for (std::size_t sent = 0; sent < packets.size(); turn_until_idle())
             sent += deaf.send(packets.substr(sent));
-            turn_until_idle();
-        }
-    };
-    flood();
-    environment.answer = 0;
-    flood();
-    environment.answer = k_poke_taken;
-    flood();
+    }
     EXPECT_EQ(environment.pokes, 3 * count);
     std::size_t messages = 0;
     while (messages < 1000 && send_channel_message(environment.last_connection, 1, 0))
         ++messages;
-    EXPECT_LT(messages, 1000U);
-    EXPECT_GT(messages, 5U);
+    EXPECT_TRUE(messages > 5 && messages < 1000) << messages;
     EXPECT_EQ(RawChild(environment).say(poke("1", "0still here")), k_yes + k_taken);
 
-    const auto receive_all = [&] {
-        std::string received = deaf.receive();
-        while (run_turn(TurnWait::none) != TurnResult::idle)
-            received += deaf.receive();
-        return received + deaf.receive();
-    };
-    std::size_t seen = 0;
-    const std::string all = std::to_string(count) + " x ";
-    EXPECT_EQ(replies_in(receive_all(), seen),
-              "1 x 1\n" + all + "32768\n" + all + "0\n" + all + "32768\n");
-    EXPECT_EQ(seen, messages);
-    // Where results change all the time, they can't be kept.
+    std::string received = deaf.receive();
+    while (run_turn(TurnWait::none) != TurnResult::idle)
+        received += deaf.receive();
+    received += deaf.receive();
+    for (; messages > 0; --messages)
+        received.erase(received.find(message(1, 0)), k_message_frame_size);
+    EXPECT_TRUE(received == expected);
+    // Where results change all the time they can't be kept.
     environment.alternates = k_poke_taken;
-    flood();
+    for (std::size_t sent = 0; sent < packets.size(); turn_until_idle())
+        sent += deaf.send(packets.substr(sent));
     EXPECT_EQ(environment.pokes, 4 * count + 1);
     EXPECT_FALSE(send_channel_message(environment.last_connection - 1, 1, 0));
-    replies_in(receive_all(), seen);
-    EXPECT_EQ(deaf.say(packet), "");
 }
 
 TEST_F(ChannelTest, ServerOrConnectionMayBeEndedInsideEachOfTheEvents) {

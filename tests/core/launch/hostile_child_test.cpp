@@ -88,10 +88,6 @@ TEST_F(HostileChild, TextIsHandedOverAsItIs) {
          {"hello", "deaf", "times=100000", says(line), completes(3)},
          repeated(line, 100000),
          3},
-        {"10 MB in a line",
-         {"hello", "times=10300", says(piece), completes(0)},
-         repeated(piece, 10300),
-         0},
     };
     for (const Row& row : rows)
         play(row);
@@ -104,11 +100,6 @@ TEST_F(HostileChild, DamageEndsAConnectionAndNeverTheLaunch) {
           "before again",
           3});
     play({"damage only", {"connect", sends(reply(1)), "exit=0"}, "", 1});
-    play({"topics that name no spawner, and none at all",
-          {"hello=abc", "closed", "hello=7", "closed", "hello=-1", "closed", "connect",
-           says("early"), "closed", "hello", says("x"), completes(0)},
-          "x",
-          0});
 }
 
 TEST_F(HostileChild, EveryConnectionOfALaunchIsHeard) {

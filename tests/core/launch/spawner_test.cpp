@@ -113,19 +113,6 @@ TEST_F(SpawnerTest, AHaltedChildClosesByItselfOrIsEnded) {
     EXPECT_EQ(log_.ends, 2);
 }
 
-TEST_F(SpawnerTest, SpawnersHaveNumbersOfTheirOwnAndDoNotMixTexts) {
-    Log other;
-    Spawner first(Log::take, &log_);
-    Spawner second(Log::take, &other);
-    EXPECT_NE(first.handle(), second.handle());
-    ASSERT_TRUE(launch(first, {"flood=1000"}));
-    ASSERT_TRUE(launch(second, {"hello", says("second"), completes(2)}));
-    EXPECT_EQ(second.wait(), 2);
-    EXPECT_EQ(first.wait(), 0);
-    EXPECT_EQ(other.text, "second");
-    EXPECT_EQ(log_.text.size(), 80000U);
-}
-
 TEST_F(SpawnerTest, QuittingTheLoopEndsTheWait) {
     log_.quit_at_text = true;
     Spawner spawner(Log::take, &log_);
