@@ -11,10 +11,7 @@ namespace pellux {
 
 enum class ControlKind {
     button,
-    check,
-    radio,
     edit,
-    text,
     list,        ///< one entry is chosen
     list_many,   ///< any number of entries is
     list_button, ///< a list that drops down
@@ -33,8 +30,6 @@ struct ControlSpec {
 /// A control of the desktop's own kind. What happens to it comes to its parent as a control event,
 /// and so do, as character events, the keys that it has no use for.
 Window xvt_ctl_create(const ControlSpec& spec);
-void xvt_ctl_set_checked(Window control, bool is_checked);
-[[nodiscard]] bool xvt_ctl_is_checked(Window control);
 
 // Entries of the list kinds, counted from 0. All of this costs little for 10,000 of them.
 

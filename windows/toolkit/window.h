@@ -46,7 +46,6 @@ void xvt_win_accept_drops(Window window, bool accepts);
 void xvt_vobj_destroy(Window window); ///< with everything in it; the destruction event comes now
 [[nodiscard]] bool xvt_vobj_is_valid(Window window);
 [[nodiscard]] Window xvt_vobj_get_parent(Window window);
-[[nodiscard]] int xvt_vobj_get_id(Window window);
 /// Top left 0, in the window's own units; the task window's is the area below its menus.
 [[nodiscard]] Rect xvt_vobj_get_client_rect(Window window);
 /// With the frame: in the parent's client area or, for the task window, on the screen. Of a window
@@ -75,11 +74,6 @@ void xvt_vobj_maximize(Window window);
 void xvt_vobj_set_tool_tip(Window window, std::string_view text);
 /// What a screen reader calls it, where the title does not say it.
 void xvt_vobj_set_name(Window window, std::string_view name);
-void xvt_vobj_set_data(Window window, void* data);
-[[nodiscard]] void* xvt_vobj_get_data(Window window);
-
-/// Device pixels for a logical one where the window stands; 1 for a window that is gone.
-[[nodiscard]] double xvt_vobj_get_pixel_ratio(Window window);
 
 // The screen.
 

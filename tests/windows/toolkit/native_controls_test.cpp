@@ -41,11 +41,10 @@ TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
     in_application([] {
         Form form;
         const Window button = form.add(ControlKind::button, "&Go");   // 1
-        const Window check = form.add(ControlKind::check, "&Check");  // 27
-        const Window edit = form.add(ControlKind::edit, "");          // 53
-        const Window list = form.add(ControlKind::list, "Files", 80); // 79
-        const Window combo = form.add(ControlKind::list_button, "");  // 161
-        const Window field = form.add(ControlKind::list_edit, "");    // 187
+        const Window edit = form.add(ControlKind::edit, "");          // 27
+        const Window list = form.add(ControlKind::list, "Files", 80); // 53
+        const Window combo = form.add(ControlKind::list_button, "");  // 135
+        const Window field = form.add(ControlKind::list_edit, "");    // 161
         const Vector<String> items = {"a", "b", "c"};
         for (const Window each : {list, combo, field}) {
             xvt_list_set_items(each, items);
@@ -53,31 +52,28 @@ TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
             xvt_list_set_selection(each, 1);
             EXPECT_EQ(xvt_list_get_selection(each), 1);
         }
-        xvt_ctl_set_checked(check, true);
         xvt_vobj_set_title(edit, "text");
         EXPECT_EQ(form.take(), "") << "the program's own changes are told";
 
         click(button, {20, 10});
-        click(check, {8, 12});
-        EXPECT_EQ(form.take(), "pressed 1; pressed 27; ");
-        EXPECT_FALSE(xvt_ctl_is_checked(check));
+        EXPECT_EQ(form.take(), "pressed 1; ");
         xvt_vobj_set_focus(edit);
         type_text("x");
         press_key("Return");
-        EXPECT_EQ(form.take(), "edited 53; chosen 53; ");
+        EXPECT_EQ(form.take(), "edited 27; chosen 27; ");
         EXPECT_EQ(xvt_vobj_get_title(edit), "textx");
         xvt_vobj_set_focus(list);
         press_key("Down");
         press_key("Return");
-        EXPECT_EQ(form.take(), "selected 79; chosen 79; ");
+        EXPECT_EQ(form.take(), "selected 53; chosen 53; ");
         EXPECT_EQ(xvt_list_get_selection(list), 2);
         xvt_vobj_set_focus(combo);
         press_key("Down");
-        EXPECT_EQ(form.take(), "selected 161; ");
+        EXPECT_EQ(form.take(), "selected 135; ");
         xvt_vobj_set_focus(field);
         press_key("End");
         type_text("z");
-        EXPECT_EQ(form.take(), "edited 187; ");
+        EXPECT_EQ(form.take(), "edited 161; ");
         EXPECT_EQ(xvt_vobj_get_title(field), "bz");
         EXPECT_EQ(xvt_list_get_selection(field), -1) << "what was typed is no entry";
         xvt_list_set_items(field, items);
@@ -85,50 +81,21 @@ TEST(NativeControls, TellWhatTheUserDidAndNothingElse) {
     });
 }
 
-TEST(NativeControls, JoinRadioButtonsInARowAndLabelsWithTheirFields) {
-    in_application([] {
-        Form form;
-        const Window work = form.add(ControlKind::radio, "W&ork");
-        const Window other = form.add(ControlKind::radio, "Ot&her");
-        const Window label = form.add(ControlKind::text, "&Name <b>:");
-        const Window edit = form.add(ControlKind::edit, "");
-        const Window apart = form.add(ControlKind::radio, "Apart");
-        xvt_ctl_set_checked(apart, true);
-        xvt_ctl_set_checked(work, true);
-        click(other, {8, 12});
-        EXPECT_FALSE(xvt_ctl_is_checked(work));
-        EXPECT_TRUE(xvt_ctl_is_checked(other));
-        EXPECT_TRUE(xvt_ctl_is_checked(apart)) << "groups are mixed up";
-        xvt_ctl_set_checked(other, false);
-        EXPECT_FALSE(xvt_ctl_is_checked(other));
-        press_key("Alt+N");
-        EXPECT_TRUE(xvt_vobj_has_focus(edit));
-        EXPECT_EQ(xvt_vobj_get_title(label), "&Name <b>:");
-        EXPECT_EQ(xvt_win_get_ctl(form.window, xvt_vobj_get_id(edit)), edit);
-    });
-}
-
 TEST(NativeControls, KeepTheBytesOfManyEntries) {
     in_application([] {
         Form form;
+        Vector<String> items(10000, "more");
+        items[0] = "bad\xFF\n<b>";
         for (const ControlKind kind : {ControlKind::list, ControlKind::list_many,
                                        ControlKind::list_button, ControlKind::list_edit}) {
             const Window list = form.add(kind, "", 60);
-            Vector<String> items;
-            for (int i = 0; i < 10000; ++i)
-                items.push_back(std::to_string(i).c_str());
-            items[0] = "bad\xFF\n<b>";
             xvt_list_set_items(list, items);
             EXPECT_EQ(xvt_list_count(list), 10000);
             EXPECT_EQ(xvt_list_get_item(list, 0), items[0]);
-            for (const int index : {9999, 0, 5000}) {
+            EXPECT_EQ(xvt_list_get_item(list, 10000), "");
+            for (const int index : {9999, 0, -7, 10000}) {
                 xvt_list_set_selection(list, index);
-                EXPECT_EQ(xvt_list_get_selection(list), index);
-            }
-            for (const int index : {-1, 10000, -7}) {
-                xvt_list_set_selection(list, index);
-                EXPECT_EQ(xvt_list_get_selection(list), -1);
-                EXPECT_EQ(xvt_list_get_item(list, index), "");
+                EXPECT_EQ(xvt_list_get_selection(list), index < 0 || index > 9999 ? -1 : index);
             }
             xvt_list_set_selection(list, 9999);
             xvt_list_set_items(list, {});
@@ -159,14 +126,6 @@ TEST(NativeControls, MayEndInTheirOwnEvents) {
         EXPECT_FALSE(xvt_vobj_is_valid(list));
 
         EXPECT_EQ(form.add(ControlKind::edit, "late"), Window::none);
-        for (const Window gone : {button, list, Window::none}) {
-            xvt_list_set_items(gone, items);
-            xvt_list_set_selection(gone, 1);
-            xvt_ctl_set_checked(gone, true);
-            EXPECT_EQ(xvt_list_count(gone), 0);
-            EXPECT_EQ(xvt_list_get_selection(gone), -1);
-            EXPECT_FALSE(xvt_ctl_is_checked(gone));
-        }
     });
 }
 

@@ -2,7 +2,6 @@
 #include "core/os/clock.h"
 #include "core/os/loop.h"
 #include "core/os/process.h"
-#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
@@ -10,17 +9,11 @@
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/draw.h"
 #include "windows/toolkit/menu.h"
-#include "windows/toolkit/qt/windows/task_window.h"
-#include "windows/toolkit/qt/windows/window_menu.h"
-#include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/timer.h"
 #include "windows/toolkit/window.h"
 
 #include <gtest/gtest.h>
-
-#include <QMdiArea>
-#include <QMdiSubWindow>
 
 #include <array>
 #include <functional>
@@ -148,50 +141,37 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             xvt_vobj_move(window, {0, 0, 9, 9});
             xvt_vobj_set_title(window, "x");
             xvt_vobj_set_visible(window, true);
-            xvt_vobj_set_enabled(window, true);
             xvt_vobj_raise(window);
             xvt_vobj_set_focus(window);
-            xvt_vobj_maximize(window);
-            xvt_vobj_set_tool_tip(window, "x");
             xvt_vobj_set_name(window, "x");
-            xvt_vobj_set_data(window, &window);
+            xvt_vobj_set_modified(window, true);
+            xvt_vobj_show_now(window);
             xvt_win_set_minimum_size(window, 5, 5);
+            xvt_win_accept_drops(window, true);
             xvt_dwin_draw_text(window, 0, 0, "x");
             xvt_dwin_draw_rect(window, {0, 0, 9, 9});
             xvt_dwin_scroll_rect(window, {0, 0, 9, 9}, 1, 1);
             xvt_dwin_update(window);
             xvt_menu_set_tree(window, {});
             xvt_menu_set_item_enabled(window, 11, false);
-            xvt_ctl_set_checked(window, true);
-            xvt_list_set_selection(window, 1);
             const ListEntry entries[] = {{.text = "x"}};
             const MenuItem items[] = {{.tag = 1, .title = "x"}};
-            const int first[] = {0};
             xvt_list_set_entries(window, entries, ListPlace::kept);
             xvt_list_update_entry(window, 0, entries[0]);
-            xvt_list_set_selected(window, first);
+            xvt_list_set_selection(window, 1);
             xvt_list_set_focus_index(window, 0);
             xvt_list_set_font(window, xvt_font_get_fixed());
             xvt_output_append(window, "x");
-            xvt_output_set_text(window, "x");
             xvt_menu_popup(window, items, {});
-            xvt_win_accept_drops(window, true);
-            xvt_vobj_set_modified(window, true);
-            xvt_vobj_show_now(window);
             EXPECT_EQ(shown_popup(), "");
-            EXPECT_TRUE(xvt_list_get_selected(window).empty());
             EXPECT_EQ(xvt_list_get_focus_index(window), -1);
             EXPECT_EQ(xvt_win_dispatch_event(window, Event{CloseEvent{}}), 0);
-            EXPECT_EQ(xvt_vobj_get_outer_rect(window), Rect{});
-            EXPECT_EQ(xvt_vobj_get_inner_rect(window), Rect{});
-            EXPECT_EQ(xvt_vobj_get_client_rect(window), Rect{});
+            for (const Rect& rect :
+                 {xvt_vobj_get_outer_rect(window), xvt_vobj_get_inner_rect(window),
+                  xvt_vobj_get_client_rect(window)})
+                EXPECT_EQ(rect, Rect{});
             EXPECT_EQ(xvt_vobj_get_title(window), "");
-            EXPECT_EQ(xvt_vobj_get_data(window), nullptr);
-            EXPECT_EQ(xvt_vobj_get_parent(window), Window::none);
-            EXPECT_EQ(xvt_vobj_get_pixel_ratio(window), 1);
             EXPECT_EQ(xvt_dwin_get_text_width(window, "x"), 0);
-            EXPECT_EQ(xvt_list_count(window), 0);
-            EXPECT_TRUE(xvt_menu_get_tree(window).empty());
             EXPECT_FALSE(xvt_vobj_is_enabled(window) || xvt_vobj_has_focus(window) ||
                          xvt_vobj_is_maximized(window) || xvt_cxo_notify(window, {}));
             EXPECT_EQ(xvt_win_create_pane({.parent = window, .id = 1}), Window::none);
@@ -276,9 +256,8 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             EXPECT_EQ(log.take(), "created; command 21; ");
             // Changed while another window's menus are shown, and then while they are.
             xvt_menu_set_item_enabled(xvt_win_get_task(), 12, true);
-            xvt_menu_set_item_checked(own, 21, true);
             xvt_menu_set_item_title(own, 21, "Don't");
-            EXPECT_EQ(shown_menus(), "&Own\n  *Don't\tF7\n" + some);
+            EXPECT_EQ(shown_menus(), "&Own\n  Don't\tF7\n" + some);
             const Window plain = xvt_win_create_res(1, {});
             process_events();
             task.take();
@@ -303,135 +282,6 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             EXPECT_EQ(log.take(), "command 21; ");
         },
         task.handler());
-}
-
-/// Three windows, of which "c" is the active one.
-struct Three {
-    EventLog logs[3]{EventLog({EventType::character}), EventLog({EventType::character}),
-                     EventLog({EventType::character})};
-    Window windows[3]{};
-    QMdiArea& area = task_window()->area();
-
-    Three() {
-        for (int i = 0; i < 3; ++i) {
-            windows[i] = xvt_win_create_res(1, logs[i].handler());
-            xvt_vobj_set_title(windows[i], std::string(1, static_cast<char>('a' + i)));
-        }
-        process_events();
-    }
-    ~Three() {
-        for (const Window window : windows)
-            xvt_vobj_destroy(window);
-    }
-    Three(const Three&) = delete;
-    Three& operator=(const Three&) = delete;
-
-    /// Those that a key is told to.
-    std::string with_keys() {
-        for (EventLog& log : logs)
-            log.take();
-        press_key("X");
-        std::string names;
-        for (int i = 0; i < 3; ++i)
-            if (logs[i].take() == "key 120; ")
-                names += static_cast<char>('a' + i);
-        return names;
-    }
-    void minimise(int i) const {
-        find_window(windows[i])->widget->parentWidget()->showMinimized();
-        process_events();
-    }
-    [[nodiscard]] std::vector<Rect> places() const {
-        return {xvt_vobj_get_outer_rect(windows[0]), xvt_vobj_get_outer_rect(windows[1]),
-                xvt_vobj_get_outer_rect(windows[2])};
-    }
-};
-
-void choose(WindowCommand command) {
-    EXPECT_TRUE(choose_item(static_cast<int>(command))) << static_cast<int>(command);
-}
-
-TEST(WindowMenu, LeadsToEveryWindowAndTheOneBefore) {
-    run([] {
-        Three three;
-        const std::pair<const char*, const char*> rows[] = {
-            {"Ctrl+Tab", "a"}, {"Ctrl+F6", "b"}, {"Ctrl+Shift+Tab", "a"}, {"Ctrl+Shift+F6", "c"}};
-        for (const auto& [key, name] : rows) {
-            press_key(key);
-            EXPECT_EQ(three.with_keys(), name) << key;
-        }
-        xvt_vobj_set_modified(three.windows[0], true);
-        EXPECT_TRUE(open_menu(static_cast<int>(WindowCommand::menu)));
-        EXPECT_TRUE(shown_popup().ends_with("\n-\n&1 a*\n&2 b\n*&3 c\n")) << shown_popup();
-        press_key("2");
-        EXPECT_EQ(three.with_keys(), "b");
-        three.minimise(1);
-        EXPECT_EQ(three.with_keys(), "c") << "a minimised one keeps the keys";
-        xvt_vobj_raise(three.windows[0]);
-        xvt_vobj_destroy(three.windows[0]);
-        process_events();
-        EXPECT_EQ(three.with_keys(), "c") << "not the one before";
-        three.minimise(2);
-        xvt_vobj_destroy(three.windows[1]);
-        process_events();
-        press_key("Ctrl+Tab");
-        EXPECT_EQ(three.with_keys(), "c") << "a minimised one that is alone does not come back";
-    });
-}
-
-TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
-    run([] {
-        Three three;
-        const std::vector<Rect> before = three.places();
-        const auto is_as_before = [&] { return three.places() == before; };
-        three.minimise(0);
-        xvt_vobj_maximize(three.windows[1]);
-        process_events();
-        EXPECT_TRUE(is_as_before());
-        xvt_vobj_move(three.windows[0], xvt_vobj_get_inner_rect(three.windows[0]));
-        choose(WindowCommand::tabs);
-        EXPECT_TRUE(is_as_before());
-        EXPECT_FALSE(choose_item(static_cast<int>(WindowCommand::tile)));
-        press_key("Ctrl+Tab");
-        press_key("Ctrl+Tab");
-        EXPECT_EQ(three.with_keys(), "a");
-        EXPECT_TRUE(is_as_before());
-        choose(WindowCommand::tabs);
-        const auto geometry = [&] {
-            std::vector<Rect> rects;
-            for (const Window window : three.windows) {
-                const QRect at = find_window(window)->widget->parentWidget()->geometry();
-                rects.push_back(
-                    {at.top(), at.left(), at.top() + at.height(), at.left() + at.width()});
-            }
-            return rects;
-        };
-        EXPECT_EQ(geometry(), before);
-        for (const auto command : {WindowCommand::tile, WindowCommand::cascade}) {
-            choose(command);
-            const std::vector<Rect> places = three.places();
-            for (const Rect& place : places) {
-                EXPECT_TRUE(contains(xvt_vobj_get_client_rect(xvt_win_get_task()), place));
-                EXPECT_GT(width(place), 200);
-            }
-            EXPECT_EQ(meets(places[0], places[1]), command == WindowCommand::cascade);
-            EXPECT_EQ(three.with_keys(), "a");
-        }
-    });
-}
-
-TEST(WindowMenu, KeepsTabsForTheNextRun) {
-    const test::TemporaryDirectory settings;
-    const test::ScopedVariable place("XDG_CONFIG_HOME", settings.path().c_str());
-    AppConfig config = k_config;
-    config.tabs_setting = "Tabs";
-    for (const bool as_tabs : {false, true, false})
-        in_application(
-            [&] {
-                EXPECT_EQ(task_window()->area().viewMode() == QMdiArea::TabbedView, as_tabs);
-                choose(WindowCommand::tabs);
-            },
-            config);
 }
 
 TEST(Keys, BecomeTheirCodes) {

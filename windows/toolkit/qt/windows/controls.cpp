@@ -7,22 +7,19 @@
 #include "windows/toolkit/qt/windows/output_text.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
-#include <QButtonGroup>
-#include <QCheckBox>
 #include <QComboBox>
-#include <QKeySequence>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRadioButton>
 
 #include <algorithm>
 
 namespace pellux {
 namespace {
 
-QWidget* make_button(Window handle, QAbstractButton* button) {
-    QObject::connect(button, &QAbstractButton::clicked,
+QWidget* make_button(Window handle) {
+    auto* button = new QPushButton;
+    button->setAutoDefault(true);
+    QObject::connect(button, &QPushButton::clicked,
                      [handle] { tell_parent(handle, ControlAction::pressed); });
     return button;
 }
@@ -38,22 +35,10 @@ QWidget* make_edit(Window handle) {
 
 QWidget* make_widget(ControlKind kind, Window handle) {
     switch (kind) {
-    case ControlKind::button: {
-        auto* button = new QPushButton;
-        button->setAutoDefault(true);
-        return make_button(handle, button);
-    }
-    case ControlKind::check:
-        return make_button(handle, new QCheckBox);
-    case ControlKind::radio:
-        return make_button(handle, new QRadioButton);
+    case ControlKind::button:
+        return make_button(handle);
     case ControlKind::edit:
         return make_edit(handle);
-    case ControlKind::text: {
-        auto* label = new QLabel;
-        label->setTextFormat(Qt::PlainText);
-        return label;
-    }
     case ControlKind::list:
     case ControlKind::list_many:
         return make_list(handle, kind == ControlKind::list_many);
@@ -64,22 +49,6 @@ QWidget* make_widget(ControlKind kind, Window handle) {
         return new OutputText;
     }
     return nullptr;
-}
-
-/// Ties a control to the one made just before it: radio buttons in a row are one group, and a label
-/// with a mnemonic leads to what follows it.
-void join(QWidget* control, QWidget* before) {
-    if (auto* radio = qobject_cast<QRadioButton*>(control)) {
-        auto* earlier = qobject_cast<QRadioButton*>(before);
-        QButtonGroup* group = earlier == nullptr ? nullptr : earlier->group();
-        if (group == nullptr)
-            group = new QButtonGroup(radio->parentWidget());
-        group->addButton(radio);
-    }
-    auto* label = qobject_cast<QLabel*>(before);
-    if (label != nullptr && control->focusPolicy() != Qt::NoFocus &&
-        !QKeySequence::mnemonic(label->text()).isEmpty())
-        label->setBuddy(control);
 }
 
 } // namespace
@@ -94,9 +63,6 @@ Window xvt_ctl_create(const ControlSpec& spec) {
     WindowRecord* parent = find_window(spec.parent);
     if (parent == nullptr || parent->widget == nullptr || parent->is_closing)
         return Window::none;
-    const WindowRecord* before =
-        parent->children.empty() ? nullptr : find_window(parent->children.back());
-    QWidget* widget_before = before == nullptr ? nullptr : before->widget.data();
     WindowRecord& record = add_window(WindowKind::control, spec.parent);
     record.id = spec.id;
     QWidget* widget = make_widget(spec.kind, record.handle);
@@ -105,28 +71,8 @@ Window xvt_ctl_create(const ControlSpec& spec) {
     set_control_text(widget, to_qstring(spec.title));
     widget->setGeometry(spec.rect.left, spec.rect.top, std::max(0, width(spec.rect)),
                         std::max(0, height(spec.rect)));
-    join(widget, widget_before);
     widget->show();
     return record.handle;
-}
-
-void xvt_ctl_set_checked(Window control, bool is_checked) {
-    auto* button = widget_of<QAbstractButton>(control);
-    if (button == nullptr || !button->isCheckable())
-        return;
-    const OwnChange change;
-    QButtonGroup* group = button->group();
-    // A group of radio buttons would refuse to have none.
-    if (group != nullptr)
-        group->setExclusive(is_checked);
-    button->setChecked(is_checked);
-    if (group != nullptr)
-        group->setExclusive(true);
-}
-
-bool xvt_ctl_is_checked(Window control) {
-    const auto* button = widget_of<QAbstractButton>(control);
-    return button != nullptr && button->isChecked();
 }
 
 QString control_text(const QWidget* control) {
@@ -135,10 +81,8 @@ QString control_text(const QWidget* control) {
     const auto* combo = qobject_cast<const QComboBox*>(control);
     if (combo != nullptr && combo->isEditable())
         return combo->currentText();
-    if (const auto* button = qobject_cast<const QAbstractButton*>(control))
+    if (const auto* button = qobject_cast<const QPushButton*>(control))
         return button->text();
-    if (const auto* label = qobject_cast<const QLabel*>(control))
-        return label->text();
     return control == nullptr ? QString() : control->accessibleName();
 }
 
@@ -151,10 +95,8 @@ void set_control_text(QWidget* control, const QString& text) {
         edit->setText(text);
     else if (combo != nullptr && combo->isEditable())
         combo->setEditText(text);
-    else if (auto* button = qobject_cast<QAbstractButton*>(control))
+    else if (auto* button = qobject_cast<QPushButton*>(control))
         button->setText(text);
-    else if (auto* label = qobject_cast<QLabel*>(control))
-        label->setText(text);
     else
         control->setAccessibleName(text);
 }

@@ -34,8 +34,6 @@ void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items) {
         QAction* action = menu.addAction(marked_title(item));
         action->setData(item.tag);
         action->setEnabled(item.is_enabled);
-        action->setCheckable(item.is_checked);
-        action->setChecked(item.is_checked);
         action->setShortcut(QKeySequence(to_qstring(item.shortcut), QKeySequence::PortableText));
         // The command may destroy the menu that it comes from.
         QObject::connect(

@@ -20,7 +20,6 @@ struct WindowRecord {
     Window parent = Window::none;
     int id = 0;
     EventHandler handler;
-    void* data = nullptr;
     String title;                  ///< of all but native controls
     Owned<Surface> surface;        ///< of a window that draws
     Vector<Window> children;       ///< in the order of their making

@@ -178,11 +178,6 @@ Window xvt_vobj_get_parent(Window window) {
     return record == nullptr ? Window::none : record->parent;
 }
 
-int xvt_vobj_get_id(Window window) {
-    const WindowRecord* record = find_window(window);
-    return record == nullptr ? 0 : record->id;
-}
-
 Rect xvt_vobj_get_client_rect(Window window) {
     const WindowRecord* record = find_window(window);
     if (record == nullptr || record->widget == nullptr)
@@ -315,21 +310,6 @@ void xvt_vobj_set_tool_tip(Window window, std::string_view text) {
 void xvt_vobj_set_name(Window window, std::string_view name) {
     if (const WindowRecord* record = find_window(window); record != nullptr && record->widget)
         record->widget->setAccessibleName(to_qstring(name));
-}
-
-void xvt_vobj_set_data(Window window, void* data) {
-    if (WindowRecord* record = find_window(window))
-        record->data = data;
-}
-
-void* xvt_vobj_get_data(Window window) {
-    const WindowRecord* record = find_window(window);
-    return record == nullptr ? nullptr : record->data;
-}
-
-double xvt_vobj_get_pixel_ratio(Window window) {
-    const WindowRecord* record = find_window(window);
-    return record == nullptr || record->widget == nullptr ? 1 : record->widget->devicePixelRatioF();
 }
 
 Rect xvt_scr_get_work_area() {

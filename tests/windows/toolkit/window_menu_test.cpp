@@ -1,0 +1,164 @@
+#include "tests/support/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
+#include "tests/windows/toolkit/robot.h"
+#include "windows/toolkit/qt/windows/task_window.h"
+#include "windows/toolkit/qt/windows/window_menu.h"
+#include "windows/toolkit/qt/windows/window_table.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <QMdiArea>
+
+#include <string>
+#include <vector>
+
+namespace pellux {
+namespace {
+
+constexpr WindowResource k_windows[] = {{.number = 7190, .width = 300, .height = 200}};
+constexpr MenuResource k_menus[] = {{.tag = 1, .title = "One"}};
+constexpr MenuBarResource k_bars[] = {{7190, k_menus}};
+const bool k_is_registered = [] {
+    xvt_res_register({.menu_bars = k_bars, .windows = k_windows});
+    return true;
+}();
+
+/// Three windows, of which "c" is the active one.
+struct Three {
+    EventLog logs[3] = {keys(), keys(), keys()};
+    Window windows[3]{};
+    QMdiArea& area = task_window()->area();
+
+    Three() {
+        for (int i = 0; i < 3; ++i) {
+            windows[i] = xvt_win_create_res(7190, logs[i].handler());
+            xvt_vobj_set_title(windows[i], std::string(1, static_cast<char>('a' + i)));
+        }
+        process_events();
+    }
+    ~Three() {
+        for (const Window window : windows)
+            xvt_vobj_destroy(window);
+    }
+    Three(const Three&) = delete;
+    Three& operator=(const Three&) = delete;
+
+    static EventLog keys() { return EventLog({EventType::character}); }
+    /// Those that a key is told to.
+    std::string with_keys() {
+        for (EventLog& log : logs)
+            log.take();
+        press_key("X");
+        std::string names;
+        for (int i = 0; i < 3; ++i)
+            if (logs[i].take() == "key 120; ")
+                names += static_cast<char>('a' + i);
+        return names;
+    }
+    void minimise(int i) const {
+        find_window(windows[i])->widget->parentWidget()->showMinimized();
+        process_events();
+    }
+    [[nodiscard]] std::vector<Rect> places() const {
+        return {xvt_vobj_get_outer_rect(windows[0]), xvt_vobj_get_outer_rect(windows[1]),
+                xvt_vobj_get_outer_rect(windows[2])};
+    }
+};
+
+void choose(WindowCommand command) {
+    EXPECT_TRUE(choose_item(static_cast<int>(command))) << static_cast<int>(command);
+}
+
+TEST(WindowMenu, LeadsToEveryWindowAndTheOneBefore) {
+    in_application(
+        [] {
+            Three three;
+            const std::pair<const char*, const char*> rows[] = {{"Ctrl+Tab", "a"},
+                                                                {"Ctrl+F6", "b"},
+                                                                {"Ctrl+Shift+Tab", "a"},
+                                                                {"Ctrl+Shift+F6", "c"}};
+            for (const auto& [key, name] : rows) {
+                press_key(key);
+                EXPECT_EQ(three.with_keys(), name) << key;
+            }
+            xvt_vobj_set_modified(three.windows[0], true);
+            EXPECT_TRUE(open_menu(static_cast<int>(WindowCommand::menu)));
+            EXPECT_TRUE(shown_popup().ends_with("\n-\n&1 a*\n&2 b\n*&3 c\n")) << shown_popup();
+            press_key("2");
+            EXPECT_EQ(three.with_keys(), "b");
+            three.minimise(1);
+            EXPECT_EQ(three.with_keys(), "c") << "a minimised one keeps the keys";
+            xvt_vobj_raise(three.windows[0]);
+            xvt_vobj_destroy(three.windows[0]);
+            process_events();
+            EXPECT_EQ(three.with_keys(), "c") << "not the one before";
+            three.minimise(2);
+            xvt_vobj_destroy(three.windows[1]);
+            process_events();
+            press_key("Ctrl+Tab");
+            EXPECT_EQ(three.with_keys(), "c") << "a minimised one that is alone does not come back";
+        },
+        {.menu_bar = 7190});
+}
+
+TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
+    in_application(
+        [] {
+            Three three;
+            const std::vector<Rect> before = three.places();
+            const auto is_as_before = [&] { return three.places() == before; };
+            three.minimise(0);
+            xvt_vobj_maximize(three.windows[1]);
+            process_events();
+            EXPECT_TRUE(is_as_before());
+            xvt_vobj_move(three.windows[0], xvt_vobj_get_inner_rect(three.windows[0]));
+            choose(WindowCommand::tabs);
+            EXPECT_TRUE(is_as_before());
+            EXPECT_FALSE(choose_item(static_cast<int>(WindowCommand::tile)));
+            press_key("Ctrl+Tab");
+            press_key("Ctrl+Tab");
+            EXPECT_EQ(three.with_keys(), "a");
+            EXPECT_TRUE(is_as_before());
+            choose(WindowCommand::tabs);
+            const auto geometry = [&] {
+                std::vector<Rect> rects;
+                for (const Window window : three.windows) {
+                    const QRect at = find_window(window)->widget->parentWidget()->geometry();
+                    rects.push_back(
+                        {at.top(), at.left(), at.top() + at.height(), at.left() + at.width()});
+                }
+                return rects;
+            };
+            EXPECT_EQ(geometry(), before);
+            for (const auto command : {WindowCommand::tile, WindowCommand::cascade}) {
+                choose(command);
+                const std::vector<Rect> places = three.places();
+                for (const Rect& place : places) {
+                    EXPECT_TRUE(contains(xvt_vobj_get_client_rect(xvt_win_get_task()), place));
+                    EXPECT_GT(width(place), 200);
+                }
+                EXPECT_EQ(meets(places[0], places[1]), command == WindowCommand::cascade);
+                EXPECT_EQ(three.with_keys(), "a");
+            }
+        },
+        {.menu_bar = 7190});
+}
+
+TEST(WindowMenu, KeepsTabsForTheNextRun) {
+    const test::TemporaryDirectory settings;
+    const test::ScopedVariable place("XDG_CONFIG_HOME", settings.path().c_str());
+    const AppConfig config{.menu_bar = 7190, .tabs_setting = "Tabs"};
+    for (const bool as_tabs : {false, true, false})
+        in_application(
+            [&] {
+                EXPECT_EQ(task_window()->area().viewMode() == QMdiArea::TabbedView, as_tabs);
+                choose(WindowCommand::tabs);
+            },
+            config);
+}
+
+} // namespace
+} // namespace pellux
