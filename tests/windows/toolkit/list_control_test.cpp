@@ -200,59 +200,46 @@ TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
     });
 }
 
-TEST(Output, ShowsBytesAndCannotBeTypedInto) {
+TEST(Output, KeepsTheLastLinesTheSelectionAndTheReadersPlace) {
     in_application([] {
         OutputWindow shown(ControlKind::output);
         const auto text = [&] { return shown.widget->toPlainText().toStdString(); };
+        const auto selected = [&] { return shown.widget->textCursor().selectedText().size(); };
         xvt_output_append(shown.control, "a\xC3\xA4\r\n\xE4 <b>");
         xvt_output_append(shown.control, "\tc\n");
         type_text("x");
         press_key("Del");
         EXPECT_EQ(text(), "a\xC3\xA4\n\xC3\xA4 <b>\tc\n");
-        EXPECT_EQ(shown.take(), "key 120; key 127; ");
-        press_key("Ctrl+A");
-        xvt_output_append(shown.control, "later");
-        const auto selected = [&] { return shown.widget->textCursor().selectedText().size(); };
-        EXPECT_EQ(selected(), 11) << "the selection grew";
-        press_key("Ctrl+End");
-        xvt_output_append(shown.control, "more");
-        EXPECT_EQ(selected(), 0) << "what was appended is selected";
-        press_key("Ctrl+Shift+Home");
-        xvt_output_append(shown.control, "!");
-        EXPECT_EQ(selected(), 20) << "the selection grew at its start";
-        shown.take();
-        for (const auto& [key, code] : {std::pair{"F7", 407}, {"Ctrl+F7", 407}, {"Esc", 27}}) {
-            press_key(key);
-            EXPECT_EQ(shown.take(), "key " + std::to_string(code) + "; ");
+        press_key("Ctrl+F7");
+        EXPECT_EQ(shown.take(), "key 120; key 127; key 407; ");
+        for (const char* keys : {"Ctrl+A", "Ctrl+Shift+Home"}) {
+            press_key("Ctrl+End");
+            press_key(keys);
+            const auto before = selected();
+            xvt_output_append(shown.control, "later");
+            EXPECT_EQ(selected(), before) << keys;
         }
-        xvt_output_set_text(shown.control, std::string(500, '\n') + "again");
-        EXPECT_EQ(text(), std::string(500, '\n') + "again");
-        EXPECT_EQ(shown.bar().value(), 0);
-        press_key("Down");
-        EXPECT_EQ(shown.widget->textCursor().blockNumber(), 1);
-    });
-}
 
-TEST(Output, KeepsTheLastLinesAndTheReadersPlace) {
-    in_application([] {
-        const OutputWindow shown(ControlKind::output);
-        const auto lines = [](int first, int end) {
-            std::string text;
-            for (int i = first; i < end; ++i)
-                text += std::to_string(i) + "\n";
-            return text;
+        std::string all;
+        for (int i = 0; i < 203'000; ++i)
+            all += std::to_string(i) + "\n";
+        const auto lines = [&all](int first, int end) {
+            const auto at = [&](int i) {
+                return i == 0 ? 0 : all.find("\n" + std::to_string(i) + "\n") + 1;
+            };
+            return all.substr(at(first), end == 203'000 ? all.npos : at(end) - at(first));
         };
-        xvt_output_append(shown.control, lines(0, 150'000));
-        xvt_output_append(shown.control, lines(150'000, 200'000));
-        EXPECT_EQ(shown.widget->toPlainText().toStdString(), lines(0, 200'000));
+        xvt_output_set_text(shown.control, "");
+        xvt_output_append(shown.control, lines(0, 200'000));
+        EXPECT_EQ(text(), lines(0, 200'000));
         EXPECT_EQ(shown.bar().value(), shown.bar().maximum());
         shown.bar().setValue(100'000);
-        for (const int end : {200'001, 203'000}) {
-            xvt_output_append(shown.control, lines(end == 203'000 ? 200'001 : 200'000, end));
-            process_events();
-            EXPECT_EQ(shown.widget->toPlainText().toStdString(), lines(end - 200'000, end));
-            EXPECT_EQ(shown.widget->cursorForPosition({5, 5}).block().text(), "100000");
-        }
+        xvt_output_append(shown.control, lines(200'000, 203'000));
+        process_events();
+        EXPECT_EQ(text(), lines(3'000, 203'000));
+        EXPECT_EQ(shown.widget->cursorForPosition({5, 5}).block().text(), "100000");
+        xvt_output_set_text(shown.control, std::string(500, '\n'));
+        EXPECT_EQ(shown.bar().value(), 0);
     });
 }
 

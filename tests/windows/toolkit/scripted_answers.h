@@ -22,8 +22,9 @@ struct RowEdit {
 /// the answers to them.
 ///
 /// A question that is not the next one fails the test and is closed; one that never came fails it
-/// at the end, and so does an answer that no user could give. A pattern is compared with the text
-/// of a question, or with the title of a file box, font box or dialog; '*' in it is any text.
+/// at the end, and so does an answer that no user could give to a button or an edit field. A
+/// pattern is compared with the text of a question, or with the title of a file box, font box or
+/// dialog; '*' in it is any text.
 class ScriptedAnswers {
 public:
     using Reply = std::function<Answer(const Question&)>;
@@ -40,7 +41,6 @@ public:
     void expect_note(std::string_view pattern);
     void expect_warning(std::string_view pattern);
     void expect_error(std::string_view pattern);
-    void expect_string(std::string_view pattern, std::string_view value);
     /// `kind` is that of a box for one file.
     void expect_file(QuestionKind kind, std::string_view title, std::string_view directory,
                      std::string_view name);
