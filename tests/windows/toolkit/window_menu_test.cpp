@@ -123,16 +123,11 @@ TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
             EXPECT_EQ(three.with_keys(), "a");
             EXPECT_TRUE(is_as_before());
             choose(WindowCommand::tabs);
-            const auto geometry = [&] {
-                std::vector<Rect> rects;
-                for (const Window window : three.windows) {
-                    const QRect at = find_window(window)->widget->parentWidget()->geometry();
-                    rects.push_back(
-                        {at.top(), at.left(), at.top() + at.height(), at.left() + at.width()});
-                }
-                return rects;
-            };
-            EXPECT_EQ(geometry(), before);
+            for (std::size_t i = 0; i < before.size(); ++i) {
+                const QWidget* frame = find_window(three.windows[i])->widget->parentWidget();
+                EXPECT_EQ(frame->pos(), QPoint(before[i].left, before[i].top));
+                EXPECT_EQ(frame->size(), QSize(width(before[i]), height(before[i])));
+            }
             for (const auto command : {WindowCommand::tile, WindowCommand::cascade}) {
                 choose(command);
                 const std::vector<Rect> places = three.places();

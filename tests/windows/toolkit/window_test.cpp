@@ -1,7 +1,4 @@
-#include "core/common/callback.h"
 #include "core/os/clock.h"
-#include "core/os/loop.h"
-#include "core/os/process.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
@@ -141,39 +138,25 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             xvt_vobj_move(window, {0, 0, 9, 9});
             xvt_vobj_set_title(window, "x");
             xvt_vobj_set_visible(window, true);
-            xvt_vobj_raise(window);
             xvt_vobj_set_focus(window);
-            xvt_vobj_set_name(window, "x");
             xvt_vobj_set_modified(window, true);
-            xvt_vobj_show_now(window);
             xvt_win_set_minimum_size(window, 5, 5);
             xvt_win_accept_drops(window, true);
-            xvt_dwin_draw_text(window, 0, 0, "x");
             xvt_dwin_draw_rect(window, {0, 0, 9, 9});
-            xvt_dwin_scroll_rect(window, {0, 0, 9, 9}, 1, 1);
-            xvt_dwin_update(window);
             xvt_menu_set_tree(window, {});
             xvt_menu_set_item_enabled(window, 11, false);
-            const ListEntry entries[] = {{.text = "x"}};
             const MenuItem items[] = {{.tag = 1, .title = "x"}};
-            xvt_list_set_entries(window, entries, ListPlace::kept);
-            xvt_list_update_entry(window, 0, entries[0]);
-            xvt_list_set_selection(window, 1);
-            xvt_list_set_focus_index(window, 0);
-            xvt_list_set_font(window, xvt_font_get_fixed());
-            xvt_output_append(window, "x");
             xvt_menu_popup(window, items, {});
+            xvt_list_set_entries(window, {}, ListPlace::kept);
+            xvt_list_set_selection(window, 1);
+            xvt_output_append(window, "x");
             EXPECT_EQ(shown_popup(), "");
             EXPECT_EQ(xvt_list_get_focus_index(window), -1);
-            EXPECT_EQ(xvt_win_dispatch_event(window, Event{CloseEvent{}}), 0);
-            for (const Rect& rect :
-                 {xvt_vobj_get_outer_rect(window), xvt_vobj_get_inner_rect(window),
-                  xvt_vobj_get_client_rect(window)})
-                EXPECT_EQ(rect, Rect{});
-            EXPECT_EQ(xvt_vobj_get_title(window), "");
+            EXPECT_EQ(xvt_vobj_get_outer_rect(window), Rect{});
+            EXPECT_EQ(xvt_vobj_get_client_rect(window), Rect{});
             EXPECT_EQ(xvt_dwin_get_text_width(window, "x"), 0);
-            EXPECT_FALSE(xvt_vobj_is_enabled(window) || xvt_vobj_has_focus(window) ||
-                         xvt_vobj_is_maximized(window) || xvt_cxo_notify(window, {}));
+            EXPECT_FALSE(xvt_vobj_is_enabled(window) || xvt_vobj_is_maximized(window) ||
+                         xvt_cxo_notify(window, {}));
             EXPECT_EQ(xvt_win_create_pane({.parent = window, .id = 1}), Window::none);
             EXPECT_EQ(xvt_ctl_create({.parent = window, .id = 1}), Window::none);
             EXPECT_EQ(xvt_timer_create(window, 5), TimerId::none);
@@ -318,60 +301,20 @@ TEST(Timers, TellTheirWindowUntilTheyEnd) {
         ManualClock clock;
         EventLog log(k_told);
         const Window window = xvt_win_create_res(1, log.handler());
-        const TimerId kept = xvt_timer_create(window, 1000);
+        xvt_timer_create(window, 1000);
         const TimerId ended = xvt_timer_create(window, 400);
         log.take();
-        clock.advance(400);
-        process_events();
-        EXPECT_EQ(log.take(), "timer; ");
         log.act = [&](Window, const Event&) { xvt_timer_destroy(ended); };
-        clock.advance(5000);
-        process_events();
-        EXPECT_EQ(log.take(), "timer; timer; ");
-        clock.advance(1000);
-        process_events();
-        EXPECT_EQ(log.take(), "timer; ");
+        for (const char* told : {"timer; timer; ", "timer; "}) {
+            clock.advance(5000);
+            process_events();
+            EXPECT_EQ(log.take(), told);
+        }
         xvt_vobj_destroy(window);
         log.take();
         clock.advance(5000);
         process_events();
         EXPECT_EQ(log.take(), "");
-        xvt_timer_destroy(kept);
-    });
-}
-
-TEST(Loop, WaitsForPipesTimersAndCallsUnderTheDesktopsLoop) {
-    run([] {
-        OwnedHandle read_end;
-        OwnedHandle write_end;
-        ASSERT_EQ(make_pipe(read_end, write_end), SystemError::none);
-        std::string told;
-        DescriptorWatch watch;
-        watch.handle = read_end.get();
-        watch.context = &told;
-        watch.ready = [](void* context, bool, bool) { from_context<std::string>(context) += "p"; };
-        watch_descriptor(watch);
-        Timer timer;
-        timer.context = &told;
-        timer.expired = [](void* context) { from_context<std::string>(context) += "t"; };
-        start_timer(timer, 1);
-        while (told.empty())
-            run_turn(TurnWait::until_event);
-        stop_timer(timer);
-        EXPECT_EQ(told, "t");
-        const std::byte one{1};
-        ASSERT_EQ(write_handle(write_end.get(), {&one, 1}), SystemError::none);
-        while (told.size() < 2)
-            run_turn(TurnWait::until_event);
-        unwatch_descriptor(watch);
-        PostedCall call;
-        call.context = &told;
-        call.call = [](void* context) { from_context<std::string>(context) += "c"; };
-        post_call(call);
-        while (told.size() < 3)
-            run_turn(TurnWait::until_event);
-        EXPECT_EQ(told, "tpc");
-        EXPECT_EQ(run_turn(TurnWait::none), TurnResult::idle);
     });
 }
 
