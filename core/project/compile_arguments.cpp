@@ -45,7 +45,7 @@ void add_number(const char* name, int number, Vector<String>& arguments) {
 }
 
 void add_text(const char* name, const NullableText& text, Vector<String>& arguments) {
-    if (text.present())
+    if (!text.view().empty())
         arguments.push_back(format_text("%s%s", name, text.c_str()));
 }
 

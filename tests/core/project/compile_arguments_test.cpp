@@ -70,9 +70,10 @@ TEST(CompileArguments, EachOptionGivesItsSwitchInOrder) {
     options.vhdl_standard = 2;
     options.device.assign("cpld32");
     options.package.assign("");
+    project->sources[0]->options.library.assign("");
     EXPECT_EQ(arguments(*project),
               "-m -xor2 -q -yv2 -yu -e1 -w20 -o0 -yga -fD -fT -fO -fK -fh -fF -fN -fUL -fL7 -ym-3 "
-              "-v2 -yt -dcpld32 -p -a a.vhd -a b.vhd");
+              "-v2 -yt -dcpld32 -a a.vhd -a b.vhd");
     options.flags = 1 << 9;
     options.error_limit = 0;
     options.warning_limit = -1;
@@ -80,9 +81,9 @@ TEST(CompileArguments, EachOptionGivesItsSwitchInOrder) {
     options.unused_outputs = 2;
     options.factor_limit = 0;
     options.vhdl_standard = -1;
-    options.device.clear();
-    options.package.clear();
-    EXPECT_EQ(arguments(*project), "-m -ys0 -ygs -fP -fL -yb -yp -a a.vhd -a b.vhd");
+    options.device.assign("");
+    options.package.assign("plcc44");
+    EXPECT_EQ(arguments(*project), "-m -ys0 -ygs -fP -fL -yb -yp -pplcc44 -a a.vhd -a b.vhd");
     options.unused_outputs = 1;
     EXPECT_NE(arguments(*project).find("-fP -fUH -fL "), std::string::npos);
 }
