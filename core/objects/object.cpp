@@ -2,7 +2,6 @@
 
 #include "core/diagnostics/reporter.h"
 #include "core/objects/messages.h"
-#include "core/objects/object_reader.h"
 
 #include <algorithm>
 #include <array>
@@ -29,9 +28,8 @@ void Object::write_poly(ObjectWriter&) const {
     error(-1, msg_needs_write_poly);
 }
 
-void Object::read_poly(ObjectReader& reader) {
+void Object::read_poly(ObjectReader&) {
     error(-1, msg_needs_read_poly);
-    reader.fail();
 }
 
 void Object::link(ObjectReader&) {}

@@ -32,6 +32,7 @@ public:
 
     [[nodiscard]] virtual const ClassRecord& class_record() const;
     virtual void write_poly(ObjectWriter& writer) const;
+    /// Reading no byte at all is damage.
     virtual void read_poly(ObjectReader& reader);
     /// Called once all objects are there, to turn object numbers into pointers.
     virtual void link(ObjectReader& reader);

@@ -4,116 +4,18 @@
 #include "core/diagnostics/reporter.h"
 #include "core/objects/messages.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace pellux {
-namespace {
 
-/// Mark, class number and object number: no object takes less.
-constexpr std::size_t k_object_bytes_min = 3;
-
-} // namespace
-
-ObjectReader::~ObjectReader() {
-    release(memory_);
-}
-
-StreamStatus ObjectReader::open(std::string_view path, SystemError& error) {
-    name_ = path;
-    File file;
-    FileStat stat;
-    error = open_file(file, path, OpenMode::read);
-    if (!failed(error))
-        error = stat_open_file(file, stat);
-    if (failed(error))
-        return status_;
-    // The trailer first: a large file that is no stream costs nothing.
-    std::byte trailer[k_stream_trailer_size];
-    std::size_t got = 0;
-    if (stat.size < static_cast<std::int64_t>(sizeof trailer))
-        return status_;
-    error = read_at(file, stat.size - static_cast<std::int64_t>(sizeof trailer), trailer, got);
-    if (failed(error) || got != sizeof trailer)
-        return status_;
-    bytes_ = trailer;
-    if (word_at(0) != k_stream_magic)
-        return status_;
-    const auto size = static_cast<std::size_t>(stat.size);
-    memory_ = static_cast<std::byte*>(allocate(size));
-    if (memory_ == nullptr)
-        return status_;
-    error = read_at(file, 0, {memory_, size}, got);
-    if (failed(error))
-        return status_;
-    return open(std::span<const std::byte>(memory_, got), path);
-}
-
-StreamStatus ObjectReader::open(std::span<const std::byte> bytes, std::string_view name) {
-    name_ = name;
+void ObjectReader::start(std::span<const std::byte> bytes, const char* name,
+                         std::size_t object_count, std::size_t class_count) {
     bytes_ = bytes;
-    if (bytes.size() < k_stream_trailer_size)
-        return status_;
-    const std::uint32_t header_at = word_at(bytes.size() - 8);
-    const std::uint32_t trailer_at = word_at(bytes.size() - 4);
-    if (trailer_at != bytes.size() - k_stream_trailer_size || header_at > trailer_at ||
-        word_at(trailer_at) != k_stream_magic)
-        return status_;
-    const std::uint32_t object_count = word_at(trailer_at + 4);
-    const std::uint32_t class_numbers = word_at(trailer_at + 8);
-    if (object_count > trailer_at / k_object_bytes_min + 1 || class_numbers > UINT16_MAX + 1U)
-        return status_;
+    name_ = name;
+    class_count_ = class_count;
+    memory_max_ =
+        allocatorStatistics().bytes_in_use + k_memory_times * bytes.size() + k_memory_least;
     objects_.resize(object_count);
-    classes_.resize(std::min<std::size_t>(class_numbers, bytes.size()));
-    sections_end_ = header_at;
-    status_ = StreamStatus::bad_header;
-    if (!read_header(trailer_at, header_at))
-        return status_;
-    sections_ = head_.version == 1 ? word_at(trailer_at + 12) : 1;
-    status_ = StreamStatus::good;
-    at_ = 0;
-    end_ = sections_end_;
-    if (head_.version == 1)
-        read_path_record();
-    return status_;
-}
-
-std::uint32_t ObjectReader::word_at(std::size_t offset) const {
-    std::uint32_t word = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        word = word << 8 | std::to_integer<std::uint32_t>(bytes_[offset + i]);
-    return word;
-}
-
-bool ObjectReader::read_header(std::uint32_t trailer_at, std::uint32_t header_at) {
-    at_ = header_at;
-    end_ = trailer_at;
-    const StreamMark mark{get_byte()};
-    if (mark != StreamMark::object_of_new_class)
-        return false;
-    const ObjectNumber number = read_object(mark);
-    const Owned<Poly_head> head = take<Poly_head>(number);
-    if (damaged_ || head == nullptr || head->bad)
-        return false;
-    head_ = std::move(*head);
-    return true;
-}
-
-/// Compares the stamps of the stream's first three objects with the program's own.
-void ObjectReader::read_path_record() {
-    const StreamPathRecord& own = stream_path_record();
-    bool same = false;
-    const ObjectNumber paths = get_reference();
-    const ObjectNumber classes = get_reference();
-    const ObjectNumber version = get_reference();
-    if (take<Path_record>(paths) != nullptr) {
-        const Owned<Class_stamp> class_stamp = take<Class_stamp>(classes);
-        const Owned<Version_stamp> version_stamp = take<Version_stamp>(version);
-        same = class_stamp != nullptr && version_stamp != nullptr &&
-               class_stamp->stamp == own.classes.stamp && version_stamp->stamp == own.version.stamp;
-    }
-    if (!damaged_ && !same)
-        warning(-1, msg_need_to_recompile, name());
 }
 
 std::uint8_t ObjectReader::get_byte() {
@@ -174,6 +76,16 @@ void ObjectReader::get_present_text(NullableText& text) {
     at_ += length + 1;
 }
 
+bool ObjectReader::can_hold(std::int32_t count, std::size_t stream_bytes,
+                            std::size_t memory_bytes) {
+    const auto wanted = static_cast<std::size_t>(count);
+    const std::uint64_t block = size_of_class(size_class_of(wanted * memory_bytes));
+    if (count < 0 || wanted * stream_bytes > end_ - at_ ||
+        allocatorStatistics().bytes_in_use + block > memory_max_)
+        fail();
+    return !damaged_;
+}
+
 ObjectNumber ObjectReader::get_reference() {
     const StreamMark mark{get_byte()};
     if (mark == StreamMark::object || mark == StreamMark::object_of_new_class)
@@ -205,14 +117,15 @@ const ClassRecord* ObjectReader::read_class(StreamMark mark) {
             if (class_name.view() == entry.from->name)
                 record = entry.to;
         if (record == nullptr)
-            error(-1, msg_class_not_found, visible_text(class_name.view()).c_str());
+            damage_ = format_message(msg_class_not_found, visible_text(class_name.view()).c_str());
     }
     const std::uint16_t number = get_u16();
-    if (damaged_ || number >= classes_.size())
+    if (damaged_ || number >= class_count_)
         return nullptr;
     if (mark == StreamMark::object_of_new_class)
-        classes_[number] = record;
-    return classes_[number];
+        classes_.insert_or_assign(number, record);
+    const auto found = classes_.find(number);
+    return found == classes_.end() ? nullptr : found->second;
 }
 
 /// `mark` has been read: the object itself follows.
@@ -227,15 +140,18 @@ ObjectNumber ObjectReader::read_object(StreamMark mark) {
     }
     *place = record->make();
     Object* object = place->get();
+    const std::size_t fields_at = at_;
     ++depth_;
     object->read_poly(*this);
     --depth_;
+    if (at_ == fields_at || !can_hold(1, 0, 0))
+        fail();
     return damaged_ ? ObjectNumber::none : number;
 }
 
-ObjectNumber ObjectReader::read_all() {
+ObjectNumber ObjectReader::read_sections(std::uint32_t count) {
     ObjectNumber first = ObjectNumber::none;
-    for (std::uint32_t section = 0; section < sections_ && !damaged_; ++section) {
+    for (std::uint32_t section = 0; section < count && !damaged_; ++section) {
         for (;;) {
             const StreamMark mark{get_byte()};
             if (damaged_ || mark == StreamMark::section_end)
@@ -267,7 +183,7 @@ Object* ObjectReader::referenced(ObjectNumber number) {
     if (place != nullptr && *place != nullptr)
         return place->get();
     if (!missing_reported_)
-        error(-1, msg_missing_object, name());
+        error(-1, msg_missing_object, name_);
     missing_reported_ = true;
     fail();
     return nullptr;

@@ -3,8 +3,6 @@
 #include "core/common/nullable_text.h"
 #include "core/objects/object.h"
 #include "core/objects/stream_format.h"
-#include "core/objects/stream_records.h"
-#include "core/os/files.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,32 +14,29 @@ namespace pellux {
 /// Number of an object in its stream; `none` is an absent reference.
 enum class ObjectNumber : std::uint32_t { none = 0 };
 
-enum class StreamStatus { good = 0, not_a_stream = 1, bad_header = 2 };
-
-/// Reads one object stream that lies in memory or in a file.
+/// Reads the objects of one stream that lies in memory; object_stream.h opens it.
 ///
 /// The reader owns the objects until they are taken. Bytes are never trusted: as soon as one does
-/// not fit, `damaged` holds, every further number is 0 and every text absent. Memory is a few times
-/// the size of the stream.
+/// not fit, `damaged` holds, every further number is 0 and every text absent. A stream whose
+/// objects would take more than `k_memory_times` its size is damaged.
 class ObjectReader {
 public:
     explicit ObjectReader(std::span<const ClassRemap> remap = {}) : remap_(remap) {}
-    ~ObjectReader();
     ObjectReader(const ObjectReader&) = delete;
     ObjectReader& operator=(const ObjectReader&) = delete;
 
-    /// Reads the file into memory and opens it; `error` tells when it cannot be read.
-    StreamStatus open(std::string_view path, SystemError& error);
-    /// `bytes` are borrowed, `name` is what messages call them.
-    StreamStatus open(std::span<const std::byte> bytes, std::string_view name);
-
-    [[nodiscard]] StreamStatus status() const { return status_; }
-    [[nodiscard]] const Poly_head& head() const { return head_; }
-    [[nodiscard]] const char* name() const { return name_.c_str(); }
-
-    /// Reads all sections and links their objects; answers the number of the first one, `none`
-    /// after damage. Unknown classes and missing objects are reported.
-    [[nodiscard]] ObjectNumber read_all();
+    /// `bytes` and `name`, which messages call them by, are borrowed. The counts are those of the
+    /// trailer: object and class numbers lie below them.
+    void start(std::span<const std::byte> bytes, const char* name, std::size_t object_count,
+               std::size_t class_count);
+    /// From now on what lies from offset `at` to `end` is read.
+    void move_to(std::size_t at, std::size_t end) {
+        at_ = at;
+        end_ = damaged_ ? at : end;
+    }
+    /// Reads so many sections and links their objects; answers the number of the first one, `none`
+    /// after damage. Missing objects are reported.
+    [[nodiscard]] ObjectNumber read_sections(std::uint32_t count);
 
     [[nodiscard]] std::uint32_t get_u32() {
         if (at_ < end_ && std::to_integer<std::uint32_t>(bytes_[at_]) < k_varint_limit[0])
@@ -88,6 +83,11 @@ public:
         return Owned<Class>(wanted);
     }
 
+    /// For readers of records, before they take memory for a number of things that take so many
+    /// bytes of the stream, and of memory, each: can that be? Else it is damage.
+    [[nodiscard]] bool can_hold(std::int32_t count, std::size_t stream_bytes,
+                                std::size_t memory_bytes);
+
     /// For readers of records: what they read cannot be.
     void fail() {
         damaged_ = true;
@@ -96,12 +96,17 @@ public:
     [[nodiscard]] bool damaged() const { return damaged_; }
     /// A message has named this stream already.
     [[nodiscard]] bool named_in_message() const { return missing_reported_; }
+    /// A sentence about the damage; empty when there is no more to say.
+    [[nodiscard]] const String& damage() const { return damage_; }
 
     /// For the readers of records: which layout the stream has.
     int layout = 0;
 
 private:
     static constexpr int k_depth_max = 32;
+    /// With the stream's own bytes, which lie in memory as well, this makes ten.
+    static constexpr std::uint64_t k_memory_times = 9;
+    static constexpr std::uint64_t k_memory_least = 65536;
 
     template <typename Class>
     static Class* cast(Object* object) {
@@ -115,26 +120,21 @@ private:
     [[nodiscard]] std::uint32_t get_long_u32();
     [[nodiscard]] std::uint16_t get_long_u16();
     void get_present_text(NullableText& text);
-    [[nodiscard]] std::uint32_t word_at(std::size_t offset) const;
     ObjectNumber read_object(StreamMark mark);
     const ClassRecord* read_class(StreamMark mark);
-    bool read_header(std::uint32_t trailer_at, std::uint32_t header_at);
-    void read_path_record();
     Owned<Object>* slot(ObjectNumber number);
     Object* referenced(ObjectNumber number);
 
     std::span<const ClassRemap> remap_;
-    std::byte* memory_ = nullptr; ///< what `open` with a path has read
     std::span<const std::byte> bytes_;
     std::size_t at_ = 0;
     std::size_t end_ = 0; ///< of what may be read now; after damage nothing may
-    String name_;
-    StreamStatus status_ = StreamStatus::not_a_stream;
-    Poly_head head_;
-    std::uint32_t sections_ = 0;
-    std::size_t sections_end_ = 0;
-    Vector<Owned<Object>> objects_;      ///< by number
-    Vector<const ClassRecord*> classes_; ///< by the number that this stream gives them
+    const char* name_ = "";
+    Vector<Owned<Object>> objects_;                  ///< by number
+    Map<std::uint16_t, const ClassRecord*> classes_; ///< by the number that this stream gives them
+    std::size_t class_count_ = 0;
+    std::uint64_t memory_max_ = 0; ///< bytes in use, of the whole program
+    String damage_;
     int depth_ = 0;
     bool damaged_ = false;
     bool missing_reported_ = false;

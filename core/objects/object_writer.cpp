@@ -1,7 +1,6 @@
 #include "core/objects/object_writer.h"
 
 #include <cstring>
-#include <utility>
 
 namespace pellux {
 namespace {
@@ -22,46 +21,37 @@ const ClassRecord& remapped(const ClassRecord& record, std::span<const ClassRema
 
 } // namespace
 
-ObjectWriter::ObjectWriter(ByteSink sink, Poly_head head, std::span<const ClassRemap> remap)
-    : sink_(sink), head_(std::move(head)), remap_(remap), addresses_(k_first_addresses),
-      by_number_(1), written_(1), class_named_(class_count()) {
-    if (!head_.program_name.present())
-        head_.program_name.assign("<none>");
-    const StreamPathRecord& record = stream_path_record();
-    write_object(record.paths);
-    write_object(record.classes);
-    write_object(record.version);
-}
+ObjectWriter::ObjectWriter(ByteSink sink, std::span<const ClassRemap> remap)
+    : sink_(sink), remap_(remap), addresses_(k_first_addresses), by_number_(1), written_(1),
+      class_named_(class_count()) {}
 
 ObjectWriter::~ObjectWriter() = default;
 
-void ObjectWriter::flush_buffer() {
+bool ObjectWriter::flush() {
+    if (flushed_ + used_ > UINT32_MAX)
+        failed_ = true;
     if (!failed_ && used_ > 0 && !sink_.write(sink_.context, {buffer_, used_}))
         failed_ = true;
-    position_ += static_cast<std::uint32_t>(used_);
+    flushed_ += used_;
     used_ = 0;
+    return !failed_;
 }
 
 void ObjectWriter::put_byte(std::uint8_t byte) {
     if (used_ == k_stream_buffer)
-        flush_buffer();
+        flush();
     buffer_[used_++] = std::byte{byte};
 }
 
 void ObjectWriter::put_bytes(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         if (used_ == k_stream_buffer)
-            flush_buffer();
+            flush();
         const std::size_t part = std::min(bytes.size(), k_stream_buffer - used_);
         std::memcpy(buffer_ + used_, bytes.data(), part);
         used_ += part;
         bytes = bytes.subspan(part);
     }
-}
-
-void ObjectWriter::put_word(std::uint32_t value) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-        put_byte(static_cast<std::uint8_t>(value >> shift));
 }
 
 void ObjectWriter::put_u32(std::uint32_t value) {
@@ -161,25 +151,7 @@ void ObjectWriter::end_section() {
             write_object(*by_number_[number]);
     put_byte(static_cast<std::uint8_t>(StreamMark::section_end));
     ++sections_;
-    flush_buffer();
-}
-
-bool ObjectWriter::close() {
-    if (std::exchange(closed_, true))
-        return !failed_;
-    end_section();
-    const std::uint32_t header_at = position_;
-    write_object(head_);
-    flush_buffer();
-    const std::uint32_t trailer_at = position_;
-    put_word(k_stream_magic);
-    put_word(static_cast<std::uint32_t>(by_number_.size()));
-    put_word(static_cast<std::uint32_t>(class_count()));
-    put_word(sections_);
-    put_word(header_at);
-    put_word(trailer_at);
-    flush_buffer();
-    return !failed_;
+    flush();
 }
 
 } // namespace pellux

@@ -3,7 +3,6 @@
 #include "core/common/nullable_text.h"
 #include "core/objects/object.h"
 #include "core/objects/stream_format.h"
-#include "core/objects/stream_records.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,14 +16,14 @@ struct ByteSink {
     void* context = nullptr;
 };
 
-/// Writes one object stream.
+/// Writes the objects of one stream; object_stream.h puts a header and a trailer to them.
 ///
-/// Objects are borrowed until `close`. Numbers are as in docs/formats.md. After a failure of the
-/// sink, or with more objects than a number can name, nothing more is written and `failed` holds.
+/// Objects are borrowed until the stream's end. After a failure of the sink, or with more objects
+/// or bytes than a number can name, nothing more is written and `failed` holds.
 class ObjectWriter {
 public:
-    /// Writes the path record. `remap` is borrowed.
-    ObjectWriter(ByteSink sink, Poly_head head, std::span<const ClassRemap> remap = {});
+    /// `remap` is borrowed.
+    explicit ObjectWriter(ByteSink sink, std::span<const ClassRemap> remap = {});
     ~ObjectWriter();
     ObjectWriter(const ObjectWriter&) = delete;
     ObjectWriter& operator=(const ObjectWriter&) = delete;
@@ -42,10 +41,19 @@ public:
     void write_object(const Object& object);
     /// Writes what was referred to and not yet written, then ends the section.
     void end_section();
-    /// Ends the section and adds header and trailer; false when anything failed.
-    [[nodiscard]] bool close();
+    /// Hands the sink what it has not got yet; false when anything failed so far.
+    bool flush();
 
     [[nodiscard]] bool failed() const { return failed_; }
+    /// Offset of the next byte.
+    [[nodiscard]] std::uint32_t position() const {
+        return static_cast<std::uint32_t>(flushed_ + used_);
+    }
+    /// One more than the highest object number.
+    [[nodiscard]] std::uint32_t object_count() const {
+        return static_cast<std::uint32_t>(by_number_.size());
+    }
+    [[nodiscard]] std::uint32_t sections() const { return sections_; }
 
     /// For the writers of records: which layout their caller wants.
     int layout = 0;
@@ -57,22 +65,18 @@ private:
     };
 
     void put_byte(std::uint8_t byte);
-    void put_word(std::uint32_t value);
-    void flush_buffer();
     std::uint32_t number_of(const Object& object);
     void grow_addresses();
 
     ByteSink sink_;
-    Poly_head head_;
     std::span<const ClassRemap> remap_;
     Vector<AddressEntry> addresses_;  ///< open addressing, a power of two, at most half full
     Vector<const Object*> by_number_; ///< index is the object's number; 0 is not used
     Vector<bool> written_;            ///< by object number
     Vector<bool> class_named_;        ///< by class number
     std::uint32_t sections_ = 0;
-    std::uint32_t position_ = 0; ///< bytes that lie before the buffer's start
+    std::uint64_t flushed_ = 0; ///< bytes that lie before the buffer's start
     bool failed_ = false;
-    bool closed_ = false;
     std::size_t used_ = 0;
     std::byte buffer_[k_stream_buffer];
 };

@@ -35,23 +35,23 @@ const ClassRecord& Poly_head::class_record() const {
 }
 
 void Poly_head::write_poly(ObjectWriter& writer) const {
-    writer.put_int(version);
-    writer.put_text(program_name);
+    writer.put_int(k_version);
+    writer.put_text(program_name.present() ? program_name : NullableText("<none>"));
     writer.put_text(program_version);
     writer.put_text(extra);
-    if (version == 1)
-        writer.put_int(time_stamp);
+    writer.put_int(time_stamp);
 }
 
 void Poly_head::read_poly(ObjectReader& reader) {
     version = reader.get_int();
-    bad = version != 0 && version != 1;
-    if (bad)
+    if (version != 0 && version != k_version) {
+        reader.fail();
         return;
+    }
     reader.get_text(program_name);
     reader.get_text(program_version);
     reader.get_text(extra);
-    if (version == 1)
+    if (version == k_version)
         time_stamp = reader.get_int();
 }
 
@@ -75,17 +75,22 @@ const ClassRecord& Path_record::class_record() const {
 void Path_record::write_poly(ObjectWriter& writer) const {
     writer.put_text(variable);
     writer.put_int(static_cast<std::int32_t>(paths.size()));
-    for (const String& path : paths)
-        writer.put_text(NullableText(view(stored_path(view(path)))));
+    for (const NullableText& path : paths)
+        writer.put_text(path.present() ? NullableText(view(stored_path(path.view()))) : path);
 }
 
 void Path_record::read_poly(ObjectReader& reader) {
     reader.get_text(variable);
     const std::int32_t count = reader.get_int();
+    if (!reader.can_hold(count, 1, sizeof(NullableText)))
+        return;
+    paths.reserve(static_cast<std::size_t>(count));
     NullableText stored;
-    for (std::int32_t i = 0; i < count && !reader.damaged(); ++i) {
+    for (std::int32_t i = 0; i < count && reader.can_hold(1, 1, 0); ++i) {
         reader.get_text(stored);
-        paths.push_back(loaded_path(stored.view()));
+        paths.emplace_back();
+        if (stored.present())
+            paths.back().assign(view(loaded_path(stored.view())));
     }
 }
 

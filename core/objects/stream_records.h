@@ -12,12 +12,11 @@ class Poly_head : public Object {
 public:
     static constexpr std::int32_t k_version = 1;
 
-    std::int32_t version = k_version;
+    std::int32_t version = k_version; ///< as read; the writer's is always `k_version`
     NullableText program_name;
     NullableText program_version;
     NullableText extra;
-    std::int32_t time_stamp = 0; ///< seconds since 1970-01-01; stored by version 1 only
-    bool bad = false;            ///< of a version that is not known; nothing more was read
+    std::int32_t time_stamp = 0; ///< seconds since 1970-01-01; version 0 has none
 
     [[nodiscard]] const ClassRecord& class_record() const override;
     void write_poly(ObjectWriter& writer) const override;
@@ -30,7 +29,7 @@ class Path_record : public Object {
 public:
     /// The environment variable that names the installation; told by the file, never looked up.
     NullableText variable;
-    Vector<String> paths;
+    Vector<NullableText> paths;
 
     Path_record();
     [[nodiscard]] const ClassRecord& class_record() const override;

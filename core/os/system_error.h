@@ -24,7 +24,16 @@ enum class SystemError : int { none = 0 };
 [[nodiscard]] bool is_busy(SystemError error);
 
 /// What our own code refuses, told as one of the system's errors.
-enum class Refusal { bad_path, path_too_long, link_loop, directory, not_a_file, taken, damaged };
+enum class Refusal {
+    bad_path,
+    path_too_long,
+    link_loop,
+    directory,
+    not_a_file,
+    taken,
+    too_large,
+    damaged
+};
 [[nodiscard]] SystemError refuse(Refusal reason);
 
 /// The system's text for `error`, written into `buffer` (cut to fit, NUL-terminated).

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/os/path.h"
 #include "core/project/records.h"
 
 #include <span>

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/objects/object_writer.h"
+#include "core/os/path.h"
+#include "core/os/system_error.h"
 #include "core/project/records.h"
 
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "core/project/project_state.h"
 
 #include "core/common/callback.h"
-#include "core/objects/object_writer.h"
+#include "core/objects/object_stream.h"
 #include "core/os/files.h"
 
 namespace pellux {
@@ -17,10 +17,11 @@ Vector<std::byte> project_image(const Project& project) {
                         &image};
     Poly_head head;
     head.program_version.assign(k_project_versions[0].text);
-    ObjectWriter writer(sink, std::move(head));
+    ObjectWriter writer(sink);
     writer.layout = static_cast<int>(k_project_versions[0].version);
+    begin_stream(writer);
     writer.write_object(project);
-    if (!writer.close())
+    if (!end_stream(writer, head))
         image.clear();
     return image;
 }

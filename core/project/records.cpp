@@ -1,6 +1,7 @@
 #include "core/project/records.h"
 
 #include "core/objects/object_writer.h"
+#include "core/objects/stream_records.h"
 
 namespace pellux {
 namespace {
@@ -176,9 +177,11 @@ void Project::write_poly(ObjectWriter& writer) const {
 void Project::read_poly(ObjectReader& reader) {
     reader.get_text(file_name);
     const std::int32_t count = reader.get_int();
-    if (count < 0)
-        reader.fail();
-    for (std::int32_t i = 0; i < count && !reader.damaged(); ++i)
+    // No reference to a source takes less than two bytes.
+    if (!reader.can_hold(count, 2, sizeof(ObjectNumber)))
+        return;
+    source_numbers_.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i)
         source_numbers_.push_back(reader.get_reference());
     top_number_ = reader.get_reference();
     options.read_poly(reader);
@@ -193,13 +196,16 @@ void Project::read_poly(ObjectReader& reader) {
 /// stands in the list twice, or not at all, is damage.
 void Project::link(ObjectReader& reader) {
     VHDL_source* top = reader.resolve<VHDL_source>(top_number_);
+    for (const ObjectNumber number : source_numbers_)
+        if (reader.resolve<VHDL_source>(number) == nullptr)
+            reader.fail();
     sources.reserve(source_numbers_.size());
     for (const ObjectNumber number : source_numbers_) {
-        if (reader.resolve<VHDL_source>(number) == nullptr) {
+        Owned<VHDL_source> source = reader.take<VHDL_source>(number);
+        if (source == nullptr || reader.damaged()) {
             reader.fail();
             return;
         }
-        Owned<VHDL_source> source = reader.take<VHDL_source>(number);
         if (source.get() == top)
             top_design = top;
         sources.push_back(std::move(source));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/common/nullable_text.h"
-#include "core/objects/object.h"
 #include "core/objects/object_reader.h"
 
 #include <array>
@@ -63,10 +62,10 @@ enum class OptionFlag : std::uint32_t {
     keep_polarity = 1U << 7, ///< "-fK", clear: "-fP"
     float_nodes = 1U << 8,   ///< "-fF"
     factor = 1U << 9,        ///< "-fL"
-    y_t = 1U << 10,          ///< "-yt"
+    y_t = 1U << 10,          ///< "-yt"; what it asks for is not known
     limit_nodes = 1U << 11,  ///< "-ym%d"
     make_simulator_file = 1U << 12,
-    f_h = 1U << 13, ///< "-fh"
+    f_h = 1U << 13, ///< "-fh"; what it asks for is not known
     auto_save = 1U << 14,
     rebuild = 1U << 15, ///< one full compile without intermediate files
     y_ga = 1U << 16,    ///< "-yga", clear: "-ygs"
@@ -88,7 +87,7 @@ inline constexpr std::int16_t k_tab_width = 8;    ///< columns
 inline constexpr std::int16_t k_undo_limit = 200; ///< groups
 inline constexpr std::int32_t k_new_project_flags = 0x2095003;
 
-/// Options of one source or of a project as a whole.
+/// Options of one source or of a project as a whole. An empty text counts as an absent one.
 class Source_options : public Object {
 public:
     NullableText library;
@@ -103,7 +102,7 @@ public:
     std::int16_t unused_outputs = -1; ///< 0 low, 1 high, others nothing
     std::int16_t factor_limit = 0;
     NullableText text_12; ///< test bench unit for the simulator; absent or empty: the top design
-    NullableText text_13;
+    NullableText text_13; ///< kept as it is; nothing is known of its use
     std::int16_t vhdl_standard = -1; ///< 87, 93, 2, 8; -1: the compiler's default
     std::int32_t keyword_colour = k_keyword_colour;
     std::int32_t comment_colour = k_comment_colour;

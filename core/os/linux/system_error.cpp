@@ -44,6 +44,8 @@ SystemError refuse(Refusal reason) {
         return SystemError{EOPNOTSUPP};
     case Refusal::taken:
         return SystemError{EEXIST};
+    case Refusal::too_large:
+        return SystemError{EFBIG};
     case Refusal::damaged:
         break;
     }

@@ -198,7 +198,7 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
          "Can't write './good.json': it is the same file as 'link.json'.\n"},
         {"show bad.bpr", "Error reading 'bad.bpr'.\n"},
         {"show other.bpr", "Project 'other.bpr' version '\\u001b[\\xf6m' is not supported.\n"},
-        {"compile none.bpr", "Error reading 'none.bpr'.\n"},
+        {"compile none.bpr", "Error reading 'none.bpr'. There is no such file.\n"},
         {"show", nullptr},
         {"frobnicate x", nullptr},
         {"compile x.bpr --selected", nullptr},

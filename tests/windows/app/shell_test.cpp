@@ -65,8 +65,11 @@ TEST_F(Start, OpensTheNamedProjectOrAllOrANewOne) {
         {{"-%Done", "two/x.bpr"}, nullptr, "", "two: x.bpr "},
         {{"-%Done", "a.bpr", "two/x.bpr"}, nullptr, "", "one: a.bpr "},
         {{"two/bad.bpr"}, nullptr, "Error reading 'bad.bpr'.", "two: x.bpr "},
-        {{"none/a.bpr"}, nullptr, "Error reading 'a.bpr'.", "none: new"},
-        {{"missing/a.bpr"}, "one", "Error reading 'missing/a.bpr'.", ": B.BPR a.bpr "},
+        {{"none/a.bpr"}, nullptr, "Error reading 'a.bpr'. There is no such file.", "none: new"},
+        {{"missing/a.bpr"},
+         "one",
+         "Error reading 'missing/a.bpr'. There is no such file.",
+         ": B.BPR a.bpr "},
         {{"two/"}, nullptr, "Error reading 'bad.bpr'.", "two: x.bpr "},
         {{"B.BPR"}, nullptr, "", ": B.BPR "},
     };
