@@ -177,6 +177,12 @@ TEST_F(BprProgram, MakeAndShowGiveAJsonFileBackByteForByte) {
     }
 }
 
+TEST_F(BprProgram, ShowsEveryFieldByItsName) {
+    const std::string tests = std::string(PELLUX_SOURCE_DIR) + "/tests/tools/bpr/";
+    const std::string file = tests + "../../../fuzz/corpus/object_stream/every_field";
+    EXPECT_EQ(bpr("show " + file).text, directory_.read(tests + "every_field.json"));
+}
+
 TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
     directory_.write("bad.json", "{\"project\": {\"options\": {\"color\": 1}}}");
     directory_.write("good.json", "{}");
