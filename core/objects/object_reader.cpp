@@ -76,12 +76,9 @@ void ObjectReader::get_present_text(NullableText& text) {
     at_ += length + 1;
 }
 
-bool ObjectReader::can_hold(std::int32_t count, std::size_t stream_bytes,
-                            std::size_t memory_bytes) {
-    const auto wanted = static_cast<std::size_t>(count);
-    const std::uint64_t block = size_of_class(size_class_of(wanted * memory_bytes));
-    if (count < 0 || wanted * stream_bytes > end_ - at_ ||
-        allocatorStatistics().bytes_in_use + block > memory_max_)
+bool ObjectReader::may_take(std::uint64_t bytes) {
+    const std::uint64_t block = size_of_class(size_class_of(bytes));
+    if (allocatorStatistics().bytes_in_use + block > memory_max_)
         fail();
     return !damaged_;
 }
@@ -144,7 +141,7 @@ ObjectNumber ObjectReader::read_object(StreamMark mark) {
     ++depth_;
     object->read_poly(*this);
     --depth_;
-    if (at_ == fields_at || !can_hold(1, 0, 0))
+    if (at_ == fields_at || !may_take(0))
         fail();
     return damaged_ ? ObjectNumber::none : number;
 }

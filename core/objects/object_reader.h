@@ -83,10 +83,9 @@ public:
         return Owned<Class>(wanted);
     }
 
-    /// For readers of records, before they take memory for a number of things that take so many
-    /// bytes of the stream, and of memory, each: can that be? Else it is damage.
-    [[nodiscard]] bool can_hold(std::int32_t count, std::size_t stream_bytes,
-                                std::size_t memory_bytes);
+    /// For readers of records, before they take so many bytes for what a count in the stream says:
+    /// false, and damage, when the stream is not worth it.
+    [[nodiscard]] bool may_take(std::uint64_t bytes);
 
     /// For readers of records: what they read cannot be.
     void fail() {

@@ -40,7 +40,7 @@ bool read_trailer(std::span<const std::byte> bytes, std::uint64_t size, Trailer&
 bool read_header(ObjectReader& reader, const Trailer& trailer, Poly_head& head) {
     reader.move_to(trailer.header_at, trailer.at);
     const Owned<Poly_head> read = reader.take<Poly_head>(reader.get_reference());
-    if (reader.damaged() || read == nullptr)
+    if (read == nullptr)
         return false;
     head = std::move(*read);
     return true;

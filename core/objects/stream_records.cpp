@@ -81,12 +81,12 @@ void Path_record::write_poly(ObjectWriter& writer) const {
 
 void Path_record::read_poly(ObjectReader& reader) {
     reader.get_text(variable);
-    const std::int32_t count = reader.get_int();
-    if (!reader.can_hold(count, 1, sizeof(NullableText)))
+    const std::uint32_t count = reader.get_u32();
+    if (!reader.may_take(std::uint64_t{count} * sizeof(NullableText)))
         return;
-    paths.reserve(static_cast<std::size_t>(count));
+    paths.reserve(count);
     NullableText stored;
-    for (std::int32_t i = 0; i < count && reader.can_hold(1, 1, 0); ++i) {
+    for (std::uint32_t i = 0; i < count && reader.may_take(0); ++i) {
         reader.get_text(stored);
         paths.emplace_back();
         if (stored.present())

@@ -176,12 +176,11 @@ void Project::write_poly(ObjectWriter& writer) const {
 
 void Project::read_poly(ObjectReader& reader) {
     reader.get_text(file_name);
-    const std::int32_t count = reader.get_int();
-    // No reference to a source takes less than two bytes.
-    if (!reader.can_hold(count, 2, sizeof(ObjectNumber)))
+    const std::uint32_t count = reader.get_u32();
+    if (!reader.may_take(std::uint64_t{count} * sizeof(ObjectNumber)))
         return;
-    source_numbers_.reserve(static_cast<std::size_t>(count));
-    for (std::int32_t i = 0; i < count; ++i)
+    source_numbers_.reserve(count);
+    for (std::uint32_t i = 0; i < count && !reader.damaged(); ++i)
         source_numbers_.push_back(reader.get_reference());
     top_number_ = reader.get_reference();
     options.read_poly(reader);
