@@ -76,6 +76,13 @@ TEST_F(Menus, HaveNoToolsWithoutCatalogue) {
         press_key("Ctrl+O");
         user_.expect_error("Can't open help file '" + directory_.path() + "/bin/pellux.hlp'.");
         EXPECT_TRUE(choose_item(1005));
+        user_.expect(QuestionKind::dialog, "About Pellux", [](const Question& question) {
+            EXPECT_NE(xvt_res_get_image(question.image), nullptr);
+            EXPECT_EQ(question.rows.at(1).label, "Version " PELLUX_VERSION);
+            return closed_answer(question);
+        });
+        Dialog about;
+        EXPECT_TRUE(xvt_dlg_create_res(about, app_config().about_box) && xvt_dlg_ask(about) == 0);
         user_.expect_ask("Quit Pellux?", "Cancel");
         press_key("Ctrl+Q");
     });

@@ -3,7 +3,6 @@
 #include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/controls/controls.h"
-#include "windows/controls/pictures.h"
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
@@ -16,7 +15,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
 #include <set>
 #include <string>
@@ -349,18 +347,6 @@ TEST(StatusBar, ShowsFieldsThatDoNotJump) {
         set_status_text(owner.control, "IIIIIIIIIIIIIIIIIIIIIIII\tIIII");
         EXPECT_EQ(starts().size(), 2U) << "room is left for both";
     });
-}
-
-TEST(Pictures, AreKnownToTheToolkitWithTheirFilesInPlace) {
-    register_controls();
-    for (const ImageResource& picture : control_pictures()) {
-        ASSERT_EQ(xvt_res_get_image(picture.number), &picture);
-        std::string path = PELLUX_SOURCE_DIR "/data/icons/";
-        FILE* file = std::fopen((path + picture.name + ".svg").c_str(), "r");
-        EXPECT_NE(file, nullptr) << picture.name;
-        if (file != nullptr)
-            std::fclose(file);
-    }
 }
 
 } // namespace

@@ -9,19 +9,14 @@
 
 #include <QApplication>
 #include <QEventLoop>
-#include <QHelpContentWidget>
-#include <QHelpEngine>
 #include <QHelpIndexWidget>
-#include <QHelpLink>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTabWidget>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
 #include <QWindow>
@@ -50,66 +45,6 @@ std::string read_book() {
 void run_until(const std::function<bool()>& is_true) {
     while (!is_true())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-void collect(QHelpContentItem& item, std::set<QString>& pages) {
-    pages.insert(item.url().toString());
-    for (int i = 0; i < item.childCount(); ++i)
-        collect(*item.child(i), pages);
-}
-
-TEST(HelpBook, LeadsFromEveryEntryKeywordTopicAndLinkToAPage) {
-    QTemporaryDir directory;
-    QHelpEngine engine(directory.filePath("help.qhc"));
-    engine.setReadOnly(false);
-    engine.setUsesFilterEngine(true);
-    ASSERT_TRUE(engine.setupData());
-    ASSERT_TRUE(engine.registerDocumentation(QString::fromStdString(k_path)));
-    const QString name = QHelpEngineCore::namespaceName(QString::fromStdString(k_path));
-    const auto exists = [&engine](const QUrl& page) {
-        return page.scheme() == "qthelp" && !engine.fileData(page).isEmpty();
-    };
-
-    engine.contentModel()->createContents({});
-    engine.indexModel()->createIndex({});
-    run_until([&engine] {
-        return !engine.contentModel()->isCreatingContents() &&
-               engine.contentModel()->rowCount() > 0 && engine.indexModel()->rowCount() > 0;
-    });
-    std::set<QString> contents;
-    collect(*engine.contentModel()->contentItemAt(engine.contentModel()->index(0, 0)), contents);
-    for (const QString& page : contents)
-        EXPECT_TRUE(exists(QUrl(page))) << page.toStdString();
-    const auto keywords = engine.indexModel()->stringList();
-    EXPECT_GT(keywords.size(), contents.size());
-    for (const QString& keyword : keywords) {
-        const auto links = engine.documentsForKeyword(keyword);
-        EXPECT_TRUE(links.size() == 1 && exists(links.first().url)) << keyword.toStdString();
-    }
-
-    const QRegularExpression reference("(?:href|src)=\"([^\"]*)\"");
-    for (const QUrl& page : engine.files(name, QStringList(), "html")) {
-        EXPECT_TRUE(contents.contains(page.toString())) << page.toString().toStdString();
-        const QString text = QString::fromUtf8(engine.fileData(page));
-        for (auto found = reference.globalMatch(text); found.hasNext();) {
-            const QString link = found.next().captured(1);
-            EXPECT_TRUE(exists(page.resolved(link)))
-                << page.toString().toStdString() << ": " << link.toStdString();
-        }
-    }
-
-    QFile source(PELLUX_SOURCE_DIR "/docs/help/pellux.qhp");
-    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
-    const QString project = QString::fromUtf8(source.readAll());
-    int topics = 0;
-    for (auto found = QRegularExpression(" id=\"([^\"]*)\"").globalMatch(project); found.hasNext();
-         ++topics) {
-        const QString topic = found.next().captured(1);
-        EXPECT_TRUE(QRegularExpression("^topic-[1-9][0-9]*$").match(topic).hasMatch());
-        EXPECT_EQ(engine.documentsForIdentifier(topic).size(), 1) << topic.toStdString();
-    }
-    EXPECT_EQ(engine.documentsForIdentifier("topic-1").size(), 1);
-    EXPECT_GE(topics, contents.size());
 }
 
 /// A database of its own making; the bytes of its file.
@@ -152,9 +87,6 @@ TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {
     const ScopedTemporaries temporaries;
     expect_refused(books.path("nowhere"), "missing directory");
     expect_refused(std::string(5000, 'x'), "long path");
-    std::filesystem::create_directory(books.path("book.hlp"));
-    expect_refused(books.path(), "directory");
-    std::filesystem::remove(books.path("book.hlp"));
 
     const std::string whole = read_book();
     ASSERT_GT(whole.size(), 100u);
@@ -170,17 +102,12 @@ TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {
         std::string bytes;
     } rows[] = {
         {"empty", ""},
-        {"zero bytes", std::string(whole.size(), '\0')},
         {"text", std::string(whole.size(), 'x')},
         {"head alone", whole.substr(0, 100)},
-        {"a byte more", whole + '\0'},
-        {"page size 0", changed(16, {"\0\0", 2})},
+        {"cut", whole.substr(0, whole.size() - 1)},
         {"page count of more than there is", changed(28, "\xFF\xFF\xFF\xFF")},
         {"a journal mode with files beside", changed(18, "\2\2")},
-        {"tables gone", changed(100, std::string(900, '\0'))},
-        {"tables scrambled", changed(100, std::string(900, '\xFF'))},
         {"second page gone", changed(4096, std::string(4096, '\xFF'))},
-        {"no help", database_of({"CREATE TABLE Other(Name)"})},
         {"a name and no book", database_of({"CREATE TABLE NamespaceTable(Name)",
                                             "INSERT INTO NamespaceTable VALUES('x')"})},
         {"no name", with({"CREATE TABLE NamespaceTable(Name)"})},
@@ -191,10 +118,6 @@ TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {
     for (const auto& row : rows) {
         books.write("book.hlp", row.bytes);
         expect_refused(books.path(), row.what);
-    }
-    for (std::size_t length = 0; length < whole.size(); length += 1021) {
-        books.write("book.hlp", whole.substr(0, length));
-        expect_refused(books.path(), "truncated at " + std::to_string(length));
     }
     std::filesystem::resize_file(books.path("book.hlp"), std::uintmax_t{1} << 40);
     expect_refused(books.path(), "huge");
