@@ -7,6 +7,10 @@ namespace pellux {
 /// What windows have a page of the handbook for; `docs/help/pellux.qhp` names each number's.
 enum class HelpTopic : int {
     contents = 1,
+    new_project = 21,
+    project_window = 24,
+    reports = 25,
+    messages = 31,
 };
 
 /// Ties a window, a control in it or a menu's command to its page, now or as soon as a help file is

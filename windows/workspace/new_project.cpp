@@ -2,6 +2,7 @@
 
 #include "core/os/ascii.h"
 #include "core/os/files.h"
+#include "windows/controls/help_topics.h"
 #include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
@@ -23,7 +24,12 @@ constexpr std::array k_rows{
     DialogRowResource{k_choose_row, DialogRowKind::button, "&Choose name...", 0},
 };
 constexpr std::array k_buttons{k_ok, k_cancel};
-constexpr std::array k_dialogs{DialogResource{k_dialog, "New Project", k_rows, k_buttons}};
+constexpr std::array k_dialogs{
+    DialogResource{.number = k_dialog,
+                   .title = "New Project",
+                   .rows = k_rows,
+                   .buttons = k_buttons,
+                   .help_topic = static_cast<int>(HelpTopic::new_project)}};
 
 /// Bytes beyond ASCII are letters here.
 bool is_letter(char c) {

@@ -2,6 +2,7 @@
 
 #include "core/diagnostics/message.h"
 #include "core/project/project_state.h"
+#include "windows/controls/help_topics.h"
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
@@ -59,6 +60,7 @@ void on_drop(Window window, std::span<const String> paths) {
 long on_event(void*, Window window, const Event& event) {
     if (event.get<CreationEvent>() != nullptr) {
         create_project_view(window);
+        associate_help({.window = window}, HelpTopic::project_window);
     } else if (event.get<SizeEvent>() != nullptr) {
         lay_out_project_view(window);
     } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {

@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/os/argument_vector.h"
+#include "windows/controls/help_topics.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
@@ -107,6 +108,9 @@ TextWindow* open_text_window(const TextSubject& subject, std::string_view title)
         texts.push_back(make_owned<TextWindow>(
             TextWindow{window, subject.kind, subject.project, String(subject.path)}));
         text = texts.back().get();
+        associate_help({.window = window}, subject.kind == TextKind::compile_output
+                                               ? HelpTopic::messages
+                                               : HelpTopic::reports);
     }
     text->program.reset();
     xvt_vobj_set_title(text->window, title);

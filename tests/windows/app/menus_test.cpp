@@ -6,6 +6,7 @@
 #include "windows/controls/help_topics.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/message_box.h"
+#include "windows/workspace/text_window.h"
 
 #include <array>
 #include <filesystem>
@@ -116,6 +117,40 @@ TEST_F(HelpHooksTest, SimpleOneLooksOnceWhereTheEnvironmentSays) {
             EXPECT_FALSE(offer(hook, Event{HelpEvent{}}));
         });
     }
+}
+
+TEST_F(HelpHooksTest, F1OpensThePageOfTheWindow) {
+    const test::ScopedVariable place("HELP", PELLUX_BINARY_DIR "/velmora/bin");
+    test::make_project_file(directory_.path(), "a.bpr");
+    run([&] {
+        const auto page = [] {
+            process_events();
+            press_key("F1");
+            const std::string shown = shown_help_page();
+            press_key("F1");
+            EXPECT_EQ(shown_help_page(), "help.html") << "of the help window itself";
+            press_key("Ctrl+W");
+            xvt_vobj_raise(xvt_win_get_task());
+            return shown;
+        };
+        EXPECT_EQ(page(), "windows.html#files");
+        const Window project = workspace().projects.front()->window;
+        const TextSubject output{.kind = TextKind::compile_output, .project = project};
+        EXPECT_NE(open_text_window(output, "Output"), nullptr);
+        EXPECT_EQ(page(), "messages.html");
+        EXPECT_NE(open_text_window({.kind = TextKind::tool_versions}, "Versions"), nullptr);
+        EXPECT_EQ(page(), "windows.html#reports");
+        int topic = 0;
+        user_.expect(QuestionKind::dialog, "New Project", [&topic](const Question& question) {
+            topic = question.help_topic;
+            return closed_answer(question);
+        });
+        tell_task(Event{CommandEvent{1003}});
+        tell_task(Event{HelpEvent{.topic = topic}});
+        EXPECT_EQ(shown_help_page(), "windows.html#new");
+        tell_task(Event{HelpEvent{}});
+        EXPECT_EQ(shown_help_page(), "index.html");
+    });
 }
 
 TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {

@@ -155,8 +155,8 @@ TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
         xvt_help_associate(file, {.window = window, .command = 8}, 60);
         EXPECT_EQ(ask(window, {}), "projects.html");
         xvt_help_associate(file, {.window = window}, 21);
-        EXPECT_EQ(ask(window, {}), "windows.html");
-        EXPECT_EQ(ask(window, {.control = 6}), "windows.html");
+        EXPECT_EQ(ask(window, {}), "windows.html#new");
+        EXPECT_EQ(ask(window, {.control = 6}), "windows.html#new");
         EXPECT_EQ(ask(window, {.control = 5}), "messages.html");
         EXPECT_EQ(ask(xvt_win_get_task(), {.control = 5}), "projects.html");
         EXPECT_EQ(ask(window, {.control = 5, .command = 9}), "keys.html");

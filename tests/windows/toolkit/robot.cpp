@@ -356,7 +356,7 @@ bool press_by_voice(Window window) {
 std::string shown_help_page() {
     for (const QWidget* widget : QApplication::topLevelWidgets())
         if (const auto* page = widget->findChild<const QTextBrowser*>("help_page"))
-            return page->source().fileName().toStdString();
+            return page->source().toString().section(u'/', -1).toStdString();
     return {};
 }
 

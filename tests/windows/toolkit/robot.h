@@ -62,7 +62,7 @@ void in_box(const std::function<void()>& act);
 /// Does what the control offers there first; false when it offers nothing.
 bool press_by_voice(Window window);
 
-/// The file name of the page that the help window shows; empty without a window.
+/// The page that the help window shows ("a.html", "a.html#part"); empty without a window.
 [[nodiscard]] std::string shown_help_page();
 
 /// Clicks on a frame's close button.

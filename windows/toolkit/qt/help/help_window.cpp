@@ -32,6 +32,7 @@ constexpr int k_width_px = 900;
 constexpr int k_height_px = 640;
 constexpr int k_list_width_px = 260;
 constexpr int k_home_topic = 1;
+constexpr int k_own_topic = 80;
 constexpr std::array k_looks{ImageLook::normal, ImageLook::disabled};
 constexpr int k_icon_px = 20;
 constexpr int k_margin_px = 4;
@@ -283,6 +284,7 @@ void HelpWindow::make_actions() {
     const auto on_key = [this](QKeySequence key, auto action) {
         connect(new QShortcut(key, this), &QShortcut::activated, this, action);
     };
+    on_key(Qt::Key_F1, [this] { show_topic(k_own_topic); });
     on_key(Qt::CTRL | Qt::Key_W, [this] { close(); });
     on_key(QKeySequence::ZoomIn, [this] { viewer_->zoomIn(); });
     on_key(QKeySequence::ZoomOut, [this] { viewer_->zoomOut(); });
