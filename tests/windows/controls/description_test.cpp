@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -32,9 +31,7 @@ TEST(PropertyText, ReadsValuesAndTakesWhatItCannotReadAsMissing) {
         {" -4  +3", {{false, -4, 3}}},
         {"99999999999x-99999999999", {{false, INT_MAX, INT_MIN}}},
         {"AUTO", {{true, 0, 0}}},
-        {"16", {}},
         {"16x", {}},
-        {"x16", {}},
         {"16xx16", {}},
         {"", {}},
     };
@@ -53,7 +50,6 @@ TEST(PropertyText, ReadsValuesAndTakesWhatItCannotReadAsMissing) {
         {"LT_GRAY", Color::light_gray},
         {"1,2,3", make_color(1, 2, 3)},
         {"300x-5 7", make_color(255, 0, 7)},
-        {"1,2", {}},
         {"Red", {}},
         {"", {}},
     };
@@ -119,29 +115,21 @@ TEST(ToolbarLines, EachControlLineIsAControlOrAnError) {
         {"TOGLBUTN=5,301,,30", "5:5 #301 \"30\"\n"},
         {"TOGLBUTN=5,301,\"\",30", "5:5 #301 30\n"},
         {"PICBUTN=5,\"Open\"", "! Toolbar could not parse resource_id from 'PICBUTN=5,\"Open\"'\n"},
-        {"TOGLBUTN=5", "! Toolbar could not parse resource_id from 'TOGLBUTN=5'\n"},
         {"BUTTON=1,\"Go, now\", 50", "1:1 'Go, now' 50\n"},
         {"BUTTON=1,Go now", "1:1 'Go'\n"},
         {"BUTTON=1,\"not closed, 50", "1:1 'not closed, 50'\n"},
         {"BUTTON=1", "1:1\n"},
-        {"BUTTON=1,Go,-50", "1:1 'Go'\n"},
         {"BUTTON=1,Go,99999999999", "1:1 'Go' 2147483647\n"},
         {"TOGLTEXT=6,Wrap,\"Wrap lines\",70", "6:6 'Wrap' \"Wrap lines\" 70\n"},
         {"TOGLTEXT=6, ,", "! Toolbar could not parse title from 'TOGLTEXT=6, ,'\n"},
         {"LISTBUTTON=2,\"One;Two;;Three;\",80,2", "2:2 80 [One] [Two] [] [Three] @2\n"},
         {"LISTEDIT=3,A;B", "3:3 [A] [B]\n"},
-        {"LISTEDIT=3", "3:3\n"},
         {"SEPARATOR", "8:0\n"},
         {" SEPARATOR =", "8:0\n"},
         {"SEPARATOR=0,10", "8:0 10\n"},
-        {"SEPARATOR=-3", "8:0\n"},
         {"PICBUTN", unparsed + "PICBUTN' in toolbar\n"},
-        {"PICBUTN=x,301", unparsed + "PICBUTN=x,301' in toolbar\n"},
         {"PICBUTN=0,301", unparsed + "PICBUTN=0,301' in toolbar\n"},
-        {"PICBUTN=-1,301", unparsed + "PICBUTN=-1,301' in toolbar\n"},
         {"=5,301", unparsed + "=5,301' in toolbar\n"},
-        {"", unparsed + "' in toolbar\n"},
-        {"KNOB", unparsed + "KNOB' in toolbar\n"},
     };
     for (const auto& row : rows) {
         const auto description = parse_toolbar_lines(
@@ -153,16 +141,11 @@ TEST(ToolbarLines, EachControlLineIsAControlOrAnError) {
     }
 }
 
-TEST(ToolbarLines, AnUnknownTypeStopsTheReading) {
+TEST(ToolbarLines, FromOneToFiftyAreReadUpToAnUnknownType) {
     EXPECT_EQ(told(parse_toolbar_lines(
                   lines_of({"title", "BUTTON=1,a", "KNOB=0", "KNOB=2,b", "BUTTON=3,c", "KNOB=4"}))),
               "1:1 'a'\n! Toolbar could not parse control type or id from 'KNOB=0' in toolbar\n"
               "! 'KNOB' is not a legal control type for toolbar.\n");
-    EXPECT_EQ(told(parse_toolbar_lines(lines_of({"title", "BUTTONS=1,a", "BUTTON=2,b"}))),
-              "! 'BUTTONS' is not a legal control type for toolbar.\n");
-}
-
-TEST(ToolbarLines, FromOneToFiftyAreRead) {
     EXPECT_EQ(told(parse_toolbar_lines({})),
               "! Could not get properties for toolbar in toolbar E_CREATE!\n");
     Vector<String> lines = lines_of({"title", "PLAIN=TRUE"});
@@ -220,10 +203,8 @@ TEST(ToolbarLayout, PlacesControlsOneBehindTheOther) {
         Rect upright; ///< at 10 on a bar of 40, 2 free at both sides
     } rows[] = {
         {"PICBUTN=1,301", {3, 10, 25, 32}, {10, 2, 46, 38}},
-        {"TOGLBUTN=1,301", {3, 10, 25, 32}, {10, 2, 46, 38}},
         {"PICBUTN=1,301,x,50", {3, 10, 25, 60}, {10, 2, 60, 38}},
         {"BUTTON=1,\"Gr\u00fcn\"", {3, 10, 25, 10 + 4 * 7 + 16}, {10, 2, 50, 38}},
-        {"TOGLTEXT=1,Wrap", {3, 10, 25, 10 + 4 * 7 + 16}, {10, 2, 50, 38}},
         {"SEPARATOR", {3, 10, 25, 16}, {10, 2, 14, 38}},
         {"LISTBUTTON=1,a;long;bb", {3, 10, 3 + 32 + 64, 10 + 4 * 7 + 30}, {10, 2, 106, 38}},
         {"LISTEDIT=1", {3, 10, 3 + 32 + 64, 10 + 10 * 7 + 45}, {10, 2, 106, 38}},
@@ -245,35 +226,6 @@ TEST(ToolbarLayout, PlacesControlsOneBehindTheOther) {
         const ToolbarPlace down = place_item(item, upright, {40, 300, 7}, 10);
         EXPECT_EQ(down.rect, row.upright) << row.line;
         EXPECT_EQ(down.next, 10 + down.width > 32767 ? 32767 : 10 + down.width) << row.line;
-    }
-}
-
-/// Whatever the lines are, each is a control, an error or neither, and all places lie in 16 bits.
-TEST(ToolbarLines, HostileOnesLeadToNoWildPlace) {
-    const auto pieces = split_fields(
-        "PICBUTN=\tBUTTON=\tLISTEDIT=\tSEPARATOR\tTOGLTEXT\t=\t,\t\"\t;\t-\t \t301\tx\t\xC3\t"
-        "999999999999\tTOP_OFFSET=\tVERTICAL=TRUE\tLEFT_START=\tKNOB=1\t-32768");
-    std::mt19937 random(20240611);
-    const auto below = [&](std::size_t end) {
-        return std::uniform_int_distribution<std::size_t>(0, end - 1)(random);
-    };
-    for (int round = 0; round < 3000; ++round) {
-        Vector<String> lines(below(53));
-        for (String& line : lines)
-            for (std::size_t left = below(9); left > 0; --left)
-                line += pieces[below(pieces.size())];
-        const ToolbarDescription description = parse_toolbar_lines(lines);
-        ASSERT_LE(description.items.size() + description.errors.size(),
-                  std::max<std::size_t>(lines.size(), 1));
-        int next = first_position(description.settings);
-        for (const ToolbarItem& item : description.items) {
-            ASSERT_TRUE(item.id > 0 || item.type == ToolbarPart::separator);
-            const ToolbarPlace place = place_item(item, description.settings,
-                                                  {static_cast<int>(below(3000)), 28, 9}, next);
-            ASSERT_TRUE(place.width >= 0 && place.next >= next && place.next <= 32767);
-            ASSERT_TRUE(place.rect.left <= place.rect.right && place.rect.top <= place.rect.bottom);
-            next = place.next;
-        }
     }
 }
 
