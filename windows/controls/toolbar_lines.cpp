@@ -63,12 +63,6 @@ std::optional<std::string_view> take_string(std::string_view& rest) {
     return text;
 }
 
-/// A width that is not above 0 counts as none given.
-void take_width(std::string_view& rest, ToolbarItem& item) {
-    if (int width = 0; take_number(rest, width))
-        item.width = std::max(0, width);
-}
-
 /// The entries between the semicolons; one at the end begins no further entry.
 Vector<String> split_entries(std::string_view text) {
     Vector<String> entries;
@@ -106,7 +100,7 @@ String take_arguments(Arguments arguments, std::string_view rest, const String& 
     case Arguments::none:
         break;
     }
-    take_width(rest, item);
+    static_cast<void>(take_number(rest, item.width));
     if (arguments == Arguments::list && rest.starts_with(',')) {
         rest.remove_prefix(1);
         if (int selection = 0; take_number(rest, selection))
@@ -141,7 +135,6 @@ bool read_control_line(const String& line, ToolbarDescription& description) {
         return false;
     }
     item.type = known->type;
-    item.id = std::max(0, item.id);
     // The arguments stand behind the comma after the id, and not without it.
     rest = trim_blanks(rest);
     if (rest.starts_with(','))

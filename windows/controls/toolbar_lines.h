@@ -25,13 +25,13 @@ enum class ToolbarPart : std::int16_t {
 };
 inline constexpr int k_toolbar_part_max = 8;
 
-/// What a control is made from. Ids count from 1; a separator may have 0.
+/// What a control is made from. Ids count from 1; a separator may have any.
 struct ToolbarItem {
     ToolbarPart type = ToolbarPart::none;
     int id = 0;
     String title;
     int resource_id = 0;  ///< of a picture
-    int width = 0;        ///< along the bar, logical pixels; 0: what its type has
+    int width = 0;        ///< along the bar, logical pixels; not above 0: what its type has
     int selection = 0;    ///< of the entries, from 0
     String description;   ///< tool tip
     Vector<String> items; ///< entries of a list
