@@ -2,7 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/diagnostics/message.h"
-#include "windows/controls/control_defaults.h"
+#include "windows/controls/control_looks.h"
 #include "windows/controls/control_report.h"
 #include "windows/controls/property_text.h"
 #include "windows/controls/status_fields.h"

@@ -1,7 +1,6 @@
 #include "windows/controls/toggle_button.h"
 
-#include "windows/controls/control_colors.h"
-#include "windows/controls/control_defaults.h"
+#include "windows/controls/control_looks.h"
 #include "windows/controls/property_text.h"
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/draw.h"

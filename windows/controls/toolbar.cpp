@@ -2,7 +2,7 @@
 
 #include "core/common/utf8.h"
 #include "core/diagnostics/message.h"
-#include "windows/controls/control_defaults.h"
+#include "windows/controls/control_looks.h"
 #include "windows/controls/control_report.h"
 #include "windows/controls/property_text.h"
 #include "windows/controls/toggle_button.h"

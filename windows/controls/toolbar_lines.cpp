@@ -2,7 +2,7 @@
 
 #include "core/common/blanks.h"
 #include "core/diagnostics/message.h"
-#include "windows/controls/control_defaults.h"
+#include "windows/controls/control_looks.h"
 #include "windows/controls/property_text.h"
 
 #include <algorithm>

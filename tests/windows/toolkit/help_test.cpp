@@ -260,6 +260,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
             {"waveform gtkw", "2 tools.html 'Waveform' One page. Hit 1 of 2."},
             {"\"exit status\"", "1 command_line.html 'exit status' 5 pages. Hit 1 of 1."},
             {"vhdl.msg", "1 messages.html 'vhdl.msg' One page. Hit 1 of 1."},
+            {"starting", "1 starting.html 'Starting' 3 pages. Hit 1 of 1."},
             {"nowhere", "0 windows.html '' No page has these words."},
             {"\" * -", "0 windows.html '' "},
             {"compil", "15 compiling.html 'Compil' 8 pages. Hit 1 of 15."},

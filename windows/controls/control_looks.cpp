@@ -1,4 +1,4 @@
-#include "windows/controls/control_colors.h"
+#include "windows/controls/control_looks.h"
 
 namespace pellux {
 namespace {
