@@ -155,21 +155,15 @@ TEST(Toolbar, RefusesControlsThatCannotBe) {
     });
 }
 
-TEST(Toolbar, TellsOfItselfWhenAskedTo) {
-    with_toolbar(
-        {"t", "DEBUG=TRUE", "SIZE=400x28", "PICBUTN=201,301,x", "SEPARATOR", "BUTTON=5,Go,40"},
-        [](Owner& owner) {
-            EXPECT_EQ(owner.take(), "! TOOLBAR_PICBUTN '': id=201, size='22x22', POS='4,3'\n"
-                                    "! Separator of width=6 being added to toolbar\n\n"
-                                    "! TOOLBAR_BUTTON 'Go': id=5, toolbar index=2, width=40\n"
-                                    "! TOOLBAR created @ win=" +
-                                        std::to_string(static_cast<long>(owner.control)) +
-                                        " with 3 controls\n! Toolbar is NOT autosized\n");
-            toolbar_autosize(owner.control);
-            EXPECT_EQ(owner.take(), "");
-        });
-    with_toolbar({"t", "DEBUG=TRUE"}, [](Owner& owner) {
-        owner.take();
+TEST(Toolbar, TellsOfItselfWhenAskedToAndFitsItsParent) {
+    const Lines lines{"t", "DEBUG=TRUE", "PICBUTN=201,301,x", "SEPARATOR", "BUTTON=5,Go,40"};
+    with_toolbar(lines, [](Owner& owner) {
+        EXPECT_EQ(owner.take(), "! TOOLBAR_PICBUTN '': id=201, size='22x22', POS='4,3'\n"
+                                "! Separator of width=6 being added to toolbar\n\n"
+                                "! TOOLBAR_BUTTON 'Go': id=5, toolbar index=2, width=40\n"
+                                "! TOOLBAR created @ win=" +
+                                    std::to_string(static_cast<long>(owner.control)) +
+                                    " with 3 controls\n");
         xvt_vobj_move(owner.control, {5, 5, 33, 50});
         toolbar_autosize(owner.control);
         EXPECT_EQ(owner.take(), "! toolbar_autosize autosized toolbar to parent: 400x28\n");
