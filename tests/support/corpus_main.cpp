@@ -81,7 +81,7 @@ int main(int, char** arguments) {
     const int finding = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     std::printf("An input that ends this program lies in %s\n", path.c_str());
     std::fflush(stdout);
-    const pellux::test::Rounds rounds(3000);
+    const pellux::test::Rounds rounds(1000);
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {
         std::ifstream file(entry.path(), std::ios::binary);
