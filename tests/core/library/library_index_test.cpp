@@ -162,21 +162,6 @@ TEST_F(Index, WhatIsNoneOfOursIsToldApart) {
     }
 }
 
-TEST_F(Index, NoPartOfAnIndexAndNoOtherByteDoesHarm) {
-    for (std::size_t length = 1; length < whole.size(); length += length < 110 ? 1 : 487) {
-        scratch.write("index", whole.substr(0, length));
-        EXPECT_EQ(read(), IndexStatus::damaged) << length;
-    }
-    for (std::size_t at = 0; at < whole.size(); at += whole[at] == '\0' ? 61 : 1) {
-        std::string bytes = whole;
-        bytes[at] = static_cast<char>(bytes[at] ^ (at % 2 == 0 ? 0x01 : 0xFF));
-        scratch.write("index", bytes);
-        if (read() == IndexStatus::opened) {
-            EXPECT_LE(contents(index).size(), k_old.size()) << at;
-        }
-    }
-}
-
 TEST_F(Index, ItsPlaceIsJudged) {
     const struct {
         const char* directory;
