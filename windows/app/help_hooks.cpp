@@ -4,7 +4,7 @@
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "windows/app/messages.h"
-#include "windows/workspace/boxes.h"
+#include "windows/controls/boxes.h"
 
 #include <utility>
 

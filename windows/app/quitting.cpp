@@ -1,10 +1,10 @@
 #include "windows/app/quitting.h"
 
 #include "windows/app/task_place.h"
+#include "windows/controls/boxes.h"
 #include "windows/toolkit/app.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
-#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_closing.h"
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 #include "windows/app/resources.h"
 
 #include "windows/app/start_picture.h"
+#include "windows/controls/boxes.h"
 #include "windows/controls/pictures.h"
+#include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/resource.h"
-#include "windows/workspace/boxes.h"
-#include "windows/workspace/project_menus.h"
 
 #include <array>
 

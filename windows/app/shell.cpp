@@ -9,7 +9,7 @@
 #include "windows/app/task_place.h"
 #include "windows/app/task_window.h"
 #include "windows/controls/controls.h"
-#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_windows.h"
 
 namespace pellux {
 namespace {

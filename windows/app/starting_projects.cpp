@@ -6,6 +6,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_opening.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "windows/app/task_place.h"
 
 #include "core/os/files.h"
+#include "windows/controls/window_places.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/move_frame.h"
 
 namespace pellux {
 

@@ -6,10 +6,10 @@
 #include "windows/app/resources.h"
 #include "windows/app/start_picture.h"
 #include "windows/app/starting_projects.h"
+#include "windows/controls/boxes.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/new_project.h"
-#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_opening.h"
 
 namespace pellux {
 namespace {

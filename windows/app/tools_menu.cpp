@@ -3,9 +3,9 @@
 #include "core/devices/device_catalogue.h"
 #include "core/launch/spawner.h"
 #include "windows/app/messages.h"
+#include "windows/controls/boxes.h"
+#include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/menu.h"
-#include "windows/workspace/boxes.h"
-#include "windows/workspace/project_menus.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,8 +2,8 @@
 
 #include "windows/toolkit/control.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/project_windows.h"
 
 #include <algorithm>
 #include <functional>

@@ -43,10 +43,6 @@ inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
 inline Message<const char*> msg_cannot_run_compiler{"E2072", "Can't run '%s'."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
-inline Message<const char*> msg_changed_on_disk{
-    "E2074", "File '%s' has changed on disk.\nRead new version from disk?"};
-inline Message<const char*> msg_changed_twice{
-    "E2075", "File '%s' has changed on disk and memory.\nRead new version from disk?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};
 inline Message<const char*, const char*> msg_own_version{"E2081", "Pellux %s, %s"};
 inline Message<const char*, const char*> msg_cannot_show_file{"E2082", "Can't read '%s': %s."};

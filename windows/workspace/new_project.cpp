@@ -2,9 +2,10 @@
 
 #include "core/os/ascii.h"
 #include "core/os/files.h"
-#include "windows/workspace/boxes.h"
+#include "windows/controls/boxes.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_opening.h"
 
 #include <array>
 

@@ -1,17 +1,19 @@
 #include "windows/workspace/project_commands.h"
 
 #include "core/project/source_clipboard.h"
+#include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_files.h"
-#include "windows/workspace/project_font.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
-#include "windows/workspace/project_page.h"
+#include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_settings.h"
 #include "windows/workspace/project_view.h"
 
 #include <array>
@@ -54,7 +56,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
     CommandRow{tag_of(print_setup), 0, Need::nothing, set_up_page},
     CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
-               [](Window) { workspace().shell.quit(workspace().shell.context); }},
+               [](Window) { shell().quit(shell().context); }},
     CommandRow{tag_of(add), 234, Need::nothing, ask_for_vhdl_files},
     CommandRow{tag_of(add_all), 0, Need::nothing, add_all_vhdl_files},
     CommandRow{tag_of(add_pla), 0, Need::nothing, ask_for_pla_file},
@@ -71,7 +73,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(tool_versions), 0, Need::nothing, [](Window) { show_tool_versions(); }},
     CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
     CommandRow{tag_of(help_contents), 0, Need::nothing,
-               [](Window) { workspace().shell.show_help_contents(workspace().shell.context); }},
+               [](Window) { shell().show_help_contents(shell().context); }},
     CommandRow{tag_of(ListCommand::toggle_top), 238, Need::one_selected, toggle_top_design},
     CommandRow{tag_of(ListCommand::compile_all), 239, Need::files,
                [](Window window) { compile_project(window, true); }},

@@ -3,9 +3,9 @@
 #include "core/project/compile_arguments.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/project_windows.h"
 #include "windows/workspace/text_window.h"
 
 namespace pellux {

@@ -1,5 +1,7 @@
 #include "windows/workspace/project_menus.h"
 
+#include "windows/controls/shell_hooks.h"
+
 #include <algorithm>
 #include <array>
 

@@ -7,7 +7,6 @@
 namespace pellux {
 
 inline constexpr int k_project_menu_bar = 1019;
-inline constexpr int k_help_menu = 1002; ///< of every menu bar: the Tools menu goes before it
 
 /// Tags of a project's menus, in their order.
 enum class ProjectCommand : int {

@@ -5,6 +5,7 @@
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/font.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
@@ -89,7 +90,7 @@ void show_sources(Window window, Selection selected, std::optional<std::size_t> 
     select(list, selected);
     if (focus)
         xvt_list_set_focus_index(list, static_cast<int>(*focus));
-    look_at_sources(window, *open->project, open->looks);
+    look_at_sources(list, *open->project, open->looks);
 }
 
 Vector<std::size_t> selected_sources(Window window) {
@@ -119,6 +120,21 @@ void enable_project_button(Window window, int id, bool is_enabled) {
     const Window bar = xvt_win_get_ctl(window, k_project_toolbar);
     toggle_button_set_state(toolbar_get_control(bar, id),
                             is_enabled ? ToggleState::push : ToggleState::disabled);
+}
+
+Font list_font_of(const Project& project) {
+    const Font_spec& kept = project.list_font;
+    Font font = xvt_font_get_default();
+    if (kept.face.present() && !kept.face.view().empty())
+        xvt_font_set_family(font, kept.face.view());
+    if (kept.size > 0)
+        xvt_font_set_size(font, kept.size);
+    xvt_font_set_style(font, static_cast<std::uint16_t>(kept.style & 0xFFFF));
+    return font;
+}
+
+void show_list_font(Window window, const Project& project) {
+    xvt_list_set_font(project_list(window), list_font_of(project));
 }
 
 } // namespace pellux

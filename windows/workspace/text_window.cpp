@@ -1,13 +1,11 @@
 #include "windows/workspace/text_window.h"
 
 #include "core/common/callback.h"
+#include "windows/controls/boxes.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
-#include "windows/workspace/open_projects.h"
-#include "windows/workspace/project_commands.h"
 
 #include <algorithm>
 #include <array>
@@ -25,6 +23,7 @@ constexpr std::array k_windows{resource(TextKind::compile_output, 640, 300),
                                resource(TextKind::file, 680, 400)};
 
 Vector<Owned<TextWindow>> texts;
+bool (*g_on_project_key)(Window project, const CharacterEvent& key) = nullptr;
 
 Window output_of(Window window) {
     return xvt_win_get_ctl(window, k_output);
@@ -52,11 +51,9 @@ long on_key(Window window, const CharacterEvent& key) {
         return 0;
     }
     const TextWindow* text = find_text(window);
-    if (text == nullptr || find_open_project(text->project) == nullptr)
+    if (text == nullptr || text->project == Window::none)
         return 1;
-    const Window project = text->project;
-    enter_project(project);
-    return run_compile_key(project, key) ? 0 : 1;
+    return g_on_project_key(text->project, key) ? 0 : 1;
 }
 
 long on_event(void*, Window window, const Event& event) {
@@ -89,8 +86,9 @@ void on_words(void* context, const char* words, int done, int status) {
 
 } // namespace
 
-void register_text_windows() {
+void register_text_windows(bool (*on_key)(Window project, const CharacterEvent& key)) {
     texts.clear();
+    g_on_project_key = on_key;
     xvt_res_register({.windows = k_windows});
 }
 

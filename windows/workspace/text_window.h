@@ -7,8 +7,7 @@
 
 namespace pellux {
 
-// Windows that hold one text to read. Escape and Ctrl+W close them; the keys that compile do it for
-// the project that the text is about.
+// Windows that hold one text to read. Escape and Ctrl+W close them.
 
 /// Its number is that of the window's resource.
 enum class TextKind : int { compile_output = 109, tool_versions = 110, file = 112 };
@@ -30,8 +29,9 @@ struct TextWindow {
     void (*ended)(TextWindow& text, int status) = nullptr;
 };
 
-/// Makes the resources of the windows known; there is none.
-void register_text_windows();
+/// Makes the resources of the windows known; there is none. Keys that a window about a project has
+/// no use for are offered to `on_key`.
+void register_text_windows(bool (*on_key)(Window project, const CharacterEvent& key));
 
 /// The subject's window, empty and in front, with no program. Null after the user was told that
 /// there is none.

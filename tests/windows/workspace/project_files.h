@@ -4,6 +4,9 @@
 #include "core/project/project_file.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_closing.h"
+#include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_windows.h"
 
 #include <gtest/gtest.h>
 

@@ -6,13 +6,13 @@
 #include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
+#include "windows/controls/boxes.h"
 #include "windows/controls/controls.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/changed_file.h"
 #include "windows/workspace/project_view.h"
 
 #include <filesystem>

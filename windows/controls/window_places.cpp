@@ -1,11 +1,8 @@
-#pragma once
-
-#include "windows/toolkit/window.h"
+#include "windows/controls/window_places.h"
 
 namespace pellux {
 
-/// Moves a window so that its frame takes the place `outer`, as thick as the frame is now.
-inline void move_frame(Window window, const Rect& outer) {
+void move_frame(Window window, const Rect& outer) {
     const Rect frame = xvt_vobj_get_outer_rect(window);
     const Rect client = xvt_vobj_get_inner_rect(window);
     xvt_vobj_move(window,

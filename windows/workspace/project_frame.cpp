@@ -1,0 +1,81 @@
+#include "windows/workspace/project_frame.h"
+
+#include "windows/controls/shell_hooks.h"
+#include "windows/controls/window_places.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+#include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_view.h"
+
+#include <algorithm>
+#include <array>
+
+namespace pellux {
+namespace {
+
+constexpr int k_project_window = 105;
+
+constexpr std::array k_windows{WindowResource{.number = k_project_window,
+                                              .title = "",
+                                              .width = 560,
+                                              .height = 400,
+                                              .menu_bar = k_project_menu_bar}};
+
+/// Moves the window to its stored place, if some of that can be seen. What a damaged file says must
+/// not make a window that no memory suffices for.
+void restore_place(Window window, const Screen_position& stored) {
+    constexpr int k_far = 1 << 15;
+    for (const int coordinate : {stored.top, stored.left, stored.bottom, stored.right})
+        if (coordinate < -k_far || coordinate > k_far)
+            return;
+    Rect place{stored.top, stored.left, stored.bottom, stored.right};
+    const Rect area = xvt_vobj_get_client_rect(xvt_win_get_task());
+    place.bottom = std::min(place.bottom, place.top + height(area));
+    place.right = std::min(place.right, place.left + width(area));
+    if (!is_empty(place) && meets(place, area))
+        move_frame(window, place);
+}
+
+} // namespace
+
+void register_project_window() {
+    xvt_res_register({.menu_bars = project_menu_bars(), .windows = k_windows});
+}
+
+Window create_project_window(const Project& project) {
+    const Window window = xvt_win_create_res(k_project_window, workspace().hooks.handler);
+    if (window == Window::none)
+        return window;
+    show_project_name(window, project);
+    restore_place(window, project.window);
+    show_list_font(window, project);
+    shell().insert_tools_menu(shell().context, window);
+    return window;
+}
+
+void show_project_change(Window window) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    show_project_status(window, *open->project);
+    xvt_vobj_set_modified(window, project_image(*open->project) != open->written);
+    workspace().hooks.update(window);
+}
+
+void show_project_name(Window window, const Project& project) {
+    xvt_vobj_set_title(window, view(format_message(msg_project_title, project.file_name.c_str())));
+}
+
+void store_place(Window window, Project& project) {
+    const Rect place = xvt_vobj_get_outer_rect(window);
+    if (is_empty(place) || xvt_vobj_is_maximized(window))
+        return;
+    project.window.top = place.top;
+    project.window.left = place.left;
+    project.window.bottom = place.bottom;
+    project.window.right = place.right;
+}
+
+} // namespace pellux
