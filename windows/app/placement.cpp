@@ -2,8 +2,11 @@
 
 #include "core/diagnostics/message.h"
 #include "core/os/ascii.h"
+#include "core/os/files.h"
 #include "core/os/settings.h"
 #include "windows/controls/property_text.h"
+#include "windows/controls/window_places.h"
+#include "windows/toolkit/window.h"
 
 #include <algorithm>
 #include <array>
@@ -105,6 +108,27 @@ void write_placement(const Placement& placement, std::string_view directory) {
     };
     const std::size_t count = settings.size() - (directory.size() > k_directory_max ? 1 : 0);
     static_cast<void>(write_settings(std::span(settings).first(count)));
+}
+
+void restore_task_place(Placement& remembered) {
+    remembered =
+        place_task_window(read_placement(), xvt_scr_get_work_area(), xvt_scr_list_screens());
+    const Window task = xvt_win_get_task();
+    move_frame(task, remembered.rect);
+    if (remembered.is_maximized)
+        xvt_vobj_maximize(task);
+}
+
+void remember_task_place(Placement& remembered) {
+    const Window task = xvt_win_get_task();
+    const bool is_maximized = xvt_vobj_is_maximized(task);
+    remember_placement(remembered, xvt_vobj_get_outer_rect(task), is_maximized);
+}
+
+void write_task_settings(const Placement& remembered) {
+    PathBuffer directory;
+    if (!failed(current_directory(directory)))
+        write_placement(remembered, directory.view());
 }
 
 } // namespace pellux

@@ -2,8 +2,8 @@
 #include "core/os/environment.h"
 #include "core/os/settings.h"
 #include "tests/windows/app/program.h"
-#include "windows/app/environment.h"
 #include "windows/app/start_picture.h"
+#include "windows/app/startup.h"
 #include "windows/toolkit/message_box.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "core/os/settings.h"
 #include "tests/support/temporary_directory.h"
 #include "windows/app/placement.h"
-#include "windows/app/start_options.h"
+#include "windows/app/startup.h"
 
 #include <gtest/gtest.h>
 
