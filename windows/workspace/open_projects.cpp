@@ -35,6 +35,16 @@ OpenProject* find_open_project(std::string_view directory, std::string_view name
     return nullptr;
 }
 
+void note_written(OpenProject& open, const FileIdentity& file) {
+    open.written = project_image(*open.project);
+    open.written_content = project_content(*open.project);
+    open.file = file;
+}
+
+bool has_changed(const OpenProject& open) {
+    return open.written_content.empty() || project_content(*open.project) != open.written_content;
+}
+
 OpenProject& list_project(Owned<Project> project, Window window) {
     Owned<OpenProject> open = make_owned<OpenProject>();
     open->project = std::move(project);

@@ -4,6 +4,7 @@
 #include "core/project/records.h"
 #include "core/project/source_history.h"
 #include "windows/toolkit/event.h"
+#include "windows/toolkit/geometry.h"
 #include "windows/workspace/source_looks.h"
 
 #include <string_view>
@@ -16,8 +17,11 @@ namespace pellux {
 struct OpenProject {
     Owned<Project> project;
     Window window = Window::none;
-    Vector<std::byte> written; ///< `project_image` as it was last read or written; empty: never
-    FileIdentity file;         ///< what the file was then
+    /// `project_image` and `project_content` as they were last read or written; empty: never.
+    Vector<std::byte> written;
+    Vector<std::byte> written_content;
+    FileIdentity file; ///< what the file was then
+    Rect placed;       ///< where the window stood at first, its user not having moved it
     SourceLooks looks;
     SourceHistory history;
 };
@@ -42,6 +46,11 @@ struct Workspace {
 [[nodiscard]] Project* find_project(Window window);
 /// The open project of a file, or null.
 [[nodiscard]] OpenProject* find_open_project(std::string_view directory, std::string_view name);
+/// Takes note of the project as that which `file` holds.
+void note_written(OpenProject& open, const FileIdentity& file);
+/// Does the project say anything else than its file, what it only remembers apart?
+[[nodiscard]] bool has_changed(const OpenProject& open);
+
 /// Takes a project that has its directory, and its window, into the list.
 OpenProject& list_project(Owned<Project> project, Window window);
 /// The window is gone, and so is the project; nothing is written.

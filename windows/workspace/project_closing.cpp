@@ -15,13 +15,6 @@
 namespace pellux {
 namespace {
 
-/// Takes note of what the project's file is after writing.
-void take_file(OpenProject& open) {
-    const String path = project_path(*open.project);
-    if (failed(identify_file(view(path), open.file)))
-        open.file = {};
-}
-
 /// Asks for a name that no file has; false when the project stays without one.
 bool name_project(Window window) {
     const String title = format_message(msg_name_project);
@@ -56,11 +49,28 @@ bool name_project(Window window) {
 /// Another program has written the file since: may that be lost? True when none has.
 bool may_replace(const OpenProject& open, const String& path) {
     const bool is_named = !open.project->file_name.view().empty();
-    if (!is_named || open.written.empty() ||
-        changed_on_disk(view(path), open.file) != DiskState::changed)
+    if (!is_named || changed_on_disk(view(path), open.file) != DiskState::changed)
         return true;
     const String text = format_message(msg_project_changed, path.c_str());
     return xvt_dm_post_ask(k_cancel, "Write", nullptr, "%s", text.c_str()) == 1;
+}
+
+/// Writes the file as it is in memory, and takes note of what it is then.
+ProjectWriteResult write_file(OpenProject& open) {
+    ProjectWriteResult result = write_project(*open.project);
+    FileIdentity file;
+    if (failed(result.error))
+        return result;
+    if (failed(identify_file(view(project_path(*open.project)), file)))
+        file = {};
+    note_written(open, file);
+    return result;
+}
+
+/// A file that was damaged must be told of even where nobody asked for its writing.
+void tell_old_contents(const ProjectWriteResult& result, const String& path) {
+    if (!result.old_contents.empty())
+        post_error(msg_project_old_contents, path.c_str(), result.old_contents.c_str());
 }
 
 /// False when the user keeps the file as it is, or after they were told of a failure.
@@ -74,21 +84,26 @@ bool write_open_project(Window window) {
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return false;
-    store_place(window, *open->project);
-    const ProjectWriteResult result = write_project(*open->project);
-    if (!failed(result.error)) {
-        open->written = project_image(*open->project);
-        take_file(*open);
+    store_place(*open);
+    const ProjectWriteResult result = write_file(*open);
+    if (!failed(result.error))
         show_project_change(window);
-    }
     if (failed(result.error))
         post_error(msg_cannot_write_project, path.c_str(), error_text(result.error).c_str());
     else if (result.attributes_lost)
         xvt_dm_post_warning("%s",
                             format_message(msg_project_attributes_lost, path.c_str()).c_str());
-    if (!result.old_contents.empty())
-        post_error(msg_project_old_contents, path.c_str(), result.old_contents.c_str());
+    tell_old_contents(result, path);
     return !failed(result.error);
+}
+
+/// Writes what the project only remembers, if it differs and the file is still the one that was
+/// read. Nobody has asked for it, so nobody is told when it fails.
+void write_memory(OpenProject& open) {
+    const String path = project_path(*open.project);
+    if (project_image(*open.project) != open.written &&
+        changed_on_disk(view(path), open.file) == DiskState::same)
+        tell_old_contents(write_file(open), path);
 }
 
 /// For a project that can't be written, which else could never be closed.
@@ -120,7 +135,14 @@ bool is_named_or_given_up(Window window) {
 bool close_one(Window window) {
     if (!is_named_or_given_up(window))
         return false;
-    if (!write_open_project(window) && !agrees_to_lose(window))
+    OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return false;
+    store_place(*open);
+    const bool is_gone = !file_exists(view(project_path(*open->project)));
+    if (!is_gone && !has_changed(*open))
+        write_memory(*open);
+    else if (!write_open_project(window) && !agrees_to_lose(window))
         return false;
     if (find_open_project(window) == nullptr)
         return false;

@@ -5,7 +5,6 @@
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
-#include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
 
@@ -60,7 +59,7 @@ void show_project_change(Window window) {
     if (open == nullptr)
         return;
     show_project_status(window, *open->project);
-    xvt_vobj_set_modified(window, project_image(*open->project) != open->written);
+    xvt_vobj_set_modified(window, has_changed(*open));
     workspace().hooks.update(window);
 }
 
@@ -68,14 +67,15 @@ void show_project_name(Window window, const Project& project) {
     xvt_vobj_set_title(window, view(format_message(msg_project_title, project.file_name.c_str())));
 }
 
-void store_place(Window window, Project& project) {
-    const Rect place = xvt_vobj_get_outer_rect(window);
-    if (is_empty(place) || xvt_vobj_is_maximized(window))
+void store_place(OpenProject& open) {
+    const Rect place = xvt_vobj_get_outer_rect(open.window);
+    if (is_empty(place) || place == open.placed || xvt_vobj_is_maximized(open.window))
         return;
-    project.window.top = place.top;
-    project.window.left = place.left;
-    project.window.bottom = place.bottom;
-    project.window.right = place.right;
+    Screen_position& stored = open.project->window;
+    stored.top = place.top;
+    stored.left = place.left;
+    stored.bottom = place.bottom;
+    stored.right = place.right;
 }
 
 } // namespace pellux

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "core/project/records.h"
-#include "windows/toolkit/event.h"
+#include "windows/workspace/open_projects.h"
 
 namespace pellux {
 
@@ -15,7 +14,8 @@ void register_project_window();
 void show_project_change(Window window);
 /// Puts the project's name into the title.
 void show_project_name(Window window, const Project& project);
-/// Takes the window's place into the project.
-void store_place(Window window, Project& project);
+/// Takes the window's place into the project, if its user has moved it: a visit alone changes
+/// nothing.
+void store_place(OpenProject& open);
 
 } // namespace pellux

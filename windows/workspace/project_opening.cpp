@@ -15,6 +15,15 @@
 namespace pellux {
 namespace {
 
+/// Brings the project of a file to the front, if it is open.
+bool raise_open(std::string_view directory, std::string_view name) {
+    const OpenProject* open = find_open_project(directory, name);
+    if (open == nullptr)
+        return false;
+    xvt_vobj_raise(open->window);
+    return true;
+}
+
 /// A file that was copied or renamed goes by the name that it has now: under the one that is
 /// written in it another project would be overwritten.
 bool open_file(std::string_view path, std::string_view directory, std::string_view name) {
@@ -27,12 +36,10 @@ bool open_file(std::string_view path, std::string_view directory, std::string_vi
         return false;
     project->directory = directory;
     project->file_name.assign(name);
-    Vector<std::byte> image = project_image(*project);
     if (!add_project(std::move(project)))
         return false;
     OpenProject& open = *workspace().projects.back();
-    open.written = std::move(image);
-    open.file = file;
+    note_written(open, file);
     show_project_change(open.window);
     return true;
 }
@@ -43,18 +50,15 @@ bool open_project_here(std::string_view name) {
     PathBuffer directory;
     if (failed(current_directory(directory)) && !program_directory(directory))
         directory.clear();
-    return open_file(name, directory.view(), name);
+    return raise_open(directory.view(), name) || open_file(name, directory.view(), name);
 }
 
 bool open_project_in(std::string_view directory, std::string_view name) {
     PathBuffer resolved;
     if (!failed(real_path(directory, resolved)))
         directory = resolved.view();
-    if (const OpenProject* open = find_open_project(directory, name)) {
-        xvt_vobj_raise(open->window);
-        return true;
-    }
-    return open_file(view(path_in(directory, name)), directory, name);
+    return raise_open(directory, name) ||
+           open_file(view(path_in(directory, name)), directory, name);
 }
 
 Vector<String> open_projects_among(std::span<const String> paths) {
@@ -84,7 +88,7 @@ bool add_project(Owned<Project> project) {
         post_error(msg_no_project_window);
         return false;
     }
-    list_project(std::move(project), window);
+    list_project(std::move(project), window).placed = xvt_vobj_get_outer_rect(window);
     show_sources(window, {});
     show_project_change(window);
     return true;

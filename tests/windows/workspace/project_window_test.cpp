@@ -1,13 +1,6 @@
-#include "core/common/callback.h"
 #include "core/os/loop.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/robot.h"
-#include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/controls/boxes.h"
-#include "windows/controls/controls.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
@@ -29,33 +22,8 @@ using test::window_of_project;
 constexpr const char* k_choose = "Choose VHDL files to add.";
 constexpr const char* k_choose_pla = "Choose one PLA file to add.";
 
-/// One project, a.bpr, in a directory of its own, and the user in front of its window.
-class ProjectWindow : public testing::Test {
+class ProjectWindow : public test::Projects {
 protected:
-    ProjectWindow() {
-        register_controls();
-        make_project_file(top_, "a.bpr");
-    }
-    void run(const std::function<void()>& script) {
-        const ShellHooks shell{
-            .remember_placement = [](void*) {},
-            .end_application = [](void*) { xvt_app_destroy(); },
-            .quit = [](void*) {},
-            .show_help_contents = [](void*) {},
-            .insert_tools_menu = [](void*, Window) {},
-            .run_tool = [](void*, int) {},
-            .context = nullptr,
-        };
-        in_application([&] {
-            start_workspace(shell);
-            ASSERT_TRUE(open_project_here("a.bpr"));
-            process_events();
-            script();
-        });
-    }
-    static Window window() { return window_of_project(0); }
-    static Project& project() { return *workspace().projects.at(0)->project; }
-
     /// "x.vhd *y.vhd [z.vhd]": the top design has a star, what is selected stands in brackets.
     static std::string files() {
         const Window list = project_list(window());
@@ -102,14 +70,6 @@ protected:
         }
         return false;
     }
-
-    test::ReportsInBoxes reports_;
-    test::TemporaryDirectory directory_;
-    std::string top_ = directory_.path();
-    test::TemporaryDirectory settings_;
-    test::ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
-    test::ScopedDirectory here_{top_};
-    ScriptedAnswers user_;
 };
 
 TEST_F(ProjectWindow, TakesFilesByItsRules) {
@@ -316,24 +276,6 @@ TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
     });
 }
 
-TEST_F(ProjectWindow, AsksBeforeItReplacesWhatAnotherProgramWrote) {
-    run([&] {
-        project().options.device.assign("cpld32");
-        directory_.write("a.bpr", "another's");
-        user_.expect_ask("Project '*/a.bpr' has changed on disk.\nWrite it all the same?",
-                         "Cancel");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_EQ(directory_.read("a.bpr"), "another's");
-        user_.expect_ask("Project '*'*", "Write");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_NE(directory_.read("a.bpr"), "another's");
-        // One that is gone is written anew.
-        std::filesystem::remove("a.bpr");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_TRUE(directory_.names().contains("a.bpr"));
-    });
-}
-
 TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
     const std::string path = directory_.path("x.vhd");
     const std::string disk =
@@ -359,17 +301,16 @@ TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
 
 TEST_F(ProjectWindow, KeepsTheFontOfItsList) {
     run([&] {
-        Font_spec& kept = project().list_font;
         for (const int number :
              {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+            Font_spec& kept = project().list_font;
             kept.face.assign("\xff%s\n");
             kept.size = kept.style = number;
             EXPECT_TRUE(choose_item(1046));
+            xvt_vobj_destroy(window());
             ASSERT_TRUE(open_project_here("a.bpr"));
             process_events();
-            const Project& read = *workspace().projects.at(1)->project;
-            EXPECT_TRUE(read.list_font.size == number && read.list_font.style == number);
-            xvt_vobj_destroy(window_of_project(1));
+            EXPECT_TRUE(project().list_font.size == number && project().list_font.style == number);
         }
         Font chosen = xvt_font_get_fixed();
         chosen.size = 14;

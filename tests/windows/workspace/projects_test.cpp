@@ -1,15 +1,8 @@
-#include "core/common/callback.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/robot.h"
-#include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
 
 #include <filesystem>
-#include <functional>
 #include <limits>
 
 namespace pellux {
@@ -22,35 +15,21 @@ using test::window_of_project;
 constexpr const char* k_open = "Open project...";
 constexpr const char* k_name = "Name new project.";
 
-/// The program around the windows as its projects see it, and the user in front of it.
-class ProjectWindows : public testing::Test {
+class ProjectWindows : public test::Projects {
 protected:
-    ProjectWindows() { make_project_file(top_, "a.bpr"); }
-    ~ProjectWindows() override { set_file_fault_hook(nullptr, nullptr); }
-
-    void run(const std::function<void()>& script) {
-        static constexpr auto say = [](void* self, const std::string& word) {
-            from_context<ProjectWindows>(self).calls_ += word + " ";
-            if (word == "end")
-                xvt_app_destroy();
-        };
-        const ShellHooks shell{
-            .remember_placement = [](void* self) { say(self, "remember"); },
-            .end_application = [](void* self) { say(self, "end"); },
-            .quit = [](void* self) { say(self, "quit"); },
-            .show_help_contents = [](void* self) { say(self, "help"); },
-            .insert_tools_menu = [](void* self, Window) { say(self, "tools"); },
-            .run_tool = [](void* self, int tag) { say(self, std::to_string(tag)); },
-            .context = this,
-        };
-        in_application([&] {
-            start_workspace(shell);
-            open_project_here("a.bpr");
-            script();
-        });
-    }
     void type_file(QuestionKind kind, std::string_view title, std::string_view name) {
         user_.expect_file(kind, title, top_, name);
+    }
+    static Project& last() { return *workspace().projects.back()->project; }
+    static SystemError on_file(void* self, FileOperation operation, std::string_view,
+                               std::size_t& partial) {
+        auto& test = from_context<ProjectWindows>(self);
+        // The copy is whole then.
+        if (test.is_damaging_ && operation == FileOperation::flush_directory)
+            test.refuses_ = true;
+        partial = 1;
+        return test.refuses_ && operation == FileOperation::write ? refuse(Refusal::damaged)
+                                                                  : SystemError::none;
     }
     /// Answers by a button, or by closing the box.
     void answer(const char* question, std::string_view button) {
@@ -60,12 +39,8 @@ protected:
             user_.expect_ask(question, button);
     }
 
-    test::ReportsInBoxes reports_;
-    test::TemporaryDirectory directory_;
-    std::string top_ = directory_.path();
-    test::ScopedDirectory here_{top_};
-    ScriptedAnswers user_;
-    std::string calls_;
+    bool refuses_ = false;     ///< files can't be written
+    bool is_damaging_ = false; ///< once a safe copy is made
 };
 
 TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
@@ -79,6 +54,10 @@ TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
         EXPECT_EQ(xvt_vobj_get_title(window_of_project(1)), "Project:copy.bpr");
         // One that is open comes to the front unread: what is chosen next is its command.
         std::filesystem::remove("a.bpr");
+        EXPECT_TRUE(open_project_here("copy.bpr") && open_project_in(top_, "copy.bpr"));
+        EXPECT_TRUE(
+            open_projects_among(Vector<String>{directory_.path("copy.bpr").c_str()}).empty());
+        EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
         user_.expect_file(QuestionKind::file_open, k_open, directory_.path("link"), "a.bpr");
         choose_project();
         EXPECT_TRUE(choose_item(1045));
@@ -176,8 +155,7 @@ TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
     } rows[] = {
         {"", "closed", {}, "", false},      {"", "Yes", {nullptr}, "", false},
         {"", "No", {}, "", true},           {"", "Yes", {"taken", "named"}, "", true},
-        {"x.bpr", "", {}, "closed", false}, {"x.bpr", "", {}, "Close", true},
-        {"x.bpr", "", {}, "", true},
+        {"x.bpr", "", {}, "closed", false}, {"x.bpr", "", {}, "", true},
     };
     run([&] {
         for (const auto& row : rows) {
@@ -215,6 +193,75 @@ TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
         set_file_fault_hook(refuse_writing, nullptr);
         user_.expect_error("Can't write '*/Third.BPR': *.");
         EXPECT_FALSE(save_project(window_of_project(0)));
+    });
+}
+
+TEST_F(ProjectWindows, AreWrittenWhenTheyDifferFromTheirFile) {
+    const auto move = [] { xvt_vobj_move(window_of_project(1), {50, 60, 250, 360}); };
+    const auto compile = [] { last().sources.at(0)->words = {1, 2, 3, 4, 5}; };
+    const auto change = [] { last().options.device.assign("cpld32"); };
+    const auto replace = [this] { directory_.write("x.bpr", "another's"); };
+    const auto remove = [] { std::filesystem::remove("x.bpr"); };
+    const auto refuse_writing = [this] { refuses_ = true; };
+    // A file with two names is written in place, which ends in the middle.
+    const auto damage = [this] {
+        std::filesystem::create_hard_link("x.bpr", "y.bpr");
+        is_damaging_ = true;
+    };
+    const char* const kept =
+        "Project '*/x.bpr' has changed on disk.\nWrite it all the same?=Cancel";
+    const char* const write = "Project '*'*=Write";
+    const char* const cannot = "Can't write '*/x.bpr': *.";
+    const char* const lies = "The old contents of '*/x.bpr' lie in '*/.x.bpr*'.";
+    const char* const close = "Close project 'x.bpr' without saving it?=Close";
+    const struct {
+        std::vector<std::function<void()>> before;
+        std::vector<const char*> boxes; ///< errors, or questions with their answers
+        bool writes;
+    } rows[] = {
+        {{}, {}, false},
+        {{replace}, {}, false},
+        {{remove}, {}, true},
+        {{refuse_writing}, {}, false},
+        {{move}, {}, true},
+        {{compile}, {}, true},
+        {{move, replace}, {}, false},
+        {{move, refuse_writing}, {}, false},
+        {{move, damage}, {lies}, true},
+        {{change}, {}, true},
+        {{change, replace}, {kept, close}, false},
+        {{change, replace}, {write}, true},
+        {{change, refuse_writing}, {cannot, close}, false},
+        {{change, damage}, {cannot, lies, close}, true},
+    };
+    set_file_fault_hook(on_file, this);
+    run([&] {
+        for (const auto& row : rows) {
+            const auto number = &row - rows;
+            refuses_ = is_damaging_ = false;
+            for (const std::string& name : directory_.names())
+                if (name != "a.bpr")
+                    std::filesystem::remove(name);
+            make_project_file(top_, "x.bpr");
+            ASSERT_TRUE(open_project_here("x.bpr"));
+            last().sources.push_back(make_owned<VHDL_source>());
+            EXPECT_TRUE(save_project(window_of_project(1)));
+            for (const auto& act : row.before)
+                act();
+            FileIdentity file, after;
+            ASSERT_FALSE(failed(identify_file("x.bpr", file)));
+            for (const std::string_view box : row.boxes) {
+                const std::size_t answer = box.find('=');
+                if (answer == box.npos)
+                    user_.expect_error(box);
+                else
+                    user_.expect_ask(box.substr(0, answer), box.substr(answer + 1));
+            }
+            EXPECT_TRUE(close_project(window_of_project(1))) << number;
+            EXPECT_EQ(user_.left(), 0u) << number;
+            ASSERT_FALSE(failed(identify_file("x.bpr", after)));
+            EXPECT_EQ(file != after, row.writes) << number;
+        }
     });
 }
 
