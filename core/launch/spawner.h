@@ -9,6 +9,13 @@
 
 namespace pellux {
 
+/// How a child came to its end.
+struct SpawnerEnd {
+    bool has_told = false;   ///< its status itself, over the channel
+    bool has_spoken = false; ///< there at all
+    ProcessEnd process;      ///< as far as it is known
+};
+
 /// Starts one child program at a time and relays what it sends over its text channel.
 ///
 /// Text comes as `(text, 0, 0)`, possibly several lines in one; the end once as `(null, 1,
@@ -48,6 +55,8 @@ public:
     [[nodiscard]] bool running() const { return running_; }
     /// Exit status of the child: -1 before the first launch, 0 while one runs.
     [[nodiscard]] int status() const { return status_; }
+    /// Of the last launch, once it has ended.
+    [[nodiscard]] const SpawnerEnd& end() const { return end_; }
     /// The number that names this spawner on its child's command line; 0 without a channel.
     [[nodiscard]] ChannelAddress handle() const { return server_->address; }
     /// The child's process as it told it itself, 0 before its first poke.
@@ -82,6 +91,7 @@ private:
     std::int64_t child_window_ = 0;
     bool running_ = false;
     int status_ = -1;
+    SpawnerEnd end_;
     Timer watchdog_;
     Timer grace_;
     Process process_;

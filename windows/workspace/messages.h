@@ -41,6 +41,14 @@ inline Message<> msg_compile_succeeded{"E2069", "Compilation successful."};
 inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
 inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
 inline Message<const char*> msg_cannot_run_compiler{"E2072", "Can't run '%s'."};
+inline Message<> msg_compiling{"E2076", "Compiling"};
+inline Message<const char*> msg_compiles_already{"E2077", "'%s' is being compiled already."};
+inline Message<const char*> msg_text_runs{"E2078", "%s (running)"};
+inline Message<const char*, int> msg_program_crashed{"E2079", "'%s' crashed (signal %d)."};
+inline Message<const char*, int> msg_program_never_spoke{
+    "E2084", "'%s' ended with status %d and has said nothing."};
+inline Message<const char*, int> msg_program_broke_off{
+    "E2085", "'%s' ended with status %d and has told no result."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};

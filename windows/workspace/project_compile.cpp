@@ -32,8 +32,14 @@ Vector<CompileEntry> entries_of(const OpenProject& open) {
 void compile_project(Window project, bool all) {
     const TextSubject subject{TextKind::compile_output, project};
     OpenProject* open = find_open_project(project);
-    if (open == nullptr || raise_speaking_window(subject))
+    if (open == nullptr)
         return;
+    if (is_speaking(subject)) {
+        raise_text_window(subject);
+        show_status(project,
+                    view(format_message(msg_compiles_already, open->project->file_name.c_str())));
+        return;
+    }
     Vector<String> words;
     const bool is_prepared = prepare_compile(*open->project, entries_of(*open), all, words);
     show_project_change(project);

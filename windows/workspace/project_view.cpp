@@ -9,6 +9,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/text_window.h"
 
 #include <algorithm>
 #include <array>
@@ -102,9 +103,12 @@ Vector<std::size_t> selected_sources(Window window) {
 
 void show_project_status(Window window, const Project& project) {
     const VHDL_source* top = project.top_design;
-    show_status(window, view(format_message(msg_project_status,
-                                            top == nullptr ? "<none>" : top->file_name.c_str(),
-                                            project.options.device.c_str())));
+    String text =
+        format_message(msg_project_status, top == nullptr ? "<none>" : top->file_name.c_str(),
+                       project.options.device.c_str());
+    if (is_speaking({TextKind::compile_output, window}))
+        (text += '\t') += format_message(msg_compiling);
+    show_status(window, view(text));
 }
 
 void show_status(Window window, std::string_view text) {

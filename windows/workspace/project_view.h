@@ -21,7 +21,7 @@ void lay_out_project_view(Window window);
 void show_sources(Window window, Selection selected, std::optional<std::size_t> focus = {});
 [[nodiscard]] Vector<std::size_t> selected_sources(Window window);
 
-/// The top design and the device.
+/// The top design and the device, and that a compile runs.
 void show_project_status(Window window, const Project& project);
 /// Something else, until `show_project_status`.
 void show_status(Window window, std::string_view text);

@@ -88,6 +88,11 @@ void update(Window window) {
     update_info_commands(window);
 }
 
+void show_compile(Window window) {
+    if (const Project* project = find_project(window))
+        show_project_status(window, *project);
+}
+
 bool on_text_key(Window project, const CharacterEvent& key) {
     enter_project(project);
     return run_compile_key(project, key);
@@ -100,7 +105,7 @@ void start_workspace(const ShellHooks& hooks) {
     workspace() = {};
     workspace().hooks = {{on_event, nullptr}, update};
     register_project_window();
-    register_text_windows(on_text_key);
+    register_text_windows({on_text_key, show_compile});
     register_new_project();
 }
 

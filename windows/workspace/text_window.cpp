@@ -23,7 +23,7 @@ constexpr std::array k_windows{resource(TextKind::compile_output, 640, 300),
                                resource(TextKind::file, 680, 400)};
 
 Vector<Owned<TextWindow>> texts;
-bool (*g_on_project_key)(Window project, const CharacterEvent& key) = nullptr;
+TextHooks g_hooks;
 
 Window output_of(Window window) {
     return xvt_win_get_ctl(window, k_output);
@@ -53,7 +53,26 @@ long on_key(Window window, const CharacterEvent& key) {
     const TextWindow* text = find_text(window);
     if (text == nullptr || text->project == Window::none)
         return 1;
-    return g_on_project_key(text->project, key) ? 0 : 1;
+    return g_hooks.take_key(text->project, key) ? 0 : 1;
+}
+
+/// Says in the title, and to the project, whether a program runs.
+void show_program(const TextWindow& text) {
+    const bool runs = text.program != nullptr && text.program->running();
+    xvt_vobj_set_title(text.window, runs ? view(format_message(msg_text_runs, text.title.c_str()))
+                                         : view(text.title));
+    if (text.project != Window::none)
+        g_hooks.show_program(text.project);
+}
+
+void on_destruction(Window window) {
+    const TextWindow* text = find_text(window);
+    if (text == nullptr)
+        return;
+    const Window project = text->project;
+    std::erase_if(texts, [window](const auto& each) { return each->window == window; });
+    if (project != Window::none)
+        g_hooks.show_program(project);
 }
 
 long on_event(void*, Window window, const Event& event) {
@@ -71,24 +90,38 @@ long on_event(void*, Window window, const Event& event) {
     } else if (event.get<CloseEvent>() != nullptr) {
         xvt_vobj_destroy(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
-        std::erase_if(texts, [window](const auto& text) { return text->window == window; });
+        on_destruction(window);
     }
     return 0;
 }
 
+/// Why there is no result, of a program that has not told it.
+void append_cause(TextWindow& text, const char* program) {
+    const SpawnerEnd& end = text.program->end();
+    if (end.process.by_signal)
+        append_line(text, view(format_message(msg_program_crashed, program, end.process.code)));
+    else if (!end.has_told)
+        append_line(text, view(format_message(end.has_spoken ? msg_program_broke_off
+                                                             : msg_program_never_spoke,
+                                              program, end.process.code)));
+}
+
 void on_words(void* context, const char* words, int done, int status) {
     auto& text = from_context<TextWindow>(context);
-    if (done == 0)
+    if (done == 0) {
         append_text(text, words);
-    else
-        text.ended(text, status);
+        return;
+    }
+    append_cause(text, text.name.c_str());
+    show_program(text);
+    text.ended(text, status);
 }
 
 } // namespace
 
-void register_text_windows(bool (*on_key)(Window project, const CharacterEvent& key)) {
+void register_text_windows(const TextHooks& hooks) {
     texts.clear();
-    g_on_project_key = on_key;
+    g_hooks = hooks;
     xvt_res_register({.windows = k_windows});
 }
 
@@ -101,23 +134,28 @@ TextWindow* open_text_window(const TextSubject& subject, std::string_view title)
             post_error(msg_no_project_window);
             return nullptr;
         }
-        texts.push_back(make_owned<TextWindow>(
-            TextWindow{window, subject.kind, subject.project, String(subject.path)}));
+        texts.push_back(make_owned<TextWindow>(TextWindow{.window = window,
+                                                          .kind = subject.kind,
+                                                          .project = subject.project,
+                                                          .path = String(subject.path)}));
         text = texts.back().get();
     }
     text->program.reset();
-    xvt_vobj_set_title(text->window, title);
+    text->title = title;
+    show_program(*text);
     set_text(*text, {});
     xvt_vobj_raise(text->window);
     return text;
 }
 
-bool raise_speaking_window(const TextSubject& subject) {
+bool is_speaking(const TextSubject& subject) {
     const TextWindow* text = find_text(subject);
-    if (text == nullptr || text->program == nullptr || !text->program->running())
-        return false;
-    xvt_vobj_raise(text->window);
-    return true;
+    return text != nullptr && text->program != nullptr && text->program->running();
+}
+
+void raise_text_window(const TextSubject& subject) {
+    if (const TextWindow* text = find_text(subject))
+        xvt_vobj_raise(text->window);
 }
 
 void close_text_windows(Window project) {
@@ -155,8 +193,13 @@ void run_program_in(TextWindow& text, const Vector<String>& words,
     arguments.push_back(nullptr);
     text.ended = ended;
     text.program = make_owned<Spawner>(on_words, &text);
-    if (!text.program->launch(arguments.front(), arguments.data()))
-        post_error(msg_cannot_run_compiler, arguments.front());
+    text.name = words.front();
+    if (text.program->launch(arguments.front(), arguments.data())) {
+        show_program(text);
+        return;
+    }
+    append_line(text, view(format_message(msg_cannot_run_compiler, arguments.front())));
+    ended(text, 1);
 }
 
 } // namespace pellux

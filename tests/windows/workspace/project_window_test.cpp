@@ -63,12 +63,9 @@ protected:
     }
     /// Waits until the output says a word.
     static bool said(std::string_view word) {
-        for (int i = 0; i < 500; ++i) {
+        for (int i = 0; i < 500 && shown_output().find(word) == std::string::npos; ++i)
             run_turn(TurnWait::until_event);
-            if (shown_output().find(word) != std::string::npos)
-                return true;
-        }
-        return false;
+        return shown_output().find(word) != std::string::npos;
     }
 };
 
@@ -381,6 +378,45 @@ TEST_F(ProjectWindow, ShowsWhatTheCompilerSays) {
     });
 }
 
+TEST_F(ProjectWindow, TellsWhyACompileFailed) {
+    const std::string name = "'" + top_ + "/bin/BRIX.EXE'", end = "Compilation failed.\n";
+    const struct {
+        const char* program;
+        std::string cause; ///< empty: it runs on
+    } rows[] = {
+        {"", "Can't run " + name + ".\n"},
+        {"#!/bin/sh\nkill -SEGV $$\n", name + " crashed (signal 11).\n"},
+        {"#!/bin/sh\nexit 7\n", name + " ended with status 7 and has said nothing.\n"},
+        {"#!/bin/sh\nexec sleep 100\n", ""},
+    };
+    const test::ScopedVariable install("VELMORA_DIR", top_.c_str());
+    directory_.write("x.vhd", "");
+    run([&] {
+        command(1106);
+        const std::string idle = status();
+        for (const auto& row : rows) {
+            const std::string path = directory_.write("bin/BRIX.EXE", row.program);
+            if (*row.program != '\0')
+                std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+            press_key("F7");
+            if (!row.cause.empty()) {
+                EXPECT_TRUE(said(end) && shown_output().ends_with("\n" + row.cause + end))
+                    << shown_output();
+                continue;
+            }
+            const Window output = shown_output_window();
+            EXPECT_EQ(xvt_vobj_get_title(output), "Compile:a.bpr (running)");
+            EXPECT_EQ(status(), idle + "\tCompiling");
+            xvt_vobj_raise(window());
+            press_key("F7");
+            EXPECT_EQ(status(), "'a.bpr' is being compiled already.");
+            press_key("Esc");
+            EXPECT_FALSE(xvt_vobj_is_valid(output));
+        }
+        EXPECT_EQ(status(), idle);
+    });
+}
+
 TEST_F(ProjectWindow, ShowsTheFilesAboutItsTopDesign) {
     directory_.write("x.vhd", "x");
     directory_.write("x.rpt", "a report");
@@ -436,9 +472,8 @@ TEST_F(ProjectWindow, TellsWhichToolsRun) {
         press_key("Esc");
         EXPECT_EQ(shown_output(), "");
         const test::ScopedVariable other("VELMORA_DIR", top_.c_str());
-        user_.expect_error("Can't run '*/bin/BRIX.EXE'.");
         EXPECT_TRUE(choose_item(1102));
-        EXPECT_EQ(shown_output(), own);
+        EXPECT_EQ(shown_output(), own + "Can't run '" + top_ + "/bin/BRIX.EXE'.\n");
     });
 }
 
