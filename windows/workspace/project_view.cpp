@@ -22,14 +22,14 @@ constexpr int k_status_px = 24;
 
 constexpr std::array<std::string_view, 14> k_toolbar_lines{
     "TOP_OFFSET=3",
-    "PICBUTN=231,331,\"New project.\"",
-    "PICBUTN=232,332,\"Open project.\"",
-    "PICBUTN=233,333,\"Save project.\"",
+    "PICBUTN=231,331,\"New project (Ctrl+N).\"",
+    "PICBUTN=232,332,\"Open project (Ctrl+O).\"",
+    "PICBUTN=233,333,\"Save project (Ctrl+S).\"",
     "SEPARATOR",
     "PICBUTN=234,334,\"Add files.\"",
-    "PICBUTN=235,335,\"Remove selected files.\"",
-    "PICBUTN=236,336,\"Move selected files up.\"",
-    "PICBUTN=237,337,\"Move selected files down.\"",
+    "PICBUTN=235,335,\"Remove selected files (Del).\"",
+    "PICBUTN=236,336,\"Move selected files up (Alt+Up).\"",
+    "PICBUTN=237,337,\"Move selected files down (Alt+Down).\"",
     "PICBUTN=238,338,\"Set as top design.\"",
     "SEPARATOR",
     "PICBUTN=239,339,\"Compile all (F7).\"",
@@ -107,7 +107,7 @@ void show_project_status(Window window, const Project& project) {
         format_message(msg_project_status, top == nullptr ? "<none>" : top->file_name.c_str(),
                        project.options.device.c_str());
     if (is_speaking({TextKind::compile_output, window}))
-        (text += '\t') += format_message(msg_compiling);
+        (text += '\t') += format_message(msg_compile_runs);
     show_status(window, view(text));
 }
 

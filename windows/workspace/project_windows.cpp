@@ -85,6 +85,7 @@ long on_event(void*, Window window, const Event& event) {
 
 void update(Window window) {
     update_project_commands(window);
+    update_history_titles(window);
     update_info_commands(window);
 }
 

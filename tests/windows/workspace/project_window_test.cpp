@@ -61,6 +61,15 @@ protected:
                     return item.is_enabled;
         return false;
     }
+    /// `pattern`: words that stand in this order, with '*' between them.
+    static bool menus_have(std::string_view pattern) {
+        const std::string menus = shown_menus();
+        std::size_t from = 0;
+        for (std::string_view word; from != menus.npos && next_list_entry(pattern, word, '*');)
+            from = menus.find(word, from);
+        EXPECT_NE(from, menus.npos) << menus;
+        return from != menus.npos;
+    }
     /// Waits until the output says a word.
     static bool said(std::string_view word) {
         for (int i = 0; i < 500 && shown_output().find(word) == std::string::npos; ++i)
@@ -112,7 +121,7 @@ TEST_F(ProjectWindow, TakesWhatIsDroppedForWhatItIs) {
 
 TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
     const std::string far(125, 'f');
-    for (const char* name : {"A.VHD", "b.vhd", "d e.vhd", "p.pla", "q.pla"})
+    for (const char* name : {"A.VHD", "b.vhd", "d e.vhd", "p.pla", "Q.PLA"})
         directory_.write(name, "");
     run([&] {
         user_.expect_files(k_choose, top_, {"b.vhd", "d e.vhd", far});
@@ -131,11 +140,11 @@ TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
         command(1058);
         press_key("Del");
         EXPECT_EQ(files(), "");
-        user_.expect_files(k_choose_pla, top_, {"p.pla", "q.pla"});
+        user_.expect_files(k_choose_pla, top_, {"p.pla", "Q.PLA"});
         user_.expect_note("You may only choose one PLA file.");
-        user_.expect_files(k_choose_pla, top_, {"q.pla"});
+        user_.expect_files(k_choose_pla, top_, {"Q.PLA"});
         command(1107);
-        EXPECT_EQ(files(), "[q.pla]");
+        EXPECT_EQ(files(), "[Q.PLA]");
         for (const int tag : {1060, 1106}) {
             user_.expect_error("Project contains a PLA file.");
             command(tag);
@@ -145,7 +154,7 @@ TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
         const std::string paths[] = {directory_.path("b.vhd"), directory_.path("A.VHD"),
                                      directory_.path("p.pla")};
         EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
-        EXPECT_EQ(files(), "[q.pla]");
+        EXPECT_EQ(files(), "[Q.PLA]");
     });
 }
 
@@ -225,7 +234,9 @@ TEST_F(ProjectWindow, TakesChangesOfItsListBack) {
         select({0, 1});
         press_key("Del");
         EXPECT_EQ(files(), "[c.vhd]");
+        EXPECT_TRUE(menus_have("&Undo removing 2 files\tCtrl+Z\n  (Red&o\tCtrl+Y)\n  -\n  &Add"));
         press_key("Ctrl+Z");
+        EXPECT_TRUE(menus_have("&Undo setting the top design\t*&o removing 2 files\t"));
         EXPECT_EQ(files(), "[a.vhd] [*b.vhd] c.vhd");
         EXPECT_EQ(project().sources[1]->note.view(), "kept");
         EXPECT_EQ(status(), "Top design: b.vhd\tDevice: ");
@@ -234,7 +245,8 @@ TEST_F(ProjectWindow, TakesChangesOfItsListBack) {
         for (int i = 0; i < 3; ++i)
             press_key("Ctrl+Z");
         EXPECT_EQ(files(), "");
-        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
+        EXPECT_FALSE(has_changed(open()));
+        EXPECT_TRUE(menus_have("(&Undo\t*Red&o adding 3 files\t"));
         right_click(project_list(window()), {20, 25});
         EXPECT_TRUE(choose_popup_item(1154));
         EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd]");
