@@ -34,8 +34,7 @@ ShellHooks shell_hooks(Shell& shell) {
 
 void start_shell(Shell& shell, std::span<const char* const> words) {
     shell.options = parse_start_options(words);
-    if (!shell.options.directory)
-        shell.options.directory = read_last_directory();
+    shell.last_directory = read_last_directory();
     register_controls();
     register_task_window();
     register_start_picture();

@@ -41,6 +41,24 @@ bool open_all_projects(std::string_view tried) {
     return any;
 }
 
+/// Where the project of a bare name is looked for, or all projects: with neither `-%D` nor a file
+/// of that name here, in the directory of the last run.
+String start_directory(const Shell& shell, std::string_view name) {
+    if (shell.options.directory)
+        return *shell.options.directory;
+    return !name.empty() && file_exists(name) ? String() : shell.last_directory.value_or(String());
+}
+
+/// The directory of a path, which is counted from here or, where there is no such file, from the
+/// directory of the last run.
+String project_directory(const Shell& shell, std::string_view path) {
+    const std::string_view directory = directory_part(path);
+    if (is_absolute(path) || file_exists(path) || !shell.last_directory)
+        return String(directory);
+    const bool is_there = file_exists(view(path_in(view(*shell.last_directory), path)));
+    return is_there ? path_in(view(*shell.last_directory), directory) : String(directory);
+}
+
 } // namespace
 
 void open_starting_projects(Shell& shell) {
@@ -51,8 +69,8 @@ void open_starting_projects(Shell& shell) {
     const String project = shell.options.project.value_or(String());
     const std::string_view own_directory = directory_part(view(project));
     const std::string_view name = file_name_part(view(project));
-    const String directory =
-        own_directory.empty() ? shell.options.directory.value_or(String()) : String(own_directory);
+    const String directory = own_directory.empty() ? start_directory(shell, view(project))
+                                                   : project_directory(shell, view(project));
     const bool is_there = directory.empty() || !failed(change_directory(view(directory)));
     // Where the project's directory is missing, the one of its name here is another project.
     const bool is_here = is_there || own_directory.empty();

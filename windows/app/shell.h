@@ -10,8 +10,9 @@ namespace pellux {
 /// The program around the windows of projects; one, as long as the application runs.
 struct Shell {
     StartOptions options;
-    Placement placement;    ///< the last one that was restored or taken note of
-    bool is_placed = false; ///< restored in this run
+    std::optional<String> last_directory; ///< of the last run
+    Placement placement;                  ///< the last one that was restored or taken note of
+    bool is_placed = false;               ///< restored in this run
     bool has_ended = false; ///< the settings are written and the application destroyed
     ToolsMenu tools;
     HelpHooks help;
