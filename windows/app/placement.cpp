@@ -35,6 +35,24 @@ bool take_coordinate(std::string_view& text, int& coordinate) {
     return true;
 }
 
+int common_area(const Rect& a, const Rect& b) {
+    const int rows = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+    const int columns = std::min(a.right, b.right) - std::max(a.left, b.left);
+    return std::max(0, rows) * std::max(0, columns);
+}
+
+/// The place on the screen that shows the most of it: another screen or scale than that of the last
+/// run may have less room. None where none shows anything.
+std::optional<Rect> fitted(const Rect& place, std::span<const Rect> screens) {
+    if (width(place) <= 0 || height(place) <= 0)
+        return std::nullopt;
+    const auto screen = std::ranges::max_element(
+        screens, {}, [&](const Rect& each) { return common_area(place, each); });
+    if (screen == screens.end() || !meets(place, *screen))
+        return std::nullopt;
+    return moved_into(place, *screen);
+}
+
 Rect shrunk(const Rect& work) {
     const int rows = height(work) / k_border;
     const int columns = width(work) / k_border;
@@ -79,14 +97,11 @@ Placement place_task_window(const StoredPlacement& stored, const Rect& work,
         const int right = std::max(0, -position->left);
         position = Rect{position->top + down, position->left + right, position->bottom + down,
                         position->right + right};
-        const bool is_seen = std::any_of(screens.begin(), screens.end(), [&](const Rect& screen) {
-            return meets(*position, screen);
-        });
-        if (!is_seen || width(*position) <= 0 || height(*position) <= 0)
-            position.reset();
     }
     if (position && !placement.is_maximized && contains(*position, work))
         placement.is_maximized = true;
+    if (position)
+        position = fitted(*position, screens);
     placement.rect = !position || placement.is_maximized ? shrunk(work) : *position;
     return placement;
 }

@@ -31,8 +31,9 @@ struct StoredPlacement {
 /// follows the fourth number does not matter.
 [[nodiscard]] std::optional<Rect> parse_position(std::string_view text);
 
-/// Where the task window goes. `work` is the part of the screen that is left for windows; a
-/// position without an area, or that none of `screens` shows anything of, counts as missing.
+/// Where the task window goes: whole onto the one of `screens` that shows the most of it. `work` is
+/// the part of the main screen that is left for windows; a position without an area, or that no
+/// screen shows anything of, counts as missing.
 [[nodiscard]] Placement place_task_window(const StoredPlacement& stored, const Rect& work,
                                           std::span<const Rect> screens);
 

@@ -65,5 +65,8 @@ inline Message<> msg_adding_one{"E2092", "adding a file"};
 inline Message<int> msg_adding{"E2093", "adding %d files"};
 inline Message<> msg_moving{"E2094", "moving files"};
 inline Message<> msg_setting_top{"E2095", "setting the top design"};
+inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
+inline Message<const char*> msg_no_project_name{"E2097",
+                                                "'%s' can't be the name of a project file."};
 
 } // namespace pellux

@@ -39,7 +39,7 @@ bool name_project(Window window) {
             find_open_project(view(choice.directory), view(name)) == nullptr) {
             named->project->file_name.assign(view(name));
             named->project->directory = choice.directory;
-            show_project_name(window, *named->project);
+            show_project_names();
             return true;
         }
         post_error(msg_project_exists, path.c_str());

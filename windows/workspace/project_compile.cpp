@@ -45,7 +45,7 @@ void compile_project(Window project, bool all) {
     show_project_change(project);
     if (!is_prepared)
         return;
-    const String title = format_message(msg_compile_title, open->project->file_name.c_str());
+    const String title = format_message(msg_compile_title, project_label(*open->project).c_str());
     TextWindow* output = open_text_window(subject, view(title));
     if (output == nullptr)
         return;

@@ -22,6 +22,19 @@ constexpr std::array k_windows{WindowResource{.number = k_project_window,
                                               .height = 400,
                                               .menu_bar = k_project_menu_bar}};
 
+/// Where windows can stand in the task window.
+Rect room() {
+    const Window task = xvt_win_get_task();
+    Rect area = xvt_vobj_get_client_rect(task);
+    if (xvt_vobj_is_maximized(task)) {
+        // The desktop may make it large only later.
+        const Rect work = xvt_scr_get_work_area();
+        area.bottom = std::max(area.bottom, height(work));
+        area.right = std::max(area.right, width(work));
+    }
+    return area;
+}
+
 /// Moves the window to its stored place, if some of that can be seen. What a damaged file says must
 /// not make a window that no memory suffices for.
 void restore_place(Window window, const Screen_position& stored) {
@@ -29,12 +42,10 @@ void restore_place(Window window, const Screen_position& stored) {
     for (const int coordinate : {stored.top, stored.left, stored.bottom, stored.right})
         if (coordinate < -k_far || coordinate > k_far)
             return;
-    Rect place{stored.top, stored.left, stored.bottom, stored.right};
-    const Rect area = xvt_vobj_get_client_rect(xvt_win_get_task());
-    place.bottom = std::min(place.bottom, place.top + height(area));
-    place.right = std::min(place.right, place.left + width(area));
+    const Rect place{stored.top, stored.left, stored.bottom, stored.right};
+    const Rect area = room();
     if (!is_empty(place) && meets(place, area))
-        move_frame(window, place);
+        move_frame(window, moved_into(place, area));
 }
 
 } // namespace
@@ -47,7 +58,6 @@ Window create_project_window(const Project& project) {
     const Window window = xvt_win_create_res(k_project_window, workspace().hooks.handler);
     if (window == Window::none)
         return window;
-    show_project_name(window, project);
     restore_place(window, project.window);
     show_list_font(window, project);
     shell().insert_tools_menu(shell().context, window);
@@ -63,8 +73,21 @@ void show_project_change(Window window) {
     workspace().hooks.update(window);
 }
 
-void show_project_name(Window window, const Project& project) {
-    xvt_vobj_set_title(window, view(format_message(msg_project_title, project.file_name.c_str())));
+String project_label(const Project& project) {
+    const auto others = std::ranges::count_if(workspace().projects, [&](const auto& open) {
+        return open->project->file_name.view() == project.file_name.view();
+    });
+    if (others < 2)
+        return String(project.file_name.view());
+    return format_message(msg_name_in_directory, project.file_name.c_str(),
+                          project.directory.c_str());
+}
+
+void show_project_names() {
+    for (const Owned<OpenProject>& open : workspace().projects)
+        xvt_vobj_set_title(
+            open->window,
+            view(format_message(msg_project_title, project_label(*open->project).c_str())));
 }
 
 void store_place(OpenProject& open) {

@@ -89,6 +89,7 @@ bool add_project(Owned<Project> project) {
         return false;
     }
     list_project(std::move(project), window).placed = xvt_vobj_get_outer_rect(window);
+    show_project_names();
     show_sources(window, {});
     show_project_change(window);
     return true;

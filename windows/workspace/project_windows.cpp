@@ -79,6 +79,7 @@ long on_event(void*, Window window, const Event& event) {
     } else if (event.get<DestructionEvent>() != nullptr) {
         close_text_windows(window);
         forget_project(window);
+        show_project_names();
     }
     return 0;
 }
