@@ -20,6 +20,9 @@ protected:
     void type_file(QuestionKind kind, std::string_view title, std::string_view name) {
         user_.expect_file(kind, title, top_, name);
     }
+    static std::string title(std::size_t index) {
+        return xvt_vobj_get_title(window_of_project(index)).c_str();
+    }
     static Project& last() { return *workspace().projects.back()->project; }
     static SystemError on_file(void* self, FileOperation operation, std::string_view,
                                std::size_t& partial) {
@@ -51,7 +54,13 @@ TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
         type_file(QuestionKind::file_open, k_open, "copy.bpr");
         choose_project();
         EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
-        EXPECT_EQ(xvt_vobj_get_title(window_of_project(1)), "Project:copy.bpr");
+        EXPECT_EQ(title(1), "Project:copy.bpr");
+        make_project_file(directory_.path("other"), "a.bpr");
+        ASSERT_TRUE(open_project_in("other", "a.bpr"));
+        EXPECT_EQ(title(0), "Project:a.bpr (" + top_ + ")");
+        EXPECT_EQ(title(2), "Project:a.bpr (" + top_ + "/other)");
+        xvt_vobj_destroy(window_of_project(2));
+        EXPECT_EQ(title(0), "Project:a.bpr");
         // One that is open comes to the front unread: what is chosen next is its command.
         std::filesystem::remove("a.bpr");
         EXPECT_TRUE(open_project_here("copy.bpr") && open_project_in(top_, "copy.bpr"));
@@ -99,30 +108,40 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
     const struct {
         std::string directory; ///< typed
         const char* chosen;    ///< name, in the directory "there"; null: nothing is
+        const char* name;      ///< typed; null: as it is
         std::string error;     ///< the dialog is then cancelled
         std::string opened;    ///< path, empty: none
     } rows[] = {
-        {"", nullptr, "", ""},
-        {"new/deep//", nullptr, "", "/new/deep/brix.bpr"},
-        {"new/deep", nullptr, "Project '" + top_ + "/new/deep/brix.bpr" + exists, ""},
-        {top_ + "/file//", nullptr, cannot + top_ + "/file'.", ""},
-        {std::string(5000, 'd'), nullptr, cannot + "*'.", ""},
-        {"", "top", "", "/there/top.bpr"},
-        {"", "Top.BPR", "", "/there/Top.BPR"},
-        {"", "1st.bpr", "", "/there/brix.bpr"},
-        {"", "a.b", "", "/there/a.b.bpr"},
-        {"", "old", "Project '" + top_ + "/there/old.bpr" + exists, ""},
+        {"", nullptr, nullptr, "", ""},
+        {"new/deep//", nullptr, nullptr, "", "/new/deep/brix.bpr"},
+        {"new/deep", nullptr, " two ", "", "/new/deep/two.bpr"},
+        {"new", nullptr, "", "'' can't be the name of a project file.", ""},
+        {"no", nullptr, "a/b", "'a/b' can't be the name of a project file.", ""},
+        {"still/to/make", "top", nullptr, "", "/still/to/make/top.bpr"},
+        {"new/deep", nullptr, nullptr, "Project '" + top_ + "/new/deep/brix.bpr" + exists, ""},
+        {top_ + "/file//", nullptr, nullptr, cannot + top_ + "/file'.", ""},
+        {std::string(5000, 'd'), nullptr, nullptr, cannot + "*'.", ""},
+        {"", "top", nullptr, "", "/there/top.bpr"},
+        {"", "Top.BPR", nullptr, "", "/there/Top.BPR"},
+        {"", "1st.bpr", nullptr, "", "/there/brix.bpr"},
+        {"", "a.b", nullptr, "", "/there/a.b.bpr"},
+        {"", "old", nullptr, "Project '" + top_ + "/there/old.bpr" + exists, ""},
     };
     run([&] {
         for (const auto& row : rows) {
             std::filesystem::current_path(top_);
             if (row.chosen != nullptr) {
-                user_.expect_dialog("New Project", "Choose name...");
+                // What is typed stays, as long as nothing is chosen in its place.
+                const bool stays = !row.directory.empty();
+                user_.expect_dialog("New Project", "Choose name...",
+                                    {{1, stays ? row.directory : top_, -1}});
                 user_.expect_file(QuestionKind::file_open, "Choose new project name.",
-                                  directory_.path("there"), row.chosen);
+                                  stays ? top_ : directory_.path("there"), row.chosen);
                 user_.expect_dialog("New Project", "OK");
             } else {
-                user_.expect_dialog("New Project", "OK", {{1, row.directory, -1}});
+                user_.expect_dialog(
+                    "New Project", "OK",
+                    {{1, row.directory, -1}, {2, row.name != nullptr ? row.name : "brix.bpr", -1}});
             }
             if (!row.error.empty()) {
                 user_.expect_error(row.error);
@@ -189,7 +208,7 @@ TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
         workspace().projects[0]->project->file_name.clear();
         type_file(QuestionKind::file_save, k_name, "Third.BPR");
         EXPECT_TRUE(save_project(window_of_project(0)));
-        EXPECT_EQ(xvt_vobj_get_title(window_of_project(0)), "Project:Third.BPR");
+        EXPECT_EQ(title(0), "Project:Third.BPR");
         set_file_fault_hook(refuse_writing, nullptr);
         user_.expect_error("Can't write '*/Third.BPR': *.");
         EXPECT_FALSE(save_project(window_of_project(0)));
@@ -287,6 +306,7 @@ TEST_F(ProjectWindows, StandWhereTheyStood) {
                            {},
                            {220, 30, 20, 430},
                            {20, 5000, 220, 5400},
+                           {500, 600, 700, 800},
                            {Limits::max() - 5, 0, Limits::max(), 100},
                            {Limits::min(), Limits::min(), Limits::max(), Limits::max()}};
     run([&] {
