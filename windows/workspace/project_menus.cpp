@@ -66,7 +66,7 @@ constexpr std::array k_help{item("&Contents", help_contents, "F1")};
 
 constexpr std::array k_menus{
     MenuResource{1020, "&Project", k_project, nullptr, true},
-    MenuResource{1059, "&Files", k_files, nullptr, true},
+    MenuResource{k_files_menu, "&Files", k_files, nullptr, true},
     MenuResource{1095, "&Info", k_info, nullptr, true},
     MenuResource{1097, "&Search", k_search, nullptr, true},
     MenuResource{32050, "Fon&t", k_font, nullptr, true},

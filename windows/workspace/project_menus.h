@@ -7,6 +7,7 @@
 namespace pellux {
 
 inline constexpr int k_project_menu_bar = 1019;
+inline constexpr int k_files_menu = 1059;
 
 /// Tags of a project's commands, in the order of its menus; the last ones stand in the list's menu
 /// alone.
