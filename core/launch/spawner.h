@@ -6,14 +6,15 @@
 #include "core/os/process.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace pellux {
 
 /// How a child came to its end.
 struct SpawnerEnd {
-    bool has_told = false;   ///< its status itself, over the channel
-    bool has_spoken = false; ///< there at all
-    ProcessEnd process;      ///< as far as it is known
+    bool has_told = false;             ///< its status itself, over the channel
+    bool has_spoken = false;           ///< there at all
+    std::optional<ProcessEnd> process; ///< none of a child that was given up
 };
 
 /// Starts one child program at a time and relays what it sends over its text channel.

@@ -49,6 +49,7 @@ inline Message<const char*, int> msg_program_never_spoke{
     "E2084", "'%s' ended with status %d and has said nothing."};
 inline Message<const char*, int> msg_program_broke_off{
     "E2085", "'%s' ended with status %d and has told no result."};
+inline Message<const char*> msg_program_given_up{"E2098", "'%s' says nothing and was given up."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};

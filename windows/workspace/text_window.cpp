@@ -98,12 +98,16 @@ long on_event(void*, Window window, const Event& event) {
 /// Why there is no result, of a program that has not told it.
 void append_cause(TextWindow& text, const char* program) {
     const SpawnerEnd& end = text.program->end();
-    if (end.process.by_signal)
-        append_line(text, view(format_message(msg_program_crashed, program, end.process.code)));
-    else if (!end.has_told)
+    if (end.has_told)
+        return;
+    if (!end.process)
+        append_line(text, view(format_message(msg_program_given_up, program)));
+    else if (end.process->by_signal)
+        append_line(text, view(format_message(msg_program_crashed, program, end.process->code)));
+    else
         append_line(text, view(format_message(end.has_spoken ? msg_program_broke_off
                                                              : msg_program_never_spoke,
-                                              program, end.process.code)));
+                                              program, end.process->code)));
 }
 
 void on_words(void* context, const char* words, int done, int status) {

@@ -18,12 +18,10 @@ using test::window_of_project;
 
 TEST(Environment, LeadsToTheInstallation) {
     const struct {
-        const char* install; ///< null: unset
-        const char* old;     ///< of the two paths
+        const char* install;
+        const char* old; ///< of the two paths
         const char* paths[3];
     } rows[] = {
-        {nullptr, nullptr, {"./bin", "./bin/%N.uid", "./bin"}},
-        {"", "", {"./bin", "./bin/%N.uid", "./bin"}},
         {nullptr, "/old", {"./bin;/old", "./bin/%N.uid;/old", "./bin"}},
         {"/v", "/a;/b", {"/v/bin;/a;/b", "/v/bin/%N.uid;/a;/b", "/v/bin"}},
     };
@@ -60,6 +58,7 @@ TEST_F(Start, OpensTheNamedProjectOrAllOrANewOne) {
         {{"-%Done"}, nullptr, "", "one: a.bpr "},
         {{}, "one", "", "one: a.bpr "},
         {{"-%D"}, "one", "", ": B.BPR a.bpr "},
+        {{"-x", "-%x", "-", "-%", "--help", "-D", "", "-%Dtwo", "/%Done"}, "", "", "one: a.bpr "},
         {{"-%dnone"}, "one", "", "none: new"},
         {{"-%Dmissing"}, nullptr, "", ": B.BPR a.bpr "},
         {{"-%Done", "two/x.bpr"}, nullptr, "", "two: x.bpr "},

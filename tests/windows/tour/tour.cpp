@@ -21,8 +21,8 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_files.h"
-#include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
 
 #include <algorithm>

@@ -162,56 +162,52 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
 
 TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
     directory_.write("taken.bpr", "");
-    const auto refuse_writing = [](void*, FileOperation operation, std::string_view, std::size_t&) {
-        return operation == FileOperation::write ? refuse(Refusal::damaged) : SystemError::none;
+    constexpr const char* k_save = "Save new project?";
+    constexpr const char* k_lose = "Close project 'x.bpr' without saving it?";
+    const auto type = [this](const char* name) {
+        type_file(QuestionKind::file_save, k_name, name);
     };
-    const struct {
-        const char* name;
-        const char* save;               ///< answer to "Save new project?"; empty: not asked
-        std::vector<const char*> names; ///< typed then; null: the box is closed
-        const char* lose;               ///< answer after a failed writing; empty: it succeeds
-        bool closes;
-    } rows[] = {
-        {"", "closed", {}, "", false},      {"", "Yes", {nullptr}, "", false},
-        {"", "No", {}, "", true},           {"", "Yes", {"taken", "named"}, "", true},
-        {"x.bpr", "", {}, "closed", false}, {"x.bpr", "", {}, "", true},
+    const std::function<void()> unnamed[] = {
+        [&] { user_.expect_closed(QuestionKind::ask, k_save); },
+        [&] {
+            user_.expect_ask(k_save, "Yes");
+            user_.expect_closed(QuestionKind::file_save, k_name);
+        },
+        [&] { user_.expect_ask(k_save, "No"); },
+        [&] {
+            user_.expect_ask(k_save, "Yes");
+            type("taken");
+            user_.expect_error("Project '*/taken.bpr' already exists.");
+            type("named");
+        },
     };
+    set_file_fault_hook(on_file, this);
     run([&] {
-        for (const auto& row : rows) {
+        for (const auto& expect : unnamed) {
             Owned<Project> project = make_owned<Project>();
             project->directory = top_;
-            project->file_name.assign(row.name);
             add_project(std::move(project));
             const Window window = window_of_project(1);
-            answer("Save new project?", row.save);
-            for (const char* name : row.names) {
-                if (name == nullptr)
-                    user_.expect_closed(QuestionKind::file_save, k_name);
-                else
-                    type_file(QuestionKind::file_save, k_name, name);
-                if (name == row.names.front() && row.names.size() > 1)
-                    user_.expect_error("Project '*/taken.bpr' already exists.");
-            }
-            if (*row.lose != '\0') {
-                set_file_fault_hook(refuse_writing, nullptr);
-                user_.expect_error("Can't write '*/x.bpr': *.");
-            }
-            answer("Close project 'x.bpr' without saving it?", row.lose);
-            EXPECT_EQ(close_project(window), row.closes);
-            set_file_fault_hook(nullptr, nullptr);
-            EXPECT_EQ(xvt_vobj_is_valid(window), !row.closes);
+            const bool closes = &expect >= unnamed + 2;
+            expect();
+            EXPECT_EQ(close_project(window), closes);
+            EXPECT_EQ(xvt_vobj_is_valid(window), !closes);
             xvt_vobj_destroy(window);
             EXPECT_EQ(open_names(), "a.bpr ");
         }
-        EXPECT_EQ(directory_.names(),
-                  (std::set<std::string>{"a.bpr", "named.bpr", "taken.bpr", "x.bpr"}));
-        workspace().projects[0]->project->file_name.clear();
-        type_file(QuestionKind::file_save, k_name, "Third.BPR");
-        EXPECT_TRUE(save_project(window_of_project(0)));
+        EXPECT_EQ(directory_.names(), (std::set<std::string>{"a.bpr", "named.bpr", "taken.bpr"}));
+        project().file_name.clear();
+        type("Third.BPR");
+        EXPECT_TRUE(save_project(window()));
         EXPECT_EQ(title(0), "Project:Third.BPR");
-        set_file_fault_hook(refuse_writing, nullptr);
-        user_.expect_error("Can't write '*/Third.BPR': *.");
-        EXPECT_FALSE(save_project(window_of_project(0)));
+        make_project_file(top_, "x.bpr");
+        ASSERT_TRUE(open_project_here("x.bpr"));
+        last().options.device.assign("cpld32");
+        refuses_ = true;
+        for (int i = 0; i < 2; ++i)
+            user_.expect_error("Can't write '*/x.bpr': *.");
+        user_.expect_closed(QuestionKind::ask, k_lose);
+        EXPECT_FALSE(save_project(window_of_project(1)) || close_project(window_of_project(1)));
     });
 }
 
