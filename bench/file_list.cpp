@@ -9,7 +9,9 @@
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
+#include "windows/workspace/project_windows.h"
 
 #include <filesystem>
 #include <fstream>

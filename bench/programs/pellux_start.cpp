@@ -1,5 +1,5 @@
 #include "bench/programs/first_paint.h"
-#include "windows/app/shell.h"
+#include "windows/app/program.h"
 
 namespace pellux {
 Q_COREAPP_STARTUP_FUNCTION(end_at_first_paint)

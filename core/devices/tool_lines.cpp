@@ -5,6 +5,7 @@
 #include "core/os/ascii.h"
 #include "core/os/environment.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pellux {
@@ -68,9 +69,22 @@ Vector<ToolLine> read_tool_lines(CatalogueReader& reader) {
     if (!open(reader, true) || !seekSection(reader, k_section, true))
         return tools;
     CatalogueLine line;
-    while (readLine(reader, line, false)) {
+    // The menu ends where the section can't be read on: nobody has asked for it yet.
+    while (next_line(reader, line) == CatalogueStatus::done) {
         ToolLine tool;
         if (parse_tool_line(line.view(), tool))
+            tools.push_back(std::move(tool));
+    }
+    return tools;
+}
+
+Vector<ToolLine> parse_tool_lines(std::string_view text) {
+    Vector<ToolLine> tools;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        ToolLine tool;
+        if (!trim_blanks(line).starts_with('#') && parse_tool_line(line, tool))
             tools.push_back(std::move(tool));
     }
     return tools;

@@ -21,9 +21,11 @@ struct ToolLine {
 /// mnemonic. False for a line of less than two words, which is no tool.
 [[nodiscard]] bool parse_tool_line(std::string_view line, ToolLine& tool);
 
-/// The tools of the catalogue's section "tools_dos", in its order; none without catalogue or
-/// section.
+/// The tools of the catalogue's section "tools_dos", in its order, up to a line that is too long;
+/// none without catalogue or section.
 [[nodiscard]] Vector<ToolLine> read_tool_lines(CatalogueReader& reader);
+/// The tools among the lines of a text, in which '#' begins a comment's line.
+[[nodiscard]] Vector<ToolLine> parse_tool_lines(std::string_view text);
 
 /// `word` with each `$NAME` (letters, digits, underlines) as the environment has it, or as NAME
 /// where it has not.

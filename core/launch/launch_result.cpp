@@ -6,24 +6,26 @@
 
 namespace pellux {
 
-void tell_launch_failure(const LaunchResult& result) {
+String launch_failure_text(const LaunchResult& result) {
     const char* path = result.path.c_str();
     switch (result.status) {
     case LaunchStatus::started:
         break;
     case LaunchStatus::still_running:
-        tell(msg_still_running, path);
-        break;
+        return format_message(msg_still_running, path);
     case LaunchStatus::no_channel:
-        tell(msg_no_channel, path, error_text(result.error).c_str());
-        break;
+        return format_message(msg_no_channel, path, error_text(result.error).c_str());
     case LaunchStatus::no_response_file:
-        tell(msg_no_response_file, path, error_text(result.error).c_str());
-        break;
+        return format_message(msg_no_response_file, path, error_text(result.error).c_str());
     case LaunchStatus::cannot_run:
-        tell(msg_cannot_start, path);
-        break;
+        return format_message(msg_cannot_start, path);
     }
+    return {};
+}
+
+void tell_launch_failure(const LaunchResult& result) {
+    if (!result)
+        tell(msg_not_started, launch_failure_text(result).c_str());
 }
 
 } // namespace pellux

@@ -22,6 +22,8 @@ struct LaunchResult {
     explicit operator bool() const { return status == LaunchStatus::started; }
 };
 
+/// Why a program was not started, with the path; empty for one that was.
+[[nodiscard]] String launch_failure_text(const LaunchResult& result);
 /// Tells why a program was not started, with the path; nothing about one that was.
 void tell_launch_failure(const LaunchResult& result);
 

@@ -64,7 +64,10 @@ void Spawner::open() {
     watchdog_.context = this;
     grace_.expired = [](void* self) { from_context<Spawner>(self).on_grace_over(); };
     grace_.context = this;
-    process_.ended = [](void* self, ProcessEnd) { from_context<Spawner>(self).complete_if_gone(); };
+    process_.ended = [](void* self, ProcessEnd end) {
+        from_context<Spawner>(self).end_.process = end;
+        from_context<Spawner>(self).complete_if_gone();
+    };
     process_.context = this;
 
     next_ = std::exchange(g_spawners, this);
@@ -139,6 +142,7 @@ LaunchResult Spawner::launch(const char* program, const char* const* argv) {
     ++launch_;
     status_ = 0;
     child_window_ = 0;
+    end_ = {};
     CommandLine line = compose_command_line(program, handle(), argv);
     LaunchResult result = start(line, response_, &process_, true);
     running_ = static_cast<bool>(result);
@@ -217,6 +221,7 @@ void Spawner::complete(int status) {
     response_ = {};
     status_ = status;
     running_ = false;
+    end_.has_spoken = child_window_ != 0;
     end_process_later(process_, k_close_grace_ms);
     forward(nullptr, 1, status);
 }
@@ -248,6 +253,7 @@ void Spawner::on_poke(std::uint64_t connection, std::string_view item,
             status =
                 status << 8 | std::to_integer<std::uint32_t>(data[static_cast<std::size_t>(i)]);
         send_channel_message(connection, k_message_completion_seen, 0);
+        end_.has_told = true;
         complete(static_cast<int>(status));
     }
 }

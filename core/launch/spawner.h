@@ -7,8 +7,16 @@
 #include "core/os/process.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace pellux {
+
+/// How a child came to its end.
+struct SpawnerEnd {
+    bool has_told = false;             ///< its status itself, over the channel
+    bool has_spoken = false;           ///< there at all
+    std::optional<ProcessEnd> process; ///< none of a child that was given up
+};
 
 /// Starts one child program at a time and relays what it sends over its text channel.
 ///
@@ -53,6 +61,8 @@ public:
     [[nodiscard]] bool running() const { return running_; }
     /// Exit status of the child: -1 before the first launch, 0 while one runs.
     [[nodiscard]] int status() const { return status_; }
+    /// Of the last launch, once it has ended.
+    [[nodiscard]] const SpawnerEnd& end() const { return end_; }
     /// The number that names this spawner on its child's command line; 0 without a channel.
     [[nodiscard]] ChannelAddress handle() const { return server_->address; }
     /// The child's process as it told it itself, 0 before its first poke.
@@ -88,6 +98,7 @@ private:
     std::int64_t child_window_ = 0;
     bool running_ = false;
     int status_ = -1;
+    SpawnerEnd end_;
     Timer watchdog_;
     Timer grace_;
     Process process_;

@@ -97,7 +97,7 @@ bool find_compiler(PathBuffer& path) {
 
 bool is_pla_project(const Project& project) {
     return project.sources.size() == 1 &&
-           extension_part(project.sources.front()->file_name.view()) == "pla";
+           has_extension(project.sources.front()->file_name.view(), "pla");
 }
 
 Vector<String> build_arguments(const Project& project, std::span<const CompileEntry> entries,

@@ -4,6 +4,9 @@
 #include "core/objects/object_stream.h"
 #include "core/os/files.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace pellux {
 
 Vector<std::byte> project_image(const Project& project) {
@@ -24,6 +27,25 @@ Vector<std::byte> project_image(const Project& project) {
     if (!end_stream(writer, head))
         image.clear();
     return image;
+}
+
+Vector<std::byte> project_content(Project& project) {
+    using Words = decltype(VHDL_source::words);
+    // Rectangle of the editor's window, and the seconds.
+    constexpr std::size_t k_remembered_words = 5;
+    const Screen_position window = std::exchange(project.window, {});
+    NullableText compile_window = std::exchange(project.compile_window, {});
+    Vector<Words> words;
+    for (const Owned<VHDL_source>& source : project.sources) {
+        words.push_back(source->words);
+        std::fill_n(source->words.begin(), k_remembered_words, 0U);
+    }
+    Vector<std::byte> content = project_image(project);
+    project.window = window;
+    project.compile_window = std::move(compile_window);
+    for (std::size_t i = 0; i < words.size(); ++i)
+        project.sources[i]->words = words[i];
+    return content;
 }
 
 SystemError identify_file(std::string_view path, FileIdentity& identity) {

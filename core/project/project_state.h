@@ -13,6 +13,10 @@ namespace pellux {
 /// What the project's file holds, the time of its writing apart: two images differ when a writing
 /// between them would have changed the file. Empty when no file could hold the project.
 [[nodiscard]] Vector<std::byte> project_image(const Project& project);
+/// The same without what a project only remembers, which never makes it changed: rectangles of
+/// windows, seconds of the last compile, place and font of the compile window. The project is
+/// afterwards as it was.
+[[nodiscard]] Vector<std::byte> project_content(Project& project);
 
 /// Which contents a path had; all 0 where there was no file.
 struct FileIdentity {

@@ -100,7 +100,7 @@ AddResult add_source(Project& project, std::string_view path) {
 }
 
 SourceKind kind_of_name(std::string_view name) {
-    return extension_part(name) == "pla" ? SourceKind::pla : SourceKind::vhdl;
+    return has_extension(name, "pla") ? SourceKind::pla : SourceKind::vhdl;
 }
 
 bool may_add_vhdl(const Project& project) {

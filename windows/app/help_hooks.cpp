@@ -4,8 +4,8 @@
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "windows/app/messages.h"
+#include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
-#include "windows/workspace/boxes.h"
 
 #include <utility>
 

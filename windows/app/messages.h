@@ -12,5 +12,8 @@ inline Message<> msg_help_invalid{"E2025", "Invalid help file, please choose ano
 inline Message<int> msg_exiting{"E2026", "Exiting with code %d."};
 inline Message<const char*> msg_version{"E2027", "Version %s"};
 inline Message<> msg_picture_line{"E2028", "Write, compile and simulate VHDL designs."};
+inline Message<const char*, const char*> msg_tool_missing{
+    "E2029", "Can't run '%s'.\nTo have it, install the package '%s'."};
+inline Message<const char*, const char*> msg_cannot_read_tools{"E2030", "Can't read '%s': %s."};
 
 } // namespace pellux

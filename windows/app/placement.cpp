@@ -2,8 +2,11 @@
 
 #include "core/diagnostics/message.h"
 #include "core/os/ascii.h"
+#include "core/os/files.h"
 #include "core/os/settings.h"
 #include "windows/controls/property_text.h"
+#include "windows/controls/window_places.h"
+#include "windows/toolkit/window.h"
 
 #include <algorithm>
 #include <array>
@@ -30,6 +33,24 @@ bool take_coordinate(std::string_view& text, int& coordinate) {
         return false;
     coordinate = std::clamp<int>(number, Limits::min(), Limits::max());
     return true;
+}
+
+int common_area(const Rect& a, const Rect& b) {
+    const int rows = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+    const int columns = std::min(a.right, b.right) - std::max(a.left, b.left);
+    return std::max(0, rows) * std::max(0, columns);
+}
+
+/// The place on the screen that shows the most of it: another screen or scale than that of the last
+/// run may have less room. None where none shows anything.
+std::optional<Rect> fitted(const Rect& place, std::span<const Rect> screens) {
+    if (width(place) <= 0 || height(place) <= 0)
+        return std::nullopt;
+    const auto screen = std::ranges::max_element(
+        screens, {}, [&](const Rect& each) { return common_area(place, each); });
+    if (screen == screens.end() || !meets(place, *screen))
+        return std::nullopt;
+    return moved_into(place, *screen);
 }
 
 Rect shrunk(const Rect& work) {
@@ -76,14 +97,11 @@ Placement place_task_window(const StoredPlacement& stored, const Rect& work,
         const int right = std::max(0, -position->left);
         position = Rect{position->top + down, position->left + right, position->bottom + down,
                         position->right + right};
-        const bool is_seen = std::any_of(screens.begin(), screens.end(), [&](const Rect& screen) {
-            return meets(*position, screen);
-        });
-        if (!is_seen || width(*position) <= 0 || height(*position) <= 0)
-            position.reset();
     }
     if (position && !placement.is_maximized && contains(*position, work))
         placement.is_maximized = true;
+    if (position)
+        position = fitted(*position, screens);
     placement.rect = !position || placement.is_maximized ? shrunk(work) : *position;
     return placement;
 }
@@ -105,6 +123,27 @@ void write_placement(const Placement& placement, std::string_view directory) {
     };
     const std::size_t count = settings.size() - (directory.size() > k_directory_max ? 1 : 0);
     static_cast<void>(write_settings(std::span(settings).first(count)));
+}
+
+void restore_task_place(Placement& remembered) {
+    remembered =
+        place_task_window(read_placement(), xvt_scr_get_work_area(), xvt_scr_list_screens());
+    const Window task = xvt_win_get_task();
+    move_frame(task, remembered.rect);
+    if (remembered.is_maximized)
+        xvt_vobj_maximize(task);
+}
+
+void remember_task_place(Placement& remembered) {
+    const Window task = xvt_win_get_task();
+    const bool is_maximized = xvt_vobj_is_maximized(task);
+    remember_placement(remembered, xvt_vobj_get_outer_rect(task), is_maximized);
+}
+
+void write_task_settings(const Placement& remembered) {
+    PathBuffer directory;
+    if (!failed(current_directory(directory)))
+        write_placement(remembered, directory.view());
 }
 
 } // namespace pellux

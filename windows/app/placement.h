@@ -31,8 +31,9 @@ struct StoredPlacement {
 /// follows the fourth number does not matter.
 [[nodiscard]] std::optional<Rect> parse_position(std::string_view text);
 
-/// Where the task window goes. `work` is the part of the screen that is left for windows; a
-/// position without an area, or that none of `screens` shows anything of, counts as missing.
+/// Where the task window goes: whole onto the one of `screens` that shows the most of it. `work` is
+/// the part of the main screen that is left for windows; a position without an area, or that no
+/// screen shows anything of, counts as missing.
 [[nodiscard]] Placement place_task_window(const StoredPlacement& stored, const Rect& work,
                                           std::span<const Rect> screens);
 
@@ -42,5 +43,12 @@ void remember_placement(Placement& remembered, const Rect& outer, bool is_maximi
 /// Writes `Position`, `Maximized` and `LastDir`, the latter only when `directory` has at most 255
 /// bytes. A failure leaves the settings as they are, and nobody is told.
 void write_placement(const Placement& placement, std::string_view directory);
+
+/// Puts the task window where it stood at the end of the last run. `remembered` is then that place.
+void restore_task_place(Placement& remembered);
+/// Takes note of where the task window stands now.
+void remember_task_place(Placement& remembered);
+/// Writes the settings, with the current directory; nothing where that can't be read.
+void write_task_settings(const Placement& remembered);
 
 } // namespace pellux

@@ -2,13 +2,23 @@
 
 #include "core/common/callback.h"
 #include "windows/app/messages.h"
-#include "windows/app/starting_projects.h"
 #include "windows/controls/pictures.h"
 #include "windows/toolkit/draw.h"
+#include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
+
+#include <array>
 
 namespace pellux {
 namespace {
+
+constexpr int k_window = 103;
+constexpr std::array k_windows{WindowResource{.number = k_window,
+                                              .title = "Pellux",
+                                              .width = 480,
+                                              .height = 180,
+                                              .is_resizable = false,
+                                              .draws = true}};
 
 constexpr const char* k_name = "Pellux";
 constexpr int k_margin = 24; ///< logical pixels
@@ -58,8 +68,12 @@ long on_event(void* context, Window window, const Event& event) {
 
 } // namespace
 
+void register_start_picture() {
+    xvt_res_register({.windows = k_windows});
+}
+
 Window show_start_picture(Shell& shell) {
-    return xvt_win_create_res(k_start_picture_window, {on_event, &shell});
+    return xvt_win_create_res(k_window, {on_event, &shell});
 }
 
 } // namespace pellux

@@ -1,14 +1,18 @@
 #include "windows/app/tools_menu.h"
 
+#include "core/common/text_file.h"
 #include "core/devices/device_catalogue.h"
 #include "core/launch/spawner.h"
 #include "core/os/argument_vector.h"
+#include "core/os/environment.h"
 #include "windows/app/messages.h"
+#include "windows/controls/boxes.h"
+#include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/menu.h"
-#include "windows/workspace/boxes.h"
-#include "windows/workspace/project_menus.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <utility>
 
 namespace pellux {
@@ -16,18 +20,48 @@ namespace {
 
 static_assert(MenuItem::k_no_mnemonic == ToolLine::k_no_mnemonic);
 
+/// What must be installed to have a usual program.
+struct ToolPackage {
+    std::string_view program;
+    const char* package;
+};
+constexpr std::array k_packages{ToolPackage{"gtkwave", "gtkwave"},
+                                ToolPackage{"x-terminal-emulator", "xterm"}};
+
+/// None without the file; the user is told of one that can't be read.
+Vector<ToolLine> read_own_tools() {
+    constexpr std::size_t k_text_max = 65536;
+    PathBuffer path;
+    if (!settings_directory(path) || !path.join("Pellux.tools"))
+        return {};
+    String text;
+    bool is_cut = false;
+    const SystemError error = read_text_start(path.view(), k_text_max, text, is_cut);
+    if (failed(error) && !is_missing(error))
+        post_error(msg_cannot_read_tools, path.c_str(), error_text(error).c_str());
+    return parse_tool_lines(view(text));
+}
+
 const Vector<ToolLine>& tools_of(ToolsMenu& menu) {
-    if (!std::exchange(menu.is_read, true))
+    if (!std::exchange(menu.is_read, true)) {
         menu.tools = read_tool_lines(catalogue_reader());
+        menu.installed = menu.tools.size();
+        std::ranges::move(read_own_tools(), std::back_inserter(menu.tools));
+    }
     return menu.tools;
 }
 
-MenuItem menu_of(const Vector<ToolLine>& tools) {
+MenuItem menu_of(const ToolsMenu& tools) {
     MenuItem menu;
     menu.tag = k_tools_menu;
     set_title(menu, "T&ools");
     int tag = k_first_tool;
-    for (const ToolLine& tool : tools) {
+    for (const ToolLine& tool : tools.tools) {
+        if (&tool != tools.tools.data() && &tool == tools.tools.data() + tools.installed) {
+            MenuItem separator;
+            separator.is_separator = true;
+            menu.items.push_back(std::move(separator));
+        }
         MenuItem item;
         item.tag = tag++;
         item.title = tool.label;
@@ -35,6 +69,14 @@ MenuItem menu_of(const Vector<ToolLine>& tools) {
         menu.items.push_back(std::move(item));
     }
     return menu;
+}
+
+void tell_failure(const LaunchResult& result) {
+    const auto package = std::ranges::find(k_packages, view(result.path), &ToolPackage::program);
+    if (result.status == LaunchStatus::cannot_run && package != k_packages.end())
+        post_error(msg_tool_missing, result.path.c_str(), package->package);
+    else
+        tell_launch_failure(result);
 }
 
 LaunchResult start_tool(const ToolLine& tool, const String& program) {
@@ -48,11 +90,10 @@ LaunchResult start_tool(const ToolLine& tool, const String& program) {
 } // namespace
 
 void insert_tools_menu(ToolsMenu& menu, Window window) {
-    const Vector<ToolLine>& tools = tools_of(menu);
-    if (tools.empty())
+    if (tools_of(menu).empty())
         return;
     Vector<MenuItem> tree = xvt_menu_get_tree(window);
-    tree.insert(std::ranges::find(tree, k_help_menu, &MenuItem::tag), menu_of(tools));
+    tree.insert(std::ranges::find(tree, k_help_menu, &MenuItem::tag), menu_of(menu));
     xvt_menu_set_tree(window, tree);
 }
 
@@ -62,7 +103,8 @@ bool run_tool(ToolsMenu& menu, int tag) {
         return false;
     const ToolLine& tool = tools[static_cast<std::size_t>(tag - k_first_tool)];
     const String program = tool.words.empty() ? String() : expand_environment(view(tool.words[0]));
-    tell_launch_failure(start_tool(tool, program));
+    if (const LaunchResult result = start_tool(tool, program); !result)
+        tell_failure(result);
     return true;
 }
 

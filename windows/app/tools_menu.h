@@ -5,8 +5,8 @@
 
 namespace pellux {
 
-// The Tools menu: programs that the device catalogue names. Without catalogue or tools there is
-// none.
+// The Tools menu: programs that the device catalogue names, and those that the user has named in
+// the file `Pellux.tools` beside the settings. Without any there is none.
 
 inline constexpr int k_tools_menu = 5100;
 inline constexpr int k_first_tool = 5000; ///< tag of the first tool, the others follow
@@ -14,6 +14,7 @@ inline constexpr int k_first_tool = 5000; ///< tag of the first tool, the others
 /// The tools, read when they are first wanted.
 struct ToolsMenu {
     Vector<ToolLine> tools;
+    std::size_t installed = 0; ///< how many of them are the catalogue's: the first ones
     bool is_read = false;
 };
 

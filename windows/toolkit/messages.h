@@ -4,6 +4,6 @@
 
 namespace pellux {
 
-inline Message<const char*> msg_no_such_file{"E2100", "Can't find file '%s'."};
+inline Message<const char*> msg_typed_file_missing{"E2100", "Can't find file '%s'."};
 
 } // namespace pellux

@@ -1,12 +1,14 @@
 #include "windows/workspace/list_edits.h"
 
 #include "windows/toolkit/control.h"
+#include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/project_windows.h"
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -23,6 +25,27 @@ std::optional<std::size_t> place_after(int focus, Selection selected, Selection 
     if (found == selected.end() || moved.size() != selected.size())
         return std::nullopt;
     return moved[static_cast<std::size_t>(found - selected.begin())];
+}
+
+/// How many of `sources` are not among `others`.
+int count_others(Vector<VHDL_source*> sources, Vector<VHDL_source*> others) {
+    std::ranges::sort(sources, std::less<>());
+    std::ranges::sort(others, std::less<>());
+    Vector<VHDL_source*> rest;
+    std::ranges::set_difference(sources, others, std::back_inserter(rest), std::less<>());
+    return static_cast<int>(rest.size());
+}
+
+/// What has led from one order to the other: "removing 3 files".
+String words_of_change(const SourceOrder& from, const SourceOrder& to) {
+    const int removed = count_others(from.sources, to.sources);
+    const int added = count_others(to.sources, from.sources);
+    if (removed > 0)
+        return removed == 1 ? format_message(msg_removing_one)
+                            : format_message(msg_removing, removed);
+    if (added > 0)
+        return added == 1 ? format_message(msg_adding_one) : format_message(msg_adding, added);
+    return format_message(from.sources != to.sources ? msg_moving : msg_setting_top);
 }
 
 /// Shows the list after a step of the history: selected is what has come into it, else what was.
@@ -124,6 +147,21 @@ void toggle_top_design(Window window) {
     note_list_change(window, std::move(before));
     show_sources(window, selected);
     show_project_change(window);
+}
+
+String undo_title(const SourceHistory& history, const Project& project) {
+    const auto& past = history.past;
+    if (past.empty())
+        return format_message(msg_undo);
+    return format_message(msg_undo_change, words_of_change(past.back(), order_of(project)).c_str());
+}
+
+String redo_title(const SourceHistory& history, const Project& project) {
+    const auto& future = history.future;
+    if (future.empty())
+        return format_message(msg_redo);
+    return format_message(msg_redo_change,
+                          words_of_change(order_of(project), future.back()).c_str());
 }
 
 void undo_list_change(Window window) {

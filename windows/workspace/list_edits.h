@@ -18,6 +18,10 @@ void toggle_top_design(Window window);
 void undo_list_change(Window window);
 void redo_list_change(Window window);
 
+/// "&Undo removing 3 files": the title of the command, and of its counterpart.
+[[nodiscard]] String undo_title(const SourceHistory& history, const Project& project);
+[[nodiscard]] String redo_title(const SourceHistory& history, const Project& project);
+
 /// To be called after every change, so that it can be taken back; see `note_change`.
 void note_list_change(Window window, SourceOrder before, Vector<Owned<VHDL_source>> removed = {});
 

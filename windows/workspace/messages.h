@@ -40,15 +40,33 @@ inline Message<> msg_too_much_to_copy{"E2068", "These files can't be put on the 
 inline Message<> msg_compile_succeeded{"E2069", "Compilation successful."};
 inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
 inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
+inline Message<> msg_compile_runs{"E2076", "Compiling"};
+inline Message<const char*> msg_compiles_already{"E2077", "'%s' is being compiled already."};
+inline Message<const char*> msg_text_runs{"E2078", "%s (running)"};
+inline Message<const char*, int> msg_program_crashed{"E2079", "'%s' crashed (signal %d)."};
+inline Message<const char*, int> msg_program_never_spoke{
+    "E2084", "'%s' ended with status %d and has said nothing."};
+inline Message<const char*, int> msg_program_broke_off{
+    "E2085", "'%s' ended with status %d and has told no result."};
+inline Message<const char*> msg_program_given_up{"E2098", "'%s' says nothing and was given up."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
-inline Message<const char*> msg_changed_on_disk{
-    "E2074", "File '%s' has changed on disk.\nRead new version from disk?"};
-inline Message<const char*> msg_changed_twice{
-    "E2075", "File '%s' has changed on disk and memory.\nRead new version from disk?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};
 inline Message<const char*, const char*> msg_own_version{"E2081", "Pellux %s, %s"};
 inline Message<const char*, const char*> msg_cannot_show_file{"E2082", "Can't read '%s': %s."};
 inline Message<> msg_file_goes_on{"E2083", "The file goes on; the rest of it is not shown."};
+inline Message<> msg_undo{"E2086", "&Undo"};
+inline Message<> msg_redo{"E2087", "Red&o"};
+inline Message<const char*> msg_undo_change{"E2088", "&Undo %s"};
+inline Message<const char*> msg_redo_change{"E2089", "Red&o %s"};
+inline Message<> msg_removing_one{"E2090", "removing a file"};
+inline Message<int> msg_removing{"E2091", "removing %d files"};
+inline Message<> msg_adding_one{"E2092", "adding a file"};
+inline Message<int> msg_adding{"E2093", "adding %d files"};
+inline Message<> msg_moving{"E2094", "moving files"};
+inline Message<> msg_setting_top{"E2095", "setting the top design"};
+inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
+inline Message<const char*> msg_no_project_name{"E2097",
+                                                "'%s' can't be the name of a project file."};
 
 } // namespace pellux

@@ -1,12 +1,15 @@
 #include "windows/workspace/new_project.h"
 
+#include "core/common/blanks.h"
 #include "core/os/ascii.h"
 #include "core/os/files.h"
+#include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_opening.h"
 
+#include <algorithm>
 #include <array>
 
 namespace pellux {
@@ -20,7 +23,7 @@ constexpr std::string_view k_usual_name = "brix.bpr";
 
 constexpr std::array k_rows{
     DialogRowResource{k_directory_row, DialogRowKind::edit, "&Directory:", 0},
-    DialogRowResource{k_name_row, DialogRowKind::edit, "Project file:", 0},
+    DialogRowResource{k_name_row, DialogRowKind::edit, "&Project file:", 0},
     DialogRowResource{k_choose_row, DialogRowKind::button, "&Choose name...", 0},
 };
 constexpr std::array k_buttons{k_ok, k_cancel};
@@ -40,22 +43,6 @@ String& value_of(Dialog& dialog, int row) {
     return find_row(dialog, row)->value;
 }
 
-/// What the button for the name does.
-void choose_name(Dialog& dialog) {
-    const String title = format_message(msg_choose_project_name);
-    FileChoice choice;
-    if (!xvt_dm_post_file_open({.title = view(title),
-                                .directory = {},
-                                .name = k_usual_name,
-                                .extension = k_project_extension},
-                               choice))
-        return;
-    const bool is_name = !choice.name.empty() && is_letter(choice.name.front());
-    value_of(dialog, k_directory_row) = choice.directory;
-    value_of(dialog, k_name_row) =
-        is_name ? project_file_name(view(choice.name)) : String(k_usual_name);
-}
-
 /// `text` from the root on, without separators at its end; false when it is too long.
 bool make_absolute(std::string_view text, PathBuffer& path) {
     if (failed(current_directory(path)))
@@ -66,6 +53,32 @@ bool make_absolute(std::string_view text, PathBuffer& path) {
     while (shorter.size() > 1 && is_separator(shorter.back()))
         shorter.remove_suffix(1);
     return path.assign(shorter);
+}
+
+/// What the button for the name does. A directory that was typed stays unless another is chosen,
+/// also one that is still to be made.
+void choose_name(Dialog& dialog) {
+    PathBuffer start;
+    FileStat stat;
+    const bool is_there = make_absolute(view(value_of(dialog, k_directory_row)), start) &&
+                          !failed(stat_file(start.view(), stat)) &&
+                          stat.kind == FileKind::directory;
+    if (!is_there && failed(current_directory(start)))
+        start.clear();
+    const String title = format_message(msg_choose_project_name);
+    FileChoice choice;
+    if (!xvt_dm_post_file_open({.title = view(title),
+                                .directory = start.view(),
+                                .name = k_usual_name,
+                                .extension = k_project_extension},
+                               choice))
+        return;
+    const bool is_name = !choice.name.empty() && is_letter(choice.name.front());
+    if (PathBuffer resolved;
+        failed(real_path(start.view(), resolved)) || resolved.view() != view(choice.directory))
+        value_of(dialog, k_directory_row) = choice.directory;
+    value_of(dialog, k_name_row) =
+        is_name ? project_file_name(view(choice.name)) : String(k_usual_name);
 }
 
 /// Makes the directory if need be, and goes there; false after the user was told.
@@ -82,6 +95,11 @@ bool make_project(Dialog& dialog) {
     const String text = value_of(dialog, k_directory_row);
     if (text.empty())
         return true;
+    const std::string_view typed = trim_blanks(view(value_of(dialog, k_name_row)));
+    if (typed.empty() || std::ranges::any_of(typed, is_separator)) {
+        post_error(msg_no_project_name, String(typed).c_str());
+        return false;
+    }
     PathBuffer directory;
     if (!enter_new_directory(text, directory))
         return false;
@@ -89,7 +107,7 @@ bool make_project(Dialog& dialog) {
     PathBuffer resolved;
     if (failed(current_directory(resolved)))
         resolved = directory;
-    const String& name = value_of(dialog, k_name_row);
+    const String name = project_file_name(typed);
     PathBuffer path = directory;
     const bool fits = path.join(view(name));
     if (!fits || file_exists(path.view()) ||
@@ -119,9 +137,7 @@ void ask_for_new_project() {
     PathBuffer directory;
     if (!failed(current_directory(directory)))
         value_of(dialog, k_directory_row) = directory.view();
-    // The name is chosen together with its place, by the button.
     value_of(dialog, k_name_row) = k_usual_name;
-    find_row(dialog, k_name_row)->is_enabled = false;
     for (;;) {
         const int button = xvt_dlg_ask(dialog);
         if (button == k_button_rows + k_choose_row)

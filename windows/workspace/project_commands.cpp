@@ -1,17 +1,19 @@
 #include "windows/workspace/project_commands.h"
 
 #include "core/project/source_clipboard.h"
+#include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_files.h"
-#include "windows/workspace/project_font.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
-#include "windows/workspace/project_page.h"
+#include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_settings.h"
 #include "windows/workspace/project_view.h"
 
 #include <array>
@@ -22,19 +24,7 @@ namespace {
 /// What a command needs to be of use.
 enum class Need { nothing, selection, one_selected, files, clipboard, past, future };
 
-/// Commands of the window that stand in no menu of its bar.
-enum class ListCommand : int {
-    toggle_top = 1150,
-    compile_all = 1151,
-    compile_selected = 1152,
-    undo = 1153,
-    redo = 1154,
-};
-
 constexpr int tag_of(ProjectCommand command) {
-    return static_cast<int>(command);
-}
-constexpr int tag_of(ListCommand command) {
     return static_cast<int>(command);
 }
 
@@ -54,7 +44,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
     CommandRow{tag_of(print_setup), 0, Need::nothing, set_up_page},
     CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
-               [](Window) { workspace().shell.quit(workspace().shell.context); }},
+               [](Window) { shell().quit(shell().context); }},
     CommandRow{tag_of(add), 234, Need::nothing, ask_for_vhdl_files},
     CommandRow{tag_of(add_all), 0, Need::nothing, add_all_vhdl_files},
     CommandRow{tag_of(add_pla), 0, Need::nothing, ask_for_pla_file},
@@ -71,14 +61,14 @@ constexpr std::array k_commands{
     CommandRow{tag_of(tool_versions), 0, Need::nothing, [](Window) { show_tool_versions(); }},
     CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
     CommandRow{tag_of(help_contents), 0, Need::nothing,
-               [](Window) { workspace().shell.show_help_contents(workspace().shell.context); }},
-    CommandRow{tag_of(ListCommand::toggle_top), 238, Need::one_selected, toggle_top_design},
-    CommandRow{tag_of(ListCommand::compile_all), 239, Need::files,
+               [](Window) { shell().show_help_contents(shell().context); }},
+    CommandRow{tag_of(toggle_top), 238, Need::one_selected, toggle_top_design},
+    CommandRow{tag_of(compile_all), 239, Need::files,
                [](Window window) { compile_project(window, true); }},
-    CommandRow{tag_of(ListCommand::compile_selected), 240, Need::selection,
+    CommandRow{tag_of(compile_selected), 240, Need::selection,
                [](Window window) { compile_project(window, false); }},
-    CommandRow{tag_of(ListCommand::undo), 0, Need::past, undo_list_change},
-    CommandRow{tag_of(ListCommand::redo), 0, Need::future, redo_list_change},
+    CommandRow{tag_of(undo), 0, Need::past, undo_list_change},
+    CommandRow{tag_of(redo), 0, Need::future, redo_list_change},
 };
 constexpr int k_libraries_button = 241;
 
@@ -153,8 +143,7 @@ int command_of_button(int button) {
 bool run_compile_key(Window window, const CharacterEvent& key) {
     constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
     return key.code == k_f7 &&
-           run_project_command(window, tag_of(key.with.control ? ListCommand::compile_selected
-                                                               : ListCommand::compile_all));
+           run_project_command(window, tag_of(key.with.control ? compile_selected : compile_all));
 }
 
 bool run_project_key(Window window, const CharacterEvent& key) {
@@ -165,9 +154,9 @@ bool run_project_key(Window window, const CharacterEvent& key) {
     if (key.code == k_delete && !key.with.shift && !key.with.control)
         tag = tag_of(ProjectCommand::remove);
     else if (key.code == k_control_z)
-        tag = tag_of(key.with.shift ? ListCommand::redo : ListCommand::undo);
+        tag = tag_of(key.with.shift ? redo : undo);
     else if (key.code == k_control_y)
-        tag = tag_of(ListCommand::redo);
+        tag = tag_of(redo);
     return tag == 0 ? run_compile_key(window, key) : run_project_command(window, tag);
 }
 
@@ -183,6 +172,17 @@ void update_project_commands(Window window) {
     enable_project_button(window, k_libraries_button, false);
 }
 
+void update_history_titles(Window window) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    const auto show = [&](ProjectCommand command, const String& title) {
+        xvt_menu_set_item_title(window, tag_of(command), view(title));
+    };
+    show(undo, undo_title(open->history, *open->project));
+    show(redo, redo_title(open->history, *open->project));
+}
+
 void show_list_menu(Window window, Point at) {
     const ListState state = state_of(window);
     const OpenProject* open = find_open_project(window);
@@ -194,14 +194,15 @@ void show_list_menu(Window window, Point at) {
     MenuItem separator;
     separator.is_separator = true;
     Vector<MenuItem> items;
-    items.push_back(menu_item(is_top ? "No top &design" : "Set as top &design",
-                              tag_of(ListCommand::toggle_top), "", state));
-    items.push_back(menu_item("Co&mpile all", tag_of(ListCommand::compile_all), "F7", state));
     items.push_back(
-        menu_item("Compile s&elected", tag_of(ListCommand::compile_selected), "Ctrl+F7", state));
+        menu_item(is_top ? "No top &design" : "Set as top &design", tag_of(toggle_top), "", state));
+    items.push_back(menu_item("Co&mpile all", tag_of(compile_all), "F7", state));
+    items.push_back(menu_item("Compile s&elected", tag_of(compile_selected), "Ctrl+F7", state));
     items.push_back(separator);
-    items.push_back(menu_item("U&ndo", tag_of(ListCommand::undo), "Ctrl+Z", state));
-    items.push_back(menu_item("Red&o", tag_of(ListCommand::redo), "Ctrl+Y", state));
+    items.push_back(menu_item(undo_title(open->history, *open->project).c_str(), tag_of(undo),
+                              "Ctrl+Z", state));
+    items.push_back(menu_item(redo_title(open->history, *open->project).c_str(), tag_of(redo),
+                              "Ctrl+Y", state));
     items.push_back(separator);
     items.push_back(menu_item("&Add...", tag_of(add), "", state));
     items.push_back(menu_item("&Remove", tag_of(ProjectCommand::remove), "Del", state));
@@ -210,7 +211,7 @@ void show_list_menu(Window window, Point at) {
     items.push_back(menu_item("&Paste", tag_of(paste), "Ctrl+V", state));
     items.push_back(menu_item("&Select all", tag_of(select_all), "Ctrl+A", state));
     items.push_back(separator);
-    items.push_back(menu_item("Move &up", tag_of(move_up), "Alt+Up", state));
+    items.push_back(menu_item("Mo&ve up", tag_of(move_up), "Alt+Up", state));
     items.push_back(menu_item("Move do&wn", tag_of(move_down), "Alt+Down", state));
     xvt_menu_popup(window, items, at);
 }

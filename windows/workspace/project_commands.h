@@ -13,6 +13,8 @@ bool run_project_command(Window window, int tag);
 [[nodiscard]] int command_of_button(int button);
 /// Enables what can be done now: with what is selected, and with what the clipboard holds.
 void update_project_commands(Window window);
+/// Says in the menus what would be taken back, or made again.
+void update_history_titles(Window window);
 /// The context menu of the list.
 void show_list_menu(Window window, Point at);
 /// Runs the command of a key that compiles; false when it is another key.

@@ -3,9 +3,9 @@
 #include "core/project/compile_arguments.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/project_windows.h"
 #include "windows/workspace/text_window.h"
 
 namespace pellux {
@@ -32,14 +32,20 @@ Vector<CompileEntry> entries_of(const OpenProject& open) {
 void compile_project(Window project, bool all) {
     const TextSubject subject{TextKind::compile_output, project};
     OpenProject* open = find_open_project(project);
-    if (open == nullptr || raise_speaking_window(subject))
+    if (open == nullptr)
         return;
+    if (is_speaking(subject)) {
+        raise_text_window(subject);
+        show_status(project,
+                    view(format_message(msg_compiles_already, open->project->file_name.c_str())));
+        return;
+    }
     Vector<String> words;
     const bool is_prepared = prepare_compile(*open->project, entries_of(*open), all, words);
     show_project_change(project);
     if (!is_prepared)
         return;
-    const String title = format_message(msg_compile_title, open->project->file_name.c_str());
+    const String title = format_message(msg_compile_title, project_label(*open->project).c_str());
     TextWindow* output = open_text_window(subject, view(title));
     if (output == nullptr)
         return;

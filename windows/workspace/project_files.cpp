@@ -5,14 +5,14 @@
 #include "core/os/files.h"
 #include "core/project/source_clipboard.h"
 #include "core/project/source_list.h"
+#include "windows/controls/boxes.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/project_windows.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,5 +1,7 @@
 #include "windows/workspace/project_menus.h"
 
+#include "windows/controls/shell_hooks.h"
+
 #include <algorithm>
 #include <array>
 
@@ -15,6 +17,8 @@ constexpr MenuResource without_command(const char* title, ProjectCommand command
     return {static_cast<int>(command), title, {}, nullptr, false};
 }
 
+constexpr MenuResource k_separator{};
+
 using enum ProjectCommand;
 
 constexpr std::array k_project{
@@ -27,16 +31,22 @@ constexpr std::array k_project{
     item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
 };
 constexpr std::array k_files{
+    item("&Undo", undo, "Ctrl+Z"),
+    item("Red&o", redo, "Ctrl+Y"),
+    k_separator,
     item("&Add...", add),
     item("A&dd all", add_all),
     item("Add P&LA", add_pla),
-    item("&Remove", ProjectCommand::remove),
+    item("&Remove", ProjectCommand::remove, "Del"),
+    k_separator,
     item("Cu&t", cut, "Ctrl+X"),
     item("&Copy", copy, "Ctrl+C"),
     item("&Paste", paste, "Ctrl+V"),
     item("&Select all", select_all, "Ctrl+A"),
+    k_separator,
     item("&Move up", move_up, "Alt+Up"),
     item("Move do&wn", move_down, "Alt+Down"),
+    k_separator,
     without_command("Li&braries...", libraries),
     without_command("A&nnotate...", annotate),
 };
@@ -56,7 +66,7 @@ constexpr std::array k_help{item("&Contents", help_contents, "F1")};
 
 constexpr std::array k_menus{
     MenuResource{1020, "&Project", k_project, nullptr, true},
-    MenuResource{1059, "&Files", k_files, nullptr, true},
+    MenuResource{k_files_menu, "&Files", k_files, nullptr, true},
     MenuResource{1095, "&Info", k_info, nullptr, true},
     MenuResource{1097, "&Search", k_search, nullptr, true},
     MenuResource{32050, "Fon&t", k_font, nullptr, true},
@@ -69,7 +79,8 @@ constexpr bool tags_differ() {
     for (const MenuResource& menu : k_menus) {
         *end++ = menu.tag;
         for (const MenuResource& below : menu.items)
-            *end++ = below.tag;
+            if (below.tag != 0)
+                *end++ = below.tag;
     }
     std::sort(tags.begin(), end);
     return std::adjacent_find(tags.begin(), end) == end;

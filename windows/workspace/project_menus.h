@@ -7,9 +7,10 @@
 namespace pellux {
 
 inline constexpr int k_project_menu_bar = 1019;
-inline constexpr int k_help_menu = 1002; ///< of every menu bar: the Tools menu goes before it
+inline constexpr int k_files_menu = 1059;
 
-/// Tags of a project's menus, in their order.
+/// Tags of a project's commands, in the order of its menus; the last ones stand in the list's menu
+/// alone.
 enum class ProjectCommand : int {
     new_project = 1021,
     open = 1044,
@@ -18,6 +19,8 @@ enum class ProjectCommand : int {
     print = 1047,
     print_setup = 1048,
     quit = 1049,
+    undo = 1153,
+    redo = 1154,
     add = 1060,
     add_all = 1106,
     add_pla = 1107,
@@ -39,6 +42,9 @@ enum class ProjectCommand : int {
     search_vhdl = 1100,
     select_font = 32051,
     help_contents = 1063,
+    toggle_top = 1150,
+    compile_all = 1151,
+    compile_selected = 1152,
 };
 
 [[nodiscard]] std::span<const MenuBarResource> project_menu_bars();

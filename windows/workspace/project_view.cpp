@@ -5,9 +5,11 @@
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
+#include "windows/toolkit/font.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/text_window.h"
 
 #include <algorithm>
 #include <array>
@@ -20,14 +22,14 @@ constexpr int k_status_px = 24;
 
 constexpr std::array<std::string_view, 14> k_toolbar_lines{
     "TOP_OFFSET=3",
-    "PICBUTN=231,331,\"New project.\"",
-    "PICBUTN=232,332,\"Open project.\"",
-    "PICBUTN=233,333,\"Save project.\"",
+    "PICBUTN=231,331,\"New project (Ctrl+N).\"",
+    "PICBUTN=232,332,\"Open project (Ctrl+O).\"",
+    "PICBUTN=233,333,\"Save project (Ctrl+S).\"",
     "SEPARATOR",
     "PICBUTN=234,334,\"Add files.\"",
-    "PICBUTN=235,335,\"Remove selected files.\"",
-    "PICBUTN=236,336,\"Move selected files up.\"",
-    "PICBUTN=237,337,\"Move selected files down.\"",
+    "PICBUTN=235,335,\"Remove selected files (Del).\"",
+    "PICBUTN=236,336,\"Move selected files up (Alt+Up).\"",
+    "PICBUTN=237,337,\"Move selected files down (Alt+Down).\"",
     "PICBUTN=238,338,\"Set as top design.\"",
     "SEPARATOR",
     "PICBUTN=239,339,\"Compile all (F7).\"",
@@ -89,7 +91,7 @@ void show_sources(Window window, Selection selected, std::optional<std::size_t> 
     select(list, selected);
     if (focus)
         xvt_list_set_focus_index(list, static_cast<int>(*focus));
-    look_at_sources(window, *open->project, open->looks);
+    look_at_sources(list, *open->project, open->looks);
 }
 
 Vector<std::size_t> selected_sources(Window window) {
@@ -101,9 +103,12 @@ Vector<std::size_t> selected_sources(Window window) {
 
 void show_project_status(Window window, const Project& project) {
     const VHDL_source* top = project.top_design;
-    show_status(window, view(format_message(msg_project_status,
-                                            top == nullptr ? "<none>" : top->file_name.c_str(),
-                                            project.options.device.c_str())));
+    String text =
+        format_message(msg_project_status, top == nullptr ? "<none>" : top->file_name.c_str(),
+                       project.options.device.c_str());
+    if (is_speaking({TextKind::compile_output, window}))
+        (text += '\t') += format_message(msg_compile_runs);
+    show_status(window, view(text));
 }
 
 void show_status(Window window, std::string_view text) {
@@ -119,6 +124,21 @@ void enable_project_button(Window window, int id, bool is_enabled) {
     const Window bar = xvt_win_get_ctl(window, k_project_toolbar);
     toggle_button_set_state(toolbar_get_control(bar, id),
                             is_enabled ? ToggleState::push : ToggleState::disabled);
+}
+
+Font list_font_of(const Project& project) {
+    const Font_spec& kept = project.list_font;
+    Font font = xvt_font_get_default();
+    if (kept.face.present() && !kept.face.view().empty())
+        xvt_font_set_family(font, kept.face.view());
+    if (kept.size > 0)
+        xvt_font_set_size(font, kept.size);
+    xvt_font_set_style(font, static_cast<std::uint16_t>(kept.style & 0xFFFF));
+    return font;
+}
+
+void show_list_font(Window window, const Project& project) {
+    xvt_list_set_font(project_list(window), list_font_of(project));
 }
 
 } // namespace pellux

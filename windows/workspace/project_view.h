@@ -2,6 +2,7 @@
 
 #include "core/project/source_list.h"
 #include "windows/toolkit/event.h"
+#include "windows/toolkit/font.h"
 
 #include <optional>
 #include <string_view>
@@ -20,12 +21,16 @@ void lay_out_project_view(Window window);
 void show_sources(Window window, Selection selected, std::optional<std::size_t> focus = {});
 [[nodiscard]] Vector<std::size_t> selected_sources(Window window);
 
-/// The top design and the device.
+/// The top design and the device, and that a compile runs.
 void show_project_status(Window window, const Project& project);
 /// Something else, until `show_project_status`.
 void show_status(Window window, std::string_view text);
 /// The same, seen before other events have their turn.
 void show_status_now(Window window, std::string_view text);
+
+/// The font that the project keeps for its list; the desktop's where it names none.
+[[nodiscard]] Font list_font_of(const Project& project);
+void show_list_font(Window window, const Project& project);
 
 /// The list's control, which has the focus of the window.
 [[nodiscard]] Window project_list(Window window);

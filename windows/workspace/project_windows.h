@@ -1,22 +1,11 @@
 #pragma once
 
-#include "core/project/records.h"
-#include "windows/toolkit/event.h"
+#include "windows/controls/shell_hooks.h"
 
 namespace pellux {
 
-// The window of a project, as the list of open projects knows it. What a user does in it comes back
-// as calls of that list, by the window's handle.
-
-/// Makes the resources of the window known.
-void register_project_window();
-/// Makes the window where the project has its place; none when that fails.
-[[nodiscard]] Window create_project_window(const Project& project);
-/// Shows what a command changed: status line, mark of unsaved changes, what can be done now.
-void show_project_change(Window window);
-/// Puts the project's name into the title.
-void show_project_name(Window window, const Project& project);
-/// Takes the window's place into the project.
-void store_place(Window window, Project& project);
+/// Makes the windows of projects known, and ties what a user does in them to the commands; no
+/// project is open.
+void start_workspace(const ShellHooks& hooks);
 
 } // namespace pellux

@@ -5,7 +5,7 @@
 #include "core/os/path.h"
 #include "windows/controls/pictures.h"
 #include "windows/toolkit/timer.h"
-#include "windows/workspace/project_view.h"
+#include "windows/toolkit/window.h"
 
 #include <utility>
 
@@ -45,12 +45,12 @@ bool look(SourceLooks& looks, const Project& project, const VHDL_source& source)
     return looks.missing.erase(&source) > 0;
 }
 
-void look_for_a_while(Window window, const Project& project, SourceLooks& looks) {
+void look_for_a_while(Window list, const Project& project, SourceLooks& looks) {
     const std::int64_t end_ms = real_monotonic_ms() + k_slice_ms;
     while (looks.next < project.sources.size()) {
         const VHDL_source& source = *project.sources[looks.next];
         if (look(looks, project, source))
-            xvt_list_update_entry(project_list(window), static_cast<int>(looks.next),
+            xvt_list_update_entry(list, static_cast<int>(looks.next),
                                   entry_of(looks, project, source));
         ++looks.next;
         if (real_monotonic_ms() >= end_ms)
@@ -60,7 +60,7 @@ void look_for_a_while(Window window, const Project& project, SourceLooks& looks)
     if (is_done && looks.timer != TimerId::none)
         xvt_timer_destroy(std::exchange(looks.timer, TimerId::none));
     else if (!is_done && looks.timer == TimerId::none)
-        looks.timer = xvt_timer_create(window, 0);
+        looks.timer = xvt_timer_create(xvt_vobj_get_parent(list), 0);
 }
 
 } // namespace
@@ -73,15 +73,15 @@ Vector<ListEntry> entries_of(const SourceLooks& looks, const Project& project) {
     return entries;
 }
 
-void look_at_sources(Window window, const Project& project, SourceLooks& looks) {
+void look_at_sources(Window list, const Project& project, SourceLooks& looks) {
     looks.next = 0;
-    look_for_a_while(window, project, looks);
+    look_for_a_while(list, project, looks);
 }
 
-bool continue_looking(Window window, TimerId timer, const Project& project, SourceLooks& looks) {
+bool continue_looking(Window list, TimerId timer, const Project& project, SourceLooks& looks) {
     if (timer == TimerId::none || timer != looks.timer)
         return false;
-    look_for_a_while(window, project, looks);
+    look_for_a_while(list, project, looks);
     return true;
 }
 

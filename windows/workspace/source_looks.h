@@ -21,10 +21,10 @@ struct SourceLooks {
 /// All entries, by what is known.
 [[nodiscard]] Vector<ListEntry> entries_of(const SourceLooks& looks, const Project& project);
 
-/// Begins to look at all files of the window's list anew; what does not look any more as it is
-/// shown is shown again. Goes on with `continue_looking`, by a timer of the window.
-void look_at_sources(Window window, const Project& project, SourceLooks& looks);
+/// Begins to look at all files of a list anew; what does not look any more as it is shown is shown
+/// again. Goes on with `continue_looking`, by a timer of the list's window.
+void look_at_sources(Window list, const Project& project, SourceLooks& looks);
 /// Of the timer's event; false when it is another's.
-bool continue_looking(Window window, TimerId timer, const Project& project, SourceLooks& looks);
+bool continue_looking(Window list, TimerId timer, const Project& project, SourceLooks& looks);
 
 } // namespace pellux

@@ -2,14 +2,12 @@
 
 #include "core/common/callback.h"
 #include "core/os/argument_vector.h"
+#include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/boxes.h"
 #include "windows/workspace/messages.h"
-#include "windows/workspace/open_projects.h"
-#include "windows/workspace/project_commands.h"
 
 #include <algorithm>
 #include <array>
@@ -27,6 +25,7 @@ constexpr std::array k_windows{resource(TextKind::compile_output, 640, 300),
                                resource(TextKind::file, 680, 400)};
 
 Vector<Owned<TextWindow>> texts;
+TextHooks g_hooks;
 
 Window output_of(Window window) {
     return xvt_win_get_ctl(window, k_output);
@@ -54,11 +53,28 @@ long on_key(Window window, const CharacterEvent& key) {
         return 0;
     }
     const TextWindow* text = find_text(window);
-    if (text == nullptr || find_open_project(text->project) == nullptr)
+    if (text == nullptr || text->project == Window::none)
         return 1;
+    return g_hooks.take_key(text->project, key) ? 0 : 1;
+}
+
+/// Says in the title, and to the project, whether a program runs.
+void show_program(const TextWindow& text) {
+    const bool runs = text.program != nullptr && text.program->running();
+    xvt_vobj_set_title(text.window, runs ? view(format_message(msg_text_runs, text.title.c_str()))
+                                         : view(text.title));
+    if (text.project != Window::none)
+        g_hooks.show_program(text.project);
+}
+
+void on_destruction(Window window) {
+    const TextWindow* text = find_text(window);
+    if (text == nullptr)
+        return;
     const Window project = text->project;
-    enter_project(project);
-    return run_compile_key(project, key) ? 0 : 1;
+    std::erase_if(texts, [window](const auto& each) { return each->window == window; });
+    if (project != Window::none)
+        g_hooks.show_program(project);
 }
 
 long on_event(void*, Window window, const Event& event) {
@@ -76,23 +92,42 @@ long on_event(void*, Window window, const Event& event) {
     } else if (event.get<CloseEvent>() != nullptr) {
         xvt_vobj_destroy(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
-        std::erase_if(texts, [window](const auto& text) { return text->window == window; });
+        on_destruction(window);
     }
     return 0;
 }
 
+/// Why there is no result, of a program that has not told it.
+void append_cause(TextWindow& text, const char* program) {
+    const SpawnerEnd& end = text.program->end();
+    if (end.has_told)
+        return;
+    if (!end.process)
+        append_line(text, view(format_message(msg_program_given_up, program)));
+    else if (end.process->by_signal)
+        append_line(text, view(format_message(msg_program_crashed, program, end.process->code)));
+    else
+        append_line(text, view(format_message(end.has_spoken ? msg_program_broke_off
+                                                             : msg_program_never_spoke,
+                                              program, end.process->code)));
+}
+
 void on_words(void* context, const char* words, int done, int status) {
     auto& text = from_context<TextWindow>(context);
-    if (done == 0)
+    if (done == 0) {
         append_text(text, words);
-    else
-        text.ended(text, status);
+        return;
+    }
+    append_cause(text, text.name.c_str());
+    show_program(text);
+    text.ended(text, status);
 }
 
 } // namespace
 
-void register_text_windows() {
+void register_text_windows(const TextHooks& hooks) {
     texts.clear();
+    g_hooks = hooks;
     xvt_res_register({.windows = k_windows});
 }
 
@@ -105,26 +140,31 @@ TextWindow* open_text_window(const TextSubject& subject, std::string_view title)
             post_error(msg_no_project_window);
             return nullptr;
         }
-        texts.push_back(make_owned<TextWindow>(
-            TextWindow{window, subject.kind, subject.project, String(subject.path)}));
+        texts.push_back(make_owned<TextWindow>(TextWindow{.window = window,
+                                                          .kind = subject.kind,
+                                                          .project = subject.project,
+                                                          .path = String(subject.path)}));
         text = texts.back().get();
         associate_help({.window = window}, subject.kind == TextKind::compile_output
                                                ? HelpTopic::messages
                                                : HelpTopic::reports);
     }
     text->program.reset();
-    xvt_vobj_set_title(text->window, title);
+    text->title = title;
+    show_program(*text);
     set_text(*text, {});
     xvt_vobj_raise(text->window);
     return text;
 }
 
-bool raise_speaking_window(const TextSubject& subject) {
+bool is_speaking(const TextSubject& subject) {
     const TextWindow* text = find_text(subject);
-    if (text == nullptr || text->program == nullptr || !text->program->running())
-        return false;
-    xvt_vobj_raise(text->window);
-    return true;
+    return text != nullptr && text->program != nullptr && text->program->running();
+}
+
+void raise_text_window(const TextSubject& subject) {
+    if (const TextWindow* text = find_text(subject))
+        xvt_vobj_raise(text->window);
 }
 
 void close_text_windows(Window project) {
@@ -159,7 +199,14 @@ void run_program_in(TextWindow& text, const Vector<String>& words,
     const auto arguments = argument_vector<Vector<const char*>>(words);
     text.ended = ended;
     text.program = make_owned<Spawner>(on_words, &text);
-    tell_launch_failure(text.program->launch(arguments.front(), arguments.data()));
+    text.name = words.front();
+    const LaunchResult result = text.program->launch(arguments.front(), arguments.data());
+    if (result) {
+        show_program(text);
+        return;
+    }
+    append_line(text, view(launch_failure_text(result)));
+    ended(text, 1);
 }
 
 } // namespace pellux

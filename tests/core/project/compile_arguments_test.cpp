@@ -92,8 +92,8 @@ TEST(CompileArguments, ALonePlaFileTakesNoVhdlSwitches) {
     const Owned<Project> pla = project_of({"chip.pla"});
     pla->options.error_limit = 5;
     EXPECT_EQ(arguments(*pla), "-m -fP -a chip.pla");
-    for (const auto& names : {std::vector<const char*>{"chip.PLA"},
-                              {"chip.pla", "a.vhd"},
+    EXPECT_TRUE(is_pla_project(*project_of({"CHIP.PLA"})));
+    for (const auto& names : {std::vector<const char*>{"chip.pla", "a.vhd"},
                               {"chippla"},
                               {"chip.pla.vhd"},
                               {"d.pla/chip"},

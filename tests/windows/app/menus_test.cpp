@@ -39,7 +39,9 @@ TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
     const test::ScopedVariable place("TEST_PLACE", PELLUX_BINARY_DIR "/tests/programs");
     const std::string lines(
         "\"~Echo it\" $TEST_PLACE/os_child echo a $TEST_PLACE\nMissing $TEST_PLACE/no x\n"
-        "\"only label\"\n");
+        "\"only label\"\n\"~Waves\" gtkwave\n" +
+        std::string(600, 'l') + " x\nafter it\n");
+    settings_.write("Velmora/Pellux.tools", "# mine\n\nO~wn $TEST_PLACE/os_child echo own\n");
     directory_.write("bin/devices.dat",
                      "seek: tools_dos:0," + std::to_string(lines.size()) + "\n" + lines);
     test::make_project_file(directory_.path(), "a.bpr");
@@ -48,7 +50,8 @@ TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
             const Vector<MenuItem> menus = xvt_menu_get_tree(window);
             EXPECT_EQ(menus.at(menus.size() - 2).tag, 5100);
         }
-        const char* tools = "\nT&ools\n  &Echo it\n  Missing\n  only label\n&Window\n";
+        const char* tools =
+            "\nT&ools\n  &Echo it\n  Missing\n  only label\n  &Waves\n  -\n  O&wn\n&Window\n";
         EXPECT_NE(shown_menus().find(tools), std::string::npos) << shown_menus();
         std::filesystem::current_path("/");
         const std::string said = said_during([] { EXPECT_TRUE(choose_item(5000)); });
@@ -58,7 +61,13 @@ TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
         EXPECT_TRUE(choose_item(5001));
         user_.expect_error("Can't run ''.");
         tell_task(Event{CommandEvent{5002}});
-        tell_task(Event{CommandEvent{5003}});
+        {
+            const test::ScopedVariable nowhere("PATH", directory_.path().c_str());
+            user_.expect_error("Can't run 'gtkwave'.\nTo have it, install the package 'gtkwave'.");
+            EXPECT_TRUE(choose_item(5003));
+        }
+        EXPECT_TRUE(said_during([] { choose_item(5004); }).starts_with("[own]"));
+        tell_task(Event{CommandEvent{5005}});
         tell_task(Event{CommandEvent{4999}});
     });
 }

@@ -8,9 +8,8 @@
 #include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
-#include "windows/app/box_diagnostics.h"
-#include "windows/app/resources.h"
-#include "windows/app/shell.h"
+#include "windows/app/program.h"
+#include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/toolkit/window.h"
 

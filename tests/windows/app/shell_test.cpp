@@ -3,8 +3,8 @@
 #include "core/os/settings.h"
 #include "tests/support/file_faults.h"
 #include "tests/windows/app/program.h"
-#include "windows/app/environment.h"
 #include "windows/app/start_picture.h"
+#include "windows/app/startup.h"
 #include "windows/toolkit/message_box.h"
 
 #include <array>
@@ -19,12 +19,10 @@ using test::window_of_project;
 
 TEST(Environment, LeadsToTheInstallation) {
     const struct {
-        const char* install; ///< null: unset
-        const char* old;     ///< of the two paths
+        const char* install;
+        const char* old; ///< of the two paths
         const char* paths[3];
     } rows[] = {
-        {nullptr, nullptr, {"./bin", "./bin/%N.uid", "./bin"}},
-        {"", "", {"./bin", "./bin/%N.uid", "./bin"}},
         {nullptr, "/old", {"./bin;/old", "./bin/%N.uid;/old", "./bin"}},
         {"/v", "/a;/b", {"/v/bin;/a;/b", "/v/bin/%N.uid;/a;/b", "/v/bin"}},
     };
@@ -47,6 +45,7 @@ TEST_F(Start, OpensTheNamedProjectOrAllOrANewOne) {
     make_project_file(directory_.path(), "B.BPR");
     make_project_file(directory_.path("one"), "a.bpr");
     make_project_file(directory_.path("two"), "x.bpr");
+    make_project_file(directory_.path("two/deep"), "y.bpr");
     directory_.write("two/bad.bpr", "no project");
     directory_.write("none/a.bpr.txt", "");
     std::filesystem::create_directory(directory_.path("none/directory.bpr"));
@@ -60,12 +59,17 @@ TEST_F(Start, OpensTheNamedProjectOrAllOrANewOne) {
         {{"-%Done"}, nullptr, "", "one: a.bpr "},
         {{}, "one", "", "one: a.bpr "},
         {{"-%D"}, "one", "", ": B.BPR a.bpr "},
+        {{"-x", "-%x", "-", "-%", "--help", "-D", "", "-%Dtwo", "/%Done"}, "", "", "one: a.bpr "},
         {{"-%dnone"}, "one", "", "none: new"},
         {{"-%Dmissing"}, nullptr, "", ": B.BPR a.bpr "},
         {{"-%Done", "two/x.bpr"}, nullptr, "", "two: x.bpr "},
         {{"-%Done", "a.bpr", "two/x.bpr"}, nullptr, "", "one: a.bpr "},
         {{"two/bad.bpr"}, nullptr, "Error reading 'bad.bpr'.", "two: x.bpr "},
         {{"none/a.bpr"}, nullptr, "Error reading 'a.bpr'. There is no such file.", "none: new"},
+        {{"a.bpr"}, "one", "", ": a.bpr "},
+        {{"x.bpr"}, "two", "", "two: x.bpr "},
+        {{"one/a.bpr"}, "two", "", "one: a.bpr "},
+        {{"deep/y.bpr"}, "two", "", "two/deep: y.bpr "},
         {{"missing/a.bpr"},
          "one",
          "Error reading 'missing/a.bpr'. There is no such file.",
@@ -110,9 +114,13 @@ TEST_F(Start, ShowsThePictureFirstWhenItIsWanted) {
     for (const Dismissal dismiss : ways) {
         run({"-%S"}, [&] {
             EXPECT_EQ(open_names(), "");
+            if (dismiss != ways[0]) {
+                user_.expect_file(QuestionKind::file_open, "Open project...", directory_.path(),
+                                  "a.bpr");
+                press_key("Ctrl+O");
+            }
             const Window picture = show_start_picture(*shell_);
             move_pointer(picture, {5, 5});
-            EXPECT_EQ(open_names(), "");
             dismiss(picture);
             EXPECT_FALSE(xvt_vobj_is_valid(picture));
             EXPECT_EQ(open_names(), "a.bpr ");

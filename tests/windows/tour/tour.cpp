@@ -1,12 +1,12 @@
 #include "core/common/containers.h"
 #include "core/diagnostics/message.h"
+#include "core/os/files.h"
 #include "core/os/loop.h"
+#include "core/os/safe_write.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
-#include "windows/app/box_diagnostics.h"
-#include "windows/app/environment.h"
-#include "windows/app/resources.h"
-#include "windows/app/shell.h"
+#include "windows/app/program.h"
+#include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/app/tools_menu.h"
 #include "windows/controls/controls.h"
@@ -14,14 +14,16 @@
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
+#include "windows/controls/window_places.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/move_frame.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_files.h"
 #include "windows/workspace/project_menus.h"
+#include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
 
 #include <algorithm>
@@ -216,6 +218,27 @@ void visit_project(Tour& tour) {
     arrange("A", "tabs");
 }
 
+/// A second project of the same name, with a file that can't be compiled.
+void visit_failure(Tour& tour, const String& directory) {
+    const Window task = xvt_win_get_task();
+    tour.keep(open_project_in(view(directory), "brix.bpr"), "failed");
+    const Window project = workspace().projects.back()->window;
+    PathBuffer path(view(directory));
+    constexpr std::string_view k_text = "entity broken is\n  port (clk : in bit)\nend;\n";
+    tour.keep(path.join("broken.vhd") &&
+                  !failed(safe_write_file(path.view(), std::as_bytes(std::span(k_text)))),
+              "failed");
+    add_dropped_files(project, std::array{String(path.view())});
+    process_events();
+    tour.keep(open_menu(k_files_menu), "files_menu");
+    tour.front("files_menu");
+    press_key("F7");
+    tour.picture(task, "compiling");
+    tour.keep(wait_for("\nCompilation "), "failed");
+    put_side_by_side(project, shown_output_window());
+    tour.picture(task, "failed");
+}
+
 void run(std::span<const char* const> words, const std::function<void()>& script) {
     Shell shell;
     start_shell(shell, words);
@@ -240,7 +263,12 @@ int main(int argument_count, char** arguments) {
     const std::array<const char*, 1> first{"brix.bpr"};
     run(first, [&] { visit_program(tour); });
     const std::array<const char*, 1> second{arguments[2]};
-    run(second, [&] { visit_project(tour); });
+    PathBuffer here;
+    tour.keep(!failed(current_directory(here)), "here");
+    run(second, [&] {
+        visit_project(tour);
+        visit_failure(tour, String(here.view()));
+    });
     xvt_app_end();
     return tour.missing == 0 ? 0 : 1;
 }

@@ -1,13 +1,24 @@
 #pragma once
 
+#include "core/common/callback.h"
 #include "core/diagnostics/reporter.h"
 #include "core/project/project_file.h"
+#include "tests/support/scoped_directory.h"
+#include "tests/support/temporary_directory.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "windows/controls/controls.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_closing.h"
+#include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_windows.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace pellux::test {
@@ -49,5 +60,51 @@ inline std::string open_names() {
 inline Window window_of_project(std::size_t index) {
     return workspace().projects.at(index)->window;
 }
+
+/// The program around the windows as its projects see it, with one project, a.bpr, in a directory
+/// of its own, and the user in front of it.
+class Projects : public testing::Test {
+protected:
+    Projects() {
+        register_controls();
+        make_project_file(top_, "a.bpr");
+    }
+    ~Projects() override { set_file_fault_hook(nullptr, nullptr); }
+
+    void run(const std::function<void()>& script) {
+        static constexpr auto say = [](void* self, const std::string& word) {
+            from_context<Projects>(self).calls_ += word + " ";
+            if (word == "end")
+                xvt_app_destroy();
+        };
+        const ShellHooks shell{
+            .remember_placement = [](void* self) { say(self, "remember"); },
+            .end_application = [](void* self) { say(self, "end"); },
+            .quit = [](void* self) { say(self, "quit"); },
+            .show_help_contents = [](void* self) { say(self, "help"); },
+            .insert_tools_menu = [](void* self, Window) { say(self, "tools"); },
+            .run_tool = [](void* self, int tag) { say(self, std::to_string(tag)); },
+            .context = this,
+        };
+        in_application([&] {
+            start_workspace(shell);
+            ASSERT_TRUE(open_project_here("a.bpr"));
+            process_events();
+            script();
+        });
+    }
+    static Window window() { return window_of_project(0); }
+    static OpenProject& open() { return *workspace().projects.at(0); }
+    static Project& project() { return *open().project; }
+
+    ReportsInBoxes reports_;
+    TemporaryDirectory directory_;
+    std::string top_ = directory_.path();
+    TemporaryDirectory settings_;
+    ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    ScopedDirectory here_{top_};
+    ScriptedAnswers user_;
+    std::string calls_;
+};
 
 } // namespace pellux::test

@@ -1,18 +1,11 @@
-#include "core/common/callback.h"
 #include "core/os/loop.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/robot.h"
-#include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
-#include "windows/controls/controls.h"
+#include "windows/controls/boxes.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
-#include "windows/workspace/changed_file.h"
 #include "windows/workspace/project_view.h"
 
 #include <filesystem>
@@ -29,33 +22,8 @@ using test::window_of_project;
 constexpr const char* k_choose = "Choose VHDL files to add.";
 constexpr const char* k_choose_pla = "Choose one PLA file to add.";
 
-/// One project, a.bpr, in a directory of its own, and the user in front of its window.
-class ProjectWindow : public testing::Test {
+class ProjectWindow : public test::Projects {
 protected:
-    ProjectWindow() {
-        register_controls();
-        make_project_file(top_, "a.bpr");
-    }
-    void run(const std::function<void()>& script) {
-        const ShellHooks shell{
-            .remember_placement = [](void*) {},
-            .end_application = [](void*) { xvt_app_destroy(); },
-            .quit = [](void*) {},
-            .show_help_contents = [](void*) {},
-            .insert_tools_menu = [](void*, Window) {},
-            .run_tool = [](void*, int) {},
-            .context = nullptr,
-        };
-        in_application([&] {
-            start_workspace(shell);
-            ASSERT_TRUE(open_project_here("a.bpr"));
-            process_events();
-            script();
-        });
-    }
-    static Window window() { return window_of_project(0); }
-    static Project& project() { return *workspace().projects.at(0)->project; }
-
     /// "x.vhd *y.vhd [z.vhd]": the top design has a star, what is selected stands in brackets.
     static std::string files() {
         const Window list = project_list(window());
@@ -93,128 +61,126 @@ protected:
                     return item.is_enabled;
         return false;
     }
+    /// `pattern`: words that stand in this order, with '*' between them.
+    static bool menus_have(std::string_view pattern) {
+        const std::string menus = shown_menus();
+        std::size_t from = 0;
+        for (std::string_view word; from != menus.npos && next_list_entry(pattern, word, '*');)
+            from = menus.find(word, from);
+        EXPECT_NE(from, menus.npos) << menus;
+        return from != menus.npos;
+    }
+    /// Steps, each with the list after it: a key, '#' and a menu's tag, '=' and what to select.
+    static void walk(std::initializer_list<std::pair<std::string, std::string>> steps) {
+        for (const auto& [act, list] : steps) {
+            if (act.starts_with('#')) {
+                command(std::stoi(act.substr(1)));
+            } else if (act.starts_with('=')) {
+                Vector<int> indices;
+                for (const char digit : act.substr(1))
+                    indices.push_back(digit - '0');
+                xvt_list_set_selected(project_list(window()), indices);
+                process_events();
+            } else if (!act.empty()) {
+                press_key(act);
+            }
+            EXPECT_EQ(files(), list) << act;
+        }
+    }
+    void drop(const std::vector<std::string>& names) {
+        std::vector<std::string> paths;
+        for (const std::string& name : names)
+            paths.push_back(directory_.path(name));
+        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
+    }
     /// Waits until the output says a word.
     static bool said(std::string_view word) {
         for (int i = 0; i < 500 && shown_output().find(word) == std::string::npos; ++i)
             run_turn(TurnWait::until_event);
         return shown_output().find(word) != std::string::npos;
     }
-
-    test::ReportsInBoxes reports_;
-    test::TemporaryDirectory directory_;
-    std::string top_ = directory_.path();
-    test::TemporaryDirectory settings_;
-    test::ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
-    test::ScopedDirectory here_{top_};
-    ScriptedAnswers user_;
 };
 
 TEST_F(ProjectWindow, TakesFilesByItsRules) {
-    for (const char* name : {"A.VHD", "b.vhd", "c.vhdl", "d e.vhd", "p.pla", "sub/x.vhd"})
+    const std::string odd[] = {"it's\"q\".vhd", "100%s%n.vhd", "a\nb.vhd", "\xff\xe9.vhd",
+                               "empty.bpr",     "cut.bpr",     "good.BPR"};
+    for (const char* name : {"A.VHD", "b.vhd", "c.vhdl", "d e.vhd", "p.pla", "Q.PLA", "sub/x.vhd"})
         directory_.write(name, "");
     run([&] {
-        user_.expect_error("'*/d e.vhd' can't be added*");
-        command(1106);
-        EXPECT_EQ(files(), "[A.VHD] [b.vhd]");
-        const std::string paths[] = {directory_.path("c.vhdl"), directory_.path("sub"),
-                                     directory_.path("b.vhd")};
-        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
-        EXPECT_EQ(files(), "A.VHD [b.vhd] [c.vhdl] [sub/x.vhd]");
-    });
-}
-
-TEST_F(ProjectWindow, TakesWhatIsDroppedForWhatItIs) {
-    const std::string names[] = {"it's\"q\".vhd", "100%s%n.vhd", "a\nb.vhd", "\xff\xe9.vhd",
-                                 "empty.bpr",     "cut.bpr",     "good.BPR"};
-    for (const std::string& name : names)
-        directory_.write(name, "");
-    make_project_file(top_, "good.BPR");
-    directory_.write("cut.bpr", directory_.read("good.BPR").substr(0, 90));
-    run([&] {
-        std::vector<std::string> paths;
-        for (const std::string& name : names)
-            paths.push_back(directory_.path(name));
-        user_.expect_error("Error reading '*/empty.bpr'.");
-        user_.expect_error("Error reading '*/cut.bpr'.");
-        user_.expect_error("'*/a\nb.vhd' can't be added: with a blank *");
-        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
-        EXPECT_EQ(test::open_names(), "a.bpr good.BPR ");
-        EXPECT_EQ(files(), "[it's\"q\".vhd] [100%s%n.vhd] [\xff\xe9.vhd]");
-        select({1});
-        command(1150);
-        EXPECT_EQ(status(), "Top design: 100%s%n.vhd\tDevice: ");
-        EXPECT_TRUE(save_project(window()));
-        const Owned<Project> again = read_project("a.bpr");
-        ASSERT_NE(again, nullptr);
-        EXPECT_EQ(again->sources.at(2)->file_name.view(), "\xff\xe9.vhd");
-    });
-}
-
-TEST_F(ProjectWindow, RefusesWhatDoesNotFitInWords) {
-    const std::string far(125, 'f');
-    for (const char* name : {"A.VHD", "b.vhd", "d e.vhd", "p.pla", "q.pla"})
-        directory_.write(name, "");
-    run([&] {
-        user_.expect_files(k_choose, top_, {"b.vhd", "d e.vhd", far});
+        user_.expect_error("'*/d e.vhd' can't be added: with a blank *");
+        walk({{"#1106", "[A.VHD] [b.vhd]"}});
+        drop({"c.vhdl", "sub", "b.vhd"});
+        user_.expect_error("PLA must be the only file in the project.");
+        walk({{"", "A.VHD [b.vhd] [c.vhdl] [sub/x.vhd]"}, {"#1107", files()}});
+        // One that is there is selected, and nothing else happens.
+        user_.expect_files(k_choose, top_, {"A.VHD", "d e.vhd", std::string(125, 'f')});
         user_.expect_error("'*/d e.vhd' can't be added: with a blank *");
         user_.expect_error("'*/f*' can't be added: its path * 119 bytes.");
-        command(1060);
-        EXPECT_EQ(files(), "[b.vhd]");
-        user_.expect_error("PLA must be the only file in the project.");
-        command(1107);
-        // One that is there is selected, and nothing else happens.
-        user_.expect_files(k_choose, top_, {"A.VHD"});
-        command(1060);
-        user_.expect_files(k_choose, top_, {"b.vhd"});
-        command(1060);
-        EXPECT_EQ(files(), "[b.vhd] A.VHD");
-        command(1058);
-        press_key("Del");
-        EXPECT_EQ(files(), "");
-        user_.expect_files(k_choose_pla, top_, {"p.pla", "q.pla"});
+        walk({{"#1060", "[A.VHD] b.vhd c.vhdl sub/x.vhd"},
+              {"#1058", "[A.VHD] [b.vhd] [c.vhdl] [sub/x.vhd]"},
+              {"Del", ""}});
+        user_.expect_files(k_choose_pla, top_, {"p.pla", "Q.PLA"});
         user_.expect_note("You may only choose one PLA file.");
-        user_.expect_files(k_choose_pla, top_, {"q.pla"});
-        command(1107);
-        EXPECT_EQ(files(), "[q.pla]");
-        for (const int tag : {1060, 1106}) {
+        user_.expect_files(k_choose_pla, top_, {"Q.PLA"});
+        walk({{"#1107", "[Q.PLA]"}});
+        for (const char* tag : {"#1060", "#1106"}) {
             user_.expect_error("Project contains a PLA file.");
-            command(tag);
+            walk({{tag, "[Q.PLA]"}});
         }
         user_.expect_error("Project contains a PLA file.");
         user_.expect_error("PLA must be the only file in the project.");
-        const std::string paths[] = {directory_.path("b.vhd"), directory_.path("A.VHD"),
-                                     directory_.path("p.pla")};
-        EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
-        EXPECT_EQ(files(), "[q.pla]");
+        drop({"b.vhd", "A.VHD", "p.pla"});
+        walk({{"", "[Q.PLA]"}, {"Del", ""}});
+
+        for (const std::string& name : odd)
+            directory_.write(name, "");
+        make_project_file(top_, "good.BPR");
+        directory_.write("cut.bpr", directory_.read("good.BPR").substr(0, 90));
+        user_.expect_error("Error reading '*/empty.bpr'.");
+        user_.expect_error("Error reading '*/cut.bpr'.");
+        user_.expect_error("'*/a\nb.vhd' can't be added: with a blank *");
+        drop({odd, std::end(odd)});
+        EXPECT_EQ(test::open_names(), "a.bpr good.BPR ");
+        EXPECT_EQ(files(), "[it's\"q\".vhd] [100%s%n.vhd] [\xff\xe9.vhd]");
+        EXPECT_TRUE(save_project(window()));
+        EXPECT_EQ(read_project("a.bpr")->sources.at(2)->file_name.view(), "\xff\xe9.vhd");
     });
 }
 
-TEST_F(ProjectWindow, OrdersFilesAndKnowsWhatCanBeDone) {
+TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
     for (const char* name : {"a.vhd", "b.vhd", "c.vhd", "d.vhd"})
         directory_.write(name, "");
     run([&] {
         EXPECT_FALSE(choose_item(1057) || choose_item(1056) || choose_item(1052));
-        EXPECT_EQ(status(), "Top design: <none>\tDevice: ");
-        command(1106);
-        select({1, 2});
-        EXPECT_TRUE(choose_item(1052));
-        EXPECT_EQ(files(), "[b.vhd] [c.vhd] a.vhd d.vhd");
-        EXPECT_TRUE(choose_item(1052) && choose_item(1050) && choose_item(1050));
-        EXPECT_EQ(files(), "a.vhd d.vhd [b.vhd] [c.vhd]");
-
-        select({1});
+        const std::string none = "Top design: <none>\tDevice: ";
+        EXPECT_EQ(status(), none);
+        walk({{"Ctrl+Z", ""},
+              {"#1106", "[a.vhd] [b.vhd] [c.vhd] [d.vhd]"},
+              {"=12", "a.vhd [b.vhd] [c.vhd] d.vhd"},
+              {"#1052", "[b.vhd] [c.vhd] a.vhd d.vhd"},
+              {"#1052", "[b.vhd] [c.vhd] a.vhd d.vhd"},
+              {"#1050", "a.vhd [b.vhd] [c.vhd] d.vhd"},
+              {"Alt+Down", "a.vhd d.vhd [b.vhd] [c.vhd]"},
+              {"=1", "a.vhd [d.vhd] b.vhd c.vhd"}});
         right_click(project_list(window()), {20, 25});
         EXPECT_TRUE(choose_popup_item(1150));
-        EXPECT_EQ(files(), "a.vhd [*d.vhd] b.vhd c.vhd");
         EXPECT_EQ(status(), "Top design: d.vhd\tDevice: ");
-        EXPECT_TRUE(choose_item(1057));
-        EXPECT_EQ(files(), "a.vhd [b.vhd] c.vhd");
-        EXPECT_EQ(status(), "Top design: <none>\tDevice: ");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
-        select({0});
-        EXPECT_TRUE(choose_item(1050));
-        EXPECT_NE(project_image(project()), workspace().projects.at(0)->written);
+        project().sources[1]->note.assign("kept");
+        walk({{"=01", "[a.vhd] [*d.vhd] b.vhd c.vhd"}, {"Del", "[b.vhd] c.vhd"}});
+        EXPECT_EQ(status(), none);
+        EXPECT_TRUE(menus_have("&Undo removing 2 files\tCtrl+Z\n  (Red&o\tCtrl+Y)\n  -\n  &Add"));
+        walk({{"Ctrl+Z", "[a.vhd] [*d.vhd] b.vhd c.vhd"}});
+        EXPECT_TRUE(menus_have("&Undo setting the top design\t*&o removing 2 files\t"));
+        EXPECT_EQ(project().sources[1]->note.view(), "kept");
+        walk({{"Ctrl+Shift+Z", "b.vhd c.vhd"}, {"Ctrl+Z", "[a.vhd] [*d.vhd] b.vhd c.vhd"}});
+        for (int i = 0; i < 6; ++i)
+            press_key("Ctrl+Z");
+        EXPECT_EQ(files(), "");
+        EXPECT_FALSE(has_changed(open()));
+        EXPECT_TRUE(menus_have("(&Undo\t*Red&o adding 4 files\t"));
+        right_click(project_list(window()), {20, 25});
+        EXPECT_TRUE(choose_popup_item(1154));
+        EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd] [d.vhd]");
     });
 }
 
@@ -237,47 +203,12 @@ TEST_F(ProjectWindow, KeepsItsPlaceInALongList) {
         EXPECT_EQ(first_shown_entry(list), top);
 
         // Files that go and come while another program has the focus.
-        const auto is_missing = [] {
-            const OpenProject& open = *workspace().projects.at(0);
-            return entries_of(open.looks, project()).at(3).is_faint;
-        };
         for (const bool gone : {false, true, false}) {
-            if (gone)
-                std::filesystem::remove("f103.vhd");
-            else
-                directory_.write("f103.vhd", "");
+            gone ? std::filesystem::remove("f103.vhd") : !directory_.write("f103.vhd", "").empty();
             xvt_win_dispatch_event(window(), Event{FocusEvent{true}});
             process_events();
-            EXPECT_EQ(is_missing(), gone);
+            EXPECT_EQ(entries_of(open().looks, project()).at(3).is_faint, gone);
         }
-    });
-}
-
-TEST_F(ProjectWindow, TakesChangesOfItsListBack) {
-    for (const char* name : {"a.vhd", "b.vhd", "c.vhd"})
-        directory_.write(name, "");
-    run([&] {
-        press_key("Ctrl+Z");
-        command(1106);
-        project().sources[1]->note.assign("kept");
-        select({1});
-        command(1150);
-        select({0, 1});
-        press_key("Del");
-        EXPECT_EQ(files(), "[c.vhd]");
-        press_key("Ctrl+Z");
-        EXPECT_EQ(files(), "[a.vhd] [*b.vhd] c.vhd");
-        EXPECT_EQ(project().sources[1]->note.view(), "kept");
-        EXPECT_EQ(status(), "Top design: b.vhd\tDevice: ");
-        press_key("Ctrl+Shift+Z");
-        EXPECT_EQ(files(), "c.vhd");
-        for (int i = 0; i < 3; ++i)
-            press_key("Ctrl+Z");
-        EXPECT_EQ(files(), "");
-        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
-        right_click(project_list(window()), {20, 25});
-        EXPECT_TRUE(choose_popup_item(1154));
-        EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd]");
     });
 }
 
@@ -313,105 +244,56 @@ TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
     });
 }
 
-TEST_F(ProjectWindow, AsksBeforeItReplacesWhatAnotherProgramWrote) {
-    run([&] {
-        project().options.device.assign("cpld32");
-        directory_.write("a.bpr", "another's");
-        user_.expect_ask("Project '*/a.bpr' has changed on disk.\nWrite it all the same?",
-                         "Cancel");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_EQ(directory_.read("a.bpr"), "another's");
-        user_.expect_ask("Project '*'*", "Write");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_NE(directory_.read("a.bpr"), "another's");
-        // One that is gone is written anew.
-        std::filesystem::remove("a.bpr");
-        EXPECT_TRUE(choose_item(1046));
-        EXPECT_TRUE(directory_.names().contains("a.bpr"));
-    });
-}
-
 TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
-    const std::string path = directory_.path("x.vhd");
-    const std::string disk =
-        "File '" + path + "' has changed on disk.\nRead new version from disk?";
-    const std::string both =
-        "File '" + path + "' has changed on disk and memory.\nRead new version from disk?";
-    run([&] {
-        directory_.write("x.vhd", "old");
-        FileIdentity loaded;
-        ASSERT_FALSE(failed(identify_file(path, loaded)));
-        EXPECT_FALSE(wants_new_version(path, loaded, true));
-        directory_.write("x.vhd", "newer");
-        user_.expect_ask(disk, "Yes");
-        EXPECT_TRUE(wants_new_version(path, loaded, false));
-        user_.expect_ask(both, "No");
-        EXPECT_FALSE(wants_new_version(path, loaded, true));
-        user_.expect_closed(QuestionKind::ask, both);
-        EXPECT_FALSE(wants_new_version(path, loaded, true));
-        std::filesystem::remove(path);
-        EXPECT_FALSE(wants_new_version(path, loaded, true));
-    });
+    const std::string path = directory_.write("x.vhd", "old");
+    FileIdentity loaded;
+    ASSERT_FALSE(failed(identify_file(path, loaded)));
+    EXPECT_FALSE(wants_new_version(path, loaded, true));
+    directory_.write("x.vhd", "newer");
+    user_.expect_ask("File '" + path + "' has changed on disk.\nRead new version *", "Yes");
+    EXPECT_TRUE(wants_new_version(path, loaded, false));
+    user_.expect_closed(QuestionKind::ask, "File '*' has changed on disk and memory.\nRead *");
+    EXPECT_FALSE(wants_new_version(path, loaded, true));
+    std::filesystem::remove(path);
+    EXPECT_FALSE(wants_new_version(path, loaded, true));
 }
 
-TEST_F(ProjectWindow, KeepsTheFontOfItsList) {
+TEST_F(ProjectWindow, KeepsItsFontAndItsPage) {
+    constexpr const char* k_setup = "Print setup";
     run([&] {
-        Font_spec& kept = project().list_font;
-        for (const int number :
-             {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-            kept.face.assign("\xff%s\n");
-            kept.size = kept.style = number;
-            EXPECT_TRUE(choose_item(1046));
-            ASSERT_TRUE(open_project_here("a.bpr"));
-            process_events();
-            const Project& read = *workspace().projects.at(1)->project;
-            EXPECT_TRUE(read.list_font.size == number && read.list_font.style == number);
-            xvt_vobj_destroy(window_of_project(1));
-        }
+        Font_spec& font = project().list_font;
+        font.face.assign("\xff%s\n");
+        font.size = font.style = std::numeric_limits<int>::min();
+        EXPECT_TRUE(choose_item(1046));
+        xvt_vobj_destroy(window());
+        ASSERT_TRUE(open_project_here("a.bpr"));
+        process_events();
+        EXPECT_EQ(project().list_font.size, std::numeric_limits<int>::min());
         Font chosen = xvt_font_get_fixed();
         chosen.size = 14;
         chosen.style = static_cast<std::uint16_t>(FontStyle::bold);
         user_.expect_font("*", chosen);
-        EXPECT_TRUE(choose_item(32051) && choose_item(1046));
-        const Owned<Project> read = read_project("a.bpr");
-        EXPECT_EQ(read->list_font.face.view(), view(xvt_font_get_family(chosen)));
-        EXPECT_TRUE(read->list_font.size == 14 && read->list_font.style == 1);
         user_.expect_closed(QuestionKind::font, "*");
-        EXPECT_TRUE(choose_item(32051));
-        EXPECT_EQ(project_image(project()), workspace().projects.at(0)->written);
-    });
-}
-
-TEST_F(ProjectWindow, KeepsThePageThatIsSetUp) {
-    run([&] {
-        constexpr const char* k_setup = "Print setup";
-        Vector<std::byte>& kept = project().print_record;
         user_.expect_dialog(k_setup, "Cancel", {{1, "", 0}});
-        EXPECT_TRUE(choose_item(1048));
+        EXPECT_TRUE(choose_item(32051) && choose_item(32051) && choose_item(1048));
+        Vector<std::byte>& kept = project().print_record;
         EXPECT_TRUE(kept.empty());
         kept.assign(3, std::byte{7});
         user_.expect_dialog(k_setup, "OK", {{1, "", 2}, {3, "", 1}});
         EXPECT_TRUE(choose_item(1048) && choose_item(1046));
+        const Owned<Project> read = read_project("a.bpr");
+        EXPECT_EQ(read->list_font.face.view(), view(xvt_font_get_family(chosen)));
+        EXPECT_TRUE(read->list_font.size == 14 && read->list_font.style == 1);
         PrintRecord record;
-        ASSERT_TRUE(read_print_record(read_project("a.bpr")->print_record, record));
+        ASSERT_TRUE(read_print_record(read->print_record, record));
         EXPECT_EQ(record, (PrintRecord{Paper::a5, Orientation::landscape}));
         // What a later version says besides stays, as long as nothing else is chosen.
-        const std::string_view later = "PRINTER=lp\n";
-        const auto bytes = std::as_bytes(std::span(later));
-        kept.insert(kept.end(), bytes.begin(), bytes.end());
+        for (const char c : std::string_view("PRINTER=lp\n"))
+            kept.push_back(static_cast<std::byte>(c));
         const Vector<std::byte> longer = kept;
         user_.expect_dialog(k_setup, "OK");
         EXPECT_TRUE(choose_item(1048));
         EXPECT_EQ(kept, longer);
-        user_.expect(QuestionKind::dialog, k_setup, [](const Question& question) {
-            xvt_vobj_destroy(window());
-            Answer answer = closed_answer(question);
-            answer.button = 0;
-            answer.rows.at(1).selected = 1;
-            return answer;
-        });
-        EXPECT_TRUE(choose_item(1048));
-        EXPECT_TRUE(workspace().projects.empty());
     });
 }
 
@@ -437,42 +319,76 @@ TEST_F(ProjectWindow, ShowsWhatTheCompilerSays) {
     });
 }
 
+TEST_F(ProjectWindow, TellsWhyACompileFailed) {
+    const std::string name = "'" + top_ + "/bin/BRIX.EXE'", end = "Compilation failed.\n";
+    const struct {
+        const char* program;
+        std::string cause; ///< empty: it runs on
+    } rows[] = {
+        {"", "Can't run " + name + ".\n"},
+        {"#!/bin/sh\nkill -SEGV $$\n", name + " crashed (signal 11).\n"},
+        {"#!/bin/sh\nexit 7\n", name + " ended with status 7 and has said nothing.\n"},
+        {"#!/bin/sh\nexec sleep 100\n", ""},
+    };
+    const test::ScopedVariable install("VELMORA_DIR", top_.c_str());
+    directory_.write("x.vhd", "");
+    run([&] {
+        command(1106);
+        const std::string idle = status();
+        for (const auto& row : rows) {
+            const std::string path = directory_.write("bin/BRIX.EXE", row.program);
+            if (*row.program != '\0')
+                std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+            press_key("F7");
+            if (!row.cause.empty()) {
+                EXPECT_TRUE(said(end) && shown_output().ends_with("\n" + row.cause + end))
+                    << shown_output();
+                continue;
+            }
+            const Window output = shown_output_window();
+            EXPECT_EQ(xvt_vobj_get_title(output), "Compile:a.bpr (running)");
+            EXPECT_EQ(status(), idle + "\tCompiling");
+            xvt_vobj_raise(window());
+            press_key("F7");
+            EXPECT_EQ(status(), "'a.bpr' is being compiled already.");
+            press_key("Esc");
+            EXPECT_FALSE(xvt_vobj_is_valid(output));
+        }
+        EXPECT_EQ(status(), idle);
+    });
+}
+
 TEST_F(ProjectWindow, ShowsTheFilesAboutItsTopDesign) {
     directory_.write("x.vhd", "x");
     directory_.write("x.rpt", "a report");
     run([&] {
-        command(1106);
+        walk({{"#1106", "[x.vhd]"}});
         EXPECT_FALSE(can(1104));
-        select({0});
-        command(1150);
+        walk({{"#1150", "[*x.vhd]"}});
         EXPECT_FALSE(can(1043));
+        for (const char* text : {"a report", "anew"}) {
+            directory_.write("x.rpt", text);
+            EXPECT_TRUE(choose_item(1104));
+            EXPECT_EQ(shown_output(), text);
+            xvt_vobj_raise(window());
+        }
         EXPECT_TRUE(choose_item(1104));
-        EXPECT_EQ(shown_output(), "a report");
-        xvt_vobj_raise(window());
-        directory_.write("x.rpt", "anew");
-        EXPECT_TRUE(choose_item(1104));
-        EXPECT_EQ(shown_output(), "anew");
         directory_.write("x.ctl", "first\n" + std::string(300'000, '\n'));
         press_key("Esc");
         EXPECT_EQ(shown_output(), "") << "there was a second viewer";
         EXPECT_TRUE(can(1043)) << "the window has the focus again";
-        for (const char* lines : {"300000 lines", "of 1000 bytes"}) {
+        for (const std::size_t length : {0, 999}) {
             EXPECT_TRUE(choose_item(1043));
             const std::string shown = shown_output();
-            EXPECT_TRUE(shown.starts_with("first\n")) << lines;
+            EXPECT_TRUE(shown.starts_with("first\n")) << length;
             EXPECT_TRUE(shown.ends_with("\nThe file goes on; the rest of it is not shown.\n"));
             EXPECT_LT(shown.size(), (std::size_t{16} << 20) + 100);
             xvt_vobj_raise(window());
-            std::string text = "first\n";
-            while (text.size() >> 24 == 0)
-                text += std::string(999, 'l') + "\n";
-            directory_.write("x.ctl", text);
+            directory_.write("x.ctl", "first\n" + std::string(std::size_t{17} << 20, 'l'));
         }
         std::filesystem::remove("x.rpt");
         user_.expect_error("Can't read '*/x.rpt': No such file or directory.");
         EXPECT_TRUE(choose_item(1104));
-        command(1150);
-        EXPECT_FALSE(can(1104) || can(1043));
         xvt_vobj_destroy(window());
         process_events();
         EXPECT_EQ(shown_output(), "") << "the viewers go with their project";
@@ -483,18 +399,14 @@ TEST_F(ProjectWindow, TellsWhichToolsRun) {
     const std::string own = "Pellux " PELLUX_VERSION ", " PELLUX_BINARY_DIR "\n";
     directory_.write("bin/BRIX.EXE", "");
     run([&] {
-        for (int i = 0; i < 2; ++i) {
-            xvt_vobj_raise(window());
-            EXPECT_TRUE(choose_item(1102));
-            EXPECT_TRUE(shown_output().starts_with(own));
-            EXPECT_TRUE(said("/ghdl"));
-        }
+        EXPECT_TRUE(choose_item(1102) && said("/ghdl"));
+        EXPECT_TRUE(shown_output().starts_with(own));
+        xvt_vobj_raise(window());
+        const test::ScopedVariable other("VELMORA_DIR", top_.c_str());
+        EXPECT_TRUE(choose_item(1102));
+        EXPECT_EQ(shown_output(), own + "Can't run '" + top_ + "/bin/BRIX.EXE'.\n");
         press_key("Esc");
         EXPECT_EQ(shown_output(), "");
-        const test::ScopedVariable other("VELMORA_DIR", top_.c_str());
-        user_.expect_error("Can't run '*/bin/BRIX.EXE'.");
-        EXPECT_TRUE(choose_item(1102));
-        EXPECT_EQ(shown_output(), own);
     });
 }
 

@@ -1,15 +1,8 @@
-#include "core/common/callback.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/robot.h"
-#include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
 
 #include <filesystem>
-#include <functional>
 #include <limits>
 
 namespace pellux {
@@ -22,35 +15,24 @@ using test::window_of_project;
 constexpr const char* k_open = "Open project...";
 constexpr const char* k_name = "Name new project.";
 
-/// The program around the windows as its projects see it, and the user in front of it.
-class ProjectWindows : public testing::Test {
+class ProjectWindows : public test::Projects {
 protected:
-    ProjectWindows() { make_project_file(top_, "a.bpr"); }
-    ~ProjectWindows() override { set_file_fault_hook(nullptr, nullptr); }
-
-    void run(const std::function<void()>& script) {
-        static constexpr auto say = [](void* self, const std::string& word) {
-            from_context<ProjectWindows>(self).calls_ += word + " ";
-            if (word == "end")
-                xvt_app_destroy();
-        };
-        const ShellHooks shell{
-            .remember_placement = [](void* self) { say(self, "remember"); },
-            .end_application = [](void* self) { say(self, "end"); },
-            .quit = [](void* self) { say(self, "quit"); },
-            .show_help_contents = [](void* self) { say(self, "help"); },
-            .insert_tools_menu = [](void* self, Window) { say(self, "tools"); },
-            .run_tool = [](void* self, int tag) { say(self, std::to_string(tag)); },
-            .context = this,
-        };
-        in_application([&] {
-            start_workspace(shell);
-            open_project_here("a.bpr");
-            script();
-        });
-    }
     void type_file(QuestionKind kind, std::string_view title, std::string_view name) {
         user_.expect_file(kind, title, top_, name);
+    }
+    static std::string title(std::size_t index) {
+        return xvt_vobj_get_title(window_of_project(index)).c_str();
+    }
+    static Project& last() { return *workspace().projects.back()->project; }
+    static SystemError on_file(void* self, FileOperation operation, std::string_view,
+                               std::size_t& partial) {
+        auto& test = from_context<ProjectWindows>(self);
+        // The copy is whole then.
+        if (test.is_damaging_ && operation == FileOperation::flush_directory)
+            test.refuses_ = true;
+        partial = 1;
+        return test.refuses_ && operation == FileOperation::write ? refuse(Refusal::damaged)
+                                                                  : SystemError::none;
     }
     /// Answers by a button, or by closing the box.
     void answer(const char* question, std::string_view button) {
@@ -60,12 +42,8 @@ protected:
             user_.expect_ask(question, button);
     }
 
-    test::ReportsInBoxes reports_;
-    test::TemporaryDirectory directory_;
-    std::string top_ = directory_.path();
-    test::ScopedDirectory here_{top_};
-    ScriptedAnswers user_;
-    std::string calls_;
+    bool refuses_ = false;     ///< files can't be written
+    bool is_damaging_ = false; ///< once a safe copy is made
 };
 
 TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
@@ -76,9 +54,19 @@ TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
         type_file(QuestionKind::file_open, k_open, "copy.bpr");
         choose_project();
         EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
-        EXPECT_EQ(xvt_vobj_get_title(window_of_project(1)), "Project:copy.bpr");
+        EXPECT_EQ(title(1), "Project:copy.bpr");
+        make_project_file(directory_.path("other"), "a.bpr");
+        ASSERT_TRUE(open_project_in("other", "a.bpr"));
+        EXPECT_EQ(title(0), "Project:a.bpr (" + top_ + ")");
+        EXPECT_EQ(title(2), "Project:a.bpr (" + top_ + "/other)");
+        xvt_vobj_destroy(window_of_project(2));
+        EXPECT_EQ(title(0), "Project:a.bpr");
         // One that is open comes to the front unread: what is chosen next is its command.
         std::filesystem::remove("a.bpr");
+        EXPECT_TRUE(open_project_here("copy.bpr") && open_project_in(top_, "copy.bpr"));
+        EXPECT_TRUE(
+            open_projects_among(Vector<String>{directory_.path("copy.bpr").c_str()}).empty());
+        EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
         user_.expect_file(QuestionKind::file_open, k_open, directory_.path("link"), "a.bpr");
         choose_project();
         EXPECT_TRUE(choose_item(1045));
@@ -120,30 +108,40 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
     const struct {
         std::string directory; ///< typed
         const char* chosen;    ///< name, in the directory "there"; null: nothing is
+        const char* name;      ///< typed; null: as it is
         std::string error;     ///< the dialog is then cancelled
         std::string opened;    ///< path, empty: none
     } rows[] = {
-        {"", nullptr, "", ""},
-        {"new/deep//", nullptr, "", "/new/deep/brix.bpr"},
-        {"new/deep", nullptr, "Project '" + top_ + "/new/deep/brix.bpr" + exists, ""},
-        {top_ + "/file//", nullptr, cannot + top_ + "/file'.", ""},
-        {std::string(5000, 'd'), nullptr, cannot + "*'.", ""},
-        {"", "top", "", "/there/top.bpr"},
-        {"", "Top.BPR", "", "/there/Top.BPR"},
-        {"", "1st.bpr", "", "/there/brix.bpr"},
-        {"", "a.b", "", "/there/a.b.bpr"},
-        {"", "old", "Project '" + top_ + "/there/old.bpr" + exists, ""},
+        {"", nullptr, nullptr, "", ""},
+        {"new/deep//", nullptr, nullptr, "", "/new/deep/brix.bpr"},
+        {"new/deep", nullptr, " two ", "", "/new/deep/two.bpr"},
+        {"new", nullptr, "", "'' can't be the name of a project file.", ""},
+        {"no", nullptr, "a/b", "'a/b' can't be the name of a project file.", ""},
+        {"still/to/make", "top", nullptr, "", "/still/to/make/top.bpr"},
+        {"new/deep", nullptr, nullptr, "Project '" + top_ + "/new/deep/brix.bpr" + exists, ""},
+        {top_ + "/file//", nullptr, nullptr, cannot + top_ + "/file'.", ""},
+        {std::string(5000, 'd'), nullptr, nullptr, cannot + "*'.", ""},
+        {"", "top", nullptr, "", "/there/top.bpr"},
+        {"", "Top.BPR", nullptr, "", "/there/Top.BPR"},
+        {"", "1st.bpr", nullptr, "", "/there/brix.bpr"},
+        {"", "a.b", nullptr, "", "/there/a.b.bpr"},
+        {"", "old", nullptr, "Project '" + top_ + "/there/old.bpr" + exists, ""},
     };
     run([&] {
         for (const auto& row : rows) {
             std::filesystem::current_path(top_);
             if (row.chosen != nullptr) {
-                user_.expect_dialog("New Project", "Choose name...");
+                // What is typed stays, as long as nothing is chosen in its place.
+                const bool stays = !row.directory.empty();
+                user_.expect_dialog("New Project", "Choose name...",
+                                    {{1, stays ? row.directory : top_, -1}});
                 user_.expect_file(QuestionKind::file_open, "Choose new project name.",
-                                  directory_.path("there"), row.chosen);
+                                  stays ? top_ : directory_.path("there"), row.chosen);
                 user_.expect_dialog("New Project", "OK");
             } else {
-                user_.expect_dialog("New Project", "OK", {{1, row.directory, -1}});
+                user_.expect_dialog(
+                    "New Project", "OK",
+                    {{1, row.directory, -1}, {2, row.name != nullptr ? row.name : "brix.bpr", -1}});
             }
             if (!row.error.empty()) {
                 user_.expect_error(row.error);
@@ -164,57 +162,121 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
 
 TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
     directory_.write("taken.bpr", "");
-    const auto refuse_writing = [](void*, FileOperation operation, std::string_view, std::size_t&) {
-        return operation == FileOperation::write ? refuse(Refusal::damaged) : SystemError::none;
+    constexpr const char* k_save = "Save new project?";
+    constexpr const char* k_lose = "Close project 'x.bpr' without saving it?";
+    const auto type = [this](const char* name) {
+        type_file(QuestionKind::file_save, k_name, name);
     };
-    const struct {
-        const char* name;
-        const char* save;               ///< answer to "Save new project?"; empty: not asked
-        std::vector<const char*> names; ///< typed then; null: the box is closed
-        const char* lose;               ///< answer after a failed writing; empty: it succeeds
-        bool closes;
-    } rows[] = {
-        {"", "closed", {}, "", false},      {"", "Yes", {nullptr}, "", false},
-        {"", "No", {}, "", true},           {"", "Yes", {"taken", "named"}, "", true},
-        {"x.bpr", "", {}, "closed", false}, {"x.bpr", "", {}, "Close", true},
-        {"x.bpr", "", {}, "", true},
+    const std::function<void()> unnamed[] = {
+        [&] { user_.expect_closed(QuestionKind::ask, k_save); },
+        [&] {
+            user_.expect_ask(k_save, "Yes");
+            user_.expect_closed(QuestionKind::file_save, k_name);
+        },
+        [&] { user_.expect_ask(k_save, "No"); },
+        [&] {
+            user_.expect_ask(k_save, "Yes");
+            type("taken");
+            user_.expect_error("Project '*/taken.bpr' already exists.");
+            type("named");
+        },
     };
+    set_file_fault_hook(on_file, this);
     run([&] {
-        for (const auto& row : rows) {
+        for (const auto& expect : unnamed) {
             Owned<Project> project = make_owned<Project>();
             project->directory = top_;
-            project->file_name.assign(row.name);
             add_project(std::move(project));
             const Window window = window_of_project(1);
-            answer("Save new project?", row.save);
-            for (const char* name : row.names) {
-                if (name == nullptr)
-                    user_.expect_closed(QuestionKind::file_save, k_name);
-                else
-                    type_file(QuestionKind::file_save, k_name, name);
-                if (name == row.names.front() && row.names.size() > 1)
-                    user_.expect_error("Project '*/taken.bpr' already exists.");
-            }
-            if (*row.lose != '\0') {
-                set_file_fault_hook(refuse_writing, nullptr);
-                user_.expect_error("Can't write '*/x.bpr': *.");
-            }
-            answer("Close project 'x.bpr' without saving it?", row.lose);
-            EXPECT_EQ(close_project(window), row.closes);
-            set_file_fault_hook(nullptr, nullptr);
-            EXPECT_EQ(xvt_vobj_is_valid(window), !row.closes);
+            const bool closes = &expect >= unnamed + 2;
+            expect();
+            EXPECT_EQ(close_project(window), closes);
+            EXPECT_EQ(xvt_vobj_is_valid(window), !closes);
             xvt_vobj_destroy(window);
             EXPECT_EQ(open_names(), "a.bpr ");
         }
-        EXPECT_EQ(directory_.names(),
-                  (std::set<std::string>{"a.bpr", "named.bpr", "taken.bpr", "x.bpr"}));
-        workspace().projects[0]->project->file_name.clear();
-        type_file(QuestionKind::file_save, k_name, "Third.BPR");
-        EXPECT_TRUE(save_project(window_of_project(0)));
-        EXPECT_EQ(xvt_vobj_get_title(window_of_project(0)), "Project:Third.BPR");
-        set_file_fault_hook(refuse_writing, nullptr);
-        user_.expect_error("Can't write '*/Third.BPR': *.");
-        EXPECT_FALSE(save_project(window_of_project(0)));
+        EXPECT_EQ(directory_.names(), (std::set<std::string>{"a.bpr", "named.bpr", "taken.bpr"}));
+        project().file_name.clear();
+        type("Third.BPR");
+        EXPECT_TRUE(save_project(window()));
+        EXPECT_EQ(title(0), "Project:Third.BPR");
+        make_project_file(top_, "x.bpr");
+        ASSERT_TRUE(open_project_here("x.bpr"));
+        last().options.device.assign("cpld32");
+        refuses_ = true;
+        for (int i = 0; i < 2; ++i)
+            user_.expect_error("Can't write '*/x.bpr': *.");
+        user_.expect_closed(QuestionKind::ask, k_lose);
+        EXPECT_FALSE(save_project(window_of_project(1)) || close_project(window_of_project(1)));
+    });
+}
+
+TEST_F(ProjectWindows, AreWrittenWhenTheyDifferFromTheirFile) {
+    const auto move = [] { xvt_vobj_move(window_of_project(1), {50, 60, 250, 360}); };
+    const auto compile = [] { last().sources.at(0)->words = {1, 2, 3, 4, 5}; };
+    const auto change = [] { last().options.device.assign("cpld32"); };
+    const auto replace = [this] { directory_.write("x.bpr", "another's"); };
+    const auto remove = [] { std::filesystem::remove("x.bpr"); };
+    const auto refuse_writing = [this] { refuses_ = true; };
+    // A file with two names is written in place, which ends in the middle.
+    const auto damage = [this] {
+        std::filesystem::create_hard_link("x.bpr", "y.bpr");
+        is_damaging_ = true;
+    };
+    const char* const kept =
+        "Project '*/x.bpr' has changed on disk.\nWrite it all the same?=Cancel";
+    const char* const write = "Project '*'*=Write";
+    const char* const cannot = "Can't write '*/x.bpr': *.";
+    const char* const lies = "The old contents of '*/x.bpr' lie in '*/.x.bpr*'.";
+    const char* const close = "Close project 'x.bpr' without saving it?=Close";
+    const struct {
+        std::vector<std::function<void()>> before;
+        std::vector<const char*> boxes; ///< errors, or questions with their answers
+        bool writes;
+    } rows[] = {
+        {{}, {}, false},
+        {{replace}, {}, false},
+        {{remove}, {}, true},
+        {{refuse_writing}, {}, false},
+        {{move}, {}, true},
+        {{compile}, {}, true},
+        {{move, replace}, {}, false},
+        {{move, refuse_writing}, {}, false},
+        {{move, damage}, {lies}, true},
+        {{change}, {}, true},
+        {{change, replace}, {kept, close}, false},
+        {{change, replace}, {write}, true},
+        {{change, refuse_writing}, {cannot, close}, false},
+        {{change, damage}, {cannot, lies, close}, true},
+    };
+    set_file_fault_hook(on_file, this);
+    run([&] {
+        for (const auto& row : rows) {
+            const auto number = &row - rows;
+            refuses_ = is_damaging_ = false;
+            for (const std::string& name : directory_.names())
+                if (name != "a.bpr")
+                    std::filesystem::remove(name);
+            make_project_file(top_, "x.bpr");
+            ASSERT_TRUE(open_project_here("x.bpr"));
+            last().sources.push_back(make_owned<VHDL_source>());
+            EXPECT_TRUE(save_project(window_of_project(1)));
+            for (const auto& act : row.before)
+                act();
+            FileIdentity file, after;
+            ASSERT_FALSE(failed(identify_file("x.bpr", file)));
+            for (const std::string_view box : row.boxes) {
+                const std::size_t answer = box.find('=');
+                if (answer == box.npos)
+                    user_.expect_error(box);
+                else
+                    user_.expect_ask(box.substr(0, answer), box.substr(answer + 1));
+            }
+            EXPECT_TRUE(close_project(window_of_project(1))) << number;
+            EXPECT_EQ(user_.left(), 0u) << number;
+            ASSERT_FALSE(failed(identify_file("x.bpr", after)));
+            EXPECT_EQ(file != after, row.writes) << number;
+        }
     });
 }
 
@@ -240,6 +302,7 @@ TEST_F(ProjectWindows, StandWhereTheyStood) {
                            {},
                            {220, 30, 20, 430},
                            {20, 5000, 220, 5400},
+                           {500, 600, 700, 800},
                            {Limits::max() - 5, 0, Limits::max(), 100},
                            {Limits::min(), Limits::min(), Limits::max(), Limits::max()}};
     run([&] {

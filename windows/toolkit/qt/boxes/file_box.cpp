@@ -126,7 +126,7 @@ void FileBox::accept() {
         }
         if (!missing.empty())
             missing += '\n';
-        missing += format_message(msg_no_such_file, to_text(name).c_str());
+        missing += format_message(msg_typed_file_missing, to_text(name).c_str());
     }
     if (missing.empty() && found.empty()) {
         QFileDialog::accept();

@@ -7,6 +7,16 @@
 
 namespace pellux {
 
+// What a program with windows does before there is one.
+
+/// Sets `XVTPATH`, `UIDPATH` and `HELP` for what this program starts, from `VELMORA_DIR`.
+void install_search_paths();
+
+/// Starts the diagnostics: each message stands in an error box, and the end that comes of a fatal
+/// one is told in a last box. Toolkit messages of small weight are not shown. The toolkit is up
+/// before.
+void start_box_diagnostics();
+
 /// What the command line asks for.
 struct StartOptions {
     bool opens_projects = true;      ///< at once; else the start-up picture comes first

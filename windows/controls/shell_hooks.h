@@ -4,7 +4,7 @@
 
 namespace pellux {
 
-/// What the windows of projects want of the program around them.
+/// What windows of all kinds want of the program around them, which fills it in.
 struct ShellHooks {
     /// Takes note of where the task window stands.
     void (*remember_placement)(void* context) = nullptr;
@@ -13,11 +13,17 @@ struct ShellHooks {
     /// The command Quit, with its question.
     void (*quit)(void* context) = nullptr;
     void (*show_help_contents)(void* context) = nullptr;
-    /// Puts the Tools menu into a window's menus.
+    /// Puts the Tools menu into a window's menus, before the menu `k_help_menu`.
     void (*insert_tools_menu)(void* context, Window window) = nullptr;
     /// Runs the tool of a menu's tag, when it is one's.
     void (*run_tool)(void* context, int tag) = nullptr;
     void* context = nullptr;
 };
+
+inline constexpr int k_help_menu = 1002; ///< tag of it in every menu bar
+
+/// One for the process.
+void install_shell(const ShellHooks& hooks);
+[[nodiscard]] const ShellHooks& shell();
 
 } // namespace pellux

@@ -1,7 +1,6 @@
-#include "windows/workspace/changed_file.h"
+#include "windows/controls/boxes.h"
 
-#include "windows/workspace/boxes.h"
-#include "windows/workspace/messages.h"
+#include "windows/controls/messages.h"
 
 namespace pellux {
 
