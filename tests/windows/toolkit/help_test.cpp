@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTabWidget>
@@ -251,19 +252,22 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         press_key("Alt+Home");
         press_key("Alt+S");
         auto* panel = tabs->currentWidget();
+        // The book changes, so that its numbers stand for what they must agree with.
         const auto shown = [&] {
-            return std::to_string(viewer->extraSelections().size()) + " " + shown_help_page() +
-                   " '" + viewer->textCursor().selectedText().toStdString() + "' " +
-                   panel->findChild<QLabel*>()->text().toStdString();
+            const QString marks = QString::number(viewer->extraSelections().size());
+            QString state = panel->findChild<QLabel*>()->text();
+            state.replace(" of " + marks, " of all").replace(QRegularExpression("^\\d+"), "Some");
+            return shown_help_page() + " '" + viewer->textCursor().selectedText().toStdString() +
+                   "' " + state.toStdString();
         };
         const std::pair<const char*, const char*> rows[] = {
-            {"waveform gtkw", "2 tools.html 'Waveform' One page. Hit 1 of 2."},
-            {"\"exit status\"", "1 command_line.html 'exit status' 5 pages. Hit 1 of 1."},
-            {"vhdl.msg", "1 messages.html 'vhdl.msg' One page. Hit 1 of 1."},
-            {"starting", "1 starting.html 'Starting' 3 pages. Hit 1 of 1."},
-            {"nowhere", "0 windows.html '' No page has these words."},
-            {"\" * -", "0 windows.html '' "},
-            {"compil", "17 compiling.html 'Compil' 8 pages. Hit 1 of 17."},
+            {"waveform gtkw", "tools.html 'Waveform' One page. Hit 1 of all."},
+            {"\"First Steps\"", "index.html 'First steps' One page. Hit 1 of all."},
+            {"vhdl.msg", "messages.html 'vhdl.msg' One page. Hit 1 of all."},
+            {"starting", "starting.html 'Starting' Some pages. Hit 1 of all."},
+            {"startingx", "starting.html '' No page has these words."},
+            {"\" * -", "starting.html '' "},
+            {"compil", "compiling.html 'Compil' Some pages. Hit 1 of all."},
         };
         for (const auto& [typed, expected] : rows) {
             panel->findChild<QLineEdit*>()->clear();
@@ -275,17 +279,19 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
             press_key(key);
         EXPECT_EQ(viewer->textCursor().position(), first);
         press_key("Shift+F3");
-        EXPECT_EQ(shown(), "17 compiling.html 'compil' 8 pages. Hit 17 of 17.") << "round the end";
+        const QTextCursor last = viewer->extraSelections().constLast().cursor;
+        EXPECT_EQ(viewer->textCursor().position(), last.position()) << "round the end";
         press_key("Down");
         press_key("Down");
-        EXPECT_EQ(shown(), "8 projects.html 'compil' 8 pages. Hit 1 of 8.");
+        const std::string second = shown_help_page();
+        EXPECT_NE(second, "compiling.html");
         press_key("Return");
         EXPECT_TRUE(viewer->hasFocus());
 
         press_key("Ctrl+F");
-        type_text("index");
+        type_text("no such text");
         press_key("Alt+Left");
-        EXPECT_EQ(shown(), "0 index.html '' 8 pages.") << "typing left one page behind";
+        EXPECT_EQ(shown(), "index.html '' Some pages.") << "typing left one page behind";
         press_key("Alt+Right");
         press_key("Esc");
         press_key("Alt+C");
@@ -293,7 +299,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
 
         viewer->setSource(QUrl("file:///etc/hostname"));
         viewer->setSource(QUrl("nowhere.html"));
-        EXPECT_EQ(shown_help_page(), "projects.html") << "a page of the book or none";
+        EXPECT_EQ(shown_help_page(), second) << "a page of the book or none";
 
         press_key("Alt+Home");
         EXPECT_EQ(shown_help_page(), "index.html");
