@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QScreen>
 #include <QTimer>
@@ -110,6 +111,9 @@ void TaskWindow::show_menus() {
 
 void TaskWindow::update_window_menu() {
     window_menu_->update_items();
+    // The title of a window that fills the area stands in ours, and its mark with it.
+    const QMdiSubWindow* active = area_->activeSubWindow();
+    setWindowModified(active != nullptr && active->isMaximized() && active->isWindowModified());
 }
 
 QSize TaskWindow::room() const {
