@@ -42,7 +42,7 @@ inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
 inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
 inline Message<> msg_compile_runs{"E2076", "Compiling"};
 inline Message<const char*> msg_compiles_already{"E2077", "'%s' is being compiled already."};
-inline Message<const char*> msg_text_runs{"E2078", "%s (running)"};
+inline Message<const char*> msg_text_runs{"E2078", "%s - running"};
 inline Message<const char*, int> msg_program_crashed{"E2079", "'%s' crashed (signal %d)."};
 inline Message<const char*, int> msg_program_never_spoke{
     "E2084", "'%s' ended with status %d and has said nothing."};

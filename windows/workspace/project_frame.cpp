@@ -92,7 +92,7 @@ void show_project_names() {
 
 void store_place(OpenProject& open) {
     const Rect place = xvt_vobj_get_outer_rect(open.window);
-    if (is_empty(place) || place == open.placed || xvt_vobj_is_maximized(open.window))
+    if (is_empty(place) || place == open.placed)
         return;
     Screen_position& stored = open.project->window;
     stored.top = place.top;

@@ -69,7 +69,6 @@ protected:
         register_controls();
         make_project_file(top_, "a.bpr");
     }
-    ~Projects() override { set_file_fault_hook(nullptr, nullptr); }
 
     void run(const std::function<void()>& script) {
         static constexpr auto say = [](void* self, const std::string& word) {

@@ -346,7 +346,7 @@ TEST_F(ProjectWindow, TellsWhyACompileFailed) {
                 continue;
             }
             const Window output = shown_output_window();
-            EXPECT_EQ(xvt_vobj_get_title(output), "Compile:a.bpr (running)");
+            EXPECT_EQ(xvt_vobj_get_title(output), "Compile:a.bpr - running");
             EXPECT_EQ(status(), idle + "\tCompiling");
             xvt_vobj_raise(window());
             press_key("F7");

@@ -1,3 +1,4 @@
+#include "tests/support/file_faults.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
@@ -24,16 +25,6 @@ protected:
         return xvt_vobj_get_title(window_of_project(index)).c_str();
     }
     static Project& last() { return *workspace().projects.back()->project; }
-    static SystemError on_file(void* self, FileOperation operation, std::string_view,
-                               std::size_t& partial) {
-        auto& test = from_context<ProjectWindows>(self);
-        // The copy is whole then.
-        if (test.is_damaging_ && operation == FileOperation::flush_directory)
-            test.refuses_ = true;
-        partial = 1;
-        return test.refuses_ && operation == FileOperation::write ? refuse(Refusal::damaged)
-                                                                  : SystemError::none;
-    }
     /// Answers by a button, or by closing the box.
     void answer(const char* question, std::string_view button) {
         if (button == "closed")
@@ -44,6 +35,11 @@ protected:
 
     bool refuses_ = false;     ///< files can't be written
     bool is_damaging_ = false; ///< once a safe copy is made
+    test::FileFaults faults_{[this](FileOperation operation, std::string_view) {
+        refuses_ = refuses_ || (is_damaging_ && operation == FileOperation::flush_directory);
+        return refuses_ && operation == FileOperation::write ? refuse(Refusal::damaged)
+                                                             : SystemError::none;
+    }};
 };
 
 TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
@@ -181,7 +177,6 @@ TEST_F(ProjectWindows, CloseOnlyWhatIsSavedOrGivenUp) {
             type("named");
         },
     };
-    set_file_fault_hook(on_file, this);
     run([&] {
         for (const auto& expect : unnamed) {
             Owned<Project> project = make_owned<Project>();
@@ -249,7 +244,6 @@ TEST_F(ProjectWindows, AreWrittenWhenTheyDifferFromTheirFile) {
         {{change, refuse_writing}, {cannot, close}, false},
         {{change, damage}, {cannot, lies, close}, true},
     };
-    set_file_fault_hook(on_file, this);
     run([&] {
         for (const auto& row : rows) {
             const auto number = &row - rows;
