@@ -164,6 +164,13 @@ void list_actions(const QList<QAction*>& actions, int depth, std::string& list) 
     }
 }
 
+QWidget* frame_of(Window window) {
+    const WindowRecord* record = find_window(window);
+    QWidget* widget = record == nullptr ? nullptr : record->widget.data();
+    return widget != nullptr && record->kind == WindowKind::document ? widget->parentWidget()
+                                                                     : widget;
+}
+
 } // namespace
 
 void press_key(std::string_view key) {
@@ -361,12 +368,14 @@ std::string shown_help_page() {
 }
 
 void close_by_frame(Window window) {
-    const WindowRecord* record = find_window(window);
-    QWidget* widget = record == nullptr ? nullptr : record->widget.data();
-    if (widget != nullptr && record->kind == WindowKind::document)
-        widget = widget->parentWidget();
-    if (widget != nullptr)
-        widget->close();
+    if (QWidget* frame = frame_of(window))
+        frame->close();
+    process_events();
+}
+
+void minimise_by_frame(Window window) {
+    if (QWidget* frame = frame_of(window))
+        frame->showMinimized();
     process_events();
 }
 

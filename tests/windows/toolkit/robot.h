@@ -65,8 +65,9 @@ bool press_by_voice(Window window);
 /// The page that the help window shows ("a.html", "a.html#part"); empty without a window.
 [[nodiscard]] std::string shown_help_page();
 
-/// Clicks on a frame's close button.
+/// Clicks on a frame's close button, or on the one that makes it small.
 void close_by_frame(Window window);
+void minimise_by_frame(Window window);
 /// What the desktop asks before it ends the session: may it end?
 bool end_session();
 
