@@ -1,6 +1,7 @@
 #include "core/os/safe_write.h"
 
 #include "core/os/safe_copy.h"
+#include "tests/support/forked.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"
 
@@ -12,7 +13,6 @@
 
 #include <grp.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace pellux {
@@ -193,14 +193,11 @@ TEST_F(SafeWrite, AProgramThatEndsAnywhereLosesNothing) {
         for (int status = 0, n = 1; status == 0; ++n) {
             arrange(place);
             arm(Fault::end_of_program, n);
-            const pid_t child = ::fork();
-            if (child == 0) {
-                SafeWriter writer;
-                ::_exit(failed(write_in_pieces(writer, file_, k_shorter)) ? 2 : 1);
-            }
-            ASSERT_EQ(::waitpid(child, &status, 0), child);
+            SafeWriter writer;
+            status = test::run_forked(
+                [&] { return failed(write_in_pieces(writer, file_, k_shorter)) ? 2 : 1; });
             SCOPED_TRACE(testing::Message() << "place " << static_cast<int>(place) << ", n " << n);
-            ASSERT_NE(WEXITSTATUS(status), 2);
+            ASSERT_NE(status, 2);
 
             arm(Fault::none, 0);
             PathBuffer copy;
@@ -217,7 +214,7 @@ TEST_F(SafeWrite, AProgramThatEndsAnywhereLosesNothing) {
                 ASSERT_FALSE(find_interrupted_copy(file_, copy));
                 ASSERT_EQ(directory_.read(real_name_), k_old);
             } else {
-                ASSERT_TRUE(now == k_shorter || (now == old() && WEXITSTATUS(status) == 0)) << now;
+                ASSERT_TRUE(now == k_shorter || (now == old() && status == 0)) << now;
             }
         }
     EXPECT_GT(copies, 9);
@@ -327,19 +324,11 @@ TEST_F(SafeWrite, RightsThatCannotBeKeptWidenNobodys) {
     ASSERT_EQ(::chmod(directory_.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(directory_.path("work").c_str(), 0777), 0);
     ASSERT_EQ(::chmod(file_.c_str(), 06676), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        SafeWriter writer;
-        const bool is_other =
-            ::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 && ::setuid(65534) == 0;
-        ::_exit(is_other && !failed(write_in_pieces(writer, file_, k_shorter)) &&
-                        writer.attributes_lost
-                    ? 0
-                    : 1);
-    }
-    int status = 1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    SafeWriter writer;
+    EXPECT_TRUE(test::run_forked([&] {
+        return ::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 && ::setuid(65534) == 0 &&
+               !failed(write_in_pieces(writer, file_, k_shorter)) && writer.attributes_lost;
+    }));
     FileStat now;
     ASSERT_FALSE(failed(stat_file(file_, now)));
     EXPECT_EQ(std::tuple(now.mode, now.owner, now.group), std::tuple(0666U, 65534U, 65534U));
