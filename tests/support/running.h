@@ -3,15 +3,14 @@
 #include "core/os/clock.h"
 #include "core/os/loop.h"
 #include "core/os/process.h"
+#include "tests/support/arguments.h"
 #include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace pellux {
 
@@ -49,19 +48,12 @@ inline const std::string k_os_child = std::string(PELLUX_BINARY_DIR) + "/tests/p
 
 /// The request and the words of one child with a role.
 struct ChildRequest : ProcessRequest {
-    std::vector<std::string> words;
-    std::vector<const char*> pointers;
+    test::ArgumentVector vector;
 
-    explicit ChildRequest(std::vector<std::string> role) : words(std::move(role)) {
-        words.insert(words.begin(), k_os_child);
-        for (const std::string& word : words)
-            pointers.push_back(word.c_str());
-        pointers.push_back(nullptr);
+    explicit ChildRequest(const Words& role) : vector(k_os_child, role) {
         program = k_os_child.c_str();
-        arguments = pointers.data();
+        arguments = vector.pointers.data();
     }
-    ChildRequest(const ChildRequest&) = delete;
-    ChildRequest& operator=(const ChildRequest&) = delete;
 };
 
 /// A child whose standard output is a pipe.
@@ -70,8 +62,8 @@ struct Child : Process {
     ProcessEnd end;
     Pipe pipe;
 
-    explicit Child(std::vector<std::string> role) {
-        ChildRequest request(std::move(role));
+    explicit Child(const Words& role) {
+        ChildRequest request(role);
         request.output = pipe.write_end.get();
         context = this;
         ended = [](void* self, ProcessEnd how) {

@@ -1,6 +1,7 @@
 #include "core/launch/response_file.h"
 
 #include "tests/core/launch/spawner_fixture.h"
+#include "tests/support/file_faults.h"
 
 namespace pellux {
 namespace {
@@ -34,23 +35,18 @@ TEST_F(ResponseFile, NameThatIsHeldIsPassedOverAndALeftoverReplaced) {
 }
 
 TEST_F(ResponseFile, FailureLeavesTheOldFileAndTakesNoName) {
-    struct Fault {
-        int countdown;
-        static SystemError decide(void* context, FileOperation operation, std::string_view,
-                                  std::size_t& partial) {
-            partial = 2;
-            if (operation == FileOperation::remove || --from_context<Fault>(context).countdown != 0)
-                return SystemError::none;
-            return SystemError{EIO};
-        }
-    };
     int failures = 0;
-    for (Fault fault{0}; fault.countdown <= 0;) {
+    for (int countdown = 0; countdown <= 0;) {
         directory_.write("brix.rsp", "old");
-        fault.countdown = ++failures;
-        set_file_fault_hook(Fault::decide, &fault);
-        const std::string name = next_name();
-        set_file_fault_hook(nullptr, nullptr);
+        countdown = ++failures;
+        std::string name;
+        {
+            const test::FileFaults faults([&](FileOperation operation, std::string_view) {
+                const bool fails = operation != FileOperation::remove && --countdown == 0;
+                return fails ? SystemError{EIO} : SystemError::none;
+            });
+            name = next_name();
+        }
         EXPECT_EQ(directory_.read("brix.rsp"), name.empty() ? "old" : "text") << failures;
         EXPECT_EQ(directory_.names(), std::set<std::string>{"brix.rsp"});
     }
@@ -62,25 +58,18 @@ TEST_F(ResponseFile, FailureLeavesTheOldFileAndTakesNoName) {
 }
 
 TEST_F(ResponseFile, FileThatTookTheNameAtTheLastMomentIsNotReplaced) {
-    struct Rival {
-        File file;
-        int locks = 0;
-        static SystemError act(void* context, FileOperation operation, std::string_view,
-                               std::size_t&) {
-            Rival& rival = from_context<Rival>(context);
-            // The first lock is that of the new file itself, the second one the old file's.
-            if (operation == FileOperation::lock && ++rival.locks == 2)
-                std::filesystem::rename("rival", "brix.rsp");
-            return SystemError::none;
-        }
-    } rival;
     directory_.write("brix.rsp", "old");
     directory_.write("rival", "rival");
-    ASSERT_FALSE(failed(open_file(rival.file, "rival", OpenMode::update)));
-    ASSERT_FALSE(failed(lock_file(rival.file, FileLock::exclusive)));
-    set_file_fault_hook(Rival::act, &rival);
+    File rival;
+    ASSERT_FALSE(failed(open_file(rival, "rival", OpenMode::update)));
+    ASSERT_FALSE(failed(lock_file(rival, FileLock::exclusive)));
+    const test::FileFaults faults([locks = 0](FileOperation operation, std::string_view) mutable {
+        // The first lock is that of the new file itself, the second one the old file's.
+        if (operation == FileOperation::lock && ++locks == 2)
+            std::filesystem::rename("rival", "brix.rsp");
+        return SystemError::none;
+    });
     EXPECT_EQ(next_name(), "brix2.rsp");
-    set_file_fault_hook(nullptr, nullptr);
     EXPECT_EQ(directory_.read("brix.rsp"), "rival");
 }
 
@@ -110,7 +99,7 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
         clock.advance(2000);
         EXPECT_TRUE(turn_until_alone());
     }
-    const Vectored missing("/no/such/program", {pad});
+    const test::ArgumentVector missing("/no/such/program", {pad});
     Spawner spawner(Log::take, &log_);
     EXPECT_FALSE(spawner.launch("/no/such/program", missing.pointers.data()));
     EXPECT_FALSE(Spawner::run("/no/such/program", missing.pointers.data()));
@@ -120,7 +109,7 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
 TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
     const Meeting first("first"), second("second");
     for (const Meeting* meeting : {&first, &second}) {
-        const Vectored vector(
+        const test::ArgumentVector vector(
             k_child, {"pad=" + std::string(150, '.'), std::string("meet=") + meeting->name});
         ASSERT_TRUE(Spawner::run(k_child.c_str(), vector.pointers.data()));
     }
@@ -135,7 +124,7 @@ TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
 TEST_F(ResponseFile, ProgramsThatLaunchAtOnceNeverMixTheirArguments) {
     struct Launcher : Process {
         explicit Launcher(const char* tag) {
-            const Vectored vector(k_child, {std::string("launch=") + tag});
+            const test::ArgumentVector vector(k_child, {std::string("launch=") + tag});
             EXPECT_FALSE(failed(start_process(
                 *this, {.program = k_child.c_str(), .arguments = vector.pointers.data()})));
         }

@@ -2,8 +2,8 @@
 
 #include "core/common/callback.h"
 #include "core/launch/spawner.h"
-#include "core/os/argument_vector.h"
 #include "core/os/clock.h"
+#include "tests/support/arguments.h"
 #include "tests/support/frames.h"
 #include "tests/support/running.h"
 #include "tests/support/scoped_directory.h"
@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,19 +19,6 @@
 namespace pellux {
 
 inline const std::string k_child = std::string(PELLUX_BINARY_DIR) + "/tests/programs/channel_child";
-
-using Words = std::vector<std::string>;
-
-/// The argument vector of a program.
-struct Vectored {
-    Words words;
-    std::vector<const char*> pointers;
-
-    Vectored(const std::string& program, Words arguments) : words(std::move(arguments)) {
-        words.insert(words.begin(), program);
-        pointers = argument_vector<std::vector<const char*>>(words);
-    }
-};
 
 // Steps of the child.
 
@@ -90,8 +76,8 @@ protected:
         EXPECT_TRUE(turn_until_alone());
     }
 
-    static bool launch(Spawner& spawner, Words steps) {
-        const Vectored vector(k_child, std::move(steps));
+    static bool launch(Spawner& spawner, const Words& steps) {
+        const test::ArgumentVector vector(k_child, steps);
         return static_cast<bool>(spawner.launch(k_child.c_str(), vector.pointers.data()));
     }
     /// Turns the loop until the child was heard of.

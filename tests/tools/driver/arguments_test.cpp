@@ -1,11 +1,11 @@
 #include "core/diagnostics/message.h"
+#include "tests/support/arguments.h"
 #include "tests/support/scratch.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/simulator/simulation_options.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,22 +16,15 @@ namespace {
 template <typename Options>
 Failure parse(Failure (*parser)(std::span<const char* const>, Options&), const std::string& line,
               Options& options) {
-    std::istringstream bars(line);
-    std::vector<std::string> words;
-    for (std::string word; std::getline(bars, word, '|');)
-        words.push_back(word);
-    std::vector<const char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(word.c_str());
-    return parser(arguments, options);
+    const test::ArgumentVector vector("", test::words_of(line, '|'));
+    return parser(vector.given(), options);
 }
 
 /// Each of `lines`, which blanks part, is refused in one line, with the channel known.
 template <typename Options>
 void expect_refused(Failure (*parser)(std::span<const char* const>, Options&),
                     const std::string& lines) {
-    std::istringstream stream(lines);
-    for (std::string line; stream >> line;) {
+    for (const std::string& line : test::words_of(lines)) {
         Options options;
         const Failure failure = parse(parser, "-%bpipe77|" + line, options);
         EXPECT_EQ(failure.status, ExitStatus::arguments) << line;

@@ -60,7 +60,7 @@ TEST_F(Brix, WhateverGhdlDoesToAFileBecomesItsLines) {
         {"holder.vhd", " (line 1, col 1):  half a line\n"},
     };
     for (const auto& [file, line] : rows) {
-        const ToolRun run = run_brix({"-q", file.c_str(), "good.vhd"});
+        const ToolRun run = run_brix({"-q", file, "good.vhd"});
         EXPECT_EQ(run.status, 1) << file;
         EXPECT_TRUE(run.text.ends_with(file + line + "Compiling 'good.vhd'\n")) << run.text;
     }
@@ -71,7 +71,7 @@ TEST_F(Brix, WhateverGhdlDoesToAFileBecomesItsLines) {
 }
 
 TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
-    const std::vector<const char*> words{"-q", "errors.vhd", "long.vhd", "flood.vhd", "good.vhd"};
+    const Words words{"-q", "errors.vhd", "long.vhd", "flood.vhd", "good.vhd"};
     Environment environment;
     environment.run(words, 1);
     const ToolRun run = run_brix(words);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <sstream>
 
 namespace pellux {
 namespace {
@@ -11,12 +10,7 @@ const std::string k_waveform = "$enddefinitions $end\n#0\n0!\n#5\n1!\n";
 
 /// `line` is cut at its blanks.
 ToolRun run_brixsim(const std::string& line) {
-    std::istringstream stream(line);
-    const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
-    std::vector<const char*> arguments{"-q"};
-    for (const std::string& word : words)
-        arguments.push_back(word.c_str());
-    return run_program("brixsim", std::move(arguments));
+    return run_program("brixsim", test::words_of("-q " + line));
 }
 
 struct InScratch {
@@ -39,16 +33,16 @@ struct FakeSimulations : Simulations<FakeGhdl> {
     std::set<std::string> before;
 
     void SetUp() override {
-        std::vector<const char*> words{"-q",
-                                       "run_good.vhd",
-                                       "run_hang.vhd",
-                                       "run_cut.vhd",
-                                       "run_crash.vhd",
-                                       "run_empty.vhd",
-                                       "run_fault.vhd",
-                                       "run_silent.vhd",
-                                       "run_twice.vhd"};
-        for (const char* file : std::span(words).subspan(1))
+        Words words{"-q",
+                    "run_good.vhd",
+                    "run_hang.vhd",
+                    "run_cut.vhd",
+                    "run_crash.vhd",
+                    "run_empty.vhd",
+                    "run_fault.vhd",
+                    "run_silent.vhd",
+                    "run_twice.vhd"};
+        for (const std::string& file : std::span(words).subspan(1))
             scratch.write(file, "-- a unit\n");
         ASSERT_EQ(run_brix(words).status, 0);
         std::filesystem::create_directory("cache");

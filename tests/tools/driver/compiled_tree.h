@@ -92,10 +92,7 @@ inline Outcome outcome(const fs::path& tree, const std::vector<std::string>& wor
 inline Outcome compile(const fs::path& tree, std::vector<std::string> words, bool only_changed) {
     const test::ScopedDirectory inside(tree);
     words.insert(words.begin(), {"-q", only_changed ? "-m" : "-yt"});
-    std::vector<const char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(word.c_str());
-    const ToolRun run = run_brix(arguments);
+    const ToolRun run = run_brix(words);
     return outcome(tree, words, run.status, run.text);
 }
 

@@ -75,19 +75,18 @@ struct Environment {
         if (answers)
             static_cast<void>(send_channel_message(connection, k_message_completion_seen, 0));
     }
-    void start(Process& process, std::vector<const char*> words) const {
-        const std::string pipe = "-%bpipe" + std::to_string(server.address);
-        words.insert(words.begin(), pipe.c_str());
+    void start(Process& process, Words words) const {
+        words.insert(words.begin(), "-%bpipe" + std::to_string(server.address));
         start_program(process, program, words, SystemHandle::none);
     }
-    void run(std::vector<const char*> words, int status) {
+    void run(const Words& words, int status) {
         Process process;
         process.context = this;
         process.ended = [](void* context, ProcessEnd how) {
             static_cast<Environment*>(context)->ended = true;
             static_cast<Environment*>(context)->end = how;
         };
-        start(process, std::move(words));
+        start(process, words);
         const std::string own_item = std::to_string(process.id);
         while (!ended)
             run_turn(TurnWait::until_event);

@@ -101,13 +101,10 @@ std::string standard_of(const test::Rounds& rounds, int round) {
 
 ToolRun brix(const std::string& standard, bool only_changed, const std::vector<Source>& sources) {
     const std::string digits = standard[0] == '0' ? standard.substr(1) : standard;
-    std::vector<std::string> words{"-q", only_changed ? "-m" : "-yt", "-v" + digits};
+    Words words{"-q", only_changed ? "-m" : "-yt", "-v" + digits};
     for (const Source& source : sources)
         words.insert(words.end(), {"-a" + source.library, source.path});
-    std::vector<const char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(word.c_str());
-    return run_brix(arguments);
+    return run_brix(words);
 }
 
 /// All sources, those first that GHDL alone accepts in the current directory, in an order in which

@@ -83,13 +83,13 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
 
 TEST_F(InstalledLibraries, AreReadAsTheyLieWhereTheyFit) {
     // Made in a project and moved into the installation.
-    const std::vector<const char*> words = {"-q",
-                                            "-albase",
-                                            "tree/lib/lbase/src/base.vhd",
-                                            "-algates",
-                                            "tree/lib/lgates/src/b_types.vhd",
-                                            "-algates",
-                                            "tree/lib/lgates/src/a_gate.vhd"};
+    const Words words = {"-q",
+                         "-albase",
+                         "tree/lib/lbase/src/base.vhd",
+                         "-algates",
+                         "tree/lib/lgates/src/b_types.vhd",
+                         "-algates",
+                         "tree/lib/lgates/src/a_gate.vhd"};
     {
         const test::ScopedVariable none{"VELMORA_DIR", scratch.path("none").c_str()};
         ASSERT_EQ(run_brix(words).status, 0);

@@ -18,19 +18,15 @@ namespace {
 
 /// Runs the driver in `tree` and kills it at the begin or end of its n-th system call (0: never).
 /// Answers how many of them there were.
-int run_killed_at(const fs::path& tree, std::vector<std::string> words, int kill_at) {
-    words.insert(words.begin(), std::string(PELLUX_BINARY_DIR) + "/velmora/bin/BRIX.EXE");
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
+int run_killed_at(const fs::path& tree, const Words& words, int kill_at) {
+    const test::ArgumentVector vector(k_brix, words);
     const pid_t process = ::fork();
     if (process == 0) {
         const int nothing = ::open("/dev/null", O_RDWR);
         ::dup2(nothing, STDOUT_FILENO);
         ::dup2(nothing, STDERR_FILENO);
         if (::chdir(tree.c_str()) == 0 && ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0)
-            ::execv(arguments[0], arguments.data());
+            ::execv(k_brix.c_str(), const_cast<char* const*>(vector.pointers.data()));
         ::_exit(127);
     }
     int calls = 0;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <sstream>
 
 namespace pellux {
 namespace {
@@ -32,18 +31,10 @@ struct ProgramEnds : testing::Test, FakeGhdl {
     }
 };
 
-/// Words that the caller's `line` holds, which blanks part.
-struct Words {
-    std::vector<std::string> texts;
-    std::vector<const char*> all{"-q"};
-
-    explicit Words(const std::string& line) {
-        std::istringstream stream(line);
-        texts.assign(std::istream_iterator<std::string>(stream), {});
-        for (const std::string& text : texts)
-            all.push_back(text.c_str());
-    }
-};
+/// With the words of `line`, which blanks part.
+Words quiet(const std::string& line) {
+    return test::words_of("-q " + line);
+}
 
 TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
     const struct {
@@ -106,11 +97,11 @@ TEST_F(ProgramEnds, EveryWayToFailHasItsStatusAndOneLine) {
     };
     for (const auto& row : rows) {
         for (const char* line : row.lines) {
-            const ToolRun run = run_program(row.tool, Words(line).all);
+            const ToolRun run = run_program(row.tool, quiet(line));
             EXPECT_EQ(run.status, row.status) << run.text;
             EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1) << run.text;
             Environment environment{row.tool};
-            environment.run(Words(line).all, row.status);
+            environment.run(quiet(line), row.status);
             EXPECT_EQ(environment.text, run.text);
             expect_nothing_left();
         }

@@ -48,7 +48,7 @@ TEST_F(RealGhdl, ReadsItsLibrariesAgainWhateverTheDirectories) {
     // GHDL writes each of these names, but takes a library that holds it for damaged.
     scratch.write("\xC3\x9F/p.vhd", "package p is constant n : integer := 1; end;\n");
     scratch.write("\xC3\x9F/\xC3\x80\"/t.vhd", "entity t is generic (g : bit := work.p.n); end;\n");
-    const std::vector<const char*> words = {"-q", "-m", "p.vhd", "\xC3\x80\"/t.vhd"};
+    const Words words = {"-q", "-m", "p.vhd", "\xC3\x80\"/t.vhd"};
     {
         const test::ScopedDirectory inside("\xC3\x9F");
         const ToolRun run = run_brix(words);

@@ -1,37 +1,36 @@
 #pragma once
 
 #include "core/os/process.h"
+#include "tests/support/arguments.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace pellux {
 
+inline const std::string k_bin = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/";
+inline const std::string k_brix = k_bin + "BRIX.EXE";
+
 /// Starts a program in the current directory; both its standard outputs are `output`.
-inline void start_program(Process& process, const char* name, std::vector<const char*> words,
+inline void start_program(Process& process, const char* name, const Words& words,
                           SystemHandle output) {
-    const std::string program = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/" + name;
-    words.insert(words.begin(), program.c_str());
-    words.push_back(nullptr);
+    const test::ArgumentVector vector(k_bin + name, words);
     ProcessRequest request;
-    request.program = program.c_str();
-    request.arguments = words.data();
+    request.program = vector.pointers[0];
+    request.arguments = vector.pointers.data();
     request.output = output;
     request.errors = output;
     ASSERT_FALSE(failed(start_process(process, request)));
 }
 
 /// The same with a pipe; its end for reading.
-inline OwnedHandle start_program(Process& process, const char* name,
-                                 std::vector<const char*> words) {
+inline OwnedHandle start_program(Process& process, const char* name, const Words& words) {
     OwnedHandle read_end;
     OwnedHandle write_end;
     EXPECT_FALSE(failed(make_pipe(read_end, write_end)));
-    start_program(process, name, std::move(words), write_end.get());
+    start_program(process, name, words, write_end.get());
     return read_end;
 }
 
@@ -59,17 +58,17 @@ struct ToolRun {
     std::string text; ///< all that the program printed
 };
 
-inline ToolRun run_program(const char* name, std::vector<const char*> words) {
+inline ToolRun run_program(const char* name, const Words& words) {
     Process process;
-    const OwnedHandle output = start_program(process, name, std::move(words));
+    const OwnedHandle output = start_program(process, name, words);
     ToolRun result;
     result.text = read_until(output, "");
     result.status = status_of(wait_for_process(process));
     return result;
 }
 
-inline ToolRun run_brix(std::vector<const char*> words) {
-    return run_program("BRIX.EXE", std::move(words));
+inline ToolRun run_brix(const Words& words) {
+    return run_program("BRIX.EXE", words);
 }
 
 } // namespace pellux

@@ -5,7 +5,7 @@ namespace {
 
 struct RunReport : testing::Test, FakeGhdl {
     /// The report of a run with the fake GHDL, every time of day as "T".
-    std::string report(std::vector<const char*> words, int status, const char* name = "top.rpt") {
+    std::string report(Words words, int status, const char* name = "top.rpt") {
         words.insert(words.begin(), "-q");
         const ToolRun run = run_brix(words);
         EXPECT_EQ(run.status, status) << run.text;

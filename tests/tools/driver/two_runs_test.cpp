@@ -23,14 +23,11 @@ struct Launched {
             from_context<Launched>(context).text += told;
     }
     void launch() {
-        const std::string program = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/BRIX.EXE";
-        const std::string filler = "-y" + std::string(200, 't');
-        std::vector<const char*> arguments{program.c_str(), "-q", "-m", filler.c_str()};
-        for (const std::string& word : words)
-            arguments.push_back(word.c_str());
-        arguments.push_back(nullptr);
+        Words arguments{"-q", "-m", "-y" + std::string(200, 't')};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const test::ArgumentVector vector(k_brix, arguments);
         const test::ScopedDirectory inside(tree);
-        ASSERT_TRUE(spawner.launch(program.c_str(), arguments.data()));
+        ASSERT_TRUE(spawner.launch(k_brix.c_str(), vector.pointers.data()));
     }
     /// Also when it found a library in use, which it says in one line; then it runs once more.
     Outcome end() {
