@@ -2,9 +2,8 @@
 // includes every messages.h of the tree.
 
 #include "all_messages.h"
-#include "core/common/callback.h"
 #include "core/diagnostics/catalogue.h"
-#include "core/diagnostics/reporter.h"
+#include "tests/support/captured_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,6 @@
 #include <fstream>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace pellux {
 namespace {
@@ -29,13 +27,9 @@ bool belongs_in_the_catalogue(const char* text) {
     return std::strchr(text, '\n') == nullptr && std::strlen(text) <= k_text_max;
 }
 
-TEST(Messages, TheCatalogueHasEveryTextAsTheProgramDoes) {
-    std::vector<std::string> said;
-    reporter() = {};
-    reporter().output = [](void* context, std::string_view text) {
-        from_context<std::vector<std::string>>(context).emplace_back(text);
-    };
-    reporter().output_context = &said;
+class Messages : public testing::Test, protected test::CapturedReports {};
+
+TEST_F(Messages, TheCatalogueHasEveryTextAsTheProgramDoes) {
     ASSERT_EQ(Read_text_msgs(k_catalogue.c_str()), 1);
     for_each_message(
         [](void*, const char* id, MessageHandle& handle) {
@@ -49,12 +43,11 @@ TEST(Messages, TheCatalogueHasEveryTextAsTheProgramDoes) {
                 EXPECT_STREQ(text, handle.default_text) << id;
         },
         nullptr);
-    EXPECT_TRUE(said.empty()) << said.front();
+    EXPECT_EQ(said_, std::vector<std::string>{});
     reset_text_msgs();
-    reporter() = {};
 }
 
-TEST(Messages, TheCatalogueHasNoTextThatNobodyUses) {
+TEST_F(Messages, TheCatalogueHasNoTextThatNobodyUses) {
     std::ifstream file(k_catalogue);
     std::set<std::string> missing = k_without_default;
     for (std::string line; std::getline(file, line);) {
@@ -66,18 +59,16 @@ TEST(Messages, TheCatalogueHasNoTextThatNobodyUses) {
     EXPECT_TRUE(missing.empty()) << *missing.begin();
 }
 
-TEST(Messages, NumbersAreThoseOfTheirOwner) {
+TEST_F(Messages, NumbersAreThoseOfTheirOwner) {
     // Two texts of one number would be told apart by nobody who looks a message up.
-    std::set<int> numbers;
-    std::size_t count = 0;
+    static std::set<int> numbers;
+    static std::size_t count;
     for_each_message(
-        [](void* context, const char*, MessageHandle& handle) {
-            from_context<std::set<int>>(context).insert(handle.number);
+        [](void*, const char*, MessageHandle& handle) {
+            numbers.insert(handle.number);
+            ++count;
         },
-        &numbers);
-    for_each_message(
-        [](void* context, const char*, MessageHandle&) { ++from_context<std::size_t>(context); },
-        &count);
+        nullptr);
     EXPECT_EQ(numbers.size(), count);
 }
 
