@@ -106,21 +106,22 @@ Vector<String> build_arguments(const Project& project, std::span<const CompileEn
     if (all && !project.options.has(OptionFlag::rebuild))
         arguments.emplace_back("-m");
     add_project_options(project, arguments);
-    const char* top = nullptr;
+    const VHDL_source* top = nullptr;
     for (const CompileEntry& entry : entries) {
         if (entry.source == nullptr || (!all && !entry.selected))
             continue;
         const NullableText& name = entry.source->file_name;
         if (project.top_design != nullptr && name == project.top_design->file_name) {
-            top = project.top_design->file_name.c_str();
+            top = project.top_design;
             continue;
         }
         arguments.push_back(format_text("-a%s", entry.source->options.library.c_str()));
         arguments.emplace_back(name.c_str());
     }
     if (top != nullptr) {
+        add_text("-a", top->options.library, arguments);
         arguments.emplace_back("-b");
-        arguments.emplace_back(top);
+        arguments.emplace_back(top->file_name.c_str());
     }
     return arguments;
 }

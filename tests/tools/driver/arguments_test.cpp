@@ -46,7 +46,8 @@ std::string shown(const Options& options) {
         all << "standard " << static_cast<int>(options.standard) << " ";
     for (const SourceArgument& source : options.files)
         all << view(source.library) << ":" << view(source.name) << " ";
-    all << "(" << view(options.top) << ")";
+    all << "(" << (options.top_library == k_work_library ? "" : options.top_library + ":")
+        << options.top << ")";
     for (const String& word : options.fitting)
         all << " " << view(word);
     return all.str();
@@ -64,6 +65,7 @@ TEST(Arguments, OfTheCompilerAreTakenOrRefused) {
         {"-v87|-v8|x.vhd", "work:x.vhd ()"},
         {"one.vhd|-alib|two.vhd|three.vhd|-alib|-m|four.vhd",
          "-m work:one.vhd lib:two.vhd work:three.vhd lib:four.vhd ()"},
+        {"-alib|-m|-b|t.vhd|a.vhd", "-m work:a.vhd (lib:t.vhd)"},
         // After its library or as top a file may look like a switch.
         {"-a|-x.vhd|-a|@y.vhd|-a|-a.vhd|/c.vhd|-b|-q",
          "work:-x.vhd work:@y.vhd work:-a.vhd work:/c.vhd (-q)"},

@@ -128,7 +128,7 @@ struct RealSimulations : Simulations<InScratch> {
     }
     static std::map<std::string, std::string> library_files() {
         std::map<std::string, std::string> files;
-        for (const char* name : {"work", "lib"}) {
+        for (const char* name : {"bench", "lib"}) {
             for (const auto& entry : std::filesystem::recursive_directory_iterator(name)) {
                 if (!entry.is_regular_file())
                     continue;
@@ -164,8 +164,9 @@ begin
                                   "\t\tassert false severity error;\n    fits(4);\n"
                                   "  end process;\nend;\n");
     std::filesystem::current_path(scratch.path("p"));
-    write_project("p.bpr", {"src/check.vhd", "src/tb.vhd"}, "src/tb.vhd", "", 8);
-    const ToolRun compiled = run_brix({"-q", "-alib", "src/check.vhd", "-b", "src/tb.vhd"});
+    write_project("p.bpr", {"src/check.vhd", "src/tb.vhd"}, "src/tb.vhd", "", 8, "Bench");
+    const ToolRun compiled =
+        run_brix({"-q", "-alib", "src/check.vhd", "-aBench", "-b", "src/tb.vhd"});
     ASSERT_EQ(compiled.status, 0) << compiled.text;
     std::filesystem::current_path(scratch.path());
     std::filesystem::rename("p", "moved");
@@ -184,7 +185,7 @@ src/tb.vhd (line 12, col 3):  at 5ns: Assertion violation
 src/check.vhd (line 5, col 1):  bound check failure
     in process .tb(a).P0
     from: lib.check.fits at check.vhd:5
-    from: process work.tb(a).P0 at tb.vhd:13
+    from: process bench.tb(a).P0 at tb.vhd:13
 Waveform of 'tb' in 'p.vcd'.
 )");
     EXPECT_EQ(run.status, 1);

@@ -100,14 +100,16 @@ struct Environment {
 
 /// Writes a project; `top` and the unit may be empty.
 inline void write_project(const char* file, std::vector<const char*> sources, const char* top,
-                          const char* unit, int standard) {
+                          const char* unit, int standard, const char* top_library = "") {
     Project project;
     project.file_name.assign(file);
     for (const char* name : sources) {
         auto source = make_owned<VHDL_source>();
         source->file_name.assign(name);
-        if (std::string(name) == top)
+        if (std::string(name) == top) {
+            source->options.library.assign(top_library);
             project.top_design = source.get();
+        }
         project.sources.push_back(std::move(source));
     }
     project.options.text_12.assign(unit);

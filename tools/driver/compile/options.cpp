@@ -1,11 +1,11 @@
 #include "tools/driver/compile/options.h"
 
 #include "tools/driver/arguments.h"
-#include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -154,6 +154,13 @@ bool is_file_of_library(const Parser& parser, std::string_view word) {
     return row->kind == SwitchKind::library && !operand.empty() && !is_library_name(operand);
 }
 
+/// Of the `-a` that stands before a file or `-b`, which ends its reach.
+String take_library(Parser& parser) {
+    parser.library_switch.clear();
+    String library = std::exchange(parser.library, {});
+    return library.empty() ? String(k_work_library) : library;
+}
+
 Failure take_word(Parser& parser, std::string_view word) {
     Options& options = parser.options;
     if (word.empty())
@@ -162,6 +169,7 @@ Failure take_word(Parser& parser, std::string_view word) {
         if (!options.top.empty())
             return bad(format_message(msg_second_top, String(word).c_str()));
         options.top = word;
+        options.top_library = take_library(parser);
         parser.awaits_top = false;
         return {};
     }
@@ -179,10 +187,7 @@ Failure take_word(Parser& parser, std::string_view word) {
             return take_switch(parser, *row, word);
         }
     }
-    options.files.push_back({String(word), parser.library.empty() ? String(k_work_library)
-                                                                  : std::move(parser.library)});
-    parser.library.clear();
-    parser.library_switch.clear();
+    options.files.push_back({String(word), take_library(parser)});
     return {};
 }
 
@@ -208,7 +213,7 @@ Vector<String> named_libraries(const Options& options) {
     for (const SourceArgument& source : options.files)
         names.push_back(source.library);
     if (!options.top.empty())
-        names.emplace_back(k_work_library);
+        names.push_back(options.top_library);
     return names;
 }
 

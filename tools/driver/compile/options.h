@@ -3,6 +3,7 @@
 #include "core/common/containers.h"
 #include "tools/driver/exit_status.h"
 #include "tools/driver/ghdl/ghdl_words.h"
+#include "tools/driver/libraries/library_place.h"
 
 #include <cstdint>
 #include <span>
@@ -20,6 +21,7 @@ struct SourceArgument {
 struct Options {
     Vector<SourceArgument> files; ///< in order, the top design apart
     String top;                   ///< the top design's file; empty without one
+    String top_library{k_work_library};
     VhdlStandard standard = VhdlStandard::vhdl_2008;
     int error_limit = 0; ///< 0: none
     int warning_limit = 0;

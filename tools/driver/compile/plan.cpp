@@ -10,15 +10,6 @@
 namespace pellux {
 namespace {
 
-Failure refused(std::string_view given, const String& name) {
-    if (!is_library_name(given))
-        return {ExitStatus::bad_library,
-                format_message(msg_bad_library_name, String(given).c_str())};
-    if (is_reserved_library(view(name)))
-        return {ExitStatus::bad_library, format_message(msg_reserved_library, name.c_str())};
-    return {};
-}
-
 /// The number of the library among the plan's targets; enters it when it is new.
 std::size_t target_of(Plan& plan, std::string_view given, const FoundLibraries& found) {
     const String name = lower_case(given);
@@ -26,7 +17,7 @@ std::size_t target_of(Plan& plan, std::string_view given, const FoundLibraries& 
         if (plan.targets[i].name == name)
             return i;
     }
-    plan.failure = refused(given, name);
+    plan.failure = check_library_name(given);
     plan.targets.push_back({name, name});
     for (const FoundLibraries::Target& target : found.targets) {
         if (target.place.name != name)
@@ -81,7 +72,7 @@ Plan make_plan(const Options& options, const FoundLibraries& found) {
             return plan;
     }
     if (!options.top.empty()) {
-        const std::size_t library = target_of(plan, k_work_library, found);
+        const std::size_t library = target_of(plan, view(options.top_library), found);
         if (!plan.failure)
             add_source(plan, steps, options.top, library);
         if (plan.failure)

@@ -1,5 +1,6 @@
 #include "tools/driver/libraries/library_place.h"
 
+#include "core/common/ascii_case.h"
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/ascii.h"
@@ -42,6 +43,15 @@ bool is_library_name(std::string_view name) {
 
 bool is_reserved_library(std::string_view lower_case_name) {
     return lower_case_name == "std" || lower_case_name == "ieee";
+}
+
+Failure check_library_name(std::string_view given) {
+    if (!is_library_name(given))
+        return {ExitStatus::bad_library,
+                format_message(msg_bad_library_name, String(given).c_str())};
+    if (const String name = lower_case(given); is_reserved_library(view(name)))
+        return {ExitStatus::bad_library, format_message(msg_reserved_library, name.c_str())};
+    return {};
 }
 
 Failure library_failure(const LibraryPlace& place, SystemError error) {

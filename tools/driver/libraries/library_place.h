@@ -25,6 +25,9 @@ inline constexpr std::string_view k_work_library = "work";
 /// Is it one of the libraries that GHDL brings itself and that nothing may be compiled into?
 [[nodiscard]] bool is_reserved_library(std::string_view lower_case_name);
 
+/// Refuses, by its text, what is neither, in any case.
+[[nodiscard]] Failure check_library_name(std::string_view given);
+
 /// Makes the library's directory where it is missing, and tries whether it can be written.
 [[nodiscard]] Failure prepare_library(const LibraryPlace& place);
 

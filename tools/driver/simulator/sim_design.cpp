@@ -70,8 +70,12 @@ Owned<Project> project_of(std::string_view file) {
 
 void take_project(const Project& project, SimDesign& design) {
     design.unit = project.options.text_12.view();
-    if (project.top_design != nullptr)
+    if (project.top_design != nullptr) {
         design.file = project.top_design->file_name.view();
+        if (const std::string_view library = project.top_design->options.library.view();
+            !library.empty())
+            design.library = library;
+    }
     const String number = format_text("%d", int{project.options.vhdl_standard});
     // The compiler's default stays for a number that is none.
     static_cast<void>(find_standard(view(number), design.standard));

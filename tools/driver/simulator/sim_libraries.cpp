@@ -86,10 +86,12 @@ String original_path(const CompiledLibrary& library, const String& path) {
 
 } // namespace
 
-Failure read_libraries(SimLibraries& libraries, const InstalledLibraryRun& run) {
-    const String names[] = {String(k_work_library)};
+Failure read_libraries(SimLibraries& libraries, const String& name,
+                       const InstalledLibraryRun& run) {
+    if (Failure failure = check_library_name(view(name)))
+        return failure;
     FoundLibraries found;
-    if (Failure failure = find_libraries(names, run.standard, found))
+    if (Failure failure = find_libraries({&name, 1}, run.standard, found))
         return failure;
     const LibraryPlace& work = found.targets.front().place;
     const LibraryState state = add_library(libraries, work, run.standard);

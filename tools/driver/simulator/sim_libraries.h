@@ -11,19 +11,20 @@ namespace pellux {
 /// The libraries that a simulation reads, as they lie. Nothing in them is locked or changed: GHDL
 /// gets copies of their library files.
 struct SimLibraries {
-    Vector<CompiledLibrary> libraries; ///< `work` is the first
+    Vector<CompiledLibrary> libraries; ///< the design's own is the first
     RunDirectory run;                  ///< of the copies
 
     [[nodiscard]] const CompiledLibrary& work() const { return libraries.front(); }
 };
 
-/// Finds and reads them, the installed ones that are there for `run` too. `work` is there, and
-/// maybe empty, after a success.
-[[nodiscard]] Failure read_libraries(SimLibraries& libraries, const InstalledLibraryRun& run);
+/// Finds and reads them, the installed ones that are there for `run` too. The design's library
+/// `name` is there, and maybe empty, after a success.
+[[nodiscard]] Failure read_libraries(SimLibraries& libraries, const String& name,
+                                     const InstalledLibraryRun& run);
 
-/// Makes the copies, in the user's cache directory, or beside `work` where GHDL would find no
-/// source from there. They name every source by its absolute path, as GHDL's messages then do too,
-/// unless it could not read that.
+/// Makes the copies, in the user's cache directory, or beside the design's library where GHDL would
+/// find no source from there. They name every source by its absolute path, as GHDL's messages then
+/// do too, unless it could not read that.
 [[nodiscard]] Failure copy_libraries(SimLibraries& libraries, VhdlStandard standard);
 
 /// How messages show the sources: as in `given`, else relative to the current directory where they

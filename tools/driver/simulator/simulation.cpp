@@ -93,12 +93,13 @@ Failure prepare(Simulation& simulation) {
     if (Failure failure = find_sim_design(options, design))
         return failure;
     Vector<String> warnings;
-    const Failure unusable = read_libraries(libraries, {simulation.process,
-                                                        simulation.ghdl.c_str(),
-                                                        design.standard,
-                                                        {on_waiting, on_stop_question, &simulation},
-                                                        on_plain_line,
-                                                        warnings});
+    const Failure unusable = read_libraries(libraries, design.library,
+                                            {simulation.process,
+                                             simulation.ghdl.c_str(),
+                                             design.standard,
+                                             {on_waiting, on_stop_question, &simulation},
+                                             on_plain_line,
+                                             warnings});
     for (const String& text : warnings)
         warning(-1, msg_as_it_stands, text.c_str());
     if (unusable)
