@@ -2,10 +2,6 @@
 
 #include "windows/toolkit/error_line.h"
 #include "windows/toolkit/qt/boxes/box.h"
-#include "windows/toolkit/qt/boxes/box_icon.h"
-#include "windows/toolkit/qt/boxes/dialogs.h"
-#include "windows/toolkit/qt/boxes/file_box.h"
-#include "windows/toolkit/qt/boxes/font_box.h"
 #include "windows/toolkit/qt/boxes/plain_text.h"
 #include "windows/toolkit/qt/text_conversion.h"
 

@@ -1,4 +1,4 @@
-#include "windows/toolkit/qt/boxes/box_icon.h"
+#include "windows/toolkit/qt/boxes/ask_boxes.h"
 
 #include <QPainter>
 #include <QPainterPath>

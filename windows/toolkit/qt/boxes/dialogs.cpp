@@ -1,4 +1,4 @@
-#include "windows/toolkit/qt/boxes/dialogs.h"
+#include "windows/toolkit/qt/boxes/ask_boxes.h"
 
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/boxes/byte_edit.h"

@@ -1,4 +1,4 @@
-#include "windows/toolkit/qt/boxes/file_box.h"
+#include "windows/toolkit/qt/boxes/ask_boxes.h"
 
 #include "core/diagnostics/message.h"
 #include "windows/toolkit/message_box.h"

@@ -1,4 +1,4 @@
-#include "windows/toolkit/qt/boxes/font_box.h"
+#include "windows/toolkit/qt/boxes/ask_boxes.h"
 
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/draw/fonts.h"
