@@ -15,6 +15,13 @@ inline std::string word(std::uint64_t value, int bytes) {
     return text;
 }
 
+inline std::string repeated(const std::string& text, std::size_t count) {
+    std::string all;
+    for (; count > 0; --count)
+        all += text;
+    return all;
+}
+
 inline std::string frame(const std::string& rest) {
     return word(rest.size(), 4) + rest;
 }

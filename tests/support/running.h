@@ -10,7 +10,8 @@
 
 #include <array>
 #include <string>
-#include <utility>
+
+#include <sys/wait.h>
 
 namespace pellux {
 
@@ -24,6 +25,24 @@ bool turn_until(Done done) {
         run_turn(TurnWait::none);
     }
     return true;
+}
+
+inline void turn_until_idle() {
+    while (run_turn(TurnWait::none) != TurnResult::idle)
+        continue;
+}
+
+/// Is there a child, though it may have ended?
+inline bool has_children() {
+    siginfo_t info{};
+    return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+/// Turns the loop until every child of this program is gone and told of.
+inline bool turn_until_no_child() {
+    const bool alone = turn_until([] { return !has_children(); });
+    turn_until_idle();
+    return alone;
 }
 
 struct Pipe {

@@ -77,10 +77,9 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
     ManualClock clock;
     const Meeting go("go");
     const std::string pad = "pad=" + std::string(150, '.');
-    Words steps = {pad, "meet=go", "hello", "sync", "closed"};
     {
         Spawner spawner(Log::take, &log_);
-        ASSERT_TRUE(launch(spawner, steps));
+        ASSERT_TRUE(launch(spawner, pad + " meet=go hello sync closed"));
         EXPECT_EQ(next_name(), "brix2.rsp");
         ASSERT_TRUE(go.meet());
         EXPECT_TRUE(turn_until([] { return next_name() == "brix.rsp"; }));
@@ -88,16 +87,17 @@ TEST_F(ResponseFile, IsHeldUntilTheFirstConnectionOrTheEndOfTheLaunch) {
     }
     for (const bool halts : {true, false}) {
         auto spawner = std::make_unique<Spawner>(Log::take, &log_);
-        ASSERT_TRUE(launch(*spawner, {pad, "stay"}));
+        ASSERT_TRUE(launch(*spawner, pad + " stay"));
         EXPECT_EQ(next_name(), "brix2.rsp");
         if (halts) {
             spawner->halt();
             EXPECT_EQ(spawner->wait(), 1);
+        } else {
+            spawner.reset();
         }
-        spawner.reset();
         EXPECT_EQ(next_name(), "brix.rsp");
         clock.advance(2000);
-        EXPECT_TRUE(turn_until_alone());
+        EXPECT_TRUE(turn_until_no_child());
     }
     const test::ArgumentVector missing("/no/such/program", {pad});
     Spawner spawner(Log::take, &log_);
@@ -115,23 +115,10 @@ TEST_F(ResponseFile, ProgramWithoutAChannelKeepsItsOwnToItsEnd) {
     }
     EXPECT_EQ(next_name(), "brix3.rsp");
     ASSERT_TRUE(first.meet() && turn_until([] { return next_name() == "brix.rsp"; }));
-    ASSERT_TRUE(second.meet() && turn_until_alone());
+    ASSERT_TRUE(second.meet() && turn_until_no_child());
     File held;
     EXPECT_EQ(next_name(held), "brix.rsp");
     EXPECT_EQ(next_name(), "brix2.rsp");
-}
-
-TEST_F(ResponseFile, ProgramsThatLaunchAtOnceNeverMixTheirArguments) {
-    struct Launcher : Process {
-        explicit Launcher(const char* tag) {
-            const test::ArgumentVector vector(k_child, {std::string("launch=") + tag});
-            EXPECT_FALSE(failed(start_process(
-                *this, {.program = k_child.c_str(), .arguments = vector.pointers.data()})));
-        }
-    };
-    Launcher first("one"), second("two");
-    EXPECT_EQ(wait_for_process(first).code, 0);
-    EXPECT_EQ(wait_for_process(second).code, 0);
 }
 
 } // namespace

@@ -14,13 +14,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 namespace pellux {
 
 inline const std::string k_child = std::string(PELLUX_BINARY_DIR) + "/tests/programs/channel_child";
 
-// Steps of the child.
+// Steps of the child with bytes of any kind.
 
 inline std::string hex(std::string_view text) {
     std::string digits;
@@ -36,10 +35,6 @@ inline std::string sends(const std::string& bytes) {
 
 inline std::string says(const std::string& text) {
     return "poke=" + hex("0" + text);
-}
-
-inline std::string completes(std::uint32_t status) {
-    return "poke=" + hex("1" + word(status, 4));
 }
 
 /// What a spawner told, and what is to be done at its words.
@@ -73,27 +68,21 @@ protected:
         install_loop(nullptr);
         ManualClock clock;
         clock.advance(1'000'000);
-        EXPECT_TRUE(turn_until_alone());
+        EXPECT_TRUE(turn_until_no_child());
     }
 
     static bool launch(Spawner& spawner, const Words& steps) {
         const test::ArgumentVector vector(k_child, steps);
         return static_cast<bool>(spawner.launch(k_child.c_str(), vector.pointers.data()));
     }
+    /// With steps that blanks part.
+    static bool launch(Spawner& spawner, const std::string& steps) {
+        return launch(spawner, test::words_of(steps));
+    }
     /// Turns the loop until the child was heard of.
     static void hear(const Spawner& spawner) {
         while (spawner.child_window() == 0 && spawner.running())
             run_turn(TurnWait::until_event);
-    }
-    /// Turns the loop until every child of this program is gone and read.
-    static bool turn_until_alone() {
-        const bool alone = turn_until([] {
-            siginfo_t info{};
-            return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0;
-        });
-        while (run_turn(TurnWait::none) != TurnResult::idle)
-            continue;
-        return alone;
     }
 
     test::TemporaryDirectory directory_;

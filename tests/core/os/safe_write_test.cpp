@@ -1,6 +1,7 @@
 #include "core/os/safe_write.h"
 
 #include "core/os/safe_copy.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/forked.h"
 #include "tests/support/scoped_directory.h"
 #include "tests/support/temporary_directory.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <functional>
 #include <string>
 
 #include <grp.h>
@@ -38,10 +38,8 @@ protected:
     enum class Fault { none, once, full_from_then, end_of_program };
 
     SafeWrite() { arrange(Place::plain); }
-    ~SafeWrite() override { set_file_fault_hook(nullptr, nullptr); }
 
     void arrange(Place place) {
-        set_file_fault_hook(nullptr, nullptr);
         for (const char* name : {"work", "state"})
             std::filesystem::remove_all(directory_.path(name));
         std::filesystem::create_directories(directory_.path("work"));
@@ -63,13 +61,6 @@ protected:
         operations_ = 0;
         fired_ = false;
         trace_.clear();
-        set_file_fault_hook(
-            [](void* context, FileOperation operation, std::string_view path,
-               std::size_t& partial) {
-                partial = 3;
-                return static_cast<SafeWrite*>(context)->decide(operation, path);
-            },
-            this);
     }
     [[nodiscard]] bool is_refused(FileOperation operation, std::string_view path) const {
         const bool opens = operation == FileOperation::open;
@@ -118,7 +109,7 @@ protected:
         if (!writer.copy_path.empty()) {
             EXPECT_TRUE(failed(error));
             EXPECT_EQ(directory_.read(writer.copy_path.view()), old());
-            set_file_fault_hook(nullptr, nullptr);
+            fault_ = Fault::none;
             PathBuffer found;
             EXPECT_TRUE(find_interrupted_copy(file_, found));
             EXPECT_EQ(found.view(), writer.copy_path.view());
@@ -156,6 +147,8 @@ protected:
     bool fired_ = false;
     FileOperation fired_operation_ = FileOperation::open;
     std::string trace_; ///< one letter for each operation
+    test::FileFaults faults_{
+        [this](FileOperation operation, std::string_view path) { return decide(operation, path); }};
 };
 
 TEST_F(SafeWrite, AnyOperationMayFailOnceOrTheDiskStayFull) {
