@@ -1,6 +1,5 @@
 #include "core/diagnostics/reporter.h"
 
-#include "core/common/callback.h"
 #include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/messages.h"
 #include "tests/support/captured_reports.h"
@@ -102,22 +101,6 @@ TEST_F(ReporterTest, APendingProgressLineIsBlankedOnTheConsole) {
 }
 
 using ReporterDeathTest = ReporterTest;
-
-TEST_F(ReporterDeathTest, TheMessagePastTheLimitIsPrintedAndThenAllEnds) {
-    const auto run = [](Severity severity) {
-        reporter().output = nullptr;
-        reporter().current_source = "a.vhd";
-        reporter().error_limit = reporter().warning_limit = 3;
-        reporter().ending = [](void*, int status) { fprintf(stderr, "ending %d\n", status); };
-        for (const char* text : {"1", "2", "3", "4", "5"})
-            report({severity, -1, {}, false}, "%s", text);
-    };
-    EXPECT_EXIT(run(Severity::error), testing::ExitedWithCode(255),
-                "^a.vhd:  1\na.vhd:  2\na.vhd:  3\na.vhd:  4\n"
-                "a.vhd:  Abort:  \\(E46\\) Error limit \\(3\\) exceeded\nending -1\n$");
-    EXPECT_EXIT(run(Severity::warning), testing::ExitedWithCode(255),
-                "Warning: 4\na.vhd:  Abort:  \\(E48\\) Warning limit \\(3\\) exceeded\n");
-}
 
 TEST_F(ReporterDeathTest, AllocatorFaultsEndTheProgramThroughTheReporter) {
     const auto run = [] {

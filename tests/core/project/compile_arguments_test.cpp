@@ -1,12 +1,9 @@
 #include "core/project/compile_arguments.h"
 
-#include "core/common/callback.h"
-#include "core/diagnostics/reporter.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
 #include "tests/support/captured_reports.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -18,9 +15,7 @@ namespace pellux {
 namespace {
 
 using test::CapturedReports;
-using test::ScopedDirectory;
 using test::ScopedVariable;
-using test::TemporaryDirectory;
 
 Owned<Project> project_of(std::vector<const char*> names) {
     auto project = make_owned<Project>();
@@ -117,7 +112,7 @@ TEST(CompileArguments, LibrariesGoBeforeTheirFileAndTheTopDesignComesLast) {
 
 class FindCompiler : public testing::Test, protected CapturedReports {
 protected:
-    FindCompiler() : inside_(directory_.path()) {
+    FindCompiler() {
         for (const char* name : {"one", "two", "tree", "tree/bin"})
             EXPECT_FALSE(failed(make_directory(name)));
     }
@@ -128,8 +123,7 @@ protected:
         return find_compiler(path) ? std::string(path.view()) : "none";
     }
 
-    TemporaryDirectory directory_;
-    ScopedDirectory inside_;
+    Scratch scratch_;
     ScopedVariable install_{"VELMORA_DIR", nullptr};
     ScopedVariable path_{"PATH", "one:two/"};
 };

@@ -1,19 +1,18 @@
 #include "core/project/project_file.h"
 
 #include "core/common/callback.h"
-#include "core/diagnostics/catalogue.h"
-#include "core/diagnostics/reporter.h"
 #include "core/objects/object_stream.h"
 #include "core/os/clock.h"
-#include "core/os/files.h"
 #include "core/project/project_state.h"
 #include "tests/support/captured_reports.h"
+#include "tests/support/file_faults.h"
 #include "tests/support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,8 +46,6 @@ std::string bytes_of(const Project& project, const char* version = "1x07") {
 
 class ProjectFileTest : public testing::Test, protected CapturedReports {
 protected:
-    ~ProjectFileTest() override { set_file_fault_hook(nullptr, nullptr); }
-
     Owned<Project> read(std::string_view bytes) {
         said_.clear();
         ProjectHeader header;
@@ -136,6 +133,13 @@ TEST_F(ProjectFileTest, OneMessageTellsWhatIsWrongWithAFile) {
         EXPECT_EQ(read(bytes.replace(at, row.put.size(), row.put)), nullptr);
         EXPECT_EQ(said_, std::vector<std::string>{row.said});
     }
+    // The six words of the trailer.
+    for (std::size_t at = whole.size() - 24; at < whole.size(); at += 4)
+        for (const std::string_view value :
+             {std::string_view("\0\0\0\0", 4), {"\x7F\xFF\xFF\xFF"}, {"\xFF\xFF\xFF\xFF"}}) {
+            EXPECT_EQ(read(std::string(whole).replace(at, 4, value)), nullptr) << at;
+            EXPECT_EQ(said_, std::vector<std::string>{error});
+        }
     const Owned<VHDL_source> outside = make_owned<VHDL_source>();
     project.top_design = outside.get();
     EXPECT_EQ(read(bytes_of(project)), nullptr);
@@ -235,41 +239,28 @@ TEST_F(ProjectFileTest, WhoAsksForAWritingLearnsHowItWent) {
     EXPECT_EQ(writes().error, SystemError::none);
     const std::string old = directory.read("p.bpr");
 
-    const auto fail_at = [](FileOperation operation) {
-        static FileOperation s_failing;
-        s_failing = operation;
-        set_file_fault_hook(
-            [](void*, FileOperation asked, std::string_view, std::size_t&) {
-                return asked == s_failing ? SystemError{28} : SystemError::none;
-            },
-            nullptr);
+    const auto result = [&](FileOperation failing) {
+        const test::FileFaults faults(failing, ENOSPC);
+        return writes();
     };
-    fail_at(FileOperation::write);
-    const ProjectWriteResult unwritten = writes();
-    EXPECT_EQ(unwritten.error, SystemError{28});
+    const ProjectWriteResult unwritten = result(FileOperation::write);
+    EXPECT_EQ(unwritten.error, SystemError{ENOSPC});
     EXPECT_TRUE(unwritten.old_contents.empty());
-    fail_at(FileOperation::flush_directory);
-    const ProjectWriteResult unflushed = writes();
+    const ProjectWriteResult unflushed = result(FileOperation::flush_directory);
     EXPECT_EQ(std::pair(unflushed.error, unflushed.directory_error),
-              std::pair(SystemError::none, SystemError{28}));
-    fail_at(FileOperation::attributes);
-    EXPECT_TRUE(writes().attributes_lost);
-    EXPECT_EQ(unflushed.attributes_lost, false);
+              std::pair(SystemError::none, SystemError{ENOSPC}));
+    EXPECT_FALSE(unflushed.attributes_lost);
+    EXPECT_TRUE(result(FileOperation::attributes).attributes_lost);
 
     // In place, and the disk is full as soon as the copy of the old bytes is complete.
     fs::create_hard_link(directory.path("p.bpr"), directory.path("second"));
-    static bool s_has_copy;
-    s_has_copy = false;
-    set_file_fault_hook(
-        [](void*, FileOperation operation, std::string_view, std::size_t&) {
-            s_has_copy = s_has_copy || operation == FileOperation::rename;
-            return s_has_copy && operation == FileOperation::write ? SystemError{28}
-                                                                   : SystemError::none;
-        },
-        nullptr);
+    std::optional<test::FileFaults> full([copied = false](FileOperation asked, auto) mutable {
+        copied = copied || asked == FileOperation::rename;
+        return copied && asked == FileOperation::write ? SystemError{ENOSPC} : SystemError::none;
+    });
     const ProjectWriteResult damaged = writes();
-    set_file_fault_hook(nullptr, nullptr);
-    EXPECT_EQ(damaged.error, SystemError{28});
+    full.reset();
+    EXPECT_EQ(damaged.error, SystemError{ENOSPC});
     EXPECT_EQ(directory.read(damaged.old_contents.view()).size(), old.size());
     static_cast<void>(read_project(directory.path("p.bpr")));
     EXPECT_EQ(said_.front(), "'" + directory.path("p.bpr") + "' was not written to its end; its " +
