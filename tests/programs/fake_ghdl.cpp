@@ -3,7 +3,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -13,14 +14,13 @@ namespace {
 
 void log_call(int count, char** words) {
     const char* name = std::getenv("FAKE_GHDL_LOG");
-    std::FILE* log = name != nullptr ? std::fopen(name, "a") : nullptr;
-    if (log == nullptr)
+    if (name == nullptr)
         return;
-    std::fprintf(log, "%d", static_cast<int>(::getpid()));
+    std::ofstream log(name, std::ios::app);
+    log << ::getpid();
     for (int i = 1; i < count; ++i)
-        std::fprintf(log, " %s", words[i]);
-    std::fputc('\n', log);
-    std::fclose(log);
+        log << ' ' << words[i];
+    log << '\n';
 }
 
 std::string role_of(std::string_view word) {
@@ -35,6 +35,10 @@ void say(const std::string& text) {
 void say_each(const std::string& file, int lines, const std::string& text) {
     for (int i = 1; i <= lines; ++i)
         say(file + ":" + std::to_string(i) + ":1:" + text + "\n");
+}
+
+void say_line(const std::string& file, std::size_t line, std::size_t length) {
+    say(file + ":" + std::to_string(line) + ":1: " + std::string(length, 'x') + "\n");
 }
 
 void hang() {
@@ -60,19 +64,9 @@ void record(const std::string& file, int count, char** words) {
                         " at 1( 0) + 0 on 11;\n";
     if (role_of(file) == "top")
         entry += "  entity leaf at 1( 0) + 0 on 12;\n  configuration other at 1( 0) + 0 on 13;\n";
-    std::string known;
-    if (std::FILE* old = std::fopen(path.c_str(), "r")) {
-        char piece[4096];
-        std::size_t got = 0;
-        while ((got = std::fread(piece, 1, sizeof piece, old)) > 0)
-            known.append(piece, got);
-        std::fclose(old);
-    }
-    if (std::FILE* made = std::fopen(path.c_str(), "w")) {
-        std::fprintf(made, "v 4\n%s%s", known.empty() ? "" : known.substr(4).c_str(),
-                     entry.c_str());
-        std::fclose(made);
-    }
+    std::ifstream old(path);
+    const std::string known(std::istreambuf_iterator<char>(old), {});
+    std::ofstream(path) << "v 4\n" << (known.empty() ? "" : known.substr(4)) << entry;
 }
 
 int analyse(const std::string& file) {
@@ -84,9 +78,8 @@ int analyse(const std::string& file) {
     if (role == "errors" || role == "endless")
         say_each(file, 5, " fault");
     // Lines of all lengths, so that packets are filled to the last byte.
-    for (int i = 1; role == "flood" && i <= 20000; ++i)
-        say(file + ":" + std::to_string(i) +
-            ":1: " + std::string(1U + static_cast<unsigned>(i) % 97, 'x') + "\n");
+    for (std::size_t i = 1; role == "flood" && i <= 20000; ++i)
+        say_line(file, i, 1 + i % 97);
     if (role == "endless")
         hang();
     if (role == "fault")
@@ -94,9 +87,8 @@ int analyse(const std::string& file) {
     if (role == "killed")
         ::raise(SIGKILL);
     // Those that just fit into a packet, and do not, then one that fits into none.
-    for (int i = 1; role == "long" && i < 10; ++i)
-        say(file + ":" + std::to_string(i) +
-            ":1: " + std::string(988U + static_cast<unsigned>(i), 'x') + "\n");
+    for (std::size_t i = 1; role == "long" && i < 10; ++i)
+        say_line(file, i, 988 + i);
     if (role == "long")
         say(file + ":10:1: " + std::string(5000, 'x'));
     if (role == "raw")
@@ -113,11 +105,8 @@ int analyse(const std::string& file) {
 
 /// Writes a waveform of some moments, the last one perhaps cut.
 void write_waveform(int count, char** words, bool whole) {
-    if (std::FILE* file = std::fopen(word_behind("--vcd=", count, words).c_str(), "w")) {
-        std::fputs("$enddefinitions $end\n#0\n0!\n#5\n1!\n#1", file);
-        std::fputs(whole ? "0\n" : "", file);
-        std::fclose(file);
-    }
+    std::ofstream(word_behind("--vcd=", count, words))
+        << "$enddefinitions $end\n#0\n0!\n#5\n1!\n#1" << (whole ? "0\n" : "");
 }
 
 int simulate(const std::string& role, int count, char** words) {

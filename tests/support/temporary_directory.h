@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -47,6 +48,14 @@ public:
     [[nodiscard]] std::string read(std::string_view name) const {
         std::ifstream file(root_ / name, std::ios::binary);
         return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "(missing)";
+    }
+    /// The contents of all files below one of its directories, by their paths from it.
+    [[nodiscard]] std::map<std::string, std::string> files(std::string_view directory) const {
+        std::map<std::string, std::string> found;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(path(directory)))
+            found[entry.path().lexically_relative(root_)] =
+                entry.is_regular_file() ? read(entry.path().string()) : "";
+        return found;
     }
     /// All names in one of its directories.
     [[nodiscard]] std::set<std::string> names(std::string_view directory = {}) const {

@@ -1,7 +1,5 @@
 #include "tools/bpr/project_json.h"
 
-#include "core/common/callback.h"
-#include "core/diagnostics/reporter.h"
 #include "tests/support/captured_reports.h"
 
 #include <gtest/gtest.h>

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace pellux {
 namespace {
@@ -141,7 +140,8 @@ TEST(Plan, ALibraryHasOneSourceOfANameAndAnIdentifierForItself) {
     EXPECT_EQ(failure({{"a/x.vhd", "lib"}, {"b/x.vhd", "work"}}, ""), "0 a/x.vhd b/x.vhd");
     // The top design is the last, wherever it stands, and then elaborated.
     EXPECT_EQ(failure({{"t.vhd", "work"}, {"a.vhd", "work"}}, "t.vhd"), "0 a.vhd t.vhd t.vhd");
-    for (const char* name : {"IEEE", "a b", "_a", "a_", "a__b", "1a", "", "gr\xFCn", "\\x\\"})
+    for (const char* name :
+         {"IEEE", "a b", "../b", "a-b", "_a", "a_", "a__b", "1a", "", "gr\xFCn", "\\x\\"})
         EXPECT_EQ(failure({{"a.vhd", name}}, "")[0], '5') << name;
 }
 

@@ -8,9 +8,8 @@ namespace {
 
 struct Brix : testing::Test, FakeGhdl {
     void SetUp() override {
-        for (const char* role : {"good", "top", "errors", "warnings", "flood", "endless", "silent",
-                                 "fault", "killed", "raw", "holder", "long", "forgetful"})
-            scratch.write(std::string(role) + ".vhd", std::string("-- ") + role + "\n");
+        write_units("good.vhd top.vhd errors.vhd warnings.vhd flood.vhd endless.vhd silent.vhd "
+                    "fault.vhd killed.vhd raw.vhd holder.vhd long.vhd forgetful.vhd");
     }
 };
 
@@ -104,7 +103,9 @@ TEST_F(Brix, LimitsEndTheRunAndGhdl) {
     EXPECT_FALSE(ghdl_still_runs());
     const ToolRun warnings = run_brix({"-q", "-w1", "warnings.vhd", "good.vhd"});
     EXPECT_EQ(warnings.status, 1);
-    EXPECT_TRUE(warnings.text.ends_with("Warning limit (1) exceeded\n")) << warnings.text;
+    EXPECT_TRUE(
+        warnings.text.ends_with("warnings.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"))
+        << warnings.text;
     EXPECT_EQ(run_brix({"-q", "-w3", "warnings.vhd"}).status, 0);
 }
 

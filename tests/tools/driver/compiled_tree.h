@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/library/library_index.h"
+#include "tests/core/library/index_contents.h"
+#include "tests/support/run_program.h"
 #include "tests/support/scoped_directory.h"
-#include "tests/tools/driver/run_brix.h"
 #include "tools/driver/ghdl/ghdl_library.h"
 
 #include <gtest/gtest.h>
@@ -63,11 +63,8 @@ inline std::map<std::string, std::string> records(const fs::path& tree) {
         if (fs::exists(tree / library / (library + "-obj93.cf")) ||
             open_index(index, (tree / library).c_str(), IndexMode::read) != IndexStatus::opened)
             continue;
-        String record;
-        for (std::int64_t more = seek_record(index, "0"); more > 0; more = next_record(index)) {
-            if (read_record(index, record) > 0 && !record.starts_with("ffff"))
-                all[library] += record.c_str() + std::string("\n");
-        }
+        for (const std::string& record : contents(index))
+            all[library] += record.starts_with("ffff") ? "" : record + "\n";
     }
     return all;
 }

@@ -3,8 +3,8 @@
 #include "core/channel/channel.h"
 #include "core/os/loop.h"
 #include "core/project/project_file.h"
+#include "tests/support/run_program.h"
 #include "tests/support/scratch.h"
-#include "tests/tools/driver/run_brix.h"
 #include "tools/driver/output.h"
 
 namespace pellux {
@@ -17,6 +17,25 @@ struct FakeGhdl {
     test::ScopedVariable path{"PATH", fake_first.c_str()};
     test::ScopedVariable log{"FAKE_GHDL_LOG", scratch.path("calls.log").c_str()};
 
+    test::ScopedVariable cache{"XDG_CACHE_HOME", scratch.path("cache").c_str()};
+    std::set<std::string> before;  ///< names in the scratch directory
+    std::set<std::string> library; ///< and in "work"
+
+    /// Sources whose name is their role, named in a line.
+    void write_units(const std::string& files) const {
+        for (const std::string& file : test::words_of(files))
+            scratch.write(file, "-- " + file + "\n");
+    }
+    void remember() {
+        std::filesystem::create_directory("cache");
+        before = scratch.names();
+        library = scratch.names("work");
+    }
+    void expect_nothing_left() const {
+        EXPECT_EQ(scratch.names(), before);
+        EXPECT_EQ(scratch.names("work"), library);
+        EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
+    }
     /// What GHDL was asked: command and subject of each call.
     [[nodiscard]] static std::string calls() {
         std::ifstream lines("calls.log");

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
@@ -30,8 +32,11 @@ public:
                              [&](const File& f) { return f.name == name; }))
                 std::filesystem::remove(entry.path());
         }
-        for (const File& file : files_)
-            std::ofstream(directory / file.name) << text(file);
+        for (const File& file : files_) {
+            std::ofstream out(directory / file.name);
+            for (const Part& one : file.parts)
+                out << text(file, one);
+        }
     }
 
     /// The driver's words for the sources in their order, the last one the top design.
@@ -125,7 +130,8 @@ private:
 
     int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
     std::size_t index(std::size_t size) { return random_() % size; }
-    std::vector<int> some(int known) {
+    std::vector<int> some(const std::vector<std::string>& all) {
+        const int known = static_cast<int>(all.size());
         std::vector<int> ids;
         for (int i = below(3); i > 0 && known > 0; --i)
             ids.push_back(1 + below(known + (below(20) == 0 ? 1 : 0)));
@@ -135,45 +141,28 @@ private:
         return {kind, id, 1, 0, false, some(packages_), some(entities_)};
     }
 
-    void add_parts(std::vector<Part>& parts, Kind first, Kind second, int id, bool apart) {
-        parts.push_back(part(first, id));
-        if (!apart)
-            parts.push_back(part(second, id));
-        else
-            waiting_.push_back(part(second, id));
-    }
-
     void add_file() {
+        constexpr Kind k_pairs[][2] = {{Kind::package, Kind::body},
+                                       {Kind::entity, Kind::architecture},
+                                       {Kind::generic, Kind::instance}};
         // The last file is the top design, which is always compiled into "work".
         const auto place = files_.empty() ? files_.end() : files_.end() - below(2);
         const bool is_in_work = place == files_.end() || below(3) > 0;
         File file{"f" + std::to_string(++names_) + ".vhd", is_in_work ? "work" : "alib", {}};
         for (int i = 1 + below(2); i > 0; --i) {
             const bool apart = below(4) == 0 && file.library == "work";
-            switch (below(6)) {
-            case 0:
-            case 1:
-                add_parts(file.parts, Kind::package, Kind::body, packages_ + 1, apart);
-                libraries_.resize(static_cast<std::size_t>(++packages_) + 1);
-                libraries_.back() = file.library;
-                break;
-            case 2:
-            case 3:
-                add_parts(file.parts, Kind::entity, Kind::architecture, entities_ + 1, apart);
-                entity_libraries_.resize(static_cast<std::size_t>(++entities_) + 1);
-                entity_libraries_.back() = file.library;
-                break;
-            case 4:
+            const int choice = below(6);
+            if (choice == 4) {
                 file.parts.push_back(part(below(2) == 0 ? Kind::configuration : Kind::context,
-                                          1 + below(entities_ + 1)));
-                break;
-            default:
-                file.parts.push_back(part(Kind::generic, packages_ + 1));
-                file.parts.push_back(part(Kind::instance, packages_ + 1));
-                libraries_.resize(static_cast<std::size_t>(++packages_) + 1);
-                libraries_.back() = file.library;
-                break;
+                                          1 + below(static_cast<int>(entities_.size()) + 1)));
+                continue;
             }
+            const auto& [first, second] = k_pairs[choice / 2];
+            std::vector<std::string>& libraries = first == Kind::entity ? entities_ : packages_;
+            const int id = static_cast<int>(libraries.size()) + 1;
+            file.parts.push_back(part(first, id));
+            (apart && choice < 4 ? waiting_ : file.parts).push_back(part(second, id));
+            libraries.push_back(file.library);
         }
         if (!waiting_.empty() && below(2) == 0 && file.library == "work") {
             file.parts.push_back(waiting_.back());
@@ -184,85 +173,61 @@ private:
 
     static std::string library_of(const std::vector<std::string>& libraries, int id,
                                   const File& file) {
-        const auto place = static_cast<std::size_t>(id);
+        const auto place = static_cast<std::size_t>(id) - 1;
         const std::string library = place < libraries.size() ? libraries[place] : "work";
         return library == file.library ? "work" : library == "work" ? "elsewhere" : library;
     }
 
-    [[nodiscard]] std::string text(const File& file) const {
-        std::string all;
-        for (const Part& one : file.parts)
-            all += text(file, one);
-        return all;
-    }
-
     [[nodiscard]] std::string text(const File& file, const Part& one) const {
-        const std::string id = std::to_string(one.id);
-        const std::string value = std::to_string(one.value);
-        std::string head = "-- " + std::string(static_cast<std::size_t>(one.comment), 'c') + "\n";
-        std::string sum = value;
+        // By kind. @: the number, #: the value, $: the value and what is used, *: the components,
+        // !: their instances.
+        constexpr const char* k_texts[] = {
+            "package p@ is\n  constant c@ : integer := $;\n  function g@ return integer;\nend;\n",
+            "package body p@ is\n  function g@ return integer is begin return #; end;\nend;\n",
+            "entity e@ is generic (n : integer := $); end;\n",
+            "architecture rtl of e@ is\n*  signal s : integer := $;\nbegin\n!end;\n",
+            "configuration k@ of e@ is for rtl end for; end;\n",
+            "context x@ is library alib; end;\n",
+            "package p@ is\n  generic (n : integer := $);\n  constant c@ : integer := n;\n"
+            "  function g@ return integer;\nend;\npackage body p@ is\n"
+            "  function g@ return integer is begin return n + #; end;\nend;\n",
+            "package q@ is new work.p@ generic map (n => #);\n"};
+        std::map<char, std::string> parts{{'@', std::to_string(one.id)},
+                                          {'#', std::to_string(one.value)},
+                                          {'$', std::to_string(one.value)}};
+        std::string all = "-- " + std::string(static_cast<std::size_t>(one.comment), 'c') + "\n";
         const bool is_secondary = one.kind == Kind::body || one.kind == Kind::context;
         for (const int use : one.uses) {
-            const std::string library = library_of(libraries_, use, file);
+            const std::string library = library_of(packages_, use, file);
             if (is_secondary || one.kind == Kind::instance || use == one.id)
                 continue;
             if (library != "work")
-                head += "library " + library + ";\n";
-            head += "use " + library + ".p" + std::to_string(use) + ".all;\n";
-            sum += " + c" + std::to_string(use);
+                all += "library " + library + ";\n";
+            all += "use " + library + ".p" + std::to_string(use) + ".all;\n";
+            parts['$'] += " + c" + std::to_string(use);
         }
-        if (one.broken)
-            head += "fault ";
-        std::string units;
-        int label = 0;
-        for (const int used : one.instances) {
+        for (int label = 0; const int used : one.instances) {
             const std::string name = "e" + std::to_string(used);
             const bool is_direct = used % 2 == 0 && used != one.id;
-            units += "  u" + std::to_string(++label) + " : " +
-                     (is_direct ? "entity " + library_of(entity_libraries_, used, file) + "." + name
-                                : "component " + name) +
-                     ";\n";
+            parts['!'] += "  u" + std::to_string(++label) + " : " +
+                          (is_direct ? "entity " + library_of(entities_, used, file) + "." + name
+                                     : "component " + name) +
+                          ";\n";
+            if (parts['*'].find(name + " ") == std::string::npos)
+                parts['*'] += "  component " + name + " is end component;\n";
         }
-        switch (one.kind) {
-        case Kind::package:
-            return head + "package p" + id + " is\n  constant c" + id + " : integer := " + sum +
-                   ";\n  function g" + id + " return integer;\nend;\n";
-        case Kind::body:
-            return head + "package body p" + id + " is\n  function g" + id +
-                   " return integer is begin return " + value + "; end;\nend;\n";
-        case Kind::entity:
-            return head + "entity e" + id + " is generic (n : integer := " + sum + "); end;\n";
-        case Kind::architecture: {
-            std::string components;
-            for (const int used : one.instances)
-                if (components.find("e" + std::to_string(used) + " ") == std::string::npos)
-                    components += "  component e" + std::to_string(used) + " is end component;\n";
-            return head + "architecture rtl of e" + id + " is\n" + components +
-                   "  signal s : integer := " + sum + ";\nbegin\n" + units + "end;\n";
-        }
-        case Kind::configuration:
-            return head + "configuration k" + id + " of e" + id + " is for rtl end for; end;\n";
-        case Kind::context:
-            return head + "context x" + id + " is library alib; end;\n";
-        case Kind::generic:
-            return head + "package p" + id + " is\n  generic (n : integer := " + sum +
-                   ");\n  constant c" + id + " : integer := n;\n  function g" + id +
-                   " return integer;\nend;\npackage body p" + id + " is\n  function g" + id +
-                   " return integer is begin return n + " + value + "; end;\nend;\n";
-        case Kind::instance:
-            break;
-        }
-        return head + "package q" + id + " is new work.p" + id + " generic map (n => " + value +
-               ");\n";
+        all += one.broken ? "fault " : "";
+        for (const char c : std::string_view(k_texts[static_cast<std::size_t>(one.kind)]))
+            all += std::string_view("@#$*!").find(c) == std::string_view::npos ? std::string(1, c)
+                                                                               : parts[c];
+        return all;
     }
 
     std::mt19937 random_;
     std::vector<File> files_;
-    std::vector<Part> waiting_; ///< secondary units for another file
-    std::vector<std::string> libraries_;
-    std::vector<std::string> entity_libraries_;
-    int packages_ = 0;
-    int entities_ = 0;
+    std::vector<Part> waiting_;         ///< secondary units for another file
+    std::vector<std::string> packages_; ///< the library of each, which count from 1
+    std::vector<std::string> entities_; ///< the same
     int names_ = 0;
     bool vhdl_93_ = false;
 };

@@ -1,11 +1,8 @@
 #include "tools/driver/ghdl/ghdl_library.h"
 
-#include "tests/support/scratch.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -87,21 +84,6 @@ TEST(GhdlLibrary, NamesThatBreakALibraryAreKnown) {
     EXPECT_TRUE(is_readable_by_ghdl("/home/gr\xC3\xBCn \\ ~ \xA0 \xFF.vhd"));
     for (const char* name : {"a\"b", "a\tb", "\xC3\x80.vhd", "\x7F", "\x9F"})
         EXPECT_FALSE(is_readable_by_ghdl(name)) << name;
-}
-
-/// With the installed GHDL, whose files these tests hold our reading against.
-TEST(RealGhdlLibrary, WhatItWritesIsReadAndWrittenBack) {
-    const Scratch scratch;
-    scratch.write("in/all.vhd",
-                  "package g is generic (n : integer); end; entity \\A\\\\b\\ is end;\n"
-                  "package x is new work.g generic map (n => 3);\n"
-                  "package q is constant c : integer; end q; package body q is\n"
-                  " constant c : integer := 1; end q;\n"
-                  "\t architecture RTL of \\A\\\\b\\ is begin end;\n"
-                  "configuration cfg of \\A\\\\b\\ is for rtl end for; end;\n"
-                  "context ctx is library ieee; end context; vunit v (\\A\\\\b\\) { }");
-    ASSERT_EQ(std::system("ghdl-mcode -a --std=08 in/all.vhd >log 2>&1"), 0) << scratch.read("log");
-    EXPECT_EQ(rewritten(scratch.read("work-obj08.cf")), scratch.read("work-obj08.cf"));
 }
 
 TEST(RealSources, UnitsThatGhdlFoundAreFound) {

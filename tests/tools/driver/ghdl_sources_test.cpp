@@ -21,8 +21,6 @@ struct Source {
     std::string path;
     std::string library;
     std::string text;
-    bool accepted = false; ///< by GHDL alone, which says `first` about it
-    std::string first{};
 
     [[nodiscard]] std::string unit() const {
         const std::string stem = fs::path(path).stem();
@@ -99,17 +97,16 @@ std::string standard_of(const test::Rounds& rounds, int round) {
     return k_standards[(rounds.seed + static_cast<unsigned>(round)) % k_standards.size()];
 }
 
-ToolRun brix(const std::string& standard, bool only_changed, const std::vector<Source>& sources) {
+ToolRun brix(const std::string& standard, const std::vector<Source>& sources) {
     const std::string digits = standard[0] == '0' ? standard.substr(1) : standard;
-    Words words{"-q", only_changed ? "-m" : "-yt", "-v" + digits};
+    Words words{"-q", "-v" + digits};
     for (const Source& source : sources)
         words.insert(words.end(), {"-a" + source.library, source.path});
     return run_brix(words);
 }
 
-/// All sources, those first that GHDL alone accepts in the current directory, in an order in which
-/// it does.
-std::vector<Source> judged_sources(const std::string& standard) {
+/// The sources that GHDL alone accepts in the current directory, in an order in which it does.
+std::vector<Source> accepted_sources(const std::string& standard) {
     std::vector<Source> waiting;
     for (const auto& entry : fs::recursive_directory_iterator(k_sources)) {
         std::string library =
@@ -120,46 +117,17 @@ std::vector<Source> judged_sources(const std::string& standard) {
     }
     std::sort(waiting.begin(), waiting.end(),
               [](const Source& a, const Source& b) { return a.path < b.path; });
-    std::vector<Source> judged;
+    std::vector<Source> accepted;
     for (std::size_t before = 1; before != waiting.size();) {
         before = waiting.size();
         std::erase_if(waiting, [&](Source& source) {
-            const BareGhdl bare(standard, source);
-            source.accepted = bare.status == 0;
-            source.first = bare.first();
-            if (source.accepted)
-                judged.push_back(source);
-            return source.accepted;
+            const bool is_accepted = BareGhdl(standard, source).status == 0;
+            if (is_accepted)
+                accepted.push_back(source);
+            return is_accepted;
         });
     }
-    judged.insert(judged.end(), waiting.begin(), waiting.end());
-    return judged;
-}
-
-TEST(GhdlSources, AreJudgedAsByGhdlAloneAndCompiledOnce) {
-    const test::Rounds rounds(1);
-    for (int round = 0; round < rounds.count; ++round) {
-        const std::string standard = standard_of(rounds, round);
-        const Scratch scratch;
-        fs::create_directory("bare");
-        std::vector<Source> sources;
-        {
-            const test::ScopedDirectory inside("bare");
-            sources = judged_sources(standard);
-        }
-        ASSERT_GT(sources.size(), 50u) << k_sources << " holds less than GHDL brings";
-        const ToolRun run = brix(standard, false, sources);
-        EXPECT_EQ(run.status, 1);
-        for (const Source& source : sources) {
-            const std::vector<std::string> own = messages_about(source.path, run.text);
-            EXPECT_EQ(own.empty() ? "" : own[0], source.first) << standard;
-        }
-        std::erase_if(sources, [](const Source& source) { return !source.accepted; });
-        EXPECT_GT(sources.size(), 12u) << standard;
-        const ToolRun again = brix(standard, true, sources);
-        EXPECT_EQ(again.status, 0);
-        EXPECT_EQ(again.text, "All files are up to date.\n") << standard;
-    }
+    return accepted;
 }
 
 /// A character deleted, replaced or inserted.
@@ -182,18 +150,17 @@ std::string with_fault(std::string text, std::mt19937& random) {
 
 TEST(GhdlSources, FirstMessageAboutAPlantedFaultIsGhdlsOwn) {
     const test::Rounds rounds(12);
-    std::map<std::string, std::vector<Source>> judged;
+    std::map<std::string, std::vector<Source>> accepted;
     for (int round = 0; round < rounds.count; ++round) {
         std::mt19937 random(rounds.seed + static_cast<unsigned>(round));
         const std::string at = "seed " + std::to_string(rounds.seed + static_cast<unsigned>(round));
         const std::string standard = standard_of(rounds, round / 50);
         const Scratch scratch;
         fs::create_directory("bare");
-        std::vector<Source>& all = judged[standard];
+        std::vector<Source>& all = accepted[standard];
         if (all.empty()) {
             const test::ScopedDirectory inside("bare");
-            all = judged_sources(standard);
-            std::erase_if(all, [](const Source& source) { return !source.accepted; });
+            all = accepted_sources(standard);
             fs::remove_all(scratch.path("bare"));
             fs::create_directory(scratch.path("bare"));
         }
@@ -234,7 +201,7 @@ TEST(GhdlSources, FirstMessageAboutAPlantedFaultIsGhdlsOwn) {
         }();
         for (const Source& source : needed)
             scratch.write(source.path, source.text);
-        const ToolRun run = brix(standard, false, needed);
+        const ToolRun run = brix(standard, needed);
         EXPECT_EQ(run.status, 1) << at;
         const std::vector<std::string> own = messages_about(faulty.path, run.text);
         ASSERT_FALSE(own.empty() || bare.messages.empty()) << at << "\n" << run.text;

@@ -1,7 +1,5 @@
+#include "tests/support/run_program.h"
 #include "tests/support/scratch.h"
-#include "tests/tools/driver/run_brix.h"
-
-#include <map>
 
 namespace pellux {
 namespace {
@@ -37,21 +35,13 @@ struct InstalledLibraries : testing::Test {
                                  "signal x : wire_set; signal y : bit;\nbegin\n"
                                  "g : entity lgates.a_gate port map (x, y);\nend;\n");
     }
-
-    std::map<std::string, std::string> installation() {
-        std::map<std::string, std::string> files;
-        for (const auto& entry : fs::recursive_directory_iterator("tree"))
-            files[entry.path()] =
-                entry.is_regular_file() ? scratch.read(entry.path().string()) : "";
-        return files;
-    }
 };
 
 TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
     // One is shipped with its source in the library's own directory.
     fs::rename("tree/lib/lbase/src/base.vhd", "tree/lib/lbase/work/base.vhd");
     fs::remove("tree/lib/lbase/work/base.vif");
-    const std::map<std::string, std::string> before = installation();
+    const auto before = scratch.files("tree");
     const std::string base = "Preparing installed library 'lbase' for this standard and GHDL.\n";
     const std::string gates = "Preparing installed library 'lgates' for this standard and GHDL.\n";
     ToolRun run = run_brix({"-q", "-m", "-b", "top.vhd"});
@@ -69,7 +59,7 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
     EXPECT_EQ(run_brix({"-q", "-m", "-v93", "-b", "top.vhd"}).text, "All files are up to date.\n");
     EXPECT_EQ(run_program("brixsim", {"-q", "top.vhd"}).text,
               "Simulating 'top'\nWaveform of 'top' in 'top.vcd'.\n");
-    EXPECT_EQ(installation(), before);
+    EXPECT_EQ(scratch.files("tree"), before);
 
     // A later installation is noticed, a half-made analysis made anew.
     scratch.write("tree/lib/lbase/work/base.vhd",
@@ -83,25 +73,17 @@ TEST_F(InstalledLibraries, AreAnalysedForTheUserAsFarAsTheyAreNamed) {
 
 TEST_F(InstalledLibraries, AreReadAsTheyLieWhereTheyFit) {
     // Made in a project and moved into the installation.
-    const Words words = {"-q",
-                         "-albase",
-                         "tree/lib/lbase/src/base.vhd",
-                         "-algates",
-                         "tree/lib/lgates/src/b_types.vhd",
-                         "-algates",
-                         "tree/lib/lgates/src/a_gate.vhd"};
+    const Words words = test::words_of("-q -albase tree/lib/lbase/src/base.vhd -algates "
+                                       "tree/lib/lgates/src/b_types.vhd -algates "
+                                       "tree/lib/lgates/src/a_gate.vhd");
     {
         const test::ScopedVariable none{"VELMORA_DIR", scratch.path("none").c_str()};
         ASSERT_EQ(run_brix(words).status, 0);
     }
     for (const std::string library : {"lbase", "lgates"}) {
-        fs::remove_all("tree/lib/" + library + "/work");
-        fs::rename(library, "tree/lib/" + library + "/work");
-        for (const auto& entry : fs::directory_iterator("tree/lib/" + library + "/src")) {
-            const std::string name = entry.path().stem();
-            scratch.write("tree/lib/" + library + "/work/" + name + ".vif",
-                          "../src/" + name + ".vhd\n");
-        }
+        fs::copy(library, "tree/lib/" + library + "/work",
+                 fs::copy_options::recursive | fs::copy_options::skip_existing);
+        fs::remove_all(library);
     }
     EXPECT_EQ(run_brix({"-q", "-m", "-b", "top.vhd"}).text, "Compiling 'top.vhd'\n");
     fs::rename("tree", "moved");

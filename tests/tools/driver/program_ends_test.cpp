@@ -9,25 +9,10 @@ namespace {
 
 /// Both programs with the fake GHDL, and a library in which the simulator finds its units.
 struct ProgramEnds : testing::Test, FakeGhdl {
-    test::ScopedVariable cache{"XDG_CACHE_HOME", scratch.path("cache").c_str()};
-    std::set<std::string> before;
-    std::set<std::string> library;
-
     void SetUp() override {
-        for (const char* file : {"good.vhd", "endless.vhd", "run_hang.vhd", "run_twice.vhd"})
-            scratch.write(file, "-- a unit\n");
+        write_units("good.vhd endless.vhd run_hang.vhd run_twice.vhd");
         ASSERT_EQ(run_brix({"-q", "good.vhd", "run_hang.vhd", "run_twice.vhd"}).status, 0);
-        std::filesystem::create_directory("cache");
         remember();
-    }
-    void remember() {
-        before = scratch.names();
-        library = scratch.names("work");
-    }
-    void expect_nothing_left() const {
-        EXPECT_EQ(scratch.names(), before);
-        EXPECT_EQ(scratch.names("work"), library);
-        EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
     }
 };
 

@@ -21,8 +21,7 @@ struct RunReport : testing::Test, FakeGhdl {
 };
 
 TEST_F(RunReport, TellsHowTheRunWentAndWhy) {
-    scratch.write("warnings.vhd", "-- warns\n");
-    scratch.write("errors.vhd", "-- fails\n");
+    write_units("warnings.vhd errors.vhd");
     std::filesystem::create_directory("src");
     scratch.write("src/top.vhd", "#$ DEVICE cpld32\n#$ PACKAGE plcc44\n#$ GROUP SOFT ALL\n"
                                  "#$ GROUP MCELL ALL\n-- top\n");
