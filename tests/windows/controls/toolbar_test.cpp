@@ -179,15 +179,15 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         press_pointer(part(1), k_inside);
         EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::mouse_down);
         EXPECT_EQ(spoken(part(1)), "button 'Open' pressed");
-        move_pointer(part(1), k_outside, PointerButton::left);
+        move_pointer(part(1), k_outside);
         EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::push);
         release_pointer(part(1), k_outside);
         EXPECT_EQ(owner.take(), "focus; ");
         press_pointer(part(1), k_inside);
-        move_pointer(part(1), k_outside, PointerButton::left);
-        move_pointer(part(1), k_inside, PointerButton::left);
+        move_pointer(part(1), k_outside);
+        move_pointer(part(1), k_inside);
         release_pointer(part(1), k_inside);
-        click(part(1), k_inside, PointerButton::right);
+        right_click(part(1), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 1 4 of notice; ");
 
         // The numbers that windows set buttons by.
@@ -241,6 +241,7 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked disabled");
         toggle_button_set_state(part(3), ToggleState::indeterminate);
         EXPECT_EQ(spoken(part(3)), "check box 'Wrap' mixed");
+        release_pointer(part(3), k_inside);
     });
 }
 

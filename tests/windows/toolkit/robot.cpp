@@ -36,15 +36,6 @@ const QPlainTextEdit* last_output() {
     return outputs.isEmpty() ? nullptr : outputs.last();
 }
 
-/// The part of a native control that is under the pointer, and the place in it.
-QWidget* part_at(QWidget* widget, QPoint& place) {
-    QWidget* part = widget == nullptr ? nullptr : widget->childAt(place);
-    if (part == nullptr || window_of(*part) != Window::none)
-        return widget;
-    place = part->mapFrom(widget, place);
-    return part;
-}
-
 /// A place in the window as one in its widget, in logical pixels.
 QPoint logical(Window window, Point at) {
     const WindowRecord* record = find_window(window);
@@ -54,34 +45,19 @@ QPoint logical(Window window, Point at) {
     return {static_cast<int>(at.x / ratio), static_cast<int>(at.y / ratio)};
 }
 
-Qt::MouseButton qt_button(PointerButton button) {
-    switch (button) {
-    case PointerButton::left:
-        return Qt::LeftButton;
-    case PointerButton::middle:
-        return Qt::MiddleButton;
-    case PointerButton::right:
-        return Qt::RightButton;
-    case PointerButton::none:
-        break;
-    }
-    return Qt::NoButton;
-}
-
-Qt::KeyboardModifiers qt_modifiers(Modifiers with) {
-    return (with.shift ? Qt::ShiftModifier : Qt::NoModifier) |
-           (with.control ? Qt::ControlModifier : Qt::NoModifier) |
-           (with.alt ? Qt::AltModifier : Qt::NoModifier);
+/// The window of the program that lies in front of all.
+QWidget* front_window() {
+    if (QWidget* popup = QApplication::activePopupWidget())
+        return popup;
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    QWidget* active = QApplication::activeWindow();
+    return active != nullptr ? active : task_window();
 }
 
 QWidget* focus_widget() {
-    if (QWidget* popup = QApplication::activePopupWidget())
-        return popup->focusWidget() != nullptr ? popup->focusWidget() : popup;
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal->focusWidget() != nullptr ? modal->focusWidget() : modal;
-    if (QWidget* focus = QApplication::focusWidget())
-        return focus;
-    return task_window();
+    QWidget* front = front_window();
+    return front == nullptr || front->focusWidget() == nullptr ? front : front->focusWidget();
 }
 
 QAction* find_action(const QList<QAction*>& actions, int tag) {
@@ -113,37 +89,25 @@ bool choose_in(QMenu& menu, int tag) {
     return false;
 }
 
-/// The desktop's window that a widget is in, and a place of it there.
-QWindow* desktop_window(QWidget* widget, QPoint& place) {
-    if (widget == nullptr || widget->window()->windowHandle() == nullptr)
+/// The desktop's window that a window is in; the place becomes one of it.
+QWindow* desktop_window(Window window, Point at, QPoint& place) {
+    QWidget* widget = widget_at(window);
+    if (widget == nullptr)
         return nullptr;
-    place = widget->mapTo(widget->window(), place);
+    place = widget->mapTo(widget->window(), logical(window, at));
     return widget->window()->windowHandle();
+}
+
+void point_at(Window window, Point at, QTest::MouseAction action,
+              Qt::MouseButton button = Qt::LeftButton) {
+    QPoint place;
+    if (QWindow* target = desktop_window(window, at, place))
+        QTest::mouseEvent(action, target, button, {}, place);
+    process_events();
 }
 
 bool is_copy(const QDropEvent& event) {
     return event.isAccepted() && event.dropAction() == Qt::CopyAction;
-}
-
-bool drop(Window window, Point at, const QMimeData& data) {
-    QPoint place = logical(window, at);
-    QWindow* target = desktop_window(widget_at(window), place);
-    if (target == nullptr)
-        return false;
-    const auto actions = Qt::CopyAction | Qt::MoveAction;
-    QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(target, &enter);
-    QDragMoveEvent move(place, actions, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(target, &move);
-    if (!is_copy(enter) || !is_copy(move)) {
-        QDragLeaveEvent leave;
-        QCoreApplication::sendEvent(target, &leave);
-        return false;
-    }
-    QDropEvent dropped(place, actions, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(target, &dropped);
-    process_events();
-    return is_copy(dropped);
 }
 
 void list_actions(const QList<QAction*>& actions, int depth, std::string& list) {
@@ -198,48 +162,28 @@ void type_text(std::string_view text) {
     }
 }
 
-void press_pointer(Window window, Point at, PointerButton button, Modifiers with) {
-    QPoint place = logical(window, at);
-    if (QWidget* part = part_at(widget_at(window), place))
-        QTest::mousePress(part, qt_button(button), qt_modifiers(with), place);
-    process_events();
+void press_pointer(Window window, Point at) {
+    point_at(window, at, QTest::MousePress);
 }
 
-void release_pointer(Window window, Point at, PointerButton button) {
-    QPoint place = logical(window, at);
-    if (QWidget* part = part_at(widget_at(window), place))
-        QTest::mouseRelease(part, qt_button(button), {}, place);
-    process_events();
+void release_pointer(Window window, Point at) {
+    point_at(window, at, QTest::MouseRelease);
 }
 
-void move_pointer(Window window, Point at, PointerButton held) {
-    QWidget* widget = widget_at(window);
-    if (widget == nullptr)
-        return;
-    const QPoint place = logical(window, at);
-    QMouseEvent event(QEvent::MouseMove, place, widget->mapToGlobal(place), Qt::NoButton,
-                      qt_button(held), Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-    process_events();
+void move_pointer(Window window, Point at) {
+    point_at(window, at, QTest::MouseMove);
 }
 
-void click(Window window, Point at, PointerButton button, Modifiers with) {
-    press_pointer(window, at, button, with);
-    release_pointer(window, at, button);
+void click(Window window, Point at) {
+    point_at(window, at, QTest::MouseClick);
 }
 
 void double_click(Window window, Point at) {
-    QPoint place = logical(window, at);
-    if (QWidget* part = part_at(widget_at(window), place))
-        QTest::mouseDClick(part, Qt::LeftButton, {}, place);
-    process_events();
+    point_at(window, at, QTest::MouseDClick);
 }
 
 void right_click(Window window, Point at) {
-    QPoint place = logical(window, at);
-    if (QWindow* target = desktop_window(widget_at(window), place))
-        QTest::mouseClick(target, Qt::RightButton, {}, place);
-    process_events();
+    point_at(window, at, QTest::MouseClick, Qt::RightButton);
 }
 
 bool drop_files(Window window, Point at, std::span<const std::string> paths) {
@@ -254,7 +198,22 @@ bool drop_files(Window window, Point at, std::span<const std::string> paths) {
 bool drop_data(Window window, Point at, const char* type, std::string_view data) {
     QMimeData dragged;
     dragged.setData(type, QByteArray(data.data(), static_cast<qsizetype>(data.size())));
-    return drop(window, at, dragged);
+    QPoint place;
+    QWindow* target = desktop_window(window, at, place);
+    const auto actions = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(place, actions, &dragged, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(place, actions, &dragged, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &move);
+    if (!is_copy(enter) || !is_copy(move)) {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(target, &leave);
+        return false;
+    }
+    QDropEvent dropped(place, actions, &dragged, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &dropped);
+    process_events();
+    return is_copy(dropped);
 }
 
 bool choose_item(int tag) {
@@ -288,23 +247,8 @@ std::string shown_popup() {
     return list;
 }
 
-bool open_menu(int tag) {
-    TaskWindow* task = task_window();
-    if (task == nullptr)
-        return false;
-    for (QAction* action : task->menuBar()->actions()) {
-        if (action->menu() == nullptr || action->menu()->menuAction()->data().toInt() != tag)
-            continue;
-        const QRect at = task->menuBar()->actionGeometry(action);
-        action->menu()->popup(task->menuBar()->mapToGlobal(at.bottomLeft()));
-        process_events();
-        return true;
-    }
-    return false;
-}
-
 void in_box(const std::function<void()>& act) {
-    constexpr int k_wait_ms = 10;
+    constexpr int k_wait_ms = 1;
     QTimer::singleShot(k_wait_ms, [act] {
         if (QApplication::activeModalWidget() == nullptr)
             in_box(act);
@@ -386,37 +330,20 @@ bool end_session() {
 }
 
 std::uint32_t shown_pixel(Window window, Point at) {
-    QWidget* widget = widget_at(window);
-    if (widget == nullptr)
-        return 0;
-    const QImage shown = widget->grab().toImage();
-    const WindowRecord* record = find_window(window);
-    const bool is_device = record->surface && record->surface->units == PixelUnits::device;
-    const double scale = is_device ? 1 : shown.devicePixelRatio();
-    return shown.pixel(static_cast<int>(at.x * scale), static_cast<int>(at.y * scale)) & 0xFFFFFF;
+    const QImage shown = widget_at(window)->grab().toImage();
+    return shown.pixel(logical(window, at) * shown.devicePixelRatio()) & 0xFFFFFF;
 }
 
 bool save_front_picture(std::string_view path) {
-    QWidget* front = QApplication::activePopupWidget();
-    if (front == nullptr)
-        front = QApplication::activeModalWidget();
-    if (front == nullptr)
-        front = QApplication::activeWindow();
-    if (front == nullptr)
-        return false;
-    const bool is_saved = front->grab().save(to_qstring(path), "PNG");
+    const bool is_saved = front_window()->grab().save(to_qstring(path), "PNG");
     if (QWidget* popup = QApplication::activePopupWidget())
         popup->close();
     return is_saved;
 }
 
 bool save_picture(Window window, std::string_view path) {
-    QWidget* widget = widget_at(window);
-    if (widget == nullptr)
-        return false;
-    const WindowRecord* record = find_window(window);
-    QWidget* shown = record->kind == WindowKind::document ? widget->parentWidget() : widget;
-    return shown->grab().save(to_qstring(path), "PNG");
+    QWidget* shown = frame_of(window);
+    return shown != nullptr && shown->grab().save(to_qstring(path), "PNG");
 }
 
 } // namespace pellux

@@ -18,15 +18,12 @@ void press_key(std::string_view key);
 /// Types characters of Latin-1 where the focus is.
 void type_text(std::string_view text);
 
-/// Places are in the window's own units.
-void press_pointer(Window window, Point at, PointerButton button = PointerButton::left,
-                   Modifiers with = {});
-void release_pointer(Window window, Point at, PointerButton button = PointerButton::left);
-void move_pointer(Window window, Point at, PointerButton held = PointerButton::none);
-void click(Window window, Point at, PointerButton button = PointerButton::left,
-           Modifiers with = {});
+/// The left button, unless another is named; places are in the window's own units.
+void press_pointer(Window window, Point at);
+void release_pointer(Window window, Point at);
+void move_pointer(Window window, Point at);
+void click(Window window, Point at);
 void double_click(Window window, Point at);
-/// As it comes from the desktop, with all that it asks for.
 void right_click(Window window, Point at);
 
 /// Drags files, or data of a MIME type, from another program over the window and drops them there.
@@ -43,9 +40,6 @@ bool choose_item(int tag);
 /// The same for the menu that has popped up, with the keys that a user presses in it.
 bool choose_popup_item(int tag);
 [[nodiscard]] std::string shown_popup();
-
-/// Opens the menu of a tag; the next menu or picture ends it.
-bool open_menu(int tag);
 
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
 void in_box(const std::function<void()>& act);

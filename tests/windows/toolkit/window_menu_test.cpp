@@ -58,10 +58,6 @@ struct Three {
                 names += static_cast<char>('a' + i);
         return names;
     }
-    void minimise(int i) const {
-        find_window(windows[i])->widget->parentWidget()->showMinimized();
-        process_events();
-    }
     [[nodiscard]] std::vector<Rect> places() const {
         return {xvt_vobj_get_outer_rect(windows[0]), xvt_vobj_get_outer_rect(windows[1]),
                 xvt_vobj_get_outer_rect(windows[2])};
@@ -85,17 +81,17 @@ TEST(WindowMenu, LeadsToEveryWindowAndTheOneBefore) {
                 EXPECT_EQ(three.with_keys(), name) << key;
             }
             xvt_vobj_set_modified(three.windows[0], true);
-            EXPECT_TRUE(open_menu(static_cast<int>(WindowCommand::menu)));
+            press_key("Alt+W");
             EXPECT_TRUE(shown_popup().ends_with("\n-\n&1 a*\n&2 b\n*&3 c\n")) << shown_popup();
             press_key("2");
             EXPECT_EQ(three.with_keys(), "b");
-            three.minimise(1);
+            minimise_by_frame(three.windows[1]);
             EXPECT_EQ(three.with_keys(), "c") << "a minimised one keeps the keys";
             xvt_vobj_raise(three.windows[0]);
             xvt_vobj_destroy(three.windows[0]);
             process_events();
             EXPECT_EQ(three.with_keys(), "c") << "not the one before";
-            three.minimise(2);
+            minimise_by_frame(three.windows[2]);
             xvt_vobj_destroy(three.windows[1]);
             process_events();
             press_key("Ctrl+Tab");
@@ -110,7 +106,7 @@ TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
             Three three;
             const std::vector<Rect> before = three.places();
             const auto is_as_before = [&] { return three.places() == before; };
-            three.minimise(0);
+            minimise_by_frame(three.windows[0]);
             xvt_vobj_maximize(three.windows[1]);
             process_events();
             EXPECT_TRUE(is_as_before());

@@ -65,7 +65,6 @@ TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
             EXPECT_EQ(xvt_win_get_ctl(window, 5), pane);
             EXPECT_EQ(xvt_win_get_ctl(window, 6), Window::none);
             EXPECT_EQ(xvt_vobj_get_client_rect(pane), (Rect{0, 0, 50, 100}));
-            click(pane, {7, 9});
             double_click(pane, {7, 9});
             click(window, {200, 150});
             EXPECT_EQ(inner.take(), "created; down 7,9*1; down 7,9*2; ");

@@ -112,7 +112,7 @@ Window show_toolbars() {
 void visit_program(Tour& tour) {
     const Window task = xvt_win_get_task();
     tour.picture(task, "task");
-    tour.keep(open_menu(k_tools_menu), "tools_menu");
+    press_key("Alt+O");
     tour.front("tools_menu");
 
     const Window bars = show_toolbars();
@@ -230,7 +230,7 @@ void visit_failure(Tour& tour, const String& directory) {
               "failed");
     add_dropped_files(project, std::array{String(path.view())});
     process_events();
-    tour.keep(open_menu(k_files_menu), "files_menu");
+    press_key("Alt+F");
     tour.front("files_menu");
     press_key("F7");
     tour.picture(task, "compiling");
