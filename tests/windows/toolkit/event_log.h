@@ -2,6 +2,8 @@
 
 #include "core/common/callback.h"
 #include "windows/toolkit/event.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
 
 #include <functional>
 #include <set>
@@ -64,6 +66,33 @@ struct EventLog {
             log.act(window, event);
         return log.answer;
     }
+};
+
+/// The numbers of a window of 400 by 300 and of a menu bar, which every test program has.
+inline constexpr int k_test_window = 7100;
+inline constexpr int k_test_menu_bar = 7100;
+inline constexpr WindowResource k_test_windows[] = {{k_test_window, "____", 400, 300}};
+inline constexpr MenuResource k_test_items[] = {{.tag = 1, .title = "&Do"}};
+inline constexpr MenuResource k_test_menus[] = {
+    {.tag = 2, .title = "&File", .items = k_test_items}};
+inline constexpr MenuBarResource k_test_bars[] = {{k_test_menu_bar, k_test_menus}};
+inline const bool k_has_test_resources = [] {
+    xvt_res_register({.menu_bars = k_test_bars, .windows = k_test_windows});
+    return true;
+}();
+
+/// A window in the task window as long as it lives, and what it is told.
+struct LoggedWindow {
+    EventLog log;
+    EventLog inner; ///< of a part of it
+    Window window;
+
+    explicit LoggedWindow(const std::set<EventType>& told)
+        : log(told), inner(told), window(xvt_win_create_res(k_test_window, log.handler())) {}
+    ~LoggedWindow() { xvt_vobj_destroy(window); }
+    LoggedWindow(const LoggedWindow&) = delete;
+    LoggedWindow& operator=(const LoggedWindow&) = delete;
+    std::string take() { return log.take(); }
 };
 
 } // namespace pellux

@@ -5,7 +5,6 @@
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/qt/windows/task_window.h"
-#include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
 #include <gtest/gtest.h>
@@ -20,36 +19,17 @@
 namespace pellux {
 namespace {
 
-constexpr WindowResource k_windows[] = {{7170, "Give [*] take", 400, 300}};
-constexpr MenuResource k_menus[] = {{.tag = 1, .title = "One"}};
-constexpr MenuBarResource k_bars[] = {{7170, k_menus}};
-const bool k_is_registered = [] {
-    xvt_res_register({.menu_bars = k_bars, .windows = k_windows});
-    return true;
-}();
-
 /// What comes from outside.
 const std::set<EventType> k_told{EventType::command, EventType::character, EventType::context_menu,
                                  EventType::clipboard, EventType::drop};
 
 /// A window with a pane (id 1) and a list (id 2) in it.
-struct Scene {
-    EventLog log{k_told};
-    EventLog inner{k_told};
-    Window window = Window::none;
-    Window pane = Window::none;
-    Window list = Window::none;
+struct Scene : LoggedWindow {
+    Window pane = xvt_win_create_pane(
+        {.parent = window, .id = 1, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
+    Window list = xvt_ctl_create({window, ControlKind::list, 2, "", {100, 20, 200, 120}});
 
-    Scene() {
-        window = xvt_win_create_res(7170, log.handler());
-        pane = xvt_win_create_pane(
-            {.parent = window, .id = 1, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
-        list = xvt_ctl_create({window, ControlKind::list, 2, "", {100, 20, 200, 120}});
-        process_events();
-    }
-    ~Scene() { xvt_vobj_destroy(window); }
-    Scene(const Scene&) = delete;
-    Scene& operator=(const Scene&) = delete;
+    Scene() : LoggedWindow(k_told) { process_events(); }
     /// What the pane was told, and after it the window.
     std::string take() { return inner.take() + "/" + log.take(); }
 };
@@ -198,7 +178,7 @@ TEST(Titles, StayBareUnderTheMarkOfChanges) {
             process_events();
             EXPECT_EQ(shown(), "Task");
         },
-        {.menu_bar = 7170, .task_title = "Task"});
+        {.menu_bar = k_test_menu_bar, .task_title = "Task"});
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
@@ -134,14 +135,11 @@ QMainWindow* help_window() {
     return nullptr;
 }
 
-constexpr WindowResource k_window{.number = 7801, .title = "A window", .width = 300, .height = 200};
-
 TEST(HelpSystem, ShowsThePageOfTheClosestSubject) {
     const ScopedTemporaries temporaries;
-    xvt_res_register({.windows = {&k_window, 1}});
     in_application([&temporaries] {
         // A window in the task window; both, a control and commands have their topics.
-        const Window window = xvt_win_create_res(7801, {});
+        const Window window = xvt_win_create_res(k_test_window, {});
         const HelpFile file = xvt_help_open_helpfile(k_directory, "pellux");
         ASSERT_NE(file, HelpFile::none);
         EXPECT_EQ(temporaries.place.names(), std::set<std::string>{}) << "no window, no files";

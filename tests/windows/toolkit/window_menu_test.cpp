@@ -5,12 +5,12 @@
 #include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_menu.h"
 #include "windows/toolkit/qt/windows/window_table.h"
-#include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
 #include <gtest/gtest.h>
 
 #include <QMdiArea>
+#include <QMenuBar>
 
 #include <string>
 #include <vector>
@@ -18,43 +18,25 @@
 namespace pellux {
 namespace {
 
-constexpr WindowResource k_windows[] = {{.number = 7190, .width = 300, .height = 200}};
-constexpr MenuResource k_menus[] = {{.tag = 1, .title = "One"}};
-constexpr MenuBarResource k_bars[] = {{7190, k_menus}};
-const bool k_is_registered = [] {
-    xvt_res_register({.menu_bars = k_bars, .windows = k_windows});
-    return true;
-}();
-
 /// Three windows, of which "c" is the active one.
 struct Three {
-    EventLog logs[3] = {keys(), keys(), keys()};
-    Window windows[3]{};
-    QMdiArea& area = task_window()->area();
+    static inline const std::set<EventType> k_told{EventType::character};
+    LoggedWindow each[3]{LoggedWindow(k_told), LoggedWindow(k_told), LoggedWindow(k_told)};
+    Window windows[3]{each[0].window, each[1].window, each[2].window};
 
     Three() {
-        for (int i = 0; i < 3; ++i) {
-            windows[i] = xvt_win_create_res(7190, logs[i].handler());
+        for (int i = 0; i < 3; ++i)
             xvt_vobj_set_title(windows[i], std::string(1, static_cast<char>('a' + i)));
-        }
         process_events();
     }
-    ~Three() {
-        for (const Window window : windows)
-            xvt_vobj_destroy(window);
-    }
-    Three(const Three&) = delete;
-    Three& operator=(const Three&) = delete;
-
-    static EventLog keys() { return EventLog({EventType::character}); }
     /// Those that a key is told to.
     std::string with_keys() {
-        for (EventLog& log : logs)
+        for (LoggedWindow& log : each)
             log.take();
         press_key("X");
         std::string names;
         for (int i = 0; i < 3; ++i)
-            if (logs[i].take() == "key 120; ")
+            if (each[i].take() == "key 120; ")
                 names += static_cast<char>('a' + i);
         return names;
     }
@@ -97,7 +79,7 @@ TEST(WindowMenu, LeadsToEveryWindowAndTheOneBefore) {
             press_key("Ctrl+Tab");
             EXPECT_EQ(three.with_keys(), "c") << "a minimised one that is alone does not come back";
         },
-        {.menu_bar = 7190});
+        {.menu_bar = k_test_menu_bar});
 }
 
 TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
@@ -135,13 +117,13 @@ TEST(WindowMenu, ArrangesAndKeepsThePlacesOfBefore) {
                 EXPECT_EQ(three.with_keys(), "a");
             }
         },
-        {.menu_bar = 7190});
+        {.menu_bar = k_test_menu_bar});
 }
 
 TEST(WindowMenu, KeepsTabsForTheNextRun) {
     const test::TemporaryDirectory settings;
     const test::ScopedVariable place("XDG_CONFIG_HOME", settings.path().c_str());
-    const AppConfig config{.menu_bar = 7190, .tabs_setting = "Tabs"};
+    const AppConfig config{.menu_bar = k_test_menu_bar, .tabs_setting = "Tabs"};
     for (const bool as_tabs : {false, true, false})
         in_application(
             [&] {
@@ -149,6 +131,30 @@ TEST(WindowMenu, KeepsTabsForTheNextRun) {
                 choose(WindowCommand::tabs);
             },
             config);
+}
+
+TEST(MenuBar, ShowsThatItHasTheKeysAndGivesThemBack) {
+    in_application(
+        [] {
+            LoggedWindow logged({EventType::character});
+            process_events();
+            QMenuBar& bar = *task_window()->menuBar();
+            const auto is_shown = [&bar] {
+                const QPoint at = bar.actionGeometry(bar.actions()[0]).topLeft() + QPoint(2, 2);
+                return bar.grab().toImage().pixel(at) == bar.palette().highlight().color().rgb();
+            };
+            for (const char* key : {"F7", "Del", "Esc"}) {
+                EXPECT_FALSE(is_shown());
+                press_key("Alt+F");
+                press_key("Esc");
+                EXPECT_TRUE(bar.hasFocus() && is_shown());
+                press_key(key);
+                EXPECT_FALSE(bar.hasFocus()) << key;
+            }
+            press_key("F7");
+            EXPECT_EQ(logged.take(), "key 407; key 127; key 407; ");
+        },
+        {.menu_bar = k_test_menu_bar});
 }
 
 } // namespace

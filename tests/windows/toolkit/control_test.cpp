@@ -22,37 +22,94 @@ namespace pellux {
 namespace {
 
 constexpr int k_image = 7160;
-constexpr WindowResource k_windows[] = {{7160, "Files", 400, 300}};
 constexpr ImageResource k_images[] = {{k_image, "open"}};
-const bool k_is_registered = [] {
-    xvt_res_register({.windows = k_windows, .images = k_images});
-    return true;
-}();
 
 /// A window around one control, and what the window is told.
 template <typename Widget>
-struct Around {
-    EventLog log{{EventType::character, EventType::control, EventType::context_menu}};
-    Window window = xvt_win_create_res(7160, log.handler());
+struct Around : LoggedWindow {
     Window control;
     Widget* widget;
 
     explicit Around(ControlKind kind)
-        : control(xvt_ctl_create({window, kind, 3, "Name", {20, 10, 220, 310}})),
+        : LoggedWindow({EventType::character, EventType::control, EventType::context_menu}),
+          control(xvt_ctl_create({window, kind, 3, "Name", {20, 10, 220, 310}})),
           widget(widget_of<Widget>(control)) {
         xvt_vobj_set_focus(control);
         process_events();
         log.answer = 1;
     }
-    ~Around() { xvt_vobj_destroy(window); }
-    Around(const Around&) = delete;
-    Around& operator=(const Around&) = delete;
-
-    std::string take() { return log.take(); }
     [[nodiscard]] QScrollBar& bar() const { return *widget->verticalScrollBar(); }
 };
+using Control = Around<QWidget>;
 using ListWindow = Around<QListView>;
 using OutputWindow = Around<QPlainTextEdit>;
+
+TEST(NativeControls, TellWhatTheUserDidAndNothingElseAndMayEndInIt) {
+    const Vector<String> items = {"a", "b", "c"};
+    const struct {
+        ControlKind kind;
+        std::vector<const char*> keys;
+        const char* told;
+        int selected;
+        const char* title;
+    } rows[] = {
+        {ControlKind::button, {"Space"}, "pressed 3; ", -1, "b"},
+        {ControlKind::edit, {"End", "Z", "Return"}, "edited 3; chosen 3; key 13; ", -1, "bz"},
+        {ControlKind::list, {"Down", "Return"}, "selected 3; chosen 3; ", 2, "b"},
+        {ControlKind::list_button, {"Down"}, "selected 3; ", 2, "b"},
+        {ControlKind::list_edit, {"End", "Z"}, "edited 3; ", -1, "bz"},
+    };
+    in_application([&] {
+        for (const auto& row : rows) {
+            Control made(row.kind);
+            xvt_list_set_items(made.control, items);
+            EXPECT_EQ(xvt_list_get_selection(made.control), -1);
+            xvt_list_set_selection(made.control, 1);
+            xvt_vobj_set_title(made.control, "b");
+            EXPECT_EQ(made.take(), "") << "the program's own changes are told";
+            for (const char* key : row.keys)
+                press_key(key);
+            EXPECT_EQ(made.take(), row.told);
+            EXPECT_EQ(xvt_list_get_selection(made.control), row.selected);
+            xvt_list_set_items(made.control, items);
+            EXPECT_EQ(xvt_vobj_get_title(made.control), row.title) << row.told;
+            for (const bool is_whole : {false, true}) {
+                Control ending(row.kind);
+                xvt_list_set_items(ending.control, items);
+                ending.log.act = [&](Window, const Event& event) {
+                    if (event.get<ControlEvent>() != nullptr)
+                        xvt_vobj_destroy(is_whole ? ending.window : ending.control);
+                };
+                for (const char* key : row.keys)
+                    press_key(key);
+                EXPECT_FALSE(xvt_vobj_is_valid(ending.control));
+            }
+        }
+    });
+}
+
+TEST(NativeControls, KeepTheBytesOfManyEntries) {
+    in_application([] {
+        Vector<String> items(10000, "more");
+        items[0] = "bad\xFF\n<b>";
+        for (const ControlKind kind : {ControlKind::list, ControlKind::list_many,
+                                       ControlKind::list_button, ControlKind::list_edit}) {
+            const Control made(kind);
+            const Window list = made.control;
+            xvt_list_set_items(list, items);
+            EXPECT_EQ(xvt_list_count(list), 10000);
+            EXPECT_EQ(xvt_list_get_item(list, 0), items[0]);
+            EXPECT_EQ(xvt_list_get_item(list, 10000), "");
+            for (const int index : {9999, 0, -7, 10000}) {
+                xvt_list_set_selection(list, index);
+                EXPECT_EQ(xvt_list_get_selection(list), index < 0 || index > 9999 ? -1 : index);
+            }
+            xvt_list_set_selection(list, 9999);
+            xvt_list_set_items(list, {});
+            EXPECT_EQ(xvt_list_get_selection(list), -1);
+        }
+    });
+}
 
 Vector<ListEntry> numbered(int count) {
     Vector<ListEntry> entries;
@@ -62,6 +119,7 @@ Vector<ListEntry> numbered(int count) {
 }
 
 TEST(ListControl, ShowsLooksAndTellsAReaderTheBareText) {
+    xvt_res_register({.images = k_images});
     in_application([] {
         const ListWindow files(ControlKind::list_many);
         const ListEntry looks[] = {{.text = "a<b>"},
