@@ -3,6 +3,7 @@
 #include "core/os/loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
@@ -40,23 +41,8 @@ void at_box(const std::function<void(QDialog&)>& act) {
     });
 }
 
-QWidget* focus_of(QDialog& box) {
-    return box.focusWidget() == nullptr ? &box : box.focusWidget();
-}
-
-void press(QDialog& box, Qt::Key key, Qt::KeyboardModifiers with = {}) {
-    QTest::keyClick(focus_of(box), key, with);
-}
-
-void at_box_press(Qt::Key key, Qt::KeyboardModifiers with = {}) {
-    at_box([=](QDialog& box) { press(box, key, with); });
-}
-
-void type(QWidget* field, const QString& text) {
-    for (const QChar c : text) {
-        QKeyEvent event(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-        QApplication::sendEvent(field, &event);
-    }
+void at_box_press(const char* key) {
+    at_box([key](QDialog&) { press_key(key); });
 }
 
 QString plain_title(const QAbstractButton& button) {
@@ -71,11 +57,11 @@ QAbstractButton* button_of(const QDialog& box, const char* title) {
 }
 
 /// Changes a check box or radio button by its mnemonic.
-void toggle(QDialog& box, const char* title, Qt::Key mnemonic) {
+void toggle(const QDialog& box, const char* title, const char* mnemonic) {
     const QAbstractButton* button = button_of(box, title);
     ASSERT_NE(button, nullptr);
     const bool was_checked = button->isChecked();
-    press(box, mnemonic, Qt::AltModifier);
+    press_key(mnemonic);
     EXPECT_TRUE(QTest::qWaitFor([=] { return button->isChecked() != was_checked; }));
 }
 
@@ -145,19 +131,14 @@ TEST(MessageBox, AnswersByKeyAndMnemonicInTheGivenOrder) {
     in_application([] {
         const struct {
             std::initializer_list<const char*> buttons;
-            Qt::Key key;
-            Qt::KeyboardModifiers with;
+            const char* key;
             int answer;
         } rows[] = {
-            {{"Cancel", "OK"}, Qt::Key_Return, {}, 0},
-            {{"Cancel", "OK"}, Qt::Key_Escape, {}, 0},
-            {{"Yes", "No", "Cancel"}, Qt::Key_Escape, {}, 2},
-            {{"Yes", "No"}, Qt::Key_Escape, {}, 1},
-            {{"No", "Yes", "&Cancel"}, Qt::Key_Escape, {}, 2},
-            {{"OK"}, Qt::Key_Escape, {}, 0},
-            {{"Retry", "Ignore"}, Qt::Key_Escape, {}, -1},
-            {{"Yes", "No", "Cancel"}, Qt::Key_N, Qt::AltModifier, 1},
-            {{"Cut", "Copy", "C"}, Qt::Key_O, Qt::AltModifier, 1},
+            {{"Cancel", "OK"}, "Return", 0},      {{"Cancel", "OK"}, "Esc", 0},
+            {{"Yes", "No", "Cancel"}, "Esc", 2},  {{"Yes", "No"}, "Esc", 1},
+            {{"No", "Yes", "&Cancel"}, "Esc", 2}, {{"OK"}, "Esc", 0},
+            {{"Retry", "Ignore"}, "Esc", -1},     {{"Yes", "No", "Cancel"}, "Alt+N", 1},
+            {{"Cut", "Copy", "C"}, "Alt+O", 1},
         };
         for (const auto& row : rows) {
             at_box([&row](QDialog& box) {
@@ -169,7 +150,7 @@ TEST(MessageBox, AnswersByKeyAndMnemonicInTheGivenOrder) {
                     right = button->geometry().right();
                 }
                 EXPECT_NE(box.parentWidget(), nullptr);
-                press(box, row.key, row.with);
+                press_key(row.key);
             });
             EXPECT_EQ(ask(question_with(row.buttons)).button, row.answer);
         }
@@ -199,7 +180,7 @@ TEST(MessageBox, ShowsAnyTextAsItStands) {
                 const bool is_whole =
                     shown->document()->size().height() <= shown->viewport()->height() + 1;
                 EXPECT_NE(is_whole, shown->verticalScrollBarPolicy() == Qt::ScrollBarAsNeeded);
-                press(box, Qt::Key_Return);
+                press_key("Return");
             });
             xvt_dm_post_note("%s", text.c_str());
         }
@@ -219,13 +200,13 @@ protected:
         if (box != nullptr && event->type() == QEvent::Show)
             box->startTimer(1);
         if (box != nullptr && event->type() == QEvent::Timer && ++turns == 20)
-            press(*box, Qt::Key_Return);
+            QTest::keyClick(box->focusWidget(), Qt::Key_Return);
         return false;
     }
 };
 
 TEST(MessageBox, ServesWithoutATaskWindowAndWhenTheProgramEnds) {
-    at_box_press(Qt::Key_Return);
+    at_box_press("Return");
     xvt_dm_post_error("No window yet");
     in_application([] {
         at_box([](QDialog&) { xvt_app_destroy(); });
@@ -258,16 +239,16 @@ TEST(StringPrompt, LimitsBytesAndKeepsWhatWasNotTyped) {
             at_box([&row](QDialog& box) {
                 auto* field = qobject_cast<QLineEdit*>(box.focusWidget());
                 EXPECT_EQ(field->accessibleName(), "Go to <line>");
-                press(box, Qt::Key_Home);
+                press_key("Home");
                 if (const QString text = QString::fromUtf16(row.typed); !text.isEmpty())
                     field->insert(text);
-                press(box, Qt::Key_Return);
+                press_key("Return");
             });
             String value = row.value;
             EXPECT_TRUE(xvt_dm_post_string_prompt("Go to <line>:", value, 5));
             EXPECT_EQ(value, row.answer);
         }
-        at_box_press(Qt::Key_Escape);
+        at_box_press("Esc");
         String value = "12";
         EXPECT_FALSE(xvt_dm_post_string_prompt("?", value, 5));
         EXPECT_EQ(value, "12");
@@ -318,7 +299,7 @@ TEST_F(FileBox, OffersTheFilesOfATypeWhateverItsCase) {
             EXPECT_EQ(box.windowTitle(), "Open VHDL file...");
             EXPECT_TRUE(QTest::qWaitFor([&] { return shown(box).size() == 3; }));
             EXPECT_EQ(shown(box), QStringList({"<i>e\n.vhd", "B.VHD", "a.vhd"}));
-            press(box, Qt::Key_Escape);
+            press_key("Esc");
         };
         EXPECT_EQ(ask_one(QuestionKind::file_open, "", act), "cancelled");
     });
@@ -381,11 +362,11 @@ TEST_F(FileBox, AnswersTheNameThatWasChosenAndChangesNothing) {
                 if (*row.told != '\0')
                     at_box([&row](QDialog& message) {
                         EXPECT_EQ(message.findChild<QTextEdit*>()->toPlainText(), row.told);
-                        press(message, Qt::Key_Return);
+                        press_key("Return");
                     });
                 type_name(box, row.typed);
                 if (row.names.empty())
-                    press(box, Qt::Key_Escape);
+                    press_key("Esc");
             });
             Vector<String> names;
             String where;
@@ -412,29 +393,30 @@ TEST(ModalDialog, TakesEveryRowByTheKeyboard) {
         at_box([](QDialog& box) {
             EXPECT_EQ(box.windowTitle(), "All rows");
             EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText(), "Where & how <b>?");
-            EXPECT_EQ(focus_of(box)->accessibleName(), "Name");
-            type(focus_of(box), "abcdefg");
-            press(box, Qt::Key_L, Qt::AltModifier);
-            EXPECT_EQ(focus_of(box)->accessibleName(), "List");
-            press(box, Qt::Key_Down);
-            toggle(box, "Check", Qt::Key_C);
-            toggle(box, "Two", Qt::Key_T);
+            EXPECT_EQ(box.focusWidget()->accessibleName(), "Name");
+            type_text("abcdefg");
+            press_key("Alt+L");
+            EXPECT_EQ(box.focusWidget()->accessibleName(), "List");
+            press_key("Down");
+            toggle(box, "Check", "Alt+C");
+            toggle(box, "Two", "Alt+T");
             // The focus goes round through all that can be changed, first to last.
             QStringList round;
             for (int i = 0; i < 7; ++i) {
-                press(box, Qt::Key_Tab);
-                const auto* button = qobject_cast<QAbstractButton*>(focus_of(box));
-                round += button == nullptr ? focus_of(box)->accessibleName() : plain_title(*button);
+                press_key("Tab");
+                const auto* button = qobject_cast<QAbstractButton*>(box.focusWidget());
+                round +=
+                    button == nullptr ? box.focusWidget()->accessibleName() : plain_title(*button);
             }
             EXPECT_EQ(round.join(u' '), "OK Cancel Name More... List Check Two");
-            press(box, Qt::Key_Return);
+            press_key("Return");
         });
         EXPECT_EQ(xvt_dlg_ask(dialog), 0);
         std::string told;
         for (const DialogRow& row : dialog.rows)
             told += std::string(row.value) + "|" + std::to_string(row.selected) + " ";
         EXPECT_EQ(told, "|0 abcde|0 |0 a\n<b>\nc|1 |1 |0 |1 kept\xFF|0 ");
-        at_box_press(Qt::Key_Escape);
+        at_box_press("Esc");
         EXPECT_EQ(xvt_dlg_ask(dialog), 1);
     });
 }
@@ -447,9 +429,9 @@ TEST(ModalDialog, StaysBetweenItsQuestions) {
             ASSERT_TRUE(xvt_dlg_create_res(dialog, 7101));
             at_box([&first](QDialog& box) {
                 first = &box;
-                type(focus_of(box), "old");
+                type_text("old");
                 button_of(box, "More...")->setFocus();
-                press(box, Qt::Key_Space);
+                press_key("Space");
             });
             EXPECT_EQ(xvt_dlg_ask(dialog), k_button_rows + 3);
             ASSERT_TRUE(first);
@@ -458,7 +440,7 @@ TEST(ModalDialog, StaysBetweenItsQuestions) {
             // What is asked in between stands over it.
             at_box([&first](QDialog& box) {
                 EXPECT_EQ(box.parentWidget(), first);
-                press(box, Qt::Key_Return);
+                press_key("Return");
             });
             xvt_dm_post_note("Busy");
             find_row(dialog, 2)->value = "new";
@@ -466,8 +448,8 @@ TEST(ModalDialog, StaysBetweenItsQuestions) {
             at_box([&first](QDialog& box) {
                 EXPECT_EQ(&box, first);
                 EXPECT_EQ(box.findChild<QLineEdit*>()->text(), "new");
-                EXPECT_EQ(focus_of(box), button_of(box, "Less"));
-                press(box, Qt::Key_Escape);
+                EXPECT_EQ(box.focusWidget(), button_of(box, "Less"));
+                press_key("Esc");
             });
             EXPECT_EQ(xvt_dlg_ask(dialog), 1);
         }
@@ -492,17 +474,17 @@ TEST(FontBox, GivesBackTheFontThatItGot) {
                     if (!faces->model()->match(faces->model()->index(0, 0), 0, face).isEmpty()) {
                         EXPECT_EQ(faces->currentIndex().data().toString(), face) << style;
                     }
-                    press(box, Qt::Key_Return);
+                    press_key("Return");
                 });
                 EXPECT_TRUE(xvt_dm_post_font_sel(font));
                 EXPECT_EQ(font, before) << family << ' ' << style;
                 at_box([](QDialog& box) {
-                    toggle(box, "Underline", Qt::Key_U);
-                    press(box, Qt::Key_Return);
+                    toggle(box, "Underline", "Alt+U");
+                    press_key("Return");
                 });
                 EXPECT_TRUE(xvt_dm_post_font_sel(font));
                 EXPECT_EQ(font.style, before.style ^ 4);
-                at_box_press(Qt::Key_Escape);
+                at_box_press("Esc");
                 EXPECT_FALSE(xvt_dm_post_font_sel(font));
             }
     });
