@@ -179,29 +179,6 @@ TEST(ListControl, SelectsWhatASetOfNumbersSelects) {
     });
 }
 
-TEST(ListControl, KeepsItsPlaceOnlyWhenTold) {
-    in_application([] {
-        const ListWindow files(ControlKind::list_many);
-        xvt_list_set_entries(files.control, numbered(500));
-        xvt_list_set_focus_index(files.control, 300);
-        process_events();
-        const int top = files.bar().value();
-        ASSERT_GT(top, 0);
-        xvt_list_set_entries(files.control, numbered(400), ListPlace::kept);
-        process_events();
-        EXPECT_EQ(files.bar().value(), top);
-        EXPECT_EQ(xvt_list_get_focus_index(files.control), 300);
-        click(files.control, {60, 60});
-        const int below = xvt_list_get_focus_index(files.control) + 4;
-        xvt_list_set_focus_index(files.control, below);
-        press_key("Shift+Down");
-        EXPECT_EQ(xvt_list_get_selected(files.control), (Vector<int>{below, below + 1}));
-        xvt_list_set_entries(files.control, numbered(400));
-        EXPECT_EQ(files.bar().value(), 0);
-        EXPECT_EQ(xvt_list_get_focus_index(files.control), -1);
-    });
-}
-
 TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
     in_application([] {
         ListWindow files(ControlKind::list_many);

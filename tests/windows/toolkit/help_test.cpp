@@ -213,15 +213,6 @@ TEST(HelpSystem, ADialogsPageIsReadBesideIt) {
         {}, task);
 }
 
-TEST(HelpSystem, ShowsNoPageWithoutRoomForItsFiles) {
-    in_application([] {
-        const ScopedTemporaries temporaries;
-        qputenv("TMPDIR", "/dev/null");
-        EXPECT_FALSE(xvt_help_show_contents(k_path));
-        EXPECT_EQ(help_window(), nullptr);
-    });
-}
-
 TEST(HelpWindow, IsReadWithKeysAlone) {
     const ScopedTemporaries temporaries;
     in_application([&temporaries] {

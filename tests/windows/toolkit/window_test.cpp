@@ -195,28 +195,6 @@ TEST(Windows, AreMadeInsideTheAreaBesideTheOthers) {
     });
 }
 
-TEST(Windows, StandWhereTheyAreMoved) {
-    run([] {
-        const Window task = xvt_win_get_task();
-        const Window window = xvt_win_create_res(1, {});
-        for (const Window moved : {task, window}) {
-            process_events();
-            const Rect outer = xvt_vobj_get_outer_rect(moved);
-            const Rect inner = xvt_vobj_get_inner_rect(moved);
-            EXPECT_TRUE(contains(outer, inner));
-            xvt_vobj_move(moved, inner);
-            process_events();
-            EXPECT_EQ(xvt_vobj_get_outer_rect(moved), outer);
-            xvt_vobj_move(moved, {60, 70, 260, 470});
-            process_events();
-            EXPECT_EQ(xvt_vobj_get_inner_rect(moved), (Rect{60, 70, 260, 470}));
-        }
-        xvt_vobj_maximize(window);
-        EXPECT_TRUE(xvt_vobj_is_maximized(window));
-        EXPECT_FALSE(xvt_vobj_is_maximized(task));
-    });
-}
-
 TEST(Menus, AreThoseOfTheActiveWindow) {
     EventLog task(k_told);
     EventLog log(k_told);
@@ -315,27 +293,6 @@ TEST(Timers, TellTheirWindowUntilTheyEnd) {
         process_events();
         EXPECT_EQ(log.take(), "");
     });
-}
-
-TEST(SessionEnd, IsRefusedUntilTheTaskAllowsIt) {
-    EventLog task({EventType::quit});
-    bool allows = false;
-    task.act = [&](Window, const Event& event) {
-        const auto* quit = event.get<QuitEvent>();
-        if (quit != nullptr && !quit->is_query)
-            xvt_app_destroy();
-        else if (quit != nullptr && allows)
-            xvt_app_allow_quit();
-    };
-    run(
-        [&] {
-            EXPECT_FALSE(end_session());
-            allows = true;
-            EXPECT_TRUE(end_session());
-            EXPECT_EQ(xvt_vobj_is_valid(xvt_win_get_task()), false);
-        },
-        task.handler());
-    EXPECT_EQ(task.text, "quit?; quit?; quit; ");
 }
 
 } // namespace

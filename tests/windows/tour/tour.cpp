@@ -12,7 +12,6 @@
 #include "windows/controls/controls.h"
 #include "windows/controls/pictures.h"
 #include "windows/controls/status_bar.h"
-#include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
 #include "windows/controls/window_places.h"
 #include "windows/toolkit/control.h"
@@ -42,7 +41,7 @@ using namespace pellux;
 constexpr int k_show_number = 9001;
 constexpr int k_show_width_px = 1090;
 constexpr std::array k_show{WindowResource{
-    .number = k_show_number, .title = "Toolbars", .width = k_show_width_px, .height = 320}};
+    .number = k_show_number, .title = "Toolbars", .width = k_show_width_px, .height = 200}};
 
 struct Tour {
     std::string_view directory;
@@ -63,47 +62,22 @@ struct Tour {
     void front(std::string_view name) { keep(save_front_picture(file(name)), name); }
 };
 
-/// A bar with some of the pictures, two of them disabled; answers where the next one goes.
-int show_toolbar(Window window, int top, int bar_px, std::span<const ImageResource> images) {
-    Vector<String> lines{"AUTOSIZED=FALSE"};
-    for (const ImageResource& image : images) {
-        lines.push_back(
-            format_text("PICBUTN=%d,%d,\"%s\"", image.number - 100, image.number, image.name));
-        if (image.number == 303 || image.number == 310 || image.number == 325)
-            lines.push_back("SEPARATOR");
-    }
-    const Vector<std::string_view> properties(lines.begin(), lines.end());
-    const Window bar = xvt_cxo_create({.class_name = k_toolbar_class,
-                                       .parent = window,
-                                       .id = top + 1,
-                                       .rect = {top, 0, top + bar_px, k_show_width_px},
-                                       .title = "Toolbar",
-                                       .properties = properties});
-    for (const int id : {204, 205, 224})
-        toggle_button_set_state(toolbar_get_control(bar, id), ToggleState::disabled);
-    constexpr int k_gap_px = 8;
-    return top + bar_px + k_gap_px;
-}
-
-/// A window with the pictures of all buttons in several sizes, and a status bar.
-Window show_toolbars() {
+/// A bar with the pictures of all buttons, and a status bar under it.
+Window show_bars() {
     const Window window = xvt_win_create_res(k_show_number, {});
-    std::span<const ImageResource> images = control_pictures();
-    const auto last =
-        std::ranges::find(images, static_cast<int>(Picture::vhdl_file), &ImageResource::number);
-    images = images.first(static_cast<std::size_t>(last - images.begin()));
-    int top = 0;
-    for (const int bar_px : {22, 30, 38})
-        top = show_toolbar(window, top, bar_px, images);
-    const std::size_t half = images.size() / 2;
-    top = show_toolbar(window, top, 54, images.first(half));
-    show_toolbar(window, top, 54, images.subspan(half));
-    const std::array<std::string_view, 1> status{"DEFAULT_TEXT=\"Ready\""};
+    Vector<String> lines{"AUTOSIZED=FALSE"};
+    for (const ImageResource& image : control_pictures())
+        lines.push_back(format_text("PICBUTN=%d,%d", image.number, image.number));
+    const Vector<std::string_view> properties(lines.begin(), lines.end());
+    xvt_cxo_create({.class_name = k_toolbar_class,
+                    .parent = window,
+                    .id = 1,
+                    .rect = {0, 0, 30, k_show_width_px},
+                    .properties = properties});
     const Window bar = xvt_cxo_create({.class_name = k_status_bar_class,
                                        .parent = window,
-                                       .id = 1000,
-                                       .rect = {296, 0, 320, k_show_width_px},
-                                       .properties = status});
+                                       .id = 2,
+                                       .rect = {30, 0, 54, k_show_width_px}});
     set_status_text(bar, "Line 12 of 340\tUndos:  3\tModified");
     process_events();
     return window;
@@ -115,7 +89,7 @@ void visit_program(Tour& tour) {
     press_key("Alt+O");
     tour.front("tools_menu");
 
-    const Window bars = show_toolbars();
+    const Window bars = show_bars();
     tour.picture(bars, "toolbars");
     xvt_vobj_destroy(bars);
     process_events();

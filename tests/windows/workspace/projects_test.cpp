@@ -25,14 +25,6 @@ protected:
         return xvt_vobj_get_title(window_of_project(index)).c_str();
     }
     static Project& last() { return *workspace().projects.back()->project; }
-    /// Answers by a button, or by closing the box.
-    void answer(const char* question, std::string_view button) {
-        if (button == "closed")
-            user_.expect_closed(QuestionKind::ask, question);
-        else if (!button.empty())
-            user_.expect_ask(question, button);
-    }
-
     bool refuses_ = false;     ///< files can't be written
     bool is_damaging_ = false; ///< once a safe copy is made
     test::FileFaults faults_{[this](FileOperation operation, std::string_view) {
@@ -76,24 +68,6 @@ TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
         choose_project();
         EXPECT_EQ(open_names(), "copy.bpr ");
         EXPECT_EQ(std::filesystem::current_path(), top_);
-    });
-}
-
-TEST_F(ProjectWindows, RunTheirCommandsInTheirDirectory) {
-    run([&] {
-        std::filesystem::current_path("/");
-        user_.expect_dialog("New Project", "OK", {{1, "sub", -1}});
-        EXPECT_TRUE(choose_item(1021) && choose_item(1046));
-        EXPECT_TRUE(directory_.names("sub").contains("brix.bpr"));
-        std::filesystem::current_path("/");
-        user_.expect(QuestionKind::file_open, k_open, [&](const Question& question) {
-            EXPECT_EQ(std::filesystem::current_path(), directory_.path("sub"));
-            return closed_answer(question);
-        });
-        EXPECT_TRUE(choose_item(1044) && choose_item(1063) && choose_item(1049));
-        xvt_win_dispatch_event(window_of_project(1), Event{CommandEvent{5003}});
-        EXPECT_EQ(calls_, "tools tools help quit 5003 ");
-        EXPECT_FALSE(choose_item(1084));
     });
 }
 
@@ -280,10 +254,10 @@ TEST_F(ProjectWindows, EndTheProgramWithTheLastOne) {
         open_project_in("sub", "b.bpr");
         close_by_frame(window_of_project(0));
         EXPECT_EQ(open_names(), "b.bpr ");
-        answer("Quit Pellux?", "closed");
+        user_.expect_closed(QuestionKind::ask, "Quit Pellux?");
         close_by_frame(window_of_project(0));
         EXPECT_EQ(open_names() + calls_, "b.bpr tools tools ");
-        answer("Quit Pellux?", "OK");
+        user_.expect_ask("Quit Pellux?", "OK");
         EXPECT_TRUE(choose_item(1045));
         EXPECT_EQ(open_names() + calls_, "tools tools remember end ");
         EXPECT_EQ(std::filesystem::current_path(), directory_.path("sub"));
