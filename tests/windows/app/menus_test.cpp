@@ -177,7 +177,7 @@ TEST_F(HelpHooksTest, LocatingOneAsksUntilAFileOpens) {
         user_.expect_closed(QuestionKind::file_open, k_title);
         EXPECT_FALSE(offer(hook, Event{CommandEvent{32450}}));
         const auto choose = [&](const char* name) {
-            user_.expect_file(QuestionKind::file_open, k_title, directory_.path(), name);
+            user_.expect_files(QuestionKind::file_open, k_title, directory_.path(), {name});
         };
         choose("missing.hlp");
         user_.expect_error("Help file is unreadable, please choose another.");

@@ -115,8 +115,8 @@ TEST_F(Start, ShowsThePictureFirstWhenItIsWanted) {
         run({"-%S"}, [&] {
             EXPECT_EQ(open_names(), "");
             if (dismiss != ways[0]) {
-                user_.expect_file(QuestionKind::file_open, "Open project...", directory_.path(),
-                                  "a.bpr");
+                user_.expect_files(QuestionKind::file_open, "Open project...", directory_.path(),
+                                   {"a.bpr"});
                 press_key("Ctrl+O");
             }
             const Window picture = show_start_picture(*shell_);

@@ -10,7 +10,6 @@
 #include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/draw.h"
 #include "windows/toolkit/message_box.h"
-#include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
 #include <gtest/gtest.h>
@@ -23,16 +22,12 @@
 namespace pellux {
 namespace {
 
-constexpr WindowResource k_windows[] = {{.number = 8100, .width = 400, .height = 120}};
-
 /// A window with a control in it, and what it and the toolkit's error print were told since the
 /// last `take`.
-struct Owner {
-    Window window = Window::none;
+struct Owner : LoggedWindow {
     Window control = Window::none;
-    EventLog log{{EventType::character, EventType::focus, EventType::notice}};
 
-    std::string take() { return log.take(); }
+    Owner() : LoggedWindow({EventType::character, EventType::focus, EventType::notice}) {}
     static bool on_error(void* context, const ToolkitError& error) {
         // What is less severe is kept quiet in the program too.
         if (error.severity > 2)
@@ -47,11 +42,9 @@ using Lines = std::vector<std::string_view>;
 void with_control(std::string_view class_name, const Lines& lines, std::string_view title,
                   const std::function<void(Owner&)>& script) {
     register_controls();
-    xvt_res_register({.windows = k_windows});
     in_application([&] {
         Owner owner;
         xvt_errmsg_set_filter({Owner::on_error, &owner});
-        owner.window = xvt_win_create_res(8100, owner.log.handler());
         owner.take();
         owner.control = xvt_cxo_create({.class_name = class_name,
                                         .parent = owner.window,
@@ -62,7 +55,6 @@ void with_control(std::string_view class_name, const Lines& lines, std::string_v
         ASSERT_TRUE(xvt_vobj_is_valid(owner.control));
         process_events();
         script(owner);
-        xvt_vobj_destroy(owner.window);
         xvt_errmsg_set_filter({});
     });
 }
@@ -323,7 +315,7 @@ TEST(StatusBar, ShowsFieldsThatDoNotJump) {
 
         xvt_vobj_move(owner.control, {0, 5, 28, 60});
         status_bar_autosize(owner.control);
-        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.control), (Rect{92, 0, 120, 400}));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.control), (Rect{272, 0, 300, 400}));
     });
 }
 

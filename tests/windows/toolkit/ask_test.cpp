@@ -102,9 +102,9 @@ TEST(ScriptedAnswers, FailOnAQuestionTooManyOrTooFew) {
     EXPECT_NONFATAL_FAILURE(
         {
             ScriptedAnswers answers;
-            answers.expect_warning("late");
+            answers.expect_note("late");
         },
-        "nobody asked: warning \"late\"");
+        "nobody asked: note \"late\"");
 }
 
 TEST(Questions, HoldWhatWasAskedFor) {
@@ -120,7 +120,7 @@ TEST(Questions, HoldWhatWasAskedFor) {
         return closed_answer(question);
     });
     EXPECT_FALSE(xvt_dm_post_file_open({"Open...", "/d", "x", "vhd"}, choice));
-    answers.expect_file(QuestionKind::file_save, "Save...", "/d", "");
+    answers.expect_files(QuestionKind::file_save, "Save...", "/d", {""});
     EXPECT_FALSE(xvt_dm_post_file_save({.title = "Save..."}, choice)) << "a file without a name";
     Dialog none;
     EXPECT_FALSE(xvt_dlg_create_res(none, 7199));

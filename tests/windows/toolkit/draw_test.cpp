@@ -1,5 +1,5 @@
 #include "core/common/callback.h"
-#include "core/os/environment.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/qt/draw/pictures.h"
@@ -12,7 +12,6 @@
 #include <QApplication>
 #include <QPaintEvent>
 #include <QStyle>
-#include <QTemporaryDir>
 
 #include <climits>
 #include <cmath>
@@ -447,29 +446,6 @@ TEST(DrawTest, LinesHaveBothEndsAndTheirWidth) {
         EXPECT_LT(qGray(sheet.picture().pixel(end)), 128);
 }
 
-TEST(DrawTest, OfALongTextThatIsDrawnWhichIsSeen) {
-    const int columns = 1'000'000;
-    for (const TextEncoding encoding : {TextEncoding::latin1, TextEncoding::utf8}) {
-        const int length = encoding == TextEncoding::latin1 ? columns : columns / 50;
-        std::string text(static_cast<std::size_t>(length), 'x');
-        const std::string seen = "end if;";
-        text.replace(text.size() - seen.size(), seen.size(), seen);
-        Sheet far;
-        Sheet near;
-        xvt_dwin_set_encoding(far.window, encoding);
-        xvt_dwin_set_encoding(near.window, encoding);
-        const int width = xvt_dwin_get_text_width(far.window, text);
-        EXPECT_EQ(width, length * xvt_dwin_get_text_width(far.window, "x"));
-        xvt_dwin_draw_text(far.window, 100 - width, 30, text);
-        const std::string piece = text.substr(text.size() - 40);
-        xvt_dwin_draw_text(near.window, 100 - xvt_dwin_get_text_width(near.window, piece), 30,
-                           piece);
-        EXPECT_EQ(far.picture(), near.picture());
-        xvt_dwin_draw_text(far.window, 0, 60, text);
-        EXPECT_NE(far.picture(), near.picture());
-    }
-}
-
 TEST(DrawTest, AnyCoordinateIsTaken) {
     constexpr int k_places[] = {INT_MIN, INT_MIN + 1, -(1 << 29),  -5,     0,
                                 40,      1 << 20,     INT_MAX - 1, INT_MAX};
@@ -536,7 +512,7 @@ TEST(ThemeTest, EveryInkIsReadableOnItsPaper) {
     const QPalette desktop = QApplication::palette();
     const QString style = QApplication::style()->name();
     for (const char* theme : {"DARK", "light"}) {
-        set_environment_variable("PELLUX_THEME", theme);
+        const test::ScopedVariable chosen("PELLUX_THEME", theme);
         apply_theme();
         const QPalette palette = QApplication::palette();
         EXPECT_EQ(palette.color(QPalette::Base).lightness() < 128, *theme == 'D');
@@ -570,33 +546,24 @@ TEST(ThemeTest, EveryInkIsReadableOnItsPaper) {
             }
         }
     }
-    set_environment_variable("PELLUX_THEME", nullptr);
     QApplication::setStyle(style);
     QApplication::setPalette(desktop);
 }
 
 TEST(PictureTest, OnlyGoodFilesAreShownAndFaultsAreToldOnce) {
-    const QTemporaryDir tree;
-    ASSERT_TRUE(QDir(tree.path()).mkpath(QStringLiteral("share/icons")));
+    const test::TemporaryDirectory tree;
     const std::string good =
         R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 2 1"><rect width="1" height="1" )"
         R"(fill="currentColor"/><rect x="1" width="1" height="1" fill="#ff0000"/></svg>)";
-    const auto write = [&](const char* name, const std::string& text) {
-        QFile file(tree.filePath(QStringLiteral("share/icons/%1.svg").arg(QLatin1String(name))));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text.data(), static_cast<qint64>(text.size()));
-    };
-    write("drawtest_good", good);
-    write("drawtest_cut", good.substr(0, good.size() / 2));
-    write("drawtest_large", good + std::string(300'000, ' '));
+    tree.write("share/icons/drawtest_good.svg", good);
+    tree.write("share/icons/drawtest_cut.svg", good.substr(0, good.size() / 2));
+    tree.write("share/icons/drawtest_large.svg", good + std::string(300'000, ' '));
     static constexpr ImageResource k_images[] = {{990'001, "drawtest_good"},
                                                  {990'002, "drawtest_cut"},
                                                  {990'003, "drawtest_large"},
                                                  {990'004, "drawtest_none"}};
     xvt_res_register({.images = k_images});
-    const char* usual = environment_variable("VELMORA_DIR");
-    const std::string kept = usual == nullptr ? "" : usual;
-    set_environment_variable("VELMORA_DIR", tree.path().toUtf8().constData());
+    const test::ScopedVariable install("VELMORA_DIR", tree.path().c_str());
     int errors = 0;
     xvt_errmsg_set_filter({[](void* context, const ToolkitError&) {
                                ++from_context<int>(context);
@@ -630,7 +597,6 @@ TEST(PictureTest, OnlyGoodFilesAreShownAndFaultsAreToldOnce) {
     EXPECT_EQ(picture(990'001, 1 << 30, ImageLook::normal).width(), 1024);
     EXPECT_TRUE(picture(990'001, -1, ImageLook::normal).width() == 1);
     xvt_errmsg_set_filter({});
-    set_environment_variable("VELMORA_DIR", usual == nullptr ? nullptr : kept.c_str());
 }
 
 } // namespace

@@ -170,35 +170,21 @@ void ScriptedAnswers::expect_note(std::string_view pattern) {
     expect(QuestionKind::note, pattern, pressed);
 }
 
-void ScriptedAnswers::expect_warning(std::string_view pattern) {
-    expect(QuestionKind::warning, pattern, pressed);
-}
-
 void ScriptedAnswers::expect_error(std::string_view pattern) {
     expect(QuestionKind::error, pattern, pressed);
 }
 
-void ScriptedAnswers::expect_file(QuestionKind kind, std::string_view title,
-                                  std::string_view directory, std::string_view name) {
-    expect(kind, title,
-           [directory = String(directory), name = String(name)](const Question& question) {
-               Answer answer = pressed(question);
-               answer.directory = directory;
-               answer.value = name;
-               return answer;
-           });
-}
-
-void ScriptedAnswers::expect_files(std::string_view title, std::string_view directory,
+void ScriptedAnswers::expect_files(QuestionKind kind, std::string_view title,
+                                   std::string_view directory,
                                    std::initializer_list<std::string_view> names) {
     const Vector<String> files(names.begin(), names.end());
-    expect(QuestionKind::files_open, title,
-           [directory = String(directory), files](const Question& question) {
-               Answer answer = pressed(question);
-               answer.directory = directory;
-               answer.files = files;
-               return answer;
-           });
+    expect(kind, title, [directory = String(directory), files](const Question& question) {
+        Answer answer = pressed(question);
+        answer.directory = directory;
+        answer.value = files.at(0);
+        answer.files = files;
+        return answer;
+    });
 }
 
 void ScriptedAnswers::expect_font(std::string_view title, Font font) {

@@ -39,12 +39,9 @@ public:
     /// Answered by the button of this title, as it is shown.
     void expect_ask(std::string_view pattern, std::string_view button);
     void expect_note(std::string_view pattern);
-    void expect_warning(std::string_view pattern);
     void expect_error(std::string_view pattern);
-    /// `kind` is that of a box for one file.
-    void expect_file(QuestionKind kind, std::string_view title, std::string_view directory,
-                     std::string_view name);
-    void expect_files(std::string_view title, std::string_view directory,
+    /// Answered by files of a directory; `kind` is that of a box for files.
+    void expect_files(QuestionKind kind, std::string_view title, std::string_view directory,
                       std::initializer_list<std::string_view> names);
     void expect_font(std::string_view title, Font font);
     /// Answered by a button's title, a button row's too, after the edits.

@@ -92,39 +92,6 @@ TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
     EXPECT_EQ(xvt_win_get_task(), Window::none);
 }
 
-TEST(Windows, MayBeDestroyedInsideAnyOfTheirEvents) {
-    run([] {
-        const std::pair<EventType, std::function<void(Window)>> rows[] = {
-            {EventType::creation, [](Window) {}},
-            {EventType::pointer_down,
-             [](Window window) {
-                 press_pointer(window, {5, 5});
-             }},
-            {EventType::character, [](Window) { press_key("X"); }},
-            {EventType::close, [](Window window) { close_by_frame(window); }},
-            {EventType::command, [](Window) { EXPECT_TRUE(choose_item(21)); }},
-            {EventType::notice,
-             [](Window window) { xvt_cxo_notify(xvt_win_get_ctl(window, 1), {}); }},
-        };
-        for (const auto& [type, provoke] : rows) {
-            EventLog log(k_told);
-            log.act = [at = type](Window window, const Event& event) {
-                if (event.type() == at)
-                    xvt_vobj_destroy(window);
-            };
-            const Window window = xvt_win_create_res(2, log.handler());
-            EXPECT_EQ(window == Window::none, type == EventType::creation);
-            xvt_win_create_pane({.parent = window, .id = 1, .rect = {50, 0, 60, 60}});
-            process_events();
-            xvt_vobj_set_focus(window);
-            provoke(window);
-            process_events();
-            EXPECT_FALSE(xvt_vobj_is_valid(window)) << static_cast<int>(type);
-            EXPECT_TRUE(log.text.ends_with("gone; ")) << log.text;
-        }
-    });
-}
-
 TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
     run([] {
         const Window gone = xvt_win_create_res(3, {});
@@ -160,6 +127,9 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             EXPECT_EQ(xvt_ctl_create({.parent = window, .id = 1}), Window::none);
             EXPECT_EQ(xvt_timer_create(window, 5), TimerId::none);
         }
+        EventLog ending({});
+        ending.act = [](Window window, const Event&) { xvt_vobj_destroy(window); };
+        EXPECT_EQ(xvt_win_create_res(1, ending.handler()), Window::none);
         EXPECT_EQ(xvt_win_create_res(99, {}), Window::none);
         EXPECT_EQ(xvt_cxo_create({.class_name = "none", .parent = next, .id = 1}), Window::none);
         EXPECT_EQ(xvt_vobj_get_parent(next), xvt_win_get_task());

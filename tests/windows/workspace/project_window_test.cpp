@@ -113,15 +113,16 @@ TEST_F(ProjectWindow, TakesFilesByItsRules) {
         user_.expect_error("PLA must be the only file in the project.");
         walk({{"", "A.VHD [b.vhd] [c.vhdl] [sub/x.vhd]"}, {"#1107", files()}});
         // One that is there is selected, and nothing else happens.
-        user_.expect_files(k_choose, top_, {"A.VHD", "d e.vhd", std::string(125, 'f')});
+        user_.expect_files(QuestionKind::files_open, k_choose, top_,
+                           {"A.VHD", "d e.vhd", std::string(125, 'f')});
         user_.expect_error("'*/d e.vhd' can't be added: with a blank *");
         user_.expect_error("'*/f*' can't be added: its path * 119 bytes.");
         walk({{"#1060", "[A.VHD] b.vhd c.vhdl sub/x.vhd"},
               {"#1058", "[A.VHD] [b.vhd] [c.vhdl] [sub/x.vhd]"},
               {"Del", ""}});
-        user_.expect_files(k_choose_pla, top_, {"p.pla", "Q.PLA"});
+        user_.expect_files(QuestionKind::files_open, k_choose_pla, top_, {"p.pla", "Q.PLA"});
         user_.expect_note("You may only choose one PLA file.");
-        user_.expect_files(k_choose_pla, top_, {"Q.PLA"});
+        user_.expect_files(QuestionKind::files_open, k_choose_pla, top_, {"Q.PLA"});
         walk({{"#1107", "[Q.PLA]"}});
         for (const char* tag : {"#1060", "#1106"}) {
             user_.expect_error("Project contains a PLA file.");

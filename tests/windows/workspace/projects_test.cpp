@@ -19,7 +19,7 @@ constexpr const char* k_name = "Name new project.";
 class ProjectWindows : public test::Projects {
 protected:
     void type_file(QuestionKind kind, std::string_view title, std::string_view name) {
-        user_.expect_file(kind, title, top_, name);
+        user_.expect_files(kind, title, top_, {name});
     }
     static std::string title(std::size_t index) {
         return xvt_vobj_get_title(window_of_project(index)).c_str();
@@ -55,7 +55,7 @@ TEST_F(ProjectWindows, OpenEachFileOnceUnderItsOwnName) {
         EXPECT_TRUE(
             open_projects_among(Vector<String>{directory_.path("copy.bpr").c_str()}).empty());
         EXPECT_EQ(open_names(), "a.bpr copy.bpr ");
-        user_.expect_file(QuestionKind::file_open, k_open, directory_.path("link"), "a.bpr");
+        user_.expect_files(QuestionKind::file_open, k_open, directory_.path("link"), {"a.bpr"});
         choose_project();
         EXPECT_TRUE(choose_item(1045));
         EXPECT_EQ(open_names(), "copy.bpr ");
@@ -105,8 +105,8 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
                 const bool stays = !row.directory.empty();
                 user_.expect_dialog("New Project", "Choose name...",
                                     {{1, stays ? row.directory : top_, -1}});
-                user_.expect_file(QuestionKind::file_open, "Choose new project name.",
-                                  stays ? top_ : directory_.path("there"), row.chosen);
+                user_.expect_files(QuestionKind::file_open, "Choose new project name.",
+                                   stays ? top_ : directory_.path("there"), {row.chosen});
                 user_.expect_dialog("New Project", "OK");
             } else {
                 user_.expect_dialog(
