@@ -2,18 +2,11 @@
 
 #include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/reporter.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/robot.h"
-#include "tests/windows/toolkit/scripted_answers.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/app/program.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/toolkit/window.h"
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
@@ -21,8 +14,8 @@
 
 namespace pellux::test {
 
-/// The whole program in a directory of its own, with the user in front of it.
-class Program : public testing::Test {
+/// The whole program.
+class Program : public InDirectory {
 protected:
     Program() {
         reporter() = {};
@@ -46,12 +39,7 @@ protected:
         process_events();
     }
 
-    TemporaryDirectory directory_;
-    TemporaryDirectory settings_;
-    ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
     ScopedVariable no_help_{"HELP", nullptr};
-    ScopedDirectory here_{directory_.path()};
-    ScriptedAnswers user_;
     std::unique_ptr<Shell> shell_;
 };
 

@@ -28,6 +28,7 @@ struct Owner : LoggedWindow {
     Window control = Window::none;
 
     Owner() : LoggedWindow({EventType::character, EventType::focus, EventType::notice}) {}
+    [[nodiscard]] Window part(int id) const { return toolbar_get_control(control, id); }
     static bool on_error(void* context, const ToolkitError& error) {
         // What is less severe is kept quiet in the program too.
         if (error.severity > 2)
@@ -75,32 +76,31 @@ TEST(Toolbar, TellsItsOwnerWhatHappensToItsControls) {
                       "LISTBUTTON=206,\"One;Two\",80,1"};
     with_toolbar(lines, [](Owner& owner) {
         EXPECT_EQ(owner.take(), "");
-        const auto part = [&](int id) { return toolbar_get_control(owner.control, id); };
-        EXPECT_EQ(xvt_vobj_get_outer_rect(part(201)), (Rect{3, 4, 25, 26}));
-        EXPECT_EQ(xvt_vobj_get_outer_rect(part(203)), (Rect{3, 32, 25, 54}));
-        EXPECT_EQ(xvt_vobj_get_outer_rect(part(206)).bottom, 25);
-        EXPECT_EQ(xvt_list_get_selection(part(206)), 1);
-        EXPECT_FALSE(xvt_vobj_is_valid(part(202)) || xvt_vobj_is_valid(part(9)));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.part(201)), (Rect{3, 4, 25, 26}));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.part(203)), (Rect{3, 32, 25, 54}));
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.part(206)).bottom, 25);
+        EXPECT_EQ(xvt_list_get_selection(owner.part(206)), 1);
+        EXPECT_FALSE(xvt_vobj_is_valid(owner.part(202)) || xvt_vobj_is_valid(owner.part(9)));
 
-        click(part(201), k_inside);
+        click(owner.part(201), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 201 4 of notice; ");
-        EXPECT_EQ(toggle_button_get_state(part(201)), ToggleState::push);
-        click(part(203), k_inside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(201)), ToggleState::push);
+        click(owner.part(203), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 203 5 of notice; ");
-        EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::down);
-        click(part(204), k_inside);
-        EXPECT_EQ(toggle_button_get_state(part(204)), ToggleState::down);
-        click(part(203), k_inside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(203)), ToggleState::down);
+        click(owner.part(204), k_inside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(204)), ToggleState::down);
+        click(owner.part(203), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 204 6 of notice; notice 101 203 5 of notice; ");
-        EXPECT_EQ(toggle_button_get_state(part(203)), ToggleState::up);
-        click(part(205), k_inside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(203)), ToggleState::up);
+        click(owner.part(205), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 205 1 of control; ");
 
         owner.log.act = [](Window window, const Event& event) {
             if (event.get<NoticeEvent>() != nullptr)
                 xvt_vobj_destroy(window);
         };
-        click(part(203), k_inside);
+        click(owner.part(203), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 203 5 of notice; ");
         EXPECT_FALSE(xvt_vobj_is_valid(owner.control));
         EXPECT_FALSE(toolbar_add_control(owner.control, {}));
@@ -129,20 +129,20 @@ TEST(Toolbar, RefusesControlsThatCannotBe) {
         EXPECT_EQ(owner.take(), "! Could not create control #6 in toolbar\n");
         EXPECT_TRUE(toolbar_add_custom_control(owner.control,
                                                {.class_name = k_toggle_button_class, .id = 6}));
-        click(toolbar_get_control(owner.control, 6), k_inside);
+        click(owner.part(6), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 6 7 of notice; ");
         // What was refused took no room.
-        EXPECT_EQ(xvt_vobj_get_outer_rect(toolbar_get_control(owner.control, 6)).left, 26);
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.part(6)).left, 26);
         for (int id = 10; id < 58; ++id)
             EXPECT_TRUE(add(id % 2 == 0 ? 8 : 4, id));
         EXPECT_FALSE(add(4, 58));
         EXPECT_EQ(owner.take(), "! Could not create control #58 in toolbar\n");
 
-        const Window gone = toolbar_get_control(owner.control, 6);
+        const Window gone = owner.part(6);
         toolbar_delete_all_controls(owner.control);
         EXPECT_FALSE(xvt_vobj_is_valid(gone));
         EXPECT_TRUE(add(4, 58));
-        EXPECT_EQ(xvt_vobj_get_outer_rect(toolbar_get_control(owner.control, 58)).left, 4);
+        EXPECT_EQ(xvt_vobj_get_outer_rect(owner.part(58)).left, 4);
         toolbar_force_update(owner.control);
     });
 }
@@ -167,28 +167,27 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
     const Lines lines{"t",         "PICBUTN=1,301,Open.", "PICBUTN=2,302",
                       "SEPARATOR", "TOGLBUTN=3,303,Wrap", "PICBUTN=4,304"};
     with_toolbar(lines, [](Owner& owner) {
-        const auto part = [&](int id) { return toolbar_get_control(owner.control, id); };
-        press_pointer(part(1), k_inside);
-        EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::mouse_down);
-        EXPECT_EQ(spoken(part(1)), "button 'Open' pressed");
-        move_pointer(part(1), k_outside);
-        EXPECT_EQ(toggle_button_get_state(part(1)), ToggleState::push);
-        release_pointer(part(1), k_outside);
+        press_pointer(owner.part(1), k_inside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(1)), ToggleState::mouse_down);
+        EXPECT_EQ(spoken(owner.part(1)), "button 'Open' pressed");
+        move_pointer(owner.part(1), k_outside);
+        EXPECT_EQ(toggle_button_get_state(owner.part(1)), ToggleState::push);
+        release_pointer(owner.part(1), k_outside);
         EXPECT_EQ(owner.take(), "focus; ");
-        press_pointer(part(1), k_inside);
-        move_pointer(part(1), k_outside);
-        move_pointer(part(1), k_inside);
-        release_pointer(part(1), k_inside);
-        right_click(part(1), k_inside);
+        press_pointer(owner.part(1), k_inside);
+        move_pointer(owner.part(1), k_outside);
+        move_pointer(owner.part(1), k_inside);
+        release_pointer(owner.part(1), k_inside);
+        right_click(owner.part(1), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 1 4 of notice; ");
 
         // The numbers that windows set buttons by.
-        toggle_button_set_state(part(2), static_cast<ToggleState>(4));
-        click(part(2), k_inside);
-        EXPECT_FALSE(xvt_vobj_is_enabled(part(2)));
+        toggle_button_set_state(owner.part(2), static_cast<ToggleState>(4));
+        click(owner.part(2), k_inside);
+        EXPECT_FALSE(xvt_vobj_is_enabled(owner.part(2)));
         EXPECT_EQ(owner.take(), "focus; ") << "the window takes the click";
 
-        xvt_vobj_set_focus(part(1));
+        xvt_vobj_set_focus(owner.part(1));
         press_key("Space");
         press_key("Return");
         EXPECT_EQ(owner.take(), "notice 101 1 4 of notice; notice 101 1 4 of notice; ");
@@ -198,49 +197,49 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         EXPECT_EQ(owner.take(), "key 13; key 120; key 302; ");
         for (const int id : {3, 4, 1}) {
             press_key("Right");
-            EXPECT_TRUE(xvt_vobj_has_focus(part(id))) << id;
+            EXPECT_TRUE(xvt_vobj_has_focus(owner.part(id))) << id;
         }
         press_key("Left");
         press_key("Left");
         press_key("Space");
         EXPECT_EQ(owner.take(), "notice 101 3 5 of notice; ");
-        EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::down);
+        EXPECT_EQ(toggle_button_get_state(owner.part(3)), ToggleState::down);
         press_key("Tab");
-        EXPECT_FALSE(xvt_vobj_has_focus(part(3)) || xvt_vobj_has_focus(part(1)));
-        xvt_vobj_set_focus(part(1));
+        EXPECT_FALSE(xvt_vobj_has_focus(owner.part(3)) || xvt_vobj_has_focus(owner.part(1)));
+        xvt_vobj_set_focus(owner.part(1));
         press_key("Esc");
         EXPECT_EQ(owner.take(), "focus; focus; ");
 
-        toggle_button_set_state(part(2), static_cast<ToggleState>(0));
-        click(part(2), k_inside);
+        toggle_button_set_state(owner.part(2), static_cast<ToggleState>(0));
+        click(owner.part(2), k_inside);
         EXPECT_EQ(owner.take(), "notice 101 2 4 of notice; ");
         // One that is disabled under a press is not clicked by its end.
-        press_pointer(part(2), k_inside);
-        toggle_button_set_state(part(2), ToggleState::disabled);
-        toggle_button_set_state(part(2), ToggleState::push);
-        release_pointer(part(2), k_inside);
+        press_pointer(owner.part(2), k_inside);
+        toggle_button_set_state(owner.part(2), ToggleState::disabled);
+        toggle_button_set_state(owner.part(2), ToggleState::push);
+        release_pointer(owner.part(2), k_inside);
         EXPECT_EQ(owner.take(), "");
         EXPECT_EQ(spoken(owner.control), "tool bar 'Tools'");
-        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked");
-        toggle_button_set_state(part(3), ToggleState::push);
-        EXPECT_EQ(toggle_button_get_state(part(3)), ToggleState::up);
-        EXPECT_EQ(spoken(part(3)), "check box 'Wrap'");
-        EXPECT_TRUE(press_by_voice(part(3)) && press_by_voice(part(1)));
+        EXPECT_EQ(spoken(owner.part(3)), "check box 'Wrap' checked");
+        toggle_button_set_state(owner.part(3), ToggleState::push);
+        EXPECT_EQ(toggle_button_get_state(owner.part(3)), ToggleState::up);
+        EXPECT_EQ(spoken(owner.part(3)), "check box 'Wrap'");
+        EXPECT_TRUE(press_by_voice(owner.part(3)) && press_by_voice(owner.part(1)));
         EXPECT_EQ(owner.take(), "notice 101 3 5 of notice; notice 101 1 4 of notice; ");
-        press_pointer(part(3), k_inside);
-        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked pressed");
-        toggle_button_set_state(part(3), ToggleState::down_disabled);
-        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' checked disabled");
-        toggle_button_set_state(part(3), ToggleState::indeterminate);
-        EXPECT_EQ(spoken(part(3)), "check box 'Wrap' mixed");
-        release_pointer(part(3), k_inside);
+        press_pointer(owner.part(3), k_inside);
+        EXPECT_EQ(spoken(owner.part(3)), "check box 'Wrap' checked pressed");
+        toggle_button_set_state(owner.part(3), ToggleState::down_disabled);
+        EXPECT_EQ(spoken(owner.part(3)), "check box 'Wrap' checked disabled");
+        toggle_button_set_state(owner.part(3), ToggleState::indeterminate);
+        EXPECT_EQ(spoken(owner.part(3)), "check box 'Wrap' mixed");
+        release_pointer(owner.part(3), k_inside);
     });
 }
 
 TEST(ToggleButton, EachOfItsLooksIsTold) {
     with_toolbar({"t", "PICBUTN=1,999", "TOGLBUTN=2,999"}, [](Owner& owner) {
-        const Window push = toolbar_get_control(owner.control, 1);
-        const Window toggle = toolbar_get_control(owner.control, 2);
+        const Window push = owner.part(1);
+        const Window toggle = owner.part(2);
         constexpr Point k_ground{11, 4};
         const auto ground = [&](Window window) { return shown_pixel(window, k_ground); };
         const std::uint32_t rest = ground(push);

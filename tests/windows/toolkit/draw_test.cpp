@@ -446,6 +446,29 @@ TEST(DrawTest, LinesHaveBothEndsAndTheirWidth) {
         EXPECT_LT(qGray(sheet.picture().pixel(end)), 128);
 }
 
+TEST(DrawTest, OfALongTextThatIsDrawnWhichIsSeen) {
+    const int columns = 1'000'000;
+    for (const TextEncoding encoding : {TextEncoding::latin1, TextEncoding::utf8}) {
+        const int length = encoding == TextEncoding::latin1 ? columns : columns / 50;
+        std::string text(static_cast<std::size_t>(length), 'x');
+        const std::string seen = "end if;";
+        text.replace(text.size() - seen.size(), seen.size(), seen);
+        Sheet far;
+        Sheet near;
+        xvt_dwin_set_encoding(far.window, encoding);
+        xvt_dwin_set_encoding(near.window, encoding);
+        const int width = xvt_dwin_get_text_width(far.window, text);
+        EXPECT_EQ(width, length * xvt_dwin_get_text_width(far.window, "x"));
+        xvt_dwin_draw_text(far.window, 100 - width, 30, text);
+        const std::string piece = text.substr(text.size() - 40);
+        xvt_dwin_draw_text(near.window, 100 - xvt_dwin_get_text_width(near.window, piece), 30,
+                           piece);
+        EXPECT_EQ(far.picture(), near.picture());
+        xvt_dwin_draw_text(far.window, 0, 60, text);
+        EXPECT_NE(far.picture(), near.picture());
+    }
+}
+
 TEST(DrawTest, AnyCoordinateIsTaken) {
     constexpr int k_places[] = {INT_MIN, INT_MIN + 1, -(1 << 29),  -5,     0,
                                 40,      1 << 20,     INT_MAX - 1, INT_MAX};

@@ -9,7 +9,6 @@
 #include "windows/toolkit/window.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QHelpIndexWidget>
 #include <QLabel>
 #include <QLineEdit>
@@ -37,18 +36,6 @@ using test::TemporaryDirectory;
 const std::string k_directory = PELLUX_BINARY_DIR "/velmora/bin";
 const std::string k_path = k_directory + "/pellux.hlp";
 
-std::string read_book() {
-    std::ifstream file(k_path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Runs the loop until `is_true`, which what is under way brings about; the test's own limit of
-/// time is the last resort.
-void run_until(const std::function<bool()>& is_true) {
-    while (!is_true())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
 /// A database of its own making; the bytes of its file.
 std::string database_of(const std::vector<const char*>& commands) {
     const TemporaryDirectory place;
@@ -67,8 +54,7 @@ std::string database_of(const std::vector<const char*>& commands) {
 /// All temporary files of the program go there for a while.
 struct ScopedTemporaries {
     TemporaryDirectory place;
-    ScopedTemporaries() { qputenv("TMPDIR", QByteArray::fromStdString(place.path())); }
-    ~ScopedTemporaries() { qunsetenv("TMPDIR"); }
+    test::ScopedVariable variable{"TMPDIR", place.path().c_str()};
 };
 
 void expect_refused(const std::string& directory, const std::string& what) {
@@ -90,7 +76,8 @@ TEST(HelpFile, ThatIsNoneIsRefusedAndLeavesNothing) {
     expect_refused(books.path("nowhere"), "missing directory");
     expect_refused(std::string(5000, 'x'), "long path");
 
-    const std::string whole = read_book();
+    std::filesystem::copy(k_path, books.path("book.hlp"));
+    const std::string whole = books.read("book.hlp");
     ASSERT_GT(whole.size(), 100u);
     const auto changed = [&whole](std::size_t at, std::string_view bytes) {
         return std::string(whole).replace(at, bytes.size(), bytes);
@@ -229,8 +216,9 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         press_key("Alt+Right");
         EXPECT_EQ(shown_help_page(), "starting.html");
 
-        run_until(
-            [window] { return window->findChild<QHelpIndexWidget*>()->model()->rowCount() > 0; });
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return window->findChild<QHelpIndexWidget*>()->model()->rowCount() > 0; },
+            60'000));
         press_key("Alt+I");
         type_text("exit");
         press_key("Return");

@@ -1,5 +1,6 @@
 #include "tests/windows/toolkit/robot.h"
 
+#include "core/os/loop.h"
 #include "tests/windows/toolkit/application.h"
 #include "windows/toolkit/qt/session_end.h"
 #include "windows/toolkit/qt/text_conversion.h"
@@ -71,22 +72,6 @@ QAction* find_action(const QList<QAction*>& actions, int tag) {
         }
     }
     return nullptr;
-}
-
-bool choose_in(QMenu& menu, int tag) {
-    for (QAction* action : menu.actions()) {
-        const bool leads_there =
-            action->menu() == nullptr
-                ? !action->isSeparator() && action->data().toInt() == tag && action->isEnabled()
-                : find_action(action->menu()->actions(), tag) != nullptr;
-        if (!leads_there)
-            continue;
-        menu.setActiveAction(action);
-        QMenu* below = action->menu();
-        QTest::keyClick(&menu, Qt::Key_Return);
-        return below == nullptr || choose_in(*below, tag);
-    }
-    return false;
 }
 
 /// The desktop's window that a window is in; the place becomes one of it.
@@ -233,13 +218,6 @@ std::string shown_menus() {
     return list;
 }
 
-bool choose_popup_item(int tag) {
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    const bool is_chosen = menu != nullptr && choose_in(*menu, tag);
-    process_events();
-    return is_chosen;
-}
-
 std::string shown_popup() {
     std::string list;
     if (const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget()))
@@ -327,6 +305,13 @@ bool end_session() {
     const bool may_end = session_may_end();
     process_events();
     return may_end;
+}
+
+bool wait_for_output(std::string_view words) {
+    constexpr int k_turns_max = 100'000;
+    for (int i = 0; i < k_turns_max && shown_output().find(words) == std::string::npos; ++i)
+        run_turn(TurnWait::until_event);
+    return shown_output().find(words) != std::string::npos;
 }
 
 std::uint32_t shown_pixel(Window window, Point at) {

@@ -37,8 +37,7 @@ bool choose_item(int tag);
 /// disabled one, "*Title" for a checked one, "-" for a separator.
 [[nodiscard]] std::string shown_menus();
 
-/// The same for the menu that has popped up, with the keys that a user presses in it.
-bool choose_popup_item(int tag);
+/// The same for the menu that has popped up.
 [[nodiscard]] std::string shown_popup();
 
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
@@ -46,6 +45,8 @@ void in_box(const std::function<void()>& act);
 
 /// What the output control that was made last shows, and its window.
 [[nodiscard]] std::string shown_output();
+/// Waits until it shows these words.
+bool wait_for_output(std::string_view words);
 [[nodiscard]] Window shown_output_window();
 
 /// The entry at the upper edge of a list; -1 for none.

@@ -55,10 +55,11 @@ TEST(Windows, EventsComeInTheirOrderAndGoToTheirWindow) {
     run(
         [&] {
             EXPECT_EQ(task.take(), "created; ");
-            EventLog log(k_told);
-            const Window window = xvt_win_create_res(1, log.handler());
+            LoggedWindow logged(k_told);
+            EventLog& log = logged.log;
+            EventLog& inner = logged.inner;
+            const Window window = logged.window;
             EXPECT_EQ(log.take(), "created; ");
-            EventLog inner(k_told);
             const Window pane = xvt_win_create_pane(
                 {.parent = window, .id = 5, .rect = {10, 20, 60, 120}, .handler = inner.handler()});
             process_events();
@@ -246,11 +247,11 @@ TEST(Keys, BecomeTheirCodes) {
 TEST(Timers, TellTheirWindowUntilTheyEnd) {
     run([] {
         ManualClock clock;
-        EventLog log(k_told);
-        const Window window = xvt_win_create_res(1, log.handler());
+        LoggedWindow logged({EventType::timer});
+        EventLog& log = logged.log;
+        const Window window = logged.window;
         xvt_timer_create(window, 1000);
         const TimerId ended = xvt_timer_create(window, 400);
-        log.take();
         log.act = [&](Window, const Event&) { xvt_timer_destroy(ended); };
         for (const char* told : {"timer; timer; ", "timer; "}) {
             clock.advance(5000);
@@ -258,7 +259,6 @@ TEST(Timers, TellTheirWindowUntilTheyEnd) {
             EXPECT_EQ(log.take(), told);
         }
         xvt_vobj_destroy(window);
-        log.take();
         clock.advance(5000);
         process_events();
         EXPECT_EQ(log.take(), "");

@@ -1,14 +1,12 @@
 #include "core/common/containers.h"
 #include "core/diagnostics/message.h"
 #include "core/os/files.h"
-#include "core/os/loop.h"
 #include "core/os/safe_write.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/app/program.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
-#include "windows/app/tools_menu.h"
 #include "windows/controls/controls.h"
 #include "windows/controls/pictures.h"
 #include "windows/controls/status_bar.h"
@@ -131,17 +129,6 @@ void visit_program(Tour& tour) {
     tour.front("help_search");
 }
 
-/// Until the newest output says so.
-bool wait_for(std::string_view words) {
-    constexpr int k_turns_max = 100'000;
-    for (int i = 0; i < k_turns_max; ++i) {
-        if (shown_output().find(words) != std::string::npos)
-            return true;
-        run_turn(TurnWait::until_event);
-    }
-    return false;
-}
-
 /// Two windows side by side over the whole area of the task window.
 void put_side_by_side(Window left, Window right) {
     for (const Window window : {left, right})
@@ -160,7 +147,7 @@ void visit_project(Tour& tour) {
     xvt_list_set_selected(project_list(project), std::array{9, 10, 11});
     process_events();
     press_key("F7");
-    tour.keep(wait_for("\nCompilation "), "compiling");
+    tour.keep(wait_for_output("\nCompilation "), "compiling");
     put_side_by_side(project, shown_output_window());
     xvt_vobj_raise(project);
     process_events();
@@ -170,7 +157,7 @@ void visit_project(Tour& tour) {
     press_key("Esc");
     const auto read = [&](ProjectCommand command, std::string_view words, std::string_view name) {
         xvt_win_dispatch_event(project, Event{CommandEvent{static_cast<int>(command)}});
-        tour.keep(wait_for(words), name);
+        tour.keep(wait_for_output(words), name);
         process_events();
         tour.picture(task, name);
     };
@@ -208,7 +195,7 @@ void visit_failure(Tour& tour, const String& directory) {
     tour.front("files_menu");
     press_key("F7");
     tour.picture(task, "compiling");
-    tour.keep(wait_for("\nCompilation "), "failed");
+    tour.keep(wait_for_output("\nCompilation "), "failed");
     put_side_by_side(project, shown_output_window());
     tour.picture(task, "failed");
 }

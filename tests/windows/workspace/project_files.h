@@ -61,9 +61,18 @@ inline Window window_of_project(std::size_t index) {
     return workspace().projects.at(index)->window;
 }
 
-/// The program around the windows as its projects see it, with one project, a.bpr, in a directory
-/// of its own, and the user in front of it.
-class Projects : public testing::Test {
+/// A directory and settings of its own, and the user in front of the program.
+class InDirectory : public testing::Test {
+protected:
+    TemporaryDirectory directory_;
+    TemporaryDirectory settings_;
+    ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    ScopedDirectory here_{directory_.path()};
+    ScriptedAnswers user_;
+};
+
+/// The program around the windows as its projects see it, with one project, a.bpr.
+class Projects : public InDirectory {
 protected:
     Projects() {
         register_controls();
@@ -97,12 +106,7 @@ protected:
     static Project& project() { return *open().project; }
 
     ReportsInBoxes reports_;
-    TemporaryDirectory directory_;
     std::string top_ = directory_.path();
-    TemporaryDirectory settings_;
-    ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
-    ScopedDirectory here_{top_};
-    ScriptedAnswers user_;
     std::string calls_;
 };
 

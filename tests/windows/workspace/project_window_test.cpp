@@ -1,4 +1,3 @@
-#include "core/os/loop.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/controls/boxes.h"
 #include "windows/toolkit/clipboard.h"
@@ -93,12 +92,6 @@ protected:
             paths.push_back(directory_.path(name));
         EXPECT_TRUE(drop_files(project_list(window()), {5, 5}, paths));
     }
-    /// Waits until the output says a word.
-    static bool said(std::string_view word) {
-        for (int i = 0; i < 500 && shown_output().find(word) == std::string::npos; ++i)
-            run_turn(TurnWait::until_event);
-        return shown_output().find(word) != std::string::npos;
-    }
 };
 
 TEST_F(ProjectWindow, TakesFilesByItsRules) {
@@ -164,7 +157,7 @@ TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
               {"Alt+Down", "a.vhd d.vhd [b.vhd] [c.vhd]"},
               {"=1", "a.vhd [d.vhd] b.vhd c.vhd"}});
         right_click(project_list(window()), {20, 25});
-        EXPECT_TRUE(choose_popup_item(1150));
+        press_key("D");
         EXPECT_EQ(status(), "Top design: d.vhd\tDevice: ");
         project().sources[1]->note.assign("kept");
         walk({{"=01", "[a.vhd] [*d.vhd] b.vhd c.vhd"}, {"Del", "[b.vhd] c.vhd"}});
@@ -180,7 +173,7 @@ TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
         EXPECT_FALSE(has_changed(open()));
         EXPECT_TRUE(menus_have("(&Undo\t*Red&o adding 4 files\t"));
         right_click(project_list(window()), {20, 25});
-        EXPECT_TRUE(choose_popup_item(1154));
+        press_key("O");
         EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd] [d.vhd]");
     });
 }
@@ -307,11 +300,11 @@ TEST_F(ProjectWindow, ShowsWhatTheCompilerSays) {
         select({1});
         command(1150);
         press_key("Ctrl+F7");
-        EXPECT_TRUE(said("Compilation successful."));
+        EXPECT_TRUE(wait_for_output("Compilation successful."));
         EXPECT_TRUE(can(1104)) << "the report is there now";
         press_key("F7");
-        EXPECT_TRUE(said("Compilation failed.")) << "the keys go on from the output";
-        EXPECT_TRUE(said("bad.vhd (line"));
+        EXPECT_TRUE(wait_for_output("Compilation failed.")) << "the keys go on from the output";
+        EXPECT_TRUE(wait_for_output("bad.vhd (line"));
         press_key("Ctrl+W");
         EXPECT_EQ(shown_output(), "");
         user_.expect_ask("Quit Pellux?", "Cancel");
@@ -342,7 +335,8 @@ TEST_F(ProjectWindow, TellsWhyACompileFailed) {
                 std::filesystem::permissions(path, std::filesystem::perms::owner_all);
             press_key("F7");
             if (!row.cause.empty()) {
-                EXPECT_TRUE(said(end) && shown_output().ends_with("\n" + row.cause + end))
+                EXPECT_TRUE(wait_for_output(end) &&
+                            shown_output().ends_with("\n" + row.cause + end))
                     << shown_output();
                 continue;
             }
@@ -400,7 +394,7 @@ TEST_F(ProjectWindow, TellsWhichToolsRun) {
     const std::string own = "Pellux " PELLUX_VERSION ", " PELLUX_BINARY_DIR "\n";
     directory_.write("bin/BRIX.EXE", "");
     run([&] {
-        EXPECT_TRUE(choose_item(1102) && said("/ghdl"));
+        EXPECT_TRUE(choose_item(1102) && wait_for_output("/ghdl"));
         EXPECT_TRUE(shown_output().starts_with(own));
         xvt_vobj_raise(window());
         const test::ScopedVariable other("VELMORA_DIR", top_.c_str());
