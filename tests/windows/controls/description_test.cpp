@@ -44,10 +44,7 @@ TEST(PropertyText, ReadsValuesAndTakesWhatItCannotReadAsMissing) {
     } colors[] = {
         {"RED", Color::red},
         {"DKGRAY", Color::dark_gray},
-        {"DK_GRAY", Color::dark_gray},
-        {"GRAY", Color::gray},
         {"LTGRAY", Color::light_gray},
-        {"LT_GRAY", Color::light_gray},
         {"1,2,3", make_color(1, 2, 3)},
         {"300x-5 7", make_color(255, 0, 7)},
         {"Red", {}},

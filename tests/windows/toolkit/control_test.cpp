@@ -162,6 +162,15 @@ TEST(ListControl, SelectsWhatASetOfNumbersSelects) {
                       Vector<int>(model.begin(), model.end()));
         }
         EXPECT_EQ(files.take(), "") << "the program's own changes are told";
+        // The place in the list is kept only when that is wanted.
+        xvt_list_set_entries(files.control, numbered(500));
+        xvt_list_set_focus_index(files.control, 300);
+        const int top = files.bar().value();
+        xvt_list_set_entries(files.control, numbered(400), ListPlace::kept);
+        EXPECT_TRUE(top > 0 && files.bar().value() == top);
+        EXPECT_EQ(xvt_list_get_focus_index(files.control), 300);
+        xvt_list_set_entries(files.control, numbered(400));
+        EXPECT_EQ(files.bar().value(), 0);
     });
 }
 

@@ -46,19 +46,20 @@ QPoint logical(Window window, Point at) {
     return {static_cast<int>(at.x / ratio), static_cast<int>(at.y / ratio)};
 }
 
-/// The window of the program that lies in front of all.
+/// The window of the program that lies in front of all; null while none is active.
 QWidget* front_window() {
     if (QWidget* popup = QApplication::activePopupWidget())
         return popup;
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
-    QWidget* active = QApplication::activeWindow();
-    return active != nullptr ? active : task_window();
+    return QApplication::activeWindow();
 }
 
 QWidget* focus_widget() {
     QWidget* front = front_window();
-    return front == nullptr || front->focusWidget() == nullptr ? front : front->focusWidget();
+    if (front == nullptr)
+        return task_window();
+    return front->focusWidget() != nullptr ? front->focusWidget() : front;
 }
 
 QAction* find_action(const QList<QAction*>& actions, int tag) {
@@ -320,7 +321,8 @@ std::uint32_t shown_pixel(Window window, Point at) {
 }
 
 bool save_front_picture(std::string_view path) {
-    const bool is_saved = front_window()->grab().save(to_qstring(path), "PNG");
+    QWidget* front = front_window();
+    const bool is_saved = front != nullptr && front->grab().save(to_qstring(path), "PNG");
     if (QWidget* popup = QApplication::activePopupWidget())
         popup->close();
     return is_saved;

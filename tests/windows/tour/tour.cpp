@@ -1,5 +1,4 @@
 #include "core/common/containers.h"
-#include "core/diagnostics/message.h"
 #include "core/os/files.h"
 #include "core/os/safe_write.h"
 #include "tests/windows/toolkit/application.h"
@@ -7,15 +6,9 @@
 #include "windows/app/program.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
-#include "windows/controls/controls.h"
-#include "windows/controls/pictures.h"
-#include "windows/controls/status_bar.h"
-#include "windows/controls/toolbar.h"
 #include "windows/controls/window_places.h"
 #include "windows/toolkit/control.h"
-#include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/message_box.h"
-#include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_files.h"
@@ -23,7 +16,6 @@
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string_view>
@@ -35,11 +27,6 @@
 namespace {
 
 using namespace pellux;
-
-constexpr int k_show_number = 9001;
-constexpr int k_show_width_px = 1090;
-constexpr std::array k_show{WindowResource{
-    .number = k_show_number, .title = "Toolbars", .width = k_show_width_px, .height = 200}};
 
 struct Tour {
     std::string_view directory;
@@ -60,37 +47,11 @@ struct Tour {
     void front(std::string_view name) { keep(save_front_picture(file(name)), name); }
 };
 
-/// A bar with the pictures of all buttons, and a status bar under it.
-Window show_bars() {
-    const Window window = xvt_win_create_res(k_show_number, {});
-    Vector<String> lines{"AUTOSIZED=FALSE"};
-    for (const ImageResource& image : control_pictures())
-        lines.push_back(format_text("PICBUTN=%d,%d", image.number, image.number));
-    const Vector<std::string_view> properties(lines.begin(), lines.end());
-    xvt_cxo_create({.class_name = k_toolbar_class,
-                    .parent = window,
-                    .id = 1,
-                    .rect = {0, 0, 30, k_show_width_px},
-                    .properties = properties});
-    const Window bar = xvt_cxo_create({.class_name = k_status_bar_class,
-                                       .parent = window,
-                                       .id = 2,
-                                       .rect = {30, 0, 54, k_show_width_px}});
-    set_status_text(bar, "Line 12 of 340\tUndos:  3\tModified");
-    process_events();
-    return window;
-}
-
 void visit_program(Tour& tour) {
     const Window task = xvt_win_get_task();
     tour.picture(task, "task");
     press_key("Alt+O");
     tour.front("tools_menu");
-
-    const Window bars = show_bars();
-    tour.picture(bars, "toolbars");
-    xvt_vobj_destroy(bars);
-    process_events();
 
     const auto box = [&](int tag, std::string_view name) {
         in_box([&tour, name] {
@@ -218,7 +179,6 @@ int main(int argument_count, char** arguments) {
     xvt_app_start(toolkit_arguments, arguments);
     install_search_paths();
     start_box_diagnostics();
-    xvt_res_register({.windows = k_show});
     const std::array<const char*, 1> picture{"-%S"};
     run(picture, [&] { tour.picture(xvt_win_get_task(), "start_picture"); });
     const std::array<const char*, 1> first{"brix.bpr"};

@@ -36,19 +36,6 @@ inline void make_project_file(const std::string& directory, std::string_view nam
     EXPECT_FALSE(failed(write_project(project).error));
 }
 
-/// What the program reports comes as error boxes while one is alive.
-struct ReportsInBoxes {
-    ReportsInBoxes() {
-        reporter() = {};
-        reporter().output = [](void*, std::string_view text) {
-            xvt_dm_post_error("%s", std::string(text).c_str());
-        };
-    }
-    ~ReportsInBoxes() { reporter() = {}; }
-    ReportsInBoxes(const ReportsInBoxes&) = delete;
-    ReportsInBoxes& operator=(const ReportsInBoxes&) = delete;
-};
-
 /// The names of the open projects, in their order.
 inline std::string open_names() {
     std::string names;
@@ -75,9 +62,14 @@ protected:
 class Projects : public InDirectory {
 protected:
     Projects() {
+        reporter() = {};
+        reporter().output = [](void*, std::string_view text) {
+            xvt_dm_post_error("%s", std::string(text).c_str());
+        };
         register_controls();
         make_project_file(top_, "a.bpr");
     }
+    ~Projects() override { reporter() = {}; }
 
     void run(const std::function<void()>& script) {
         static constexpr auto say = [](void* self, const std::string& word) {
@@ -105,7 +97,6 @@ protected:
     static OpenProject& open() { return *workspace().projects.at(0); }
     static Project& project() { return *open().project; }
 
-    ReportsInBoxes reports_;
     std::string top_ = directory_.path();
     std::string calls_;
 };

@@ -40,12 +40,11 @@ protected:
         }
         return text;
     }
-    static void select(std::initializer_list<int> indices) {
-        xvt_list_set_selected(project_list(window()), Vector<int>(indices));
+    static void select(const Vector<int>& indices) {
+        xvt_list_set_selected(project_list(window()), indices);
         process_events();
-        update();
+        xvt_win_dispatch_event(window(), Event{ClipboardEvent{}});
     }
-    static void update() { xvt_win_dispatch_event(window(), Event{ClipboardEvent{}}); }
     static std::string status(Window of = window()) {
         return xvt_vobj_get_title(xvt_win_get_ctl(of, k_project_status)).c_str();
     }
@@ -78,8 +77,7 @@ protected:
                 Vector<int> indices;
                 for (const char digit : act.substr(1))
                     indices.push_back(digit - '0');
-                xvt_list_set_selected(project_list(window()), indices);
-                process_events();
+                select(indices);
             } else if (!act.empty()) {
                 press_key(act);
             }
