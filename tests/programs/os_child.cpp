@@ -13,7 +13,6 @@
 #include <string>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -99,16 +98,12 @@ int play_echo(char** arguments) {
     int open_handles = 0;
     for (int handle = 0; handle < 256; ++handle)
         open_handles += ::fcntl(handle, F_GETFD) != -1 ? 1 : 0;
-    rlimit processor{};
-    ::getrlimit(RLIMIT_CPU, &processor);
     char directory[4096] = {};
     const bool has_directory = ::getcwd(directory, sizeof directory) != nullptr;
     say(std::string(" group ") + (::getpgrp() == ::getpid() ? "own" : "shared") + ", mask " +
         (::sigismember(&mask, SIGINT) == 0 ? "empty" : "kept") + ", pipe signal " +
         (pipe_action.sa_handler == SIG_DFL ? "default" : "kept") + ", handles " +
-        std::to_string(open_handles) + ", processor seconds " + std::to_string(processor.rlim_cur) +
-        " of " + std::to_string(processor.rlim_max) + ", directory " +
-        (has_directory ? directory : "none"));
+        std::to_string(open_handles) + ", directory " + (has_directory ? directory : "none"));
     say("errors", standard_errors());
     return 0;
 }

@@ -98,7 +98,6 @@ void activate_before(QMdiArea& area, const QMdiSubWindow& frame) {
 
 WindowMenu::WindowMenu(QMdiArea& area, const char* tabs_setting)
     : QMenu(QStringLiteral("&Window")), area_(area), tabs_setting_(tabs_setting) {
-    menuAction()->setData(static_cast<int>(WindowCommand::menu));
     add(WindowCommand::next, "&Next", {Qt::CTRL | Qt::Key_Tab, Qt::CTRL | Qt::Key_F6});
     add(WindowCommand::previous, "&Previous",
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, Qt::CTRL | Qt::SHIFT | Qt::Key_F6});
@@ -128,8 +127,6 @@ QAction* WindowMenu::add(WindowCommand command, const char* title,
 
 void WindowMenu::run(WindowCommand command) {
     switch (command) {
-    case WindowCommand::menu:
-        return;
     case WindowCommand::next:
         show_neighbour(area_, 1);
         return;
@@ -174,8 +171,6 @@ void WindowMenu::update_items() {
             break;
         case WindowCommand::tabs:
             mark(*action, as_tabs);
-            break;
-        case WindowCommand::menu:
             break;
         }
     }

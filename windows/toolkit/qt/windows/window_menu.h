@@ -7,14 +7,13 @@ class QMdiSubWindow;
 
 namespace pellux {
 
-/// Tags of the Window menu and its items; those of the application's own menus are not negative.
+/// Tags of the Window menu's items; those of the application's own menus are not negative.
 enum class WindowCommand : int {
-    menu = -1,
-    next = -2,
-    previous = -3,
-    tile = -4,
-    cascade = -5,
-    tabs = -6,
+    next = -1,
+    previous = -2,
+    tile = -3,
+    cascade = -4,
+    tabs = -5,
 };
 
 /// The menu about the windows in the area, which it changes itself: what can be done with all of
