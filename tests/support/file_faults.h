@@ -36,19 +36,4 @@ private:
     Decide decide_;
 };
 
-/// Only the n-th operation fails, counted from 1.
-struct NthFileFault {
-    int countdown;
-    int number = ENOSPC;
-    bool happened = false;
-    FileOperation operation = FileOperation::open; ///< that failed
-    FileFaults faults{[this](FileOperation asked, std::string_view) {
-        if (--countdown != 0)
-            return SystemError::none;
-        happened = true;
-        operation = asked;
-        return SystemError{number};
-    }};
-};
-
 } // namespace pellux::test

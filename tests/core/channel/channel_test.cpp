@@ -46,13 +46,12 @@ struct Environment {
     std::size_t poked_bytes = 0;
     std::uint16_t answer = k_poke_taken;
     std::uint16_t alternates = 0; ///< what changes in the answer with each poke
-    bool quiet;                   ///< pokes are counted only
     std::function<void(std::string_view event)> also;
     ChannelAddress address = 0;
     std::string hello;     ///< the frame that connects
     std::string connected; ///< what is logged of it
 
-    explicit Environment(bool only_counts = false) : quiet(only_counts) {
+    Environment() {
         server->events = {on_connect, on_poke, on_closed, this};
         EXPECT_FALSE(failed(open_channel_server(*server)));
         address = server->address;
@@ -69,10 +68,9 @@ struct Environment {
     static std::uint16_t on_poke(void* context, std::uint64_t, std::string_view topic,
                                  std::string_view item, std::span<const std::byte> data) {
         auto& self = *static_cast<Environment*>(context);
-        ++self.pokes;
         self.poked_bytes += data.size();
         EXPECT_FALSE(topic.empty());
-        if (!self.quiet)
+        if (++self.pokes < 1000)
             self.note("poke " + std::string(item) + " " +
                       std::string(reinterpret_cast<const char*>(data.data()), data.size()));
         return self.answer ^= self.alternates;
@@ -169,7 +167,7 @@ TEST_F(ChannelTest, DamageEndsTheConnectionAndNothingElse) {
 }
 
 TEST_F(ChannelTest, OneTurnReadsABoundedAmountOfAllConnections) {
-    Environment environment(true);
+    Environment environment;
     const RawChild first(environment);
     const RawChild second(environment);
     turn_until_idle();
@@ -182,7 +180,7 @@ TEST_F(ChannelTest, OneTurnReadsABoundedAmountOfAllConnections) {
 }
 
 TEST_F(ChannelTest, ChildThatTakesNoRepliesIsReadAllTheSame) {
-    Environment environment(true);
+    Environment environment;
     const RawChild deaf(environment);
     constexpr std::size_t count = 50'000;
     const std::string packets = repeated(poke("", ""), count);

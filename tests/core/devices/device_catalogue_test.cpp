@@ -2,8 +2,7 @@
 
 #include "core/diagnostics/catalogue.h"
 #include "tests/support/captured_reports.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +13,6 @@ namespace pellux {
 namespace {
 
 using test::ScopedVariable;
-using test::TemporaryDirectory;
 using Lines = std::vector<std::string>;
 
 class DeviceCatalogue : public testing::Test, protected test::CapturedReports {
@@ -32,7 +30,7 @@ protected:
         return all;
     }
 
-    TemporaryDirectory directory_;
+    Scratch directory_;
     CatalogueReader reader_;
     CatalogueLine line_;
 };
@@ -157,7 +155,6 @@ TEST_F(DeviceCatalogue, ALineMayHave511CharactersAndTheLastOneNoEnd) {
 }
 
 TEST_F(DeviceCatalogue, TheInstallationsFileIsTakenElseOneAlongThePath) {
-    const test::ScopedDirectory inside(directory_.path());
     const ScopedVariable path("PATH", "elsewhere");
     const ScopedVariable install("VELMORA_DIR", "tree");
     directory_.write("devices.dat", "seek: here:0,0\n");

@@ -3,8 +3,7 @@
 #include "core/diagnostics/catalogue.h"
 #include "core/diagnostics/messages.h"
 #include "tests/support/captured_reports.h"
-#include "tests/support/scoped_directory.h"
-#include "tests/support/temporary_directory.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +14,6 @@ namespace pellux {
 namespace {
 
 using test::CapturedReports;
-using test::ScopedDirectory;
-using test::TemporaryDirectory;
 
 Message<const char*> msg_text{"E9100", "%s"};
 
@@ -59,9 +56,8 @@ TEST_F(ReporterTest, LongTextsArriveWhole) {
 }
 
 TEST_F(ReporterTest, TheReportFileGetsEverythingAndPlacedNotesGoThereOnly) {
-    const TemporaryDirectory directory;
-    const ScopedDirectory inside(directory.path());
-    const auto contents = [&] { return directory.read("top.rpt"); };
+    const Scratch scratch;
+    const auto contents = [&] { return scratch.read("top.rpt"); };
     ASSERT_TRUE(openReport("some/where/top.vhd", true, false));
     reporter().current_source = "top.vhd";
     note(-1, {1, 1}, msg_text, "placed");
@@ -80,8 +76,7 @@ TEST_F(ReporterTest, TheReportFileGetsEverythingAndPlacedNotesGoThereOnly) {
 }
 
 TEST_F(ReporterTest, AReportFileThatCannotBeOpenedIsTold) {
-    const TemporaryDirectory directory;
-    const ScopedDirectory inside(directory.path());
+    const Scratch scratch;
     ASSERT_FALSE(failed(make_directory("top.rpt")));
     EXPECT_FALSE(openReport("top.bpr", true, false));
     EXPECT_EQ(last(), "Warning: Can't open report file 'top.rpt'");

@@ -6,7 +6,7 @@
 #include "tests/support/arguments.h"
 #include "tests/support/frames.h"
 #include "tests/support/running.h"
-#include "tests/support/scoped_directory.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -62,7 +62,6 @@ struct Log {
 /// A directory of its own to work and to keep the channels in.
 class SpawnerTest : public testing::Test {
 protected:
-    SpawnerTest() : inside_(directory_.path()) {}
     /// Ends the grace of all children that were given up.
     ~SpawnerTest() override {
         install_loop(nullptr);
@@ -85,8 +84,7 @@ protected:
             run_turn(TurnWait::until_event);
     }
 
-    test::TemporaryDirectory directory_;
-    test::ScopedDirectory inside_;
+    Scratch directory_;
     test::ScopedVariable runtime_{"XDG_RUNTIME_DIR", directory_.path().c_str()};
     Log log_;
 };

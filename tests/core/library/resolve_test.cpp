@@ -57,10 +57,9 @@ TEST(InstallRoot, IsFoundByTheVariableOrAboveTheCompiler) {
     const Scratch scratch;
     for (const char* directory : {"tree/lib", "a/lib", "directory/BRIX.EXE", "empty"})
         fs::create_directories(directory);
-    for (const char* program : {"a/b/c/bin/BRIX.EXE", "a/b/BRIX.EXE", "plain/BRIX.EXE"})
-        scratch.write(program, "");
+    scratch.write("plain/BRIX.EXE", "");
     for (const char* program : {"a/b/c/bin/BRIX.EXE", "a/b/BRIX.EXE"})
-        fs::permissions(program, fs::perms::owner_all);
+        fs::permissions(scratch.write(program, ""), fs::perms::owner_all);
     const test::ScopedDirectory below("a/b");
     const std::string none = scratch.path("directory") + "::" + scratch.path("plain") + ":";
     const struct {

@@ -2,8 +2,6 @@
 #include "tests/support/scratch.h"
 #include "tools/driver/libraries/library_lock.h"
 
-#include <sstream>
-
 #include <sys/resource.h>
 
 namespace pellux {
@@ -78,8 +76,7 @@ struct BadInput : testing::Test {
     /// All but the lines "Compiling", with HERE for the directory's path.
     [[nodiscard]] std::string told(const ToolRun& run) const {
         std::string rest;
-        std::istringstream lines(run.text);
-        for (std::string line; std::getline(lines, line);) {
+        for (std::string line : test::words_of(run.text, '\n')) {
             if (line.find(scratch.path()) != line.npos)
                 line.replace(line.find(scratch.path()), scratch.path().size(), "HERE");
             if (!line.starts_with("Compiling '"))

@@ -22,14 +22,9 @@ TEST_F(Brix, EachFileIsCompiledThoughOthersAreBad) {
     const ToolRun run =
         run_brix({"-q", "errors.vhd", "-aalib", "good.vhd", "-b", "top.vhd", "-e9"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.text, "Compiling 'errors.vhd'\n"
-                        "errors.vhd (line 1, col 1):  fault\n"
-                        "errors.vhd (line 2, col 1):  fault\n"
-                        "errors.vhd (line 3, col 1):  fault\n"
-                        "errors.vhd (line 4, col 1):  fault\n"
-                        "errors.vhd (line 5, col 1):  fault\n"
-                        "Compiling 'good.vhd'\n"
-                        "Compiling 'top.vhd'\n");
+    EXPECT_TRUE(run.text.ends_with("errors.vhd (line 5, col 1):  fault\n"
+                                   "Compiling 'good.vhd'\nCompiling 'top.vhd'\n"))
+        << run.text;
     EXPECT_EQ(calls(), "-a errors.vhd; -a good.vhd; -a top.vhd; ");
     EXPECT_TRUE(std::filesystem::is_directory("alib"));
     EXPECT_TRUE(std::filesystem::is_directory("work"));

@@ -11,7 +11,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -75,8 +74,7 @@ inline Outcome outcome(const fs::path& tree, const std::vector<std::string>& wor
     const bool is_93 = std::find(words.begin(), words.end(), "-v93") != words.end();
     Outcome result{
         status, {}, {}, library_files(tree, is_93 ? "-obj93.cf" : "-obj08.cf"), records(tree)};
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : test::words_of(text, '\n')) {
         if (line.starts_with("Compiling '"))
             result.compiled.push_back(line.substr(11, line.rfind('\'') - 11));
         else if (line.find("):  Warning: ") == std::string::npos && !line.starts_with(' ') &&

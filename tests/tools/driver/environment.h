@@ -32,15 +32,15 @@ struct FakeGhdl {
         library = scratch.names("work");
     }
     void expect_nothing_left() const {
+        EXPECT_FALSE(ghdl_still_runs());
         EXPECT_EQ(scratch.names(), before);
         EXPECT_EQ(scratch.names("work"), library);
         EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
     }
     /// What GHDL was asked: command and subject of each call.
-    [[nodiscard]] static std::string calls() {
-        std::ifstream lines("calls.log");
+    [[nodiscard]] std::string calls() const {
         std::string all;
-        for (std::string line; std::getline(lines, line);)
+        for (const std::string& line : test::words_of(scratch.read("calls.log"), '\n'))
             all += line.substr(line.find(' ') + 1, 3) + line.substr(line.rfind(' ') + 1) + "; ";
         return all;
     }

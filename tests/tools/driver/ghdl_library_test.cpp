@@ -1,12 +1,8 @@
 #include "tools/driver/ghdl/ghdl_library.h"
 
-#include <gtest/gtest.h>
+#include "tests/tools/driver/compiled_tree.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 namespace pellux {
 namespace {
@@ -90,22 +86,18 @@ TEST(RealSources, UnitsThatGhdlFoundAreFound) {
     const std::filesystem::path installed = "/usr/lib/ghdl/mcode/vhdl";
     if (!std::filesystem::exists(installed))
         GTEST_SKIP() << "GHDL keeps its libraries elsewhere";
-    const auto read = [](const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    };
     SourceScan scan;
     std::size_t units = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(installed)) {
         if (entry.path().extension() != ".cf")
             continue;
-        const std::string listing = read(entry.path());
+        const std::string listing = contents(entry.path());
         GhdlLibrary library;
         ASSERT_EQ(parse_ghdl_library(listing, library), GhdlLibraryStatus::read) << entry.path();
         EXPECT_EQ(view(ghdl_library_text(library)), listing);
         for (const GhdlSource& source : library.sources) {
             const auto path = entry.path().parent_path() / view(source_path(source));
-            const std::string text = read(path);
+            const std::string text = contents(path);
             ASSERT_EQ(digest_of(text), source.checksum) << path;
             const Vector<DeclaredUnit> declared = declared_units(text);
             scan_source(text, scan);

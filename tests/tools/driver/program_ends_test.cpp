@@ -34,14 +34,12 @@ TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
             const std::string text = read_until(output, row.running);
             ::kill(static_cast<pid_t>(process.id), signal);
             EXPECT_EQ(status_of(wait_for_process(process)), 1) << text;
-            EXPECT_FALSE(ghdl_still_runs());
             expect_nothing_left();
         }
         Environment closing{row.tool};
         closing.close_at = row.running;
         closing.answers = false;
         closing.run({row.file}, 1);
-        EXPECT_FALSE(ghdl_still_runs());
         expect_nothing_left();
         Process process;
         {
@@ -51,7 +49,6 @@ TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
                 run_turn(TurnWait::until_event);
         }
         EXPECT_EQ(status_of(wait_for_process(process)), 1);
-        EXPECT_FALSE(ghdl_still_runs());
         expect_nothing_left();
     }
 }

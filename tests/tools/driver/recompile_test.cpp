@@ -34,10 +34,7 @@ struct SmallDesign {
                 std::ofstream(tree / name) << text;
         }
     }
-    [[nodiscard]] std::vector<std::string> words() const {
-        std::istringstream stream(list);
-        return {std::istream_iterator<std::string>(stream), {}};
-    }
+    [[nodiscard]] std::vector<std::string> words() const { return test::words_of(list); }
 };
 
 struct Change {
