@@ -320,9 +320,13 @@ TEST_F(ProjectWindow, TellsWhyACompileFailed) {
         {"", "Can't run " + name + ".\n"},
         {"#!/bin/sh\nkill -SEGV $$\n", name + " crashed (signal 11).\n"},
         {"#!/bin/sh\nexit 7\n", name + " ended with status 7 and has said nothing.\n"},
+        {"#!/bin/sh\nexec " PELLUX_BINARY_DIR
+         "/tests/programs/channel_child $1 hello say=x exit=7\n",
+         name + " ended with status 7 and has told no result.\n"},
         {"#!/bin/sh\nexec sleep 100\n", ""},
     };
     const test::ScopedVariable install("VELMORA_DIR", top_.c_str());
+    const test::ScopedVariable channels("XDG_RUNTIME_DIR", top_.c_str());
     directory_.write("x.vhd", "");
     run([&] {
         command(1106);
