@@ -106,9 +106,6 @@ bool wait_for_connection(ChannelServer& server, std::int64_t timeout_ms);
 /// Sends a message frame (`k_message_...`). False when there is no such connection in the process,
 /// or its child has not read anything for long.
 bool send_channel_message(std::uint64_t connection, std::uint32_t message, std::uint64_t parameter);
-/// The same to all accepted connections of a server.
-void broadcast_channel_message(ChannelServer& server, std::uint32_t message,
-                               std::uint64_t parameter);
 /// Ends a connection; no event comes for it.
 void drop_channel_connection(std::uint64_t connection);
 

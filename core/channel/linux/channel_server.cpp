@@ -247,13 +247,6 @@ bool send_channel_message(std::uint64_t number, std::uint32_t message, std::uint
            send_message(*connection, message, parameter);
 }
 
-void broadcast_channel_message(ChannelServer& server, std::uint32_t message,
-                               std::uint64_t parameter) {
-    for (ChannelConnection& connection : server.connections)
-        if (connection.number != 0 && connection.accepted)
-            send_message(connection, message, parameter);
-}
-
 void drop_channel_connection(std::uint64_t number) {
     if (ChannelConnection* connection = find_connection(number))
         end_connection(*connection);
