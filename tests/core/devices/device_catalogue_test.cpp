@@ -61,6 +61,11 @@ TEST_F(DeviceCatalogue, SectionsAreReadToTheirEndByTheirWholeName) {
             EXPECT_EQ(line_.view(), name);
         }
     EXPECT_EQ(lines(), (Lines{"three"}));
+    // A line may have 511 characters, and the last one no end.
+    const std::string long_line(511, 'm');
+    load("seek: s:0,516\n" + long_line + "\nlast");
+    ASSERT_TRUE(seekSection(reader_, "s", false));
+    EXPECT_EQ(lines(), (Lines{long_line, "last"}));
 }
 
 TEST_F(DeviceCatalogue, BlocksAreFoundByTheStartOfTheirName) {
@@ -145,13 +150,6 @@ TEST_F(DeviceCatalogue, EveryFaultEndsTheProgramUnlessItIsQuiet) {
     ASSERT_TRUE(readLine(reader_, line_, false));
     EXPECT_EXIT(static_cast<void>(readLine(reader_, line_, true)), testing::ExitedWithCode(255),
                 "^Abort:  \\(E1805\\) m{511}\n");
-}
-
-TEST_F(DeviceCatalogue, ALineMayHave511CharactersAndTheLastOneNoEnd) {
-    const std::string long_line(511, 'm');
-    load("seek: s:0,516\n" + long_line + "\nlast");
-    ASSERT_TRUE(seekSection(reader_, "s", false));
-    EXPECT_EQ(lines(), (Lines{long_line, "last"}));
 }
 
 TEST_F(DeviceCatalogue, TheInstallationsFileIsTakenElseOneAlongThePath) {

@@ -1,6 +1,5 @@
 #include "core/library/rc_file.h"
 
-#include "tests/core/library/index_contents.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 #include "core/library/resolve.h"
 
 #include "core/library/install_root.h"
-#include "tests/core/library/index_contents.h"
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>

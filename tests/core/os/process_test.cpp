@@ -91,7 +91,6 @@ TEST(Process, ChildGetsItsWordsAndStandardHandlesAndNothingElse) {
     request.output = output.write_end.get();
     request.errors = errors.write_end.get();
     request.directory = "/usr";
-    request.processor_seconds_max = 7;
     Process process;
     const SystemError error = start_process(process, request);
     ::close(open_handle);
@@ -129,15 +128,28 @@ TEST(Process, OneTooManyIsRefusedUntilOthersHaveEnded) {
     EXPECT_TRUE(turn_until_no_child());
 }
 
+TEST(Process, ProcessorTimeIsLimitedByTheSystem) {
+    Process process;
+    ChildRequest request({"ignore"});
+    request.processor_seconds_max = 7;
+    ASSERT_FALSE(failed(start_process(process, request)));
+    rlimit limit{};
+    ::prlimit(static_cast<pid_t>(process.id), RLIMIT_CPU, nullptr, &limit);
+    EXPECT_EQ(std::pair(limit.rlim_cur, limit.rlim_max), std::pair(rlim_t{7}, rlim_t{7}));
+    kill_process(process);
+    wait_for_process(process);
+}
+
 TEST(Process, GivenUpChildIsEndedWithItsGroupWhenTheGraceIsOver) {
     ManualClock clock;
-    Family family("family"), given_up("grandchild"), kept("grandchild");
+    Family family("family"), kept("grandchild");
+    EXPECT_TRUE(turn_until([&] { return kept.ends == 1; }));
+    Family given_up("grandchild");
     const std::int64_t child_id = family.id;
     end_process_later(family, 2000);
     end_process_later(given_up, 2000);
     EXPECT_EQ(family.id, 0);
     // What a child leaves behind goes with it, though it holds the pipe, if that was given up.
-    EXPECT_TRUE(turn_until([&] { return kept.ends == 1; }));
     EXPECT_TRUE(turn_until([&] { return !process_exists(given_up.grandchild_id); }));
     EXPECT_TRUE(process_exists(kept.grandchild_id));
     ::kill(static_cast<pid_t>(kept.grandchild_id), SIGKILL);

@@ -16,11 +16,6 @@ struct ProgramEnds : testing::Test, FakeGhdl {
     }
 };
 
-/// With the words of `line`, which blanks part.
-Words quiet(const std::string& line) {
-    return test::words_of("-q " + line);
-}
-
 TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
     const struct {
         const char* tool;
@@ -79,11 +74,12 @@ TEST_F(ProgramEnds, EveryWayToFailHasItsStatusAndOneLine) {
     };
     for (const auto& row : rows) {
         for (const char* line : row.lines) {
-            const ToolRun run = run_program(row.tool, quiet(line));
+            const Words words = test::words_of(std::string("-q ") + line);
+            const ToolRun run = run_program(row.tool, words);
             EXPECT_EQ(run.status, row.status) << run.text;
             EXPECT_EQ(std::count(run.text.begin(), run.text.end(), '\n'), 1) << run.text;
             Environment environment{row.tool};
-            environment.run(quiet(line), row.status);
+            environment.run(words, row.status);
             EXPECT_EQ(environment.text, run.text);
             expect_nothing_left();
         }
