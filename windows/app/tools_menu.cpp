@@ -39,6 +39,9 @@ Vector<ToolLine> read_own_tools() {
     const SystemError error = read_text_start(path.view(), k_text_max, text, is_cut);
     if (failed(error) && !is_missing(error))
         post_error(msg_cannot_read_tools, path.c_str(), error_text(error).c_str());
+    // What is left of a line would run with arguments that nobody has written.
+    if (is_cut)
+        text.resize(text.rfind('\n') + 1);
     return parse_tool_lines(view(text));
 }
 

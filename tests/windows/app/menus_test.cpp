@@ -41,7 +41,8 @@ TEST_F(Menus, HaveTheToolsOfTheCatalogueBeforeHelp) {
         "\"~Echo it\" $TEST_PLACE/os_child echo a $TEST_PLACE\nMissing $TEST_PLACE/no x\n"
         "\"only label\"\n\"~Waves\" gtkwave\n" +
         std::string(600, 'l') + " x\nafter it\n");
-    settings_.write("Velmora/Pellux.tools", "# mine\n\nO~wn $TEST_PLACE/os_child echo own\n");
+    settings_.write("Velmora/Pellux.tools", "# mine\n\nO~wn $TEST_PLACE/os_child echo own\nCut " +
+                                                std::string(70'000, 'x'));
     directory_.write("bin/devices.dat",
                      "seek: tools_dos:0," + std::to_string(lines.size()) + "\n" + lines);
     test::make_project_file(directory_.path(), "a.bpr");
