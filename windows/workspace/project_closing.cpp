@@ -153,7 +153,6 @@ bool close_one(Window window) {
     if (find_open_project(window) == nullptr)
         return false;
     xvt_vobj_destroy(window);
-    forget_project(window);
     if (workspace().projects.empty())
         shell().end_application(shell().context);
     return true;
