@@ -1,0 +1,55 @@
+#include "core/text/text_block.h"
+
+#include <bit>
+
+namespace pellux {
+namespace {
+
+constexpr std::uint64_t k_ones = 0x0101010101010101;
+constexpr std::uint64_t k_high_bits = k_ones << 7;
+constexpr std::size_t k_word = sizeof(std::uint64_t);
+
+/// A word whose bytes are 1 where the byte is a line end.
+std::uint64_t line_ends_in(std::uint64_t word) {
+    const std::uint64_t others = word ^ (k_ones * '\n');
+    const std::uint64_t low = (others & ~k_high_bits) + ~k_high_bits;
+    return (~(low | others) & k_high_bits) >> 7;
+}
+
+/// The same for the bytes whose two highest bits are 10.
+std::uint64_t continuations_in(std::uint64_t word) {
+    return (word & ~(word << 1) & k_high_bits) >> 7;
+}
+
+std::int64_t sum_of_bytes(std::uint64_t word) {
+    return static_cast<std::int64_t>((word * k_ones) >> 56);
+}
+
+} // namespace
+
+TextCounts count_text(std::string_view text) {
+    constexpr std::size_t k_words_at_once = 31; // a byte holds what they sum up to
+    TextCounts counts{.bytes = static_cast<std::int64_t>(text.size())};
+    while (text.size() >= k_word) {
+        std::uint64_t line_ends = 0;
+        std::uint64_t continuations = 0;
+        std::size_t used = 0;
+        for (std::size_t i = 0; i < k_words_at_once && text.size() - used >= k_word; ++i) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, text.data() + used, k_word);
+            line_ends += line_ends_in(word);
+            continuations += continuations_in(word);
+            used += k_word;
+        }
+        counts.line_ends += sum_of_bytes(line_ends);
+        counts.continuations += sum_of_bytes(continuations);
+        text.remove_prefix(used);
+    }
+    for (const char byte : text) {
+        counts.line_ends += byte == '\n' ? 1 : 0;
+        counts.continuations += (static_cast<unsigned char>(byte) & 0xC0) == 0x80 ? 1 : 0;
+    }
+    return counts;
+}
+
+} // namespace pellux
