@@ -12,6 +12,7 @@ struct PageRange {
     std::byte* base = nullptr;
     std::size_t reserved = 0;
     std::size_t committed = 0;
+    std::size_t opened = 0; ///< readable and writable, maybe more than is committed
 };
 
 /// Reserves `bytes` of address space, aligned to 64 KB; false when the system refuses.

@@ -36,16 +36,6 @@ void read_piece(LineReader& reader, TextPoint from, std::span<char, k_line_piece
     reader.behind_piece = from;
 }
 
-LineReader begin(const TextDocument& document, std::int64_t line, ByteOffset line_start,
-                 ByteOffset offset) {
-    const ByteOffset piece = line_start + (offset - line_start) / k_piece * k_piece;
-    return {.document = &document,
-            .line = line,
-            .line_start = line_start,
-            .piece_start = piece,
-            .behind_piece = point_at(document, piece)};
-}
-
 } // namespace
 
 LineReader read_lines_from(const TextDocument& document, ByteOffset offset) {
@@ -53,13 +43,22 @@ LineReader read_lines_from(const TextDocument& document, ByteOffset offset) {
     const ByteOffset start = line_start(document, line);
     // The end of a line belongs to its last piece.
     const ByteOffset last = std::max(line_end(document, line) - 1, start);
-    return begin(document, line, start, std::clamp(offset, start, last));
+    const ByteOffset piece = start + (std::clamp(offset, start, last) - start) / k_piece * k_piece;
+    return {.document = &document,
+            .line = line,
+            .line_start = start,
+            .piece_start = piece,
+            .behind_piece = point_at(document, piece)};
 }
 
 LineReader read_lines(const TextDocument& document, std::int64_t line) {
     line = std::clamp(line, std::int64_t{0}, line_count(document) - 1);
-    const ByteOffset start = line_start(document, line);
-    return begin(document, line, start, start);
+    const LineStart start = find_line(document, line);
+    return {.document = &document,
+            .line = line,
+            .line_start = start.offset,
+            .piece_start = start.offset,
+            .behind_piece = start.point};
 }
 
 bool read_next(LineReader& reader, std::span<char, k_line_piece_bytes> buffer) {

@@ -52,4 +52,20 @@ TextCounts count_text(std::string_view text) {
     return counts;
 }
 
+std::size_t skip_line_ends(std::string_view text, std::int64_t& count) {
+    std::size_t at = 0;
+    for (; text.size() - at >= k_word; at += k_word) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, k_word);
+        const std::int64_t here = std::popcount(line_ends_in(word));
+        if (here >= count)
+            break;
+        count -= here;
+    }
+    for (; at < text.size(); ++at)
+        if (text[at] == '\n' && --count == 0)
+            return at + 1;
+    return at;
+}
+
 } // namespace pellux

@@ -39,6 +39,9 @@ struct TextCounts {
 }
 
 [[nodiscard]] TextCounts count_text(std::string_view text);
+/// Bytes up to and with the line end of number `count`, from 1, or all of them when there are
+/// fewer. `count` then says how many are still to come.
+[[nodiscard]] std::size_t skip_line_ends(std::string_view text, std::int64_t& count);
 
 /// Where a `TextMark` is chained in: the marks of a block are a circle with the block's own link.
 struct MarkLink {

@@ -176,17 +176,10 @@ void note_change(TextDocument& document, const TextChange& change, TextPoint end
 /// The offset in a block behind its first `count` line ends.
 int behind_line_ends(const TextBlock& block, std::int64_t count) {
     int offset = 0;
-    for (std::string_view piece : {text_before_gap(block), text_behind_gap(block)}) {
-        std::size_t at = 0;
-        for (; count > 0; --count) {
-            const std::size_t end = piece.find('\n', at);
-            if (end == std::string_view::npos)
-                break;
-            at = end + 1;
-        }
+    for (const std::string_view piece : {text_before_gap(block), text_behind_gap(block)}) {
         if (count == 0)
-            return offset + static_cast<int>(at);
-        offset += static_cast<int>(piece.size());
+            break;
+        offset += static_cast<int>(skip_line_ends(piece, count));
     }
     return offset;
 }
@@ -248,13 +241,18 @@ std::int64_t line_of(TextPoint point) {
     return counts_before(*point.block).line_ends + counts_in(point).line_ends;
 }
 
-ByteOffset line_start(const TextDocument& document, std::int64_t line) {
-    if (line <= 0)
-        return 0;
-    if (line >= line_count(document))
-        return text_size(document);
+LineStart find_line(const TextDocument& document, std::int64_t line) {
+    if (line <= 0 || line >= line_count(document)) {
+        const ByteOffset offset = line <= 0 ? 0 : text_size(document);
+        return {point_at(document, offset), offset};
+    }
     const IndexPlace place = find_line_end(document.index, line - 1);
-    return place.before.bytes + behind_line_ends(*place.block, line - place.before.line_ends);
+    const int offset = behind_line_ends(*place.block, line - place.before.line_ends);
+    return {canonical({place.block, offset}), place.before.bytes + offset};
+}
+
+ByteOffset line_start(const TextDocument& document, std::int64_t line) {
+    return find_line(document, line).offset;
 }
 
 ByteOffset line_end(const TextDocument& document, std::int64_t line) {

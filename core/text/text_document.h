@@ -71,6 +71,11 @@ private:
 [[nodiscard]] TextPoint point_at(const TextDocument& document, ByteOffset offset);
 [[nodiscard]] ByteOffset offset_of(TextPoint point);
 [[nodiscard]] std::int64_t line_of(TextPoint point);
+struct LineStart {
+    TextPoint point;
+    ByteOffset offset = 0;
+};
+[[nodiscard]] LineStart find_line(const TextDocument& document, std::int64_t line);
 /// Where a line begins.
 [[nodiscard]] ByteOffset line_start(const TextDocument& document, std::int64_t line);
 /// Where its line end stands, or the end of the text.

@@ -1,5 +1,6 @@
 #include "core/os/pages.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstdint>
 #include <sys/mman.h>
@@ -9,6 +10,8 @@ namespace pellux {
 namespace {
 
 constexpr std::size_t k_granule = 65536;
+constexpr std::size_t k_large_page = std::size_t{2} << 20;
+constexpr std::size_t k_large_from = std::size_t{8} << 20;
 
 struct PagesState {
     PageFaultHook hook = nullptr;
@@ -18,6 +21,26 @@ constinit PagesState pages_state;
 
 std::size_t to_granule(std::uintptr_t value) {
     return (k_granule - value % k_granule) % k_granule;
+}
+
+/// Makes the range readable and writable up to `end` at least. A program that holds much gets large
+/// pages, which its processor finds faster, and asks the system less often.
+bool open_pages(PageRange& range, std::size_t end) {
+    std::byte* const start = range.base + range.opened;
+    if (end > k_large_from) {
+        const auto address = reinterpret_cast<std::uintptr_t>(range.base + end);
+        const std::size_t rounded = end + (k_large_page - address % k_large_page) % k_large_page;
+        const std::size_t bytes = std::min(rounded, range.reserved) - range.opened;
+        if (mprotect(start, bytes, PROT_READ | PROT_WRITE) == 0) {
+            static_cast<void>(madvise(start, bytes, MADV_HUGEPAGE));
+            range.opened += bytes;
+            return true;
+        }
+    }
+    if (mprotect(start, end - range.opened, PROT_READ | PROT_WRITE) != 0)
+        return false;
+    range.opened = end;
+    return true;
 }
 
 } // namespace
@@ -46,7 +69,7 @@ std::byte* commit_pages(PageRange& range, std::size_t bytes) {
     if (pages_state.hook != nullptr && pages_state.hook(pages_state.context, bytes))
         return nullptr;
     std::byte* start = range.base + range.committed;
-    if (mprotect(start, bytes, PROT_READ | PROT_WRITE) != 0)
+    if (range.committed + bytes > range.opened && !open_pages(range, range.committed + bytes))
         return nullptr;
     range.committed += bytes;
     return start;
