@@ -22,7 +22,7 @@ TextBlock* make_block(TextDocument& document) {
 /// Links a new block that begins with `text` behind `known`, which is null for the only one.
 TextBlock* add_block(TextDocument& document, TextBlock* known, std::string_view text = {}) {
     TextBlock* block = make_block(document);
-    std::memcpy(block->data, text.data(), text.size());
+    text.copy(block->data, text.size());
     block->gap_start += text.size();
     block->previous = known;
     block->next = known == nullptr ? nullptr : known->next;
