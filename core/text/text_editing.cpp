@@ -161,6 +161,18 @@ bool delete_character(TextEditing& editing, bool is_forward) {
     return true;
 }
 
+UndoTarget target_of(TextEditing& editing) {
+    return {editing.document,
+            [](void* context, ByteOffset at, ByteOffset removed, std::string_view text) {
+                auto& self = from_context<TextEditing>(context);
+                change_text(self, point_at(self.document, at), removed, text);
+            },
+            [](void* context, ByteOffset offset) {
+                go_to_offset(from_context<TextEditing>(context), offset);
+            },
+            &editing};
+}
+
 /// Applies the newest group of one list, which then is the other one's.
 bool apply_group(TextEditing& editing, bool is_undo) {
     UndoList& from = is_undo ? editing.undo_list : editing.redo_list;
@@ -173,13 +185,14 @@ bool apply_group(TextEditing& editing, bool is_undo) {
     const TextOperation operation(editing);
     editing.anchor.reset();
     const UndoRecord* leader = is_undo ? from.newest->group : from.newest;
+    const UndoTarget target = target_of(editing);
     bool is_last = false;
     while (!is_last) {
         Owned<UndoRecord> applied = pop_record(from);
         if (is_undo)
-            applied->apply(editing);
+            applied->apply(target);
         else
-            applied->apply_again(editing);
+            applied->apply_again(target);
         is_last = is_undo ? applied->group == nullptr
                           : from.newest == nullptr || from.newest->group != leader;
         push_record(to, std::move(applied));
@@ -415,10 +428,6 @@ void note_saved(TextDocument& document) {
         editing->saved_state = state_of(editing->undo_list);
         editing->can_be_saved_state = true;
     }
-}
-
-void replace_bytes(TextEditing& editing, ByteOffset at, ByteOffset removed, std::string_view text) {
-    change_text(editing, point_at(editing.document, at), removed, text);
 }
 
 } // namespace pellux

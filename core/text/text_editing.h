@@ -123,9 +123,4 @@ struct TextRange {
 /// when undo or redo of a view come back to this state.
 void note_saved(TextDocument& document);
 
-// For the records.
-
-void replace_bytes(TextEditing& editing, ByteOffset at, ByteOffset removed, std::string_view text);
-[[nodiscard]] bool check_editing(const TextEditing& editing);
-
 } // namespace pellux

@@ -1,7 +1,5 @@
 #include "core/text/undo_record.h"
 
-#include "core/text/text_editing.h"
-
 namespace pellux {
 namespace {
 
@@ -44,12 +42,12 @@ bool UndoRecord::merge_deleted_forwards(ByteOffset, std::string_view) {
     return false;
 }
 
-void UndoRecord::apply(TextEditing& editing) {
-    go_to_offset(editing, at);
+void UndoRecord::apply(const UndoTarget& target) {
+    target.go_to(target.context, at);
 }
 
-void UndoRecord::apply_again(TextEditing& editing) {
-    go_to_offset(editing, at);
+void UndoRecord::apply_again(const UndoTarget& target) {
+    target.go_to(target.context, at);
 }
 
 ByteOffset UndoRecord::own_bytes(bool) const {
@@ -67,13 +65,13 @@ bool TypedText::merge_typed(ByteOffset where, std::string_view character) {
     return true;
 }
 
-void TypedText::apply(TextEditing& editing) {
-    text_ = copy_text(editing.document, at, bytes_);
-    replace_bytes(editing, at, bytes_, {});
+void TypedText::apply(const UndoTarget& target) {
+    text_ = copy_text(target.document, at, bytes_);
+    target.replace(target.context, at, bytes_, {});
 }
 
-void TypedText::apply_again(TextEditing& editing) {
-    replace_bytes(editing, at, 0, view(text_));
+void TypedText::apply_again(const UndoTarget& target) {
+    target.replace(target.context, at, 0, view(text_));
     text_ = {};
 }
 
@@ -85,14 +83,14 @@ ByteOffset TypedText::kept_bytes(bool is_undone) const {
     return is_undone ? bytes_ : 0;
 }
 
-void DeletedText::apply(TextEditing& editing) {
-    replace_bytes(editing, at, 0, view(text_));
+void DeletedText::apply(const UndoTarget& target) {
+    target.replace(target.context, at, 0, view(text_));
     if (is_forward_)
-        go_to_offset(editing, at);
+        target.go_to(target.context, at);
 }
 
-void DeletedText::apply_again(TextEditing& editing) {
-    replace_bytes(editing, at, size_of(text_), {});
+void DeletedText::apply_again(const UndoTarget& target) {
+    target.replace(target.context, at, size_of(text_), {});
 }
 
 ByteOffset DeletedText::own_bytes(bool is_undone) const {

@@ -8,7 +8,14 @@
 
 namespace pellux {
 
-struct TextEditing;
+/// What a record is applied to: a text, and the caret of a view on it.
+struct UndoTarget {
+    TextDocument& document;
+    /// Removes bytes at an offset and puts others there; the caret is behind them then.
+    void (*replace)(void* context, ByteOffset at, ByteOffset removed, std::string_view text);
+    void (*go_to)(void* context, ByteOffset offset);
+    void* context;
+};
 
 /// One edit that can be taken back, and made again. A list of them is a stack: the text that the
 /// newest one meets is that which it left.
@@ -26,9 +33,9 @@ public:
     virtual bool merge_deleted_forwards(ByteOffset where, std::string_view character);
 
     /// Takes the edit back. The base puts the caret where it happened.
-    virtual void apply(TextEditing& editing);
+    virtual void apply(const UndoTarget& target);
     /// Makes it again.
-    virtual void apply_again(TextEditing& editing);
+    virtual void apply_again(const UndoTarget& target);
 
     /// How much of the text is the edit's own, and would go if it were applied, or applied again.
     [[nodiscard]] virtual ByteOffset own_bytes(bool is_undone) const;
@@ -49,8 +56,8 @@ public:
         : UndoRecord(where), bytes_(bytes), is_open_(is_open) {}
 
     bool merge_typed(ByteOffset where, std::string_view character) override;
-    void apply(TextEditing& editing) override;
-    void apply_again(TextEditing& editing) override;
+    void apply(const UndoTarget& target) override;
+    void apply_again(const UndoTarget& target) override;
     [[nodiscard]] ByteOffset own_bytes(bool is_undone) const override;
     [[nodiscard]] ByteOffset kept_bytes(bool is_undone) const override;
 
@@ -67,8 +74,8 @@ public:
     DeletedText(ByteOffset where, String text, bool is_forward)
         : UndoRecord(where), text_(std::move(text)), is_forward_(is_forward) {}
 
-    void apply(TextEditing& editing) override;
-    void apply_again(TextEditing& editing) override;
+    void apply(const UndoTarget& target) override;
+    void apply_again(const UndoTarget& target) override;
     [[nodiscard]] ByteOffset own_bytes(bool is_undone) const override;
     [[nodiscard]] ByteOffset kept_bytes(bool is_undone) const override;
 

@@ -216,8 +216,9 @@ TEST_F(EditingAgainstStates, UndoFollowsTheChangesOfAnotherView) {
                 break;
             case 1:
                 go_to_offset(first, static_cast<ByteOffset>(at));
-                if (has_small && below(2) == 0)
+                if (has_small && below(2) == 0) {
                     ASSERT_TRUE(delete_forward(first));
+                }
                 break;
             case 2:
                 go_to_offset(second, static_cast<ByteOffset>(at));
