@@ -68,4 +68,20 @@ std::size_t skip_line_ends(std::string_view text, std::int64_t& count) {
     return at;
 }
 
+std::size_t skip_line_ends_back(std::string_view text, std::int64_t& count) {
+    std::size_t at = text.size();
+    for (; at >= k_word; at -= k_word) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at - k_word, k_word);
+        const std::int64_t here = std::popcount(line_ends_in(word));
+        if (here >= count)
+            break;
+        count -= here;
+    }
+    for (; at > 0; --at)
+        if (text[at - 1] == '\n' && --count == 0)
+            return at;
+    return 0;
+}
+
 } // namespace pellux

@@ -42,6 +42,9 @@ struct TextCounts {
 /// Bytes up to and with the line end of number `count`, from 1, or all of them when there are
 /// fewer. `count` then says how many are still to come.
 [[nodiscard]] std::size_t skip_line_ends(std::string_view text, std::int64_t& count);
+/// The same from the end of the text: where its line end of number `count` from behind, from 1,
+/// ends.
+[[nodiscard]] std::size_t skip_line_ends_back(std::string_view text, std::int64_t& count);
 
 /// Where a `TextMark` is chained in: the marks of a block are a circle with the block's own link.
 struct MarkLink {

@@ -173,15 +173,31 @@ void note_change(TextDocument& document, const TextChange& change, TextPoint end
     document.changes.note(change);
 }
 
-/// The offset in a block behind its first `count` line ends.
-int behind_line_ends(const TextBlock& block, std::int64_t count) {
-    int offset = 0;
-    for (const std::string_view piece : {text_before_gap(block), text_behind_gap(block)}) {
-        if (count == 0)
-            break;
-        offset += static_cast<int>(skip_line_ends(piece, count));
+/// The offset in a block behind its first `count` line ends, of which it has `total`. Looked for
+/// from the end that is nearer: what is not read need not be fetched.
+int behind_line_ends(const TextBlock& block, std::int64_t count, std::int64_t total) {
+    const std::string_view before = text_before_gap(block);
+    const std::string_view behind = text_behind_gap(block);
+    if (count * 2 <= total) {
+        const std::size_t offset = skip_line_ends(before, count);
+        return static_cast<int>(count == 0 ? offset
+                                           : before.size() + skip_line_ends(behind, count));
     }
-    return offset;
+    std::int64_t left = total - count + 1;
+    const std::size_t offset = skip_line_ends_back(behind, left);
+    return static_cast<int>(left == 0 ? before.size() + offset : skip_line_ends_back(before, left));
+}
+
+/// Fetches what of a block will be read to find one of its line ends, where these are spread
+/// evenly.
+void prefetch_line_ends(const TextBlock& block, std::int64_t count, const TextCounts& total) {
+    constexpr std::int64_t k_cache_line = 64;
+    const bool is_forward = count * 2 <= total.line_ends;
+    const std::int64_t middle = total.bytes * count / (total.line_ends + 1);
+    const std::int64_t end = is_forward ? middle + k_cache_line : total.bytes;
+    __builtin_prefetch(&block);
+    for (std::int64_t at = is_forward ? 0 : middle - k_cache_line; at <= end; at += k_cache_line)
+        __builtin_prefetch(block.data + at);
 }
 
 TextCounts counts_in(TextPoint point) {
@@ -247,7 +263,9 @@ LineStart find_line(const TextDocument& document, std::int64_t line) {
         return {point_at(document, offset), offset};
     }
     const IndexPlace place = find_line_end(document.index, line - 1);
-    const int offset = behind_line_ends(*place.block, line - place.before.line_ends);
+    const std::int64_t count = line - place.before.line_ends;
+    prefetch_line_ends(*place.block, count, place.counts);
+    const int offset = behind_line_ends(*place.block, count, place.counts.line_ends);
     return {canonical({place.block, offset}), place.before.bytes + offset};
 }
 

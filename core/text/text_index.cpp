@@ -200,14 +200,6 @@ void free_nodes(IndexNode* node, int height) {
     release(node);
 }
 
-/// What is looked for is likely to be read next, and nothing of it to be near.
-void prefetch(const TextBlock& block) {
-    constexpr std::size_t k_cache_line = 64;
-    const auto* bytes = reinterpret_cast<const char*>(&block);
-    for (std::size_t at = 0; at < sizeof block; at += k_cache_line)
-        __builtin_prefetch(bytes + at);
-}
-
 /// Goes down to the block at which `rest`, of what `count` says of a child, is used up; counts what
 /// it passes.
 template <typename Count>
@@ -230,9 +222,8 @@ IndexPlace descend(const TextIndex& index, std::int64_t rest, const Count& count
         node = inner.children[slot_in(inner)];
     }
     const IndexLeaf& leaf = leaf_of(*node);
-    TextBlock* block = leaf.children[slot_in(leaf)];
-    prefetch(*block);
-    return {block, before};
+    const int slot = slot_in(leaf);
+    return {leaf.children[slot], before, counts_at(leaf, slot)};
 }
 
 bool check_node(const IndexNode& node, int height, TextCounts& counts, const TextBlock*& next) {

@@ -60,6 +60,7 @@ void index_add(TextIndex& index, const TextBlock& block, const TextCounts& chang
 struct IndexPlace {
     TextBlock* block = nullptr;
     TextCounts before; ///< of the text before the block
+    TextCounts counts; ///< of the block
 };
 /// The block of the byte at `offset`; the last one for the end of the text.
 [[nodiscard]] IndexPlace find_byte(const TextIndex& index, ByteOffset offset);
