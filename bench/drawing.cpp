@@ -56,7 +56,7 @@ struct OurLines {
 
     explicit OurLines(Window drawn) : window(drawn) {
         xvt_dwin_set_font(window, xvt_font_get_fixed());
-        xvt_dwin_set_encoding(window, TextEncoding::latin1);
+        xvt_dwin_set_encoding(window, TextEncoding::latin_1);
         const FontMetrics metrics = xvt_dwin_get_font_metrics(window);
         line_height = metrics.leading + metrics.ascent + metrics.descent;
         ascent = metrics.ascent;

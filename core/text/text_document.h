@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "core/common/text_encoding.h"
 #include "core/text/text_changes.h"
 #include "core/text/text_index.h"
 #include "core/text/text_mark.h"
@@ -10,9 +11,6 @@
 namespace pellux {
 
 struct TextEditing;
-
-/// How the bytes of a text are to be read.
-enum class TextEncoding { latin_1, utf_8 };
 
 /// A text as a chain of gap-buffer blocks, with an index over them.
 ///

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/common/text_encoding.h"
 #include "windows/toolkit/color.h"
 #include "windows/toolkit/event.h"
 #include "windows/toolkit/font.h"
@@ -34,18 +35,13 @@ struct Brush {
     bool operator==(const Brush&) const = default;
 };
 
-/// How the bytes of a text become characters.
-enum class TextEncoding {
-    utf8,   ///< bytes that are no UTF-8 are shown as Latin-1
-    latin1, ///< one byte, one character
-};
-
 void xvt_dwin_set_draw_mode(Window window, DrawMode mode);
 void xvt_dwin_set_pen(Window window, const Pen& pen);
 void xvt_dwin_set_brush(Window window, const Brush& brush);
 void xvt_dwin_set_fore_color(Window window, Color color); ///< of text
 /// What text and ink stand on, as far as contrast goes; white at first.
 void xvt_dwin_set_back_color(Window window, Color color);
+/// UTF-8 at first, where bytes that are none are shown as Latin-1.
 void xvt_dwin_set_encoding(Window window, TextEncoding encoding);
 /// Nothing is drawn outside `clip`; none lifts it.
 void xvt_dwin_set_clip(Window window, const std::optional<Rect>& clip);

@@ -37,7 +37,7 @@ public:
         setAttribute(Qt::WA_OpaquePaintEvent);
         resize(121, 87);
         fit_surface(surface());
-        xvt_dwin_set_encoding(window, TextEncoding::latin1);
+        xvt_dwin_set_encoding(window, TextEncoding::latin_1);
         xvt_dwin_set_font(window, xvt_font_get_fixed());
         xvt_dwin_update(window);
         updates.clear();
@@ -115,11 +115,11 @@ const Shape k_shapes[] = {
         Font font = xvt_font_get_fixed();
         font.style = static_cast<std::uint16_t>(FontStyle::underline);
         xvt_dwin_set_font(window, font);
-        xvt_dwin_set_encoding(window, TextEncoding::latin1);
+        xvt_dwin_set_encoding(window, TextEncoding::latin_1);
         xvt_dwin_draw_text(window, rect.left, rect.bottom, "entity \xE9 is \t port");
     },
     [](Window window, const Rect& rect) {
-        xvt_dwin_set_encoding(window, TextEncoding::utf8);
+        xvt_dwin_set_encoding(window, TextEncoding::utf_8);
         xvt_dwin_draw_text(window, rect.left, rect.bottom,
                            "gr\xC3\xB6\xC3\x9F"
                            "er \xE2\x82\xAC \xFF");
@@ -386,7 +386,7 @@ TEST(DrawTest, TextIsAsWideAsItsCharacters) {
     xvt_dwin_clear(whole.window, Color::white);
     QImage drawn = whole.picture();
     xvt_dwin_draw_text(whole.window, 2, 30, "if a_(1) then");
-    xvt_dwin_set_encoding(whole.window, TextEncoding::utf8);
+    xvt_dwin_set_encoding(whole.window, TextEncoding::utf_8);
     const QImage before = whole.picture();
     xvt_dwin_draw_text(whole.window, 2, 30, "");
     EXPECT_EQ(whole.picture(), before);
@@ -397,9 +397,9 @@ TEST(DrawTest, TextIsAsWideAsItsCharacters) {
             ASSERT_NEAR(qGray(whole.picture().pixel(x, y)), qGray(before.pixel(x, y)), 3);
     EXPECT_NE(before, drawn);
     // Control characters show nothing, but their width.
-    for (const TextEncoding encoding : {TextEncoding::latin1, TextEncoding::utf8}) {
+    for (const TextEncoding encoding : {TextEncoding::latin_1, TextEncoding::utf_8}) {
         const std::string text =
-            encoding == TextEncoding::latin1 ? "\t\x01\x7F\x85\r\n" : "\t\x01\x7F\xC2\x85\r\n";
+            encoding == TextEncoding::latin_1 ? "\t\x01\x7F\x85\r\n" : "\t\x01\x7F\xC2\x85\r\n";
         xvt_dwin_set_encoding(whole.window, encoding);
         xvt_dwin_clear(whole.window, Color::white);
         xvt_dwin_draw_text(whole.window, 2, 30, text);
@@ -448,8 +448,8 @@ TEST(DrawTest, LinesHaveBothEndsAndTheirWidth) {
 
 TEST(DrawTest, OfALongTextThatIsDrawnWhichIsSeen) {
     const int columns = 1'000'000;
-    for (const TextEncoding encoding : {TextEncoding::latin1, TextEncoding::utf8}) {
-        const int length = encoding == TextEncoding::latin1 ? columns : columns / 50;
+    for (const TextEncoding encoding : {TextEncoding::latin_1, TextEncoding::utf_8}) {
+        const int length = encoding == TextEncoding::latin_1 ? columns : columns / 50;
         std::string text(static_cast<std::size_t>(length), 'x');
         const std::string seen = "end if;";
         text.replace(text.size() - seen.size(), seen.size(), seen);

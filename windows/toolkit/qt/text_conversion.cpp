@@ -27,7 +27,7 @@ std::size_t utf8_length(std::string_view text) {
 
 QString to_qstring(std::string_view text, TextEncoding encoding) {
     const auto size = static_cast<qsizetype>(text.size());
-    if (encoding == TextEncoding::latin1)
+    if (encoding == TextEncoding::latin_1)
         return QString::fromLatin1(text.data(), size);
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString whole = decoder(QByteArrayView(text.data(), size));

@@ -21,7 +21,7 @@ struct DrawContext {
     Brush brush;
     Color fore = Color::black;
     Color back = Color::white;
-    TextEncoding encoding = TextEncoding::utf8;
+    TextEncoding encoding = TextEncoding::utf_8;
     std::optional<Rect> clip;
     Font font;
 };

@@ -110,7 +110,7 @@ int limited(Advance advance) {
 } // namespace
 
 int text_width(FontFace& face, std::string_view text, TextEncoding encoding) {
-    if (encoding == TextEncoding::latin1)
+    if (encoding == TextEncoding::latin_1)
         return limited(latin1_width(face, text));
     return limited(utf8_width(face, shown_text(text), std::numeric_limits<int>::max()));
 }
@@ -121,7 +121,7 @@ void draw_text_run(Surface& surface, FontFace& face, const TextRun& run, Ink ink
     const Rect part = clipped(surface, line);
     if (is_empty(part) || run.text.empty())
         return;
-    if (run.encoding == TextEncoding::latin1) {
+    if (run.encoding == TextEncoding::latin_1) {
         const Raster raster = raster_of(surface);
         for_each_clip(surface, part, [&](const Rect& clip) {
             show_box(surface, draw_latin1(raster, clip, face, run, ink));

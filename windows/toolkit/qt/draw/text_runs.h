@@ -10,7 +10,7 @@ namespace pellux {
 /// A text on its base line, in device pixels.
 struct TextRun {
     std::string_view text;
-    TextEncoding encoding = TextEncoding::utf8;
+    TextEncoding encoding = TextEncoding::utf_8;
     Point at;
     bool is_underlined = false;
 };
