@@ -1,5 +1,10 @@
 #pragma once
 
+#include "core/common/containers.h"
+
+#include <optional>
+#include <string_view>
+
 namespace pellux {
 
 /// How the bytes of a text become characters.
@@ -7,5 +12,12 @@ enum class TextEncoding {
     latin_1, ///< one byte, one character
     utf_8,
 };
+
+/// The bytes of a code point, in `bytes`; none for a surrogate and what lies over 0x10FFFF.
+[[nodiscard]] std::string_view encode_utf_8(char32_t character, char (&bytes)[4]);
+
+[[nodiscard]] String latin_1_to_utf_8(std::string_view text);
+/// Nothing when a character is not in Latin-1. Bytes that are no UTF-8 stay as they are.
+[[nodiscard]] std::optional<String> utf_8_to_latin_1(std::string_view text);
 
 } // namespace pellux

@@ -341,6 +341,7 @@ TextPoint insert_at(TextDocument& document, TextPoint at, std::string_view bytes
         bytes.remove_prefix(part.size());
     }
     document.hot_point.block = nullptr;
+    ++document.edits;
     if (is_watched) {
         change.lines_inserted = document.index.total.line_ends - lines;
         note_change(document, change, at);
@@ -371,6 +372,7 @@ TextPoint erase_at(TextDocument& document, TextPoint at, ByteOffset size, const 
     }
     at = tidy(document, at);
     change.lines_removed = lines - document.index.total.line_ends;
+    ++document.edits;
     note_change(document, change, at);
     return at;
 }

@@ -27,6 +27,7 @@ struct TextDocument {
     bool ends_lines_with_cr = false; ///< a CR comes before each line end when it is written
     bool is_modified = false;
     Vector<TextEditing*> views;   ///< in the order made; each enters and takes out itself
+    std::uint64_t edits = 0;      ///< made so far
     std::uint64_t last_state = 0; ///< the newest name of a state, see `UndoRecord::state`
     int refusals = 0;             ///< while above 0 the text can't be changed, see `EditRefusal`
 

@@ -1,6 +1,7 @@
 #include "core/text/text_editing.h"
 
 #include "core/common/callback.h"
+#include "core/text/text_columns.h"
 
 #include <algorithm>
 #include <utility>
@@ -161,6 +162,15 @@ bool delete_character(TextEditing& editing, bool is_forward) {
     return true;
 }
 
+void tell_status(TextEditing& editing) {
+    editing.told_edits = editing.document.edits;
+    editing.told_modified = editing.document.is_modified;
+    if (editing.status_callback == nullptr)
+        return;
+    const EditRefusal refusal(editing.document);
+    editing.status_callback(editing.status_context);
+}
+
 UndoTarget target_of(TextEditing& editing) {
     return {editing.document,
             [](void* context, ByteOffset at, ByteOffset removed, std::string_view text) {
@@ -210,11 +220,13 @@ void move_caret(TextEditing& editing, ByteOffset to) {
 
 /// To another line, at the column where the walk up and down began.
 void move_to_line(TextEditing& editing, std::int64_t line) {
-    const TextPlace place = place_at(editing.document, caret_offset(editing));
-    const std::int64_t column = editing.wanted_column < 0 ? place.column : editing.wanted_column;
     if (line < 0 || line >= line_count(editing.document))
         return;
-    move_caret(editing, offset_at(editing.document, {line, column}));
+    const std::int64_t column =
+        editing.wanted_column >= 0
+            ? editing.wanted_column
+            : display_column(editing.document, caret_offset(editing), editing.tab_width);
+    move_caret(editing, offset_at_column(editing.document, line, column, editing.tab_width));
     editing.wanted_column = column;
 }
 
@@ -228,20 +240,14 @@ void move_by_page(TextEditing& editing, std::int64_t lines) {
 /// The bytes of a character in the text's encoding; none when it has not got it.
 std::string_view encode(TextEncoding encoding, char32_t character, char (&bytes)[4]) {
     const bool is_ascii = character == '\t' || (character >= 32 && character <= 126);
-    const bool is_surrogate = character >= 0xD800 && character <= 0xDFFF;
-    if (!is_ascii && (character < 160 || character > 0x10FFFF || is_surrogate))
+    if (!is_ascii && character < 160)
         return {};
-    if (is_ascii || (encoding == TextEncoding::latin_1 && character <= 255)) {
-        bytes[0] = static_cast<char>(character);
-        return {bytes, 1};
-    }
-    if (encoding == TextEncoding::latin_1)
+    if (encoding == TextEncoding::utf_8)
+        return encode_utf_8(character, bytes);
+    if (character > 255)
         return {};
-    const std::size_t length = character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
-    for (std::size_t i = length; i-- > 1; character >>= 6)
-        bytes[i] = static_cast<char>(0x80 | (character & 0x3F));
-    bytes[0] = static_cast<char>((0xF00 >> length) | character);
-    return {bytes, length};
+    bytes[0] = static_cast<char>(character);
+    return {bytes, 1};
 }
 
 } // namespace
@@ -254,8 +260,8 @@ TextEditing::TextEditing(TextDocument& text)
 
 TextEditing::TextEditing(const TextEditing& other)
     : document(other.document), caret(other.caret.point, false), undo_limit(other.undo_limit),
-      is_read_only(other.is_read_only), watcher(document.changes, on_many_changes, this),
-      can_be_saved_state(false) {
+      tab_width(other.tab_width), is_read_only(other.is_read_only),
+      watcher(document.changes, on_many_changes, this), can_be_saved_state(false) {
     document.views.push_back(this);
 }
 
@@ -268,10 +274,12 @@ TextOperation::TextOperation(TextEditing& editing) : editing_(editing) {
 }
 
 TextOperation::~TextOperation() {
-    if (--editing_.operation_depth > 0 || editing_.status_callback == nullptr)
+    if (--editing_.operation_depth > 0)
         return;
-    const EditRefusal refusal(editing_.document);
-    editing_.status_callback(editing_.status_context);
+    // The view may go while it is told.
+    TextDocument& document = editing_.document;
+    tell_status(editing_);
+    tell_views(document);
 }
 
 UndoGroup::UndoGroup(TextEditing& editing) : TextOperation(editing) {
@@ -392,6 +400,16 @@ void select_mode(TextEditing& editing, SelectMode mode) {
     }
 }
 
+void select_range(TextEditing& editing, ByteOffset anchor, ByteOffset caret) {
+    const TextOperation operation(editing);
+    go_to_offset(editing, anchor);
+    editing.anchor.reset();
+    if (anchor == caret)
+        return;
+    select_mode(editing, SelectMode::extend);
+    go_to_offset(editing, caret);
+}
+
 ByteOffset caret_offset(const TextEditing& editing) {
     const TextDocument& document = editing.document;
     return editing.caret.point == document.hot_point ? document.hot_offset
@@ -421,6 +439,15 @@ String selected_text(const TextEditing& editing) {
     return copy_text(editing.document, range.start, range.end - range.start);
 }
 
+void tell_views(TextDocument& document) {
+    // A callback may close other views' windows, but not open one.
+    for (std::size_t i = 0; i < document.views.size(); ++i) {
+        TextEditing& each = *document.views[i];
+        if (each.told_edits != document.edits || each.told_modified != document.is_modified)
+            tell_status(each);
+    }
+}
+
 void note_saved(TextDocument& document) {
     document.is_modified = false;
     for (TextEditing* editing : document.views) {
@@ -428,6 +455,7 @@ void note_saved(TextDocument& document) {
         editing->saved_state = state_of(editing->undo_list);
         editing->can_be_saved_state = true;
     }
+    tell_views(document);
 }
 
 } // namespace pellux

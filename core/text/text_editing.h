@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/text/text_characters.h"
+#include "core/text/text_words.h"
 #include "core/text/undo_record.h"
 
 #include <string_view>
@@ -17,7 +18,8 @@ enum class SelectMode : int {
 /// change nothing.
 ///
 /// Operations that need a selection do nothing without one. Each calls the status callback once,
-/// when it is done and something may have changed; from there the text can't be changed.
+/// when it is done and something may have changed, and those of the other views whose text it
+/// changed; from there the text can't be changed.
 struct TextEditing {
     using StatusCallback = void (*)(void* context);
 
@@ -27,6 +29,7 @@ struct TextEditing {
     UndoList undo_list;
     UndoList redo_list;
     int undo_limit = 200; ///< groups
+    int tab_width = 8;    ///< columns
     bool is_read_only = false;
     int recording_suppressed = 0; ///< while above 0 no undo records are made
     StatusCallback status_callback = nullptr;
@@ -34,16 +37,19 @@ struct TextEditing {
 
     // Its own.
     TextWatcher watcher;
-    std::int64_t wanted_column = -1; ///< of a walk up and down; -1: the caret's
+    std::int64_t wanted_column = -1; ///< as displayed, of a walk up and down; -1: the caret's
     ByteOffset inserted_bytes = 0;   ///< before the caret, by the last operation
     UndoRecord* group_first = nullptr;
     int group_depth = 0;
     int operation_depth = 0;
+    std::uint64_t told_edits = 0; ///< of the document, when the status callback was called last
+    bool told_modified = false;
     std::uint64_t saved_state = 0;  ///< of the undo list, when the text was last saved
     bool can_be_saved_state = true; ///< nobody else has changed the text since
 
     explicit TextEditing(TextDocument& text);
-    /// For a second view: its caret, limit and read-only flag, without undo and selection.
+    /// For a second view: its caret, limit, tab width and read-only flag, without undo and
+    /// selection.
     explicit TextEditing(const TextEditing& other);
     ~TextEditing();
     TextEditing& operator=(const TextEditing&) = delete;
@@ -98,6 +104,8 @@ void go_to_offset(TextEditing& editing, ByteOffset offset);
 /// By characters, backwards for a negative number.
 void move_caret_by(TextEditing& editing, std::int64_t characters);
 void select_mode(TextEditing& editing, SelectMode mode);
+/// The selection is what lies between two offsets; none when they are the same.
+void select_range(TextEditing& editing, ByteOffset anchor, ByteOffset caret);
 
 // What a status line shows.
 
@@ -111,13 +119,13 @@ void select_mode(TextEditing& editing, SelectMode mode);
     return editing.redo_list.groups;
 }
 
-struct TextRange {
-    ByteOffset start = 0;
-    ByteOffset end = 0;
-};
 /// Empty, at the caret, without a selection.
 [[nodiscard]] TextRange selection(const TextEditing& editing);
 [[nodiscard]] String selected_text(const TextEditing& editing);
+
+/// Calls the status callbacks of the views that have not heard yet of a change that the document
+/// has gone through. For changes that no view has made.
+void tell_views(TextDocument& document);
 
 /// Takes note that the document's text is what lies on the disk: it is unmodified, and is so again
 /// when undo or redo of a view come back to this state.

@@ -1,6 +1,8 @@
 #include "core/text/text_storage.h"
 
 #include "core/common/utf8.h"
+#include "core/os/safe_copy.h"
+#include "core/text/text_editing.h"
 
 #include <algorithm>
 
@@ -178,20 +180,24 @@ void Utf8Check::add(std::string_view part) {
     is_valid_ = is_valid_ && part.empty();
 }
 
-SystemError load_text(TextDocument& document, std::string_view path, TextEncoding for_ascii) {
+TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding for_ascii) {
+    TextLoad load;
+    static_cast<void>(find_interrupted_copy(path, load.interrupted_copy));
     File file;
-    if (const SystemError error = open_file(file, path, OpenMode::read); failed(error))
-        return error;
+    load.error = open_file(file, path, OpenMode::read);
+    if (failed(load.error))
+        return load;
     Loading loading = read_all(document, file, LineEnds::undecided);
     if (loading.is_mixed) {
         erase_bytes(document, 0, text_size(document));
         loading = read_all(document, file, LineEnds::lf);
     }
-    if (failed(loading.error))
+    load.error = loading.error;
+    if (failed(load.error))
         erase_bytes(document, 0, text_size(document));
     document.encoding = encoding_of(loading.utf8, for_ascii);
     document.ends_lines_with_cr = loading.ends == LineEnds::cr_lf;
-    return loading.error;
+    return load;
 }
 
 SystemError save_text(TextDocument& document, std::string_view path, SafeWriter& writer) {
@@ -209,7 +215,7 @@ SystemError save_text(TextDocument& document, std::string_view path, SafeWriter&
     buffer.flush();
     const SystemError error = commit_safe_write(writer);
     if (!failed(error))
-        document.is_modified = false;
+        note_saved(document);
     return error;
 }
 

@@ -11,14 +11,19 @@ namespace pellux {
 // Texts as files. Every byte stays what it is, but for one thing: where all lines of a file end in
 // CR LF, the document has no CRs, and they come back when it is written.
 
+struct TextLoad {
+    SystemError error = SystemError::none;
+    /// Holds the file's contents of before a writing that was interrupted; empty: there is none.
+    PathBuffer interrupted_copy;
+};
 /// Fills an empty document from a file, and says how it is to be read: as UTF-8 when all of it is
 /// and some of it is no ASCII, as Latin-1 when it is no UTF-8, and `for_ascii` for the rest. After
 /// a failure it is empty.
-[[nodiscard]] SystemError load_text(TextDocument& document, std::string_view path,
-                                    TextEncoding for_ascii);
+[[nodiscard]] TextLoad load_text(TextDocument& document, std::string_view path,
+                                 TextEncoding for_ascii);
 
 /// Writes the text through `writer`, so that the file holds its old bytes or the new ones, and
-/// makes the document unmodified. The writer tells what else there is to say.
+/// notes for its views that it is saved. The writer tells what else there is to say.
 [[nodiscard]] SystemError save_text(TextDocument& document, std::string_view path,
                                     SafeWriter& writer);
 
