@@ -9,15 +9,22 @@
 
 namespace pellux {
 
-// The desktop's clipboard. A format is a word of letters, digits, '-', '_' and '.', in any case:
-// "text" is the plain text of all programs, any other one this program's own. What comes back may
-// still be another program's: bytes to be checked. A clipboard event tells of changes.
+// The desktop's clipboard. A format is a word of letters, digits, '-', '_'
+// and '.', in any case: "text" is the plain text of all programs, any other one this program's own,
+// which comes through byte by byte. Text is UTF-8; bytes that are none are taken as Latin-1. What
+// is got may be another program's: bytes to be checked.
 
-inline constexpr std::size_t k_clipboard_max = 16 << 20;
+/// Of one format.
+inline constexpr std::size_t k_clipboard_max = 256 << 20;
 
-/// Puts data in place of all that the clipboard holds; text is UTF-8, what is none is taken as
-/// Latin-1. False for more than `k_clipboard_max` bytes or a bad format: the clipboard stays.
-bool xvt_cb_put(std::string_view format, std::span<const std::byte> data);
+/// The same thing in one of several formats.
+struct ClipboardPart {
+    std::string_view format;
+    std::span<const std::byte> data;
+};
+/// Puts these in place of all that the clipboard holds; a clipboard event tells of it. False for a
+/// part of more than `k_clipboard_max` bytes or a bad format: the clipboard stays.
+bool xvt_cb_put(std::span<const ClipboardPart> parts);
 /// Nothing when the clipboard does not hold the format, or holds more than `k_clipboard_max` bytes.
 [[nodiscard]] std::optional<Vector<std::byte>> xvt_cb_get(std::string_view format);
 [[nodiscard]] bool xvt_cb_has(std::string_view format);

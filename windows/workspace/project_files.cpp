@@ -209,9 +209,11 @@ bool copy_selected_files(Window window) {
         return false;
     const Vector<std::size_t> selected = selected_sources(window);
     Vector<std::byte> bytes;
-    if (write_source_clipboard(copy_sources(*project, selected), bytes) &&
-        xvt_cb_put(k_source_clipboard_format, bytes))
-        return true;
+    if (write_source_clipboard(copy_sources(*project, selected), bytes)) {
+        const ClipboardPart files{k_source_clipboard_format, bytes};
+        if (xvt_cb_put({&files, 1}))
+            return true;
+    }
     post_error(msg_too_much_to_copy);
     return false;
 }

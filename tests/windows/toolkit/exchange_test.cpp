@@ -101,38 +101,52 @@ TEST(ContextMenus, TellTheirCommandAfterTheyAreGone) {
     });
 }
 
-TEST(Clipboard, HoldsBytesUnderAName) {
+TEST(Clipboard, HoldsBytesUnderNames) {
     EventLog task(k_told);
     in_application(
         [&] {
             Scene scene;
             Scene other;
+            const auto put = [](std::string_view format, std::span<const std::byte> data) {
+                const ClipboardPart part{format, data};
+                return xvt_cb_put({&part, 1});
+            };
             std::string all;
             for (int i = 0; i < 256; ++i)
                 all += static_cast<char>(i);
-            EXPECT_TRUE(xvt_cb_put("VESF", bytes_of(all)));
+            const Vector<std::byte> bytes = bytes_of(all);
+            const ClipboardPart parts[] = {{"VESF", bytes}, {"Text", bytes_of("plain")}};
+            EXPECT_TRUE(xvt_cb_put(parts));
             process_events();
             EXPECT_EQ(task.take() + scene.log.take() + other.log.take(),
                       "clipboard; clipboard; clipboard; ");
-            EXPECT_EQ(xvt_cb_get("vesf"), bytes_of(all));
-            EXPECT_FALSE(xvt_cb_has("VES") || xvt_cb_has("text") || xvt_cb_has(""));
+            EXPECT_EQ(xvt_cb_get("vesf"), bytes);
+            EXPECT_EQ(xvt_cb_get("text"), bytes_of("plain"));
+            EXPECT_FALSE(xvt_cb_has("VES") || xvt_cb_has(""));
             // What can't be put leaves it.
-            const Vector<std::byte> large(k_clipboard_max + 1);
-            EXPECT_FALSE(xvt_cb_put("VESF", large) || xvt_cb_put("a b", {}) || xvt_cb_put("", {}));
+            EXPECT_FALSE(put("VESF", {bytes.data(), k_clipboard_max + 1}) || put("a b", {}) ||
+                         put("", {}));
             EXPECT_TRUE(xvt_cb_has("Vesf"));
 
-            EXPECT_TRUE(xvt_cb_put("text", bytes_of("\xC3\xA4\n\xE4 z")));
-            EXPECT_EQ(xvt_cb_get("TEXT"), bytes_of("\xC3\xA4\n\xC3\xA4 z"));
-            EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "\xC3\xA4\n\xC3\xA4 z");
-            EXPECT_EQ(xvt_cb_get("VESF"), std::nullopt);
-
+            const std::string texts[] = {
+                {"\0a\0", 3}, "\r\n\rb\r", {"\xEF\xBB\xBFmark\0", 8}, "\xEF\xBB\xBF\xE4 \xC3\xA4"};
+            for (const std::string& text : texts) {
+                EXPECT_TRUE(put("text", bytes_of(text)));
+                const std::size_t bad = text.find('\xE4');
+                const std::string utf8 =
+                    bad == text.npos ? text
+                                     : text.substr(0, bad) + "\xC3\xA4" + text.substr(bad + 1);
+                EXPECT_EQ(xvt_cb_get("TEXT"), bytes_of(utf8));
+                EXPECT_TRUE(utf8.ends_with(QGuiApplication::clipboard()->text().toStdString()));
+                EXPECT_EQ(xvt_cb_get("VESF"), std::nullopt);
+            }
             for (const qsizetype size : {qsizetype{3}, qsizetype{k_clipboard_max} + 1}) {
                 auto* data = new QMimeData;
-                data->setData("application/x-pellux-vesf", QByteArray(size, '\xFF'));
+                data->setData("application/x-pellux-vesf", QByteArray(size, Qt::Uninitialized));
                 QGuiApplication::clipboard()->setMimeData(data);
                 EXPECT_EQ(xvt_cb_get("VESF").has_value(), size == 3) << "another program's data";
             }
-            EXPECT_TRUE(xvt_cb_put("VESF", {}));
+            EXPECT_TRUE(put("VESF", {}));
             EXPECT_EQ(xvt_cb_get("VESF"), Vector<std::byte>());
         },
         {}, task.handler());

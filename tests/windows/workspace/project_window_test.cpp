@@ -228,7 +228,8 @@ TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
         EXPECT_EQ(directory_.read("other/x.vhd"), "x");
         // Another program's data under the format's name.
         const std::string hostile(40, '\xff');
-        ASSERT_TRUE(xvt_cb_put("VESF", std::as_bytes(std::span(hostile))));
+        const ClipboardPart part{"VESF", std::as_bytes(std::span(hostile))};
+        ASSERT_TRUE(xvt_cb_put({&part, 1}));
         process_events();
         user_.expect_error("The clipboard holds no files of a project.");
         EXPECT_TRUE(choose_item(1056));

@@ -8,6 +8,9 @@
 namespace pellux {
 namespace {
 
+/// One text at a time, in which a mark of the byte order is a character like any other.
+constexpr auto k_whole = QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom;
+
 /// Bytes of the UTF-8 character at the start of `text`; 0 when there is none.
 std::size_t utf8_length(std::string_view text) {
     const auto first = static_cast<unsigned char>(text[0]);
@@ -18,7 +21,7 @@ std::size_t utf8_length(std::string_view text) {
                                               : 4;
     if (length <= 1 || length > text.size())
         return length <= 1 ? length : 0;
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QStringDecoder decoder(QStringDecoder::Utf8, k_whole);
     const QString decoded = decoder(QByteArrayView(text.data(), static_cast<qsizetype>(length)));
     return decoder.hasError() || decoded.isEmpty() ? 0 : length;
 }
@@ -29,7 +32,7 @@ QString to_qstring(std::string_view text, TextEncoding encoding) {
     const auto size = static_cast<qsizetype>(text.size());
     if (encoding == TextEncoding::latin_1)
         return QString::fromLatin1(text.data(), size);
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QStringDecoder decoder(QStringDecoder::Utf8, k_whole);
     QString whole = decoder(QByteArrayView(text.data(), size));
     if (!decoder.hasError())
         return whole;
@@ -45,7 +48,7 @@ QString to_qstring(std::string_view text, TextEncoding encoding) {
         if (length == 0)
             mended += QLatin1Char(text[0]);
         else
-            mended += QString::fromUtf8(text.data(), static_cast<qsizetype>(length));
+            mended += decoder(QByteArrayView(text.data(), static_cast<qsizetype>(length)));
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return mended;

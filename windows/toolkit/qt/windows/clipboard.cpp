@@ -7,38 +7,20 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QMimeData>
 
 #include <algorithm>
 #include <cctype>
+#include <memory>
 
 namespace pellux {
 namespace {
-
-/// The type under which the desktop knows a format; empty for a bad one.
-QString mime_type(std::string_view format) {
-    const auto is_good = [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_' || c == '.';
-    };
-    if (format.empty() || !std::ranges::all_of(format, is_good))
-        return {};
-    const QString name = to_qstring(format).toLower();
-    return name == QLatin1String("text") ? QStringLiteral("text/plain")
-                                         : QLatin1String("application/x-pellux-") + name;
-}
 
 bool is_text(const QString& type) {
     return type == QLatin1String("text/plain");
 }
 
-/// What the clipboard holds, if that has the type; else null.
-const QMimeData* contents_with(const QString& type) {
-    if (type.isEmpty() || qApp == nullptr)
-        return nullptr;
-    const QMimeData* held = QGuiApplication::clipboard()->mimeData();
-    const bool has_it =
-        held != nullptr && (is_text(type) ? held->hasText() : held->hasFormat(type));
-    return has_it ? held : nullptr;
+const QMimeData* clipboard_contents() {
+    return qApp == nullptr ? nullptr : QGuiApplication::clipboard()->mimeData();
 }
 
 /// What is told may change the windows.
@@ -53,6 +35,11 @@ void tell_windows() {
         deliver(window, Event{ClipboardEvent{}});
 }
 
+QByteArray utf8_of(const QByteArray& bytes) {
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return bytes.isValidUtf8() ? bytes : to_qstring({bytes.constData(), size}).toUtf8();
+}
+
 } // namespace
 
 void tell_of_clipboard(QObject& task) {
@@ -61,34 +48,70 @@ void tell_of_clipboard(QObject& task) {
                      Qt::QueuedConnection);
 }
 
-bool xvt_cb_put(std::string_view format, std::span<const std::byte> data) {
-    const QString type = mime_type(format);
-    if (type.isEmpty() || data.size() > k_clipboard_max || qApp == nullptr)
-        return false;
-    const auto* bytes = reinterpret_cast<const char*>(data.data());
-    auto* put = new QMimeData;
-    if (is_text(type))
-        put->setText(to_qstring({bytes, data.size()}));
-    else
-        put->setData(type, QByteArray(bytes, static_cast<qsizetype>(data.size())));
-    QGuiApplication::clipboard()->setMimeData(put);
-    return true;
+QString mime_type(std::string_view format) {
+    const auto is_good = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_' || c == '.';
+    };
+    if (format.empty() || !std::ranges::all_of(format, is_good))
+        return {};
+    const QString name = to_qstring(format).toLower();
+    return name == QLatin1String("text") ? QStringLiteral("text/plain")
+                                         : QLatin1String("application/x-pellux-") + name;
 }
 
-std::optional<Vector<std::byte>> xvt_cb_get(std::string_view format) {
-    const QString type = mime_type(format);
-    const QMimeData* held = contents_with(type);
-    if (held == nullptr)
+QString exact_type(const QString& type) {
+    return is_text(type) ? QStringLiteral("application/x-pellux-text") : QString();
+}
+
+QByteArray bytes_of_type(const QString& type, std::span<const std::byte> data) {
+    const QByteArray bytes(reinterpret_cast<const char*>(data.data()),
+                           static_cast<qsizetype>(data.size()));
+    return is_text(type) ? utf8_of(bytes) : bytes;
+}
+
+bool holds(const QMimeData* held, const QString& type) {
+    if (held == nullptr || type.isEmpty())
+        return false;
+    return is_text(type) ? held->hasText() : held->hasFormat(type);
+}
+
+std::optional<Vector<std::byte>> bytes_of(const QMimeData* held, const QString& type) {
+    if (!holds(held, type))
         return std::nullopt;
-    const QByteArray bytes = is_text(type) ? held->text().toUtf8() : held->data(type);
+    QByteArray bytes;
+    if (is_text(type) && held->hasFormat(exact_type(type)))
+        bytes = utf8_of(held->data(exact_type(type)));
+    else
+        bytes = is_text(type) ? held->text().toUtf8() : held->data(type);
     if (static_cast<std::size_t>(bytes.size()) > k_clipboard_max)
         return std::nullopt;
     const auto* first = reinterpret_cast<const std::byte*>(bytes.constData());
     return Vector<std::byte>(first, first + bytes.size());
 }
 
+bool xvt_cb_put(std::span<const ClipboardPart> parts) {
+    if (qApp == nullptr)
+        return false;
+    auto put = std::make_unique<QMimeData>();
+    for (const ClipboardPart& part : parts) {
+        const QString type = mime_type(part.format);
+        if (type.isEmpty() || part.data.size() > k_clipboard_max)
+            return false;
+        const QByteArray bytes = bytes_of_type(type, part.data);
+        put->setData(type, bytes);
+        if (const QString exact = exact_type(type); !exact.isEmpty())
+            put->setData(exact, bytes);
+    }
+    QGuiApplication::clipboard()->setMimeData(put.release());
+    return true;
+}
+
+std::optional<Vector<std::byte>> xvt_cb_get(std::string_view format) {
+    return bytes_of(clipboard_contents(), mime_type(format));
+}
+
 bool xvt_cb_has(std::string_view format) {
-    return contents_with(mime_type(format)) != nullptr;
+    return holds(clipboard_contents(), mime_type(format));
 }
 
 } // namespace pellux
