@@ -32,7 +32,7 @@ enum class Color : std::uint32_t {
 }
 
 /// Colours of the desktop's theme, from which a control mixes its own.
-enum class ThemeColor { window, text, base, highlight };
+enum class ThemeColor { window, text, base, highlight, highlighted_text };
 /// As it is now, a colour of its own; a theme event tells when it changes.
 [[nodiscard]] Color xvt_scr_get_color(ThemeColor which);
 

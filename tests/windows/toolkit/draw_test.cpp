@@ -551,6 +551,8 @@ TEST(ThemeTest, EveryInkIsReadableOnItsPaper) {
                                          std::pair{QPalette::ToolTipText, QPalette::ToolTipBase}})
             EXPECT_GE(contrast_of(palette.color(ink).rgb(), palette.color(paper).rgb()), 4.5)
                 << ink;
+        EXPECT_EQ(color_rgb(xvt_scr_get_color(ThemeColor::highlighted_text)),
+                  palette.color(QPalette::HighlightedText).rgb() & 0xFFFFFF);
         constexpr Color k_papers[] = {Color::white,  Color::light_gray, Color::gray,
                                       Color::yellow, Color::black,      Color::blue};
         for (int i = 0; i < 3000; ++i) {

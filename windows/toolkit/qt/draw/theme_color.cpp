@@ -16,6 +16,8 @@ QPalette::ColorRole role_of(ThemeColor which) {
         return QPalette::Base;
     case ThemeColor::highlight:
         return QPalette::Highlight;
+    case ThemeColor::highlighted_text:
+        return QPalette::HighlightedText;
     }
     return QPalette::Window;
 }
