@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "windows/toolkit/event.h"
 
 #include <cstddef>
 #include <optional>
@@ -9,7 +10,7 @@
 
 namespace pellux {
 
-// The desktop's clipboard. A format is a word of letters, digits, '-', '_'
+// The desktop's clipboard, and what is selected. A format is a word of letters, digits, '-', '_'
 // and '.', in any case: "text" is the plain text of all programs, any other one this program's own,
 // which comes through byte by byte. Text is UTF-8; bytes that are none are taken as Latin-1. What
 // is got may be another program's: bytes to be checked.
@@ -28,5 +29,19 @@ bool xvt_cb_put(std::span<const ClipboardPart> parts);
 /// Nothing when the clipboard does not hold the format, or holds more than `k_clipboard_max` bytes.
 [[nodiscard]] std::optional<Vector<std::byte>> xvt_cb_get(std::string_view format);
 [[nodiscard]] bool xvt_cb_has(std::string_view format);
+
+// The primary selection: what is selected somewhere on the desktop, pasted with the middle button.
+// A desktop without one has it inside this program.
+
+/// Offers what `window` has selected, in place of what anybody offered before. A selection event
+/// asks for the bytes when somebody wants them. Offering again in the same formats costs nothing as
+/// long as no one else has offered. Nobody is told when another program takes the selection. Bad
+/// formats are left out.
+void xvt_cb_offer_selection(Window window, std::span<const std::string_view> formats);
+/// The window's offer ends, also when the window goes; anybody else's stays.
+void xvt_cb_withdraw_selection(Window window);
+/// As of the clipboard, of what is offered.
+[[nodiscard]] std::optional<Vector<std::byte>> xvt_cb_get_selection(std::string_view format);
+[[nodiscard]] bool xvt_cb_has_selection(std::string_view format);
 
 } // namespace pellux

@@ -3,8 +3,10 @@
 #include "core/common/containers.h"
 #include "windows/toolkit/geometry.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <variant>
 
 namespace pellux {
@@ -38,6 +40,7 @@ enum class EventType {
     help = 18,
     clipboard = 19,
     drop = 20,
+    selection = 24,
 };
 
 /// The window is complete, but not shown yet.
@@ -208,13 +211,21 @@ struct DropEvent {
     int control = 0; ///< as of `ContextMenuEvent`
 };
 
+/// Somebody wants what the window has selected, in a format that it offered. The handler puts it
+/// into `data` and does nothing else; text as of the clipboard.
+struct SelectionEvent {
+    static constexpr EventType type = EventType::selection;
+    std::string_view format; ///< as it was offered; lives as long as the call
+    Vector<std::byte>* data = nullptr;
+};
+
 /// One value for all events: a reader asks for the data of the type that it handles.
 struct Event {
     using Data = std::variant<CreationEvent, DestructionEvent, FocusEvent, SizeEvent, UpdateEvent,
                               CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
                               PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent,
                               NoticeEvent, TimerEvent, ThemeEvent, ContextMenuEvent, QuitEvent,
-                              HelpEvent, ClipboardEvent, DropEvent>;
+                              HelpEvent, ClipboardEvent, DropEvent, SelectionEvent>;
     Data data;
 
     [[nodiscard]] EventType type() const {

@@ -25,10 +25,11 @@ struct EventLog {
 
     static std::string place(Point at) { return std::to_string(at.x) + "," + std::to_string(at.y); }
     static std::string describe(const Event& event) {
-        constexpr const char* k_names[] = {
-            "created", "gone",  "focus", "size", "update",  "close",     "down",
-            "up",      "move",  "leave", "key",  "control", "notice",    "command",
-            "timer",   "theme", "menu",  "quit", "help",    "clipboard", "drop"};
+        constexpr const char* k_names[] = {"created", "gone",    "focus",  "size",    "update",
+                                           "close",   "down",    "up",     "move",    "leave",
+                                           "key",     "control", "notice", "command", "timer",
+                                           "theme",   "menu",    "quit",   "help",    "clipboard",
+                                           "drop",    "wheel",   "claim",  "compose", "selection"};
         const std::string name = k_names[static_cast<int>(event.type())];
         if (const auto* press = event.get<PointerDownEvent>())
             return name + " " + place(press->at) + "*" + std::to_string(press->clicks);

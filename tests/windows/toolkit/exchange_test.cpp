@@ -152,6 +152,38 @@ TEST(Clipboard, HoldsBytesUnderNames) {
         {}, task.handler());
 }
 
+TEST(Selection, IsAskedForOnlyWhenSomebodyWantsIt) {
+    in_application([] {
+        Scene scene;
+        Scene other;
+        std::string asked;
+        const auto answer = [&](Window window, const Event& event) {
+            const auto* wanted = event.get<SelectionEvent>();
+            if (wanted == nullptr)
+                return;
+            asked += (window == scene.window ? "1 " : "2 ") + std::string(wanted->format) + "; ";
+            *wanted->data = bytes_of("\xE4\r");
+        };
+        scene.log.act = other.log.act = answer;
+        constexpr std::string_view k_formats[] = {"Text", "a b", "columns"};
+        xvt_cb_offer_selection(scene.window, k_formats);
+        xvt_cb_offer_selection(scene.window, k_formats);
+        EXPECT_TRUE(xvt_cb_has_selection("text") && xvt_cb_has_selection("COLUMNS"));
+        EXPECT_FALSE(xvt_cb_has_selection("a b") || xvt_cb_has_selection("VESF"));
+        EXPECT_EQ(asked, "");
+        EXPECT_EQ(xvt_cb_get_selection("text"), bytes_of("\xC3\xA4\r"));
+        EXPECT_EQ(xvt_cb_get_selection("columns"), bytes_of("\xE4\r"));
+        EXPECT_EQ(std::exchange(asked, ""), "1 Text; 1 columns; ");
+        xvt_cb_offer_selection(other.window, std::span(k_formats).first(1));
+        xvt_cb_withdraw_selection(scene.window);
+        EXPECT_EQ(xvt_cb_get_selection("columns"), std::nullopt);
+        EXPECT_TRUE(xvt_cb_get_selection("text").has_value());
+        EXPECT_EQ(asked, "2 Text; ");
+        xvt_vobj_destroy(other.window);
+        EXPECT_FALSE(xvt_cb_has_selection("text"));
+    });
+}
+
 TEST(Drops, GiveLocalPathsByteByByte) {
     in_application([] {
         Scene scene;

@@ -1,6 +1,7 @@
 #include "windows/toolkit/qt/windows/window_table.h"
 
 #include "windows/toolkit/app.h"
+#include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/window.h"
 #include "windows/toolkit/window_timers.h"
 
@@ -89,6 +90,7 @@ void remove_window(Window window) {
         remove_window(child);
     }
     end_timers(window);
+    xvt_cb_withdraw_selection(window);
     deliver(window, Event{DestructionEvent{}});
     if (WindowRecord* around = find_window(record->parent))
         std::erase(around->children, window);
