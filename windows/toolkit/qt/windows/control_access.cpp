@@ -1,3 +1,4 @@
+#include "windows/toolkit/qt/windows/text_access.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QAccessibleWidget>
@@ -5,7 +6,8 @@
 namespace pellux {
 namespace {
 
-/// The custom control that a widget is; null for any other widget, and for one without a role.
+/// The custom control, or pane with a text, that a widget is; null for any other widget, and for
+/// one without a role.
 const WindowRecord* control_of(const QWidget& widget) {
     const WindowRecord* record = find_window(window_of(widget));
     const bool has_role =
@@ -23,6 +25,8 @@ QAccessible::Role role_of(ControlRole role) {
         return QAccessible::CheckBox;
     case ControlRole::status_bar:
         return QAccessible::StatusBar;
+    case ControlRole::text:
+        return QAccessible::EditableText;
     case ControlRole::pane:
         break;
     }
@@ -68,7 +72,10 @@ public:
 QAccessibleInterface* make_access(const QString&, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     const WindowRecord* control = widget == nullptr ? nullptr : control_of(*widget);
-    return control == nullptr ? nullptr : new CustomAccess(widget, role_of(control->access.role));
+    if (control == nullptr)
+        return nullptr;
+    return control->text_access ? make_text_access(*widget)
+                                : new CustomAccess(widget, role_of(control->access.role));
 }
 
 } // namespace

@@ -4,9 +4,12 @@
 #include "windows/toolkit/event.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/qt/draw/surface.h"
+#include "windows/toolkit/text_access.h"
 
 #include <QPointer>
 #include <QWidget>
+
+#include <cstdint>
 
 namespace pellux {
 
@@ -20,12 +23,14 @@ struct WindowRecord {
     Window parent = Window::none;
     int id = 0;
     EventHandler handler;
-    String title;                  ///< of all but native controls
-    Owned<Surface> surface;        ///< of a window that draws
-    Vector<Window> children;       ///< in the order of their making
-    Vector<String> properties;     ///< of a custom control
-    ControlAccess access;          ///< the same
-    Owned<Vector<MenuItem>> menus; ///< of a window with a menu bar
+    String title;                     ///< of all but native controls
+    Owned<Surface> surface;           ///< of a window that draws
+    Vector<Window> children;          ///< in the order of their making
+    Vector<String> properties;        ///< of a custom control
+    ControlAccess access;             ///< of a custom control, or a pane with a text
+    Owned<TextAccess> text_access;    ///< of a pane that has one
+    std::int64_t text_size_told = -1; ///< characters, to assistive technology; -1: never
+    Owned<Vector<MenuItem>> menus;    ///< of a window with a menu bar
     bool is_closing = false;
 };
 
