@@ -40,6 +40,8 @@ enum class EventType {
     help = 18,
     clipboard = 19,
     drop = 20,
+    key_claim = 22,
+    composition = 23,
     selection = 24,
 };
 
@@ -105,7 +107,6 @@ struct PointerMoveEvent {
 struct PointerLeaveEvent {
     static constexpr EventType type = EventType::pointer_leave;
 };
-
 /// Codes of keys without a character.
 enum class KeyCode {
     up = 301,
@@ -131,13 +132,32 @@ enum class KeyCode {
     context_menu = 413,
 };
 
-/// A key: 8 backspace, 9 tab, 13 Enter, 27 Escape, 127 Delete, 1 to 26 a letter with Control, 32
-/// to 255 a character of Latin-1, over 300 a `KeyCode`; 0 for a character beyond Latin-1. A handler
-/// that has no use for the key answers 1, and it goes on to the window around.
+/// A key, or a character that an input method makes of several. A handler that has no use for it
+/// answers 1, and it goes on to the window around. Modifiers and dead keys alone are no events.
 struct CharacterEvent {
     static constexpr EventType type = EventType::character;
+    /// 8 backspace, 9 tab, 13 Enter, 27 Escape, 127 Delete, 1 to 26 a letter with Control, 32 to
+    /// 255 a character of Latin-1 (with Control, that of the key), over 300 a `KeyCode`; else 0.
     int code = 0;
-    Modifiers with;
+    Modifiers with = {}; ///< without those of AltGr, where the desktop has it for Control and Alt
+    /// What the key types, of any script. 0 for a key that types nothing, also because of Control
+    /// or Alt, and for Backspace, Tab, Enter, Delete and Escape.
+    char32_t character = 0;
+    char letter = 0; ///< 'A' to 'Z' with Control: tells Ctrl+H, Ctrl+I, Ctrl+M from codes 8, 9, 13
+};
+/// A key before the menus' shortcuts see it; comes to the window that has the focus. A handler that
+/// wants it as a character answers 1, and it comes as one. Any other answer leaves it to the
+/// shortcuts and, where it is none, changes nothing.
+struct KeyClaimEvent {
+    static constexpr EventType type = EventType::key_claim;
+    CharacterEvent key;
+};
+/// Text that an input method is composing, to be shown at the caret (`xvt_win_set_text_caret`) but
+/// not to become part of the text. Empty: no more. What it becomes comes as characters after that.
+struct CompositionEvent {
+    static constexpr EventType type = EventType::composition;
+    std::string_view text; ///< UTF-8; as long as the call
+    int caret = 0;         ///< bytes of it before the caret
 };
 
 /// What happened to a native control.
@@ -221,11 +241,12 @@ struct SelectionEvent {
 
 /// One value for all events: a reader asks for the data of the type that it handles.
 struct Event {
-    using Data = std::variant<CreationEvent, DestructionEvent, FocusEvent, SizeEvent, UpdateEvent,
-                              CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
-                              PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent,
-                              NoticeEvent, TimerEvent, ThemeEvent, ContextMenuEvent, QuitEvent,
-                              HelpEvent, ClipboardEvent, DropEvent, SelectionEvent>;
+    using Data =
+        std::variant<CreationEvent, DestructionEvent, FocusEvent, SizeEvent, UpdateEvent,
+                     CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
+                     PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent, NoticeEvent,
+                     TimerEvent, ThemeEvent, ContextMenuEvent, QuitEvent, HelpEvent, ClipboardEvent,
+                     DropEvent, KeyClaimEvent, CompositionEvent, SelectionEvent>;
     Data data;
 
     [[nodiscard]] EventType type() const {

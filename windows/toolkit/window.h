@@ -21,7 +21,8 @@ struct PaneSpec {
     EventHandler handler = {};
     PixelUnits units = PixelUnits::device;
     bool takes_focus = true;
-    bool takes_tab = false; ///< the Tab key comes as a character and does not leave the pane
+    bool takes_tab = false;  ///< the Tab key comes as a character and does not leave the pane
+    bool takes_text = false; ///< characters may be composed there, by dead keys and input methods
 };
 
 /// Makes a window in the task window and shows it after its creation event. None when the resource
@@ -40,6 +41,9 @@ void xvt_win_set_minimum_size(Window window, int width, int height);
 /// Lets the window, pane or control take files that are dragged from elsewhere; nothing else is
 /// taken.
 void xvt_win_accept_drops(Window window, bool accepts);
+
+/// Where the window's caret stands, in its units: what an input method shows, it shows beside it.
+void xvt_win_set_text_caret(Window window, const Rect& caret);
 
 // Anything that is seen.
 

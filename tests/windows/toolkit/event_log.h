@@ -35,6 +35,10 @@ struct EventLog {
             return name + " " + place(press->at) + "*" + std::to_string(press->clicks);
         if (const auto* key = event.get<CharacterEvent>())
             return name + " " + std::to_string(key->code);
+        if (const auto* claim = event.get<KeyClaimEvent>())
+            return name + " " + std::to_string(claim->key.code);
+        if (const auto* now = event.get<CompositionEvent>())
+            return name + " " + std::to_string(now->caret) + " '" + std::string(now->text) + "'";
         if (const auto* control = event.get<ControlEvent>()) {
             constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
             return k_actions[static_cast<int>(control->action)] +

@@ -10,6 +10,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QListView>
 #include <QMenu>
@@ -146,6 +147,13 @@ void type_text(std::string_view text) {
         }
         process_events();
     }
+}
+
+void compose(std::string_view typed, std::string_view composed, int caret) {
+    QInputMethodEvent event(to_qstring(composed), {{QInputMethodEvent::Cursor, caret, 1, {}}});
+    event.setCommitString(to_qstring(typed));
+    QApplication::sendEvent(focus_widget(), &event);
+    process_events();
 }
 
 void press_pointer(Window window, Point at) {

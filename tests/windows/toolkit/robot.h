@@ -18,6 +18,10 @@ void press_key(std::string_view key);
 /// Types characters of Latin-1 where the focus is.
 void type_text(std::string_view text);
 
+/// What an input method sends where the focus is: characters, and then what it is composing, of
+/// which so many characters stand before the caret.
+void compose(std::string_view typed, std::string_view composed = {}, int caret = 0);
+
 /// The left button, unless another is named; places are in the window's own units.
 void press_pointer(Window window, Point at);
 void release_pointer(Window window, Point at);

@@ -214,35 +214,6 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
         task.handler());
 }
 
-TEST(Keys, BecomeTheirCodes) {
-    EventLog log(k_told);
-    run([&] {
-        const Window window = xvt_win_create_res(1, {});
-        const Window pane = xvt_win_create_pane({.parent = window,
-                                                 .id = 1,
-                                                 .rect = {0, 0, 50, 50},
-                                                 .handler = log.handler(),
-                                                 .takes_tab = true});
-        process_events();
-        xvt_vobj_set_focus(pane);
-        log.take();
-        const std::pair<const char*, int> rows[] = {
-            {"Ctrl+A", 1},      {"Ctrl+Z", 26},  {"Backspace", 8}, {"Tab", 9},
-            {"Shift+Tab", 9},   {"Return", 13},  {"Esc", 27},      {"Del", 127},
-            {"Up", 301},        {"Down", 302},   {"Right", 303},   {"Left", 304},
-            {"PgUp", 305},      {"PgDown", 306}, {"Home", 309},    {"Ctrl+End", 310},
-            {"Shift+Ins", 312}, {"F2", 402},     {"F12", 412},     {"Menu", 413},
-        };
-        for (const auto& [key, code] : rows) {
-            press_key(key);
-            EXPECT_EQ(log.take(), "key " + std::to_string(code) + "; ") << key;
-        }
-        press_key("Shift");
-        type_text("z{\xE4");
-        EXPECT_EQ(log.take(), "key 122; key 123; key 228; ");
-    });
-}
-
 TEST(Timers, TellTheirWindowUntilTheyEnd) {
     run([] {
         ManualClock clock;

@@ -1,27 +1,25 @@
 #include "windows/toolkit/qt/windows/canvas.h"
 
 #include "windows/toolkit/qt/windows/context_menu.h"
+#include "windows/toolkit/qt/windows/input_method.h"
+#include "windows/toolkit/qt/windows/keys.h"
 #include "windows/toolkit/qt/windows/places.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QInputMethod>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QStyleHints>
 #include <QTimer>
 
-#include <array>
 #include <utility>
 
 namespace pellux {
 namespace {
-
-Modifiers modifiers(Qt::KeyboardModifiers held) {
-    return {held.testFlag(Qt::ShiftModifier), held.testFlag(Qt::ControlModifier),
-            held.testFlag(Qt::AltModifier)};
-}
 
 PointerButton pointer_button(Qt::MouseButtons buttons) {
     return buttons.testFlag(Qt::LeftButton)     ? PointerButton::left
@@ -30,61 +28,7 @@ PointerButton pointer_button(Qt::MouseButtons buttons) {
                                                 : PointerButton::none;
 }
 
-constexpr int k_tab = 9;
-
-constexpr std::array k_keys{
-    std::pair{Qt::Key_Backspace, 8},
-    std::pair{Qt::Key_Tab, k_tab},
-    std::pair{Qt::Key_Backtab, k_tab},
-    std::pair{Qt::Key_Return, 13},
-    std::pair{Qt::Key_Enter, 13},
-    std::pair{Qt::Key_Escape, 27},
-    std::pair{Qt::Key_Delete, 127},
-    std::pair{Qt::Key_Up, static_cast<int>(KeyCode::up)},
-    std::pair{Qt::Key_Down, static_cast<int>(KeyCode::down)},
-    std::pair{Qt::Key_Right, static_cast<int>(KeyCode::right)},
-    std::pair{Qt::Key_Left, static_cast<int>(KeyCode::left)},
-    std::pair{Qt::Key_PageUp, static_cast<int>(KeyCode::page_up)},
-    std::pair{Qt::Key_PageDown, static_cast<int>(KeyCode::page_down)},
-    std::pair{Qt::Key_Home, static_cast<int>(KeyCode::home)},
-    std::pair{Qt::Key_End, static_cast<int>(KeyCode::end)},
-    std::pair{Qt::Key_Insert, static_cast<int>(KeyCode::insert)},
-    std::pair{Qt::Key_Copy, static_cast<int>(KeyCode::copy)},
-    std::pair{Qt::Key_Cut, static_cast<int>(KeyCode::cut)},
-    std::pair{Qt::Key_Paste, static_cast<int>(KeyCode::paste)},
-    std::pair{Qt::Key_Find, static_cast<int>(KeyCode::find)},
-    std::pair{Qt::Key_Menu, static_cast<int>(KeyCode::context_menu)},
-};
-
-bool is_modifier(int key) {
-    return (key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) || key == Qt::Key_AltGr ||
-           key == Qt::Key_Super_L || key == Qt::Key_Super_R;
-}
-
 } // namespace
-
-CharacterEvent character_event(const QKeyEvent& event) {
-    CharacterEvent character{0, modifiers(event.modifiers())};
-    const int key = event.key();
-    constexpr int k_function_keys = 12;
-    if (is_modifier(key)) {
-        character.code = -1;
-        return character;
-    }
-    for (const auto& [known, code] : k_keys) {
-        if (key == known) {
-            character.code = code;
-            return character;
-        }
-    }
-    if (key >= Qt::Key_F1 && key < Qt::Key_F1 + k_function_keys)
-        character.code = static_cast<int>(KeyCode::function_1) + (key - Qt::Key_F1);
-    else if (character.with.control && !character.with.alt && key >= Qt::Key_A && key <= Qt::Key_Z)
-        character.code = key - Qt::Key_A + 1;
-    else if (const QString text = event.text(); text.size() == 1 && text[0].unicode() <= 0xFF)
-        character.code = text[0].unicode();
-    return character;
-}
 
 Canvas::Canvas(QWidget* parent, Window window, bool takes_tab)
     : QWidget(parent), window_(window), takes_tab_(takes_tab) {
@@ -105,10 +49,10 @@ Point Canvas::place(const QMouseEvent& event) const {
 }
 
 bool Canvas::event(QEvent* event) {
-    // Help is about the window that has the focus, not the menu's command.
-    if (event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1)
+    if (event->type() == QEvent::ShortcutOverride && claims(static_cast<QKeyEvent&>(*event))) {
         event->accept();
+        return true;
+    }
     // The window may be on a screen with other pixels now.
     if (event->type() == QEvent::ScreenChangeInternal) {
         QTimer::singleShot(0, this, [this] {
@@ -154,6 +98,9 @@ void Canvas::take_theme() {
 
 void Canvas::press(const QMouseEvent& event, int clicks) {
     pressed_at_ = event.pos();
+    // What is composed stands where the caret is, which may go elsewhere now.
+    if (is_composing_)
+        QGuiApplication::inputMethod()->commit();
     tell(Event{PointerDownEvent{place(event), pointer_button(event.button()),
                                 modifiers(event.modifiers()), clicks}});
 }
@@ -187,21 +134,29 @@ void Canvas::leaveEvent(QEvent*) {
     tell(Event{PointerLeaveEvent{}});
 }
 
+bool Canvas::claims(const QKeyEvent& event) const {
+    // Help is about the window that has the focus, not the menu's command.
+    if (event.key() == Qt::Key_F1)
+        return true;
+    const Vector<CharacterEvent> keys = character_events(event);
+    return hasFocus() && !keys.empty() && deliver(window_, Event{KeyClaimEvent{keys[0]}}) == 1;
+}
+
 void Canvas::keyPressEvent(QKeyEvent* event) {
-    const CharacterEvent character = character_event(*event);
-    if (character.code < 0) {
-        event->ignore();
-    } else if (event->key() == Qt::Key_F1) {
+    if (event->key() == Qt::Key_F1) {
         deliver_help(window_);
-    } else {
-        bool is_used = deliver(window_, Event{character}) == 0;
-        // Otherwise the key comes from a control, which may have shown a menu of its own.
-        if (!is_used && hasFocus() && asks_for_menu(*event)) {
-            ask_for_menu(window_, QRectF(rect()).center(), 0);
-            is_used = true;
-        }
-        event->setAccepted(is_used);
+        return;
     }
+    bool is_used = false;
+    const Vector<CharacterEvent> keys = character_events(*event);
+    for (const CharacterEvent& key : keys)
+        is_used = deliver(window_, Event{key}) == 0 || is_used;
+    // Otherwise the key comes from a control, which may have shown a menu of its own.
+    if (!is_used && hasFocus() && asks_for_menu(*event)) {
+        ask_for_menu(window_, QRectF(rect()).center(), 0);
+        is_used = true;
+    }
+    event->setAccepted(is_used);
 }
 
 void Canvas::contextMenuEvent(QContextMenuEvent* event) {
@@ -212,11 +167,38 @@ void Canvas::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
 }
 
+QVariant Canvas::inputMethodQuery(Qt::InputMethodQuery query) const {
+    const QVariant answer = answer_input_method(window_, query);
+    return answer.isValid() ? answer : QWidget::inputMethodQuery(query);
+}
+
+void Canvas::end_composition() {
+    if (std::exchange(is_composing_, false))
+        tell(Event{CompositionEvent{}});
+}
+
+void Canvas::inputMethodEvent(QInputMethodEvent* event) {
+    if (!testAttribute(Qt::WA_InputMethodEnabled)) {
+        event->ignore();
+        return;
+    }
+    const bool is_composing = !event->preeditString().isEmpty();
+    if (!is_composing || !event->commitString().isEmpty())
+        end_composition();
+    tell_typed(window_, event->commitString());
+    if (is_composing) {
+        is_composing_ = true;
+        tell_composed(window_, *event);
+    }
+    event->accept();
+}
+
 void Canvas::focusInEvent(QFocusEvent*) {
     tell(Event{FocusEvent{true}});
 }
 
 void Canvas::focusOutEvent(QFocusEvent*) {
+    end_composition();
     tell(Event{FocusEvent{false}});
 }
 

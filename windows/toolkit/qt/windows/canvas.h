@@ -12,6 +12,8 @@ class Canvas : public QWidget {
 public:
     Canvas(QWidget* parent, Window window, bool takes_tab);
 
+    [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -23,25 +25,27 @@ protected:
     void leaveEvent(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
     void tell(const Event& event);
+    void end_composition();
     void take_size();
     void take_theme();
     void press(const QMouseEvent& event, int clicks);
+    /// Whether the window wants the key before it is a shortcut.
+    [[nodiscard]] bool claims(const QKeyEvent& event) const;
     [[nodiscard]] Point place(const QMouseEvent& event) const;
 
     Window window_;
     bool takes_tab_;
+    bool is_composing_ = false; ///< the window shows a text that an input method composes
     /// Of the last press, so that a third one soon after a double click counts as such.
     QPoint pressed_at_;
     qint64 double_click_ms_ = 0;
 };
-
-/// A key as a character event; code -1 for a bare modifier.
-[[nodiscard]] CharacterEvent character_event(const QKeyEvent& event);
 
 } // namespace pellux

@@ -60,12 +60,12 @@ public:
         return names;
     }
     void doAction(const QString& name) override {
-        constexpr int k_blank = 32;
+        constexpr char k_blank = ' ';
         if (name != pressAction() && name != toggleAction())
             QAccessibleWidget::doAction(name);
         else if (const WindowRecord* control = control_of(*widget());
                  control != nullptr && widget()->isEnabled())
-            deliver(control->handle, Event{CharacterEvent{.code = k_blank, .with = {}}});
+            deliver(control->handle, Event{CharacterEvent{.code = k_blank, .character = k_blank}});
     }
 };
 

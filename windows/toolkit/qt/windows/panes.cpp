@@ -1,6 +1,7 @@
 #include "windows/toolkit/control_classes.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/canvas.h"
+#include "windows/toolkit/qt/windows/input_method.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 
@@ -23,6 +24,8 @@ WindowRecord* add_pane(const PaneSpec& spec) {
     set_widget(record, pane);
     if (spec.takes_focus)
         pane->setFocusPolicy(Qt::StrongFocus);
+    if (spec.takes_text)
+        enable_composition(*pane);
     const Rect& rect = spec.rect;
     pane->setGeometry(rect.left, rect.top, std::max(0, width(rect)), std::max(0, height(rect)));
     fit_surface(*record.surface);

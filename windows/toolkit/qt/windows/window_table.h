@@ -31,6 +31,7 @@ struct WindowRecord {
     Owned<TextAccess> text_access;    ///< of a pane that has one
     std::int64_t text_size_told = -1; ///< characters, to assistive technology; -1: never
     Owned<Vector<MenuItem>> menus;    ///< of a window with a menu bar
+    Rect text_caret;                  ///< in the window's units
     bool is_closing = false;
 };
 
