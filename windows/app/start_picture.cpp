@@ -63,7 +63,7 @@ long on_event(void* context, Window window, const Event& event) {
         xvt_vobj_destroy(window);
         open_starting_projects(from_context<Shell>(context));
     }
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 } // namespace

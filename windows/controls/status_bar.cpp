@@ -210,7 +210,7 @@ long status_bar_event(void*, Window window, const Event& event) {
         return xvt_win_dispatch_event(xvt_vobj_get_parent(window), event);
     else if (event.get<DestructionEvent>() != nullptr)
         status_bars.erase(window);
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 } // namespace pellux

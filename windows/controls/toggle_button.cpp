@@ -296,7 +296,7 @@ long toggle_button_event(void*, Window window, const Event& event) {
         redraw(window);
     else if (event.get<DestructionEvent>() != nullptr)
         buttons.erase(window);
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 } // namespace pellux

@@ -430,7 +430,7 @@ long toolbar_event(void*, Window window, const Event& event) {
         xvt_vobj_set_focus(xvt_vobj_get_parent(window));
     else if (event.get<DestructionEvent>() != nullptr)
         toolbars.erase(window);
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 } // namespace pellux

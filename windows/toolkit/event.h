@@ -40,6 +40,7 @@ enum class EventType {
     help = 18,
     clipboard = 19,
     drop = 20,
+    wheel = 21,
     key_claim = 22,
     composition = 23,
     selection = 24,
@@ -107,6 +108,19 @@ struct PointerMoveEvent {
 struct PointerLeaveEvent {
     static constexpr EventType type = EventType::pointer_leave;
 };
+/// The wheel or a touchpad, over the window or over what in it had no use for it. A handler that
+/// has none answers 1, and it goes on to the window around. `right` and `down` say how far what is
+/// seen should go on, in 120ths of a notch (a fine wheel sends fewer) or in the window's pixels.
+struct WheelEvent {
+    static constexpr EventType type = EventType::wheel;
+    Point at = {};
+    Modifiers with = {}; ///< Shift and Alt don't turn the direction: that is for the handler
+    int right = 0;
+    int down = 0;
+    bool is_by_pixels = false; ///< from a touchpad that tells them
+    int lines = 3;             ///< for a notch, as the desktop wants it
+};
+
 /// Codes of keys without a character.
 enum class KeyCode {
     up = 301,
@@ -246,7 +260,7 @@ struct Event {
                      CloseEvent, PointerDownEvent, PointerUpEvent, PointerMoveEvent,
                      PointerLeaveEvent, CharacterEvent, ControlEvent, CommandEvent, NoticeEvent,
                      TimerEvent, ThemeEvent, ContextMenuEvent, QuitEvent, HelpEvent, ClipboardEvent,
-                     DropEvent, KeyClaimEvent, CompositionEvent, SelectionEvent>;
+                     DropEvent, WheelEvent, KeyClaimEvent, CompositionEvent, SelectionEvent>;
     Data data;
 
     [[nodiscard]] EventType type() const {

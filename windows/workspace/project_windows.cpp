@@ -83,7 +83,7 @@ long on_event(void*, Window window, const Event& event) {
         forget_project(window);
         show_project_names();
     }
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 void update(Window window) {

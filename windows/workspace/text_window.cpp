@@ -94,7 +94,7 @@ long on_event(void*, Window window, const Event& event) {
     } else if (event.get<DestructionEvent>() != nullptr) {
         on_destruction(window);
     }
-    return 0;
+    return event.type() == EventType::wheel ? 1 : 0;
 }
 
 /// Why there is no result, of a program that has not told it.

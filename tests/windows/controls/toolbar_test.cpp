@@ -27,7 +27,9 @@ namespace {
 struct Owner : LoggedWindow {
     Window control = Window::none;
 
-    Owner() : LoggedWindow({EventType::character, EventType::focus, EventType::notice}) {}
+    Owner()
+        : LoggedWindow(
+              {EventType::character, EventType::focus, EventType::notice, EventType::wheel}) {}
     [[nodiscard]] Window part(int id) const { return toolbar_get_control(control, id); }
     static bool on_error(void* context, const ToolkitError& error) {
         // What is less severe is kept quiet in the program too.
@@ -194,7 +196,8 @@ TEST(ToggleButton, FollowsThePointerAndTheKeys) {
         press_key("Ctrl+M");
         type_text("x");
         press_key("Down");
-        EXPECT_EQ(owner.take(), "key 13; key 120; key 302; ");
+        turn_wheel(owner.part(1), {.down = 120});
+        EXPECT_EQ(owner.take(), "key 13; key 120; key 302; wheel 4,3 0,120; ");
         for (const int id : {3, 4, 1}) {
             press_key("Right");
             EXPECT_TRUE(xvt_vobj_has_focus(owner.part(id))) << id;

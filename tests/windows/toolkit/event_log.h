@@ -39,6 +39,10 @@ struct EventLog {
             return name + " " + std::to_string(claim->key.code);
         if (const auto* now = event.get<CompositionEvent>())
             return name + " " + std::to_string(now->caret) + " '" + std::string(now->text) + "'";
+        if (const auto* wheel = event.get<WheelEvent>())
+            return name + " " + place(wheel->at) + " " + place({wheel->right, wheel->down}) +
+                   (wheel->is_by_pixels ? " pixels" : "") + (wheel->with.shift ? " shift" : "") +
+                   (wheel->with.alt ? " alt" : "");
         if (const auto* control = event.get<ControlEvent>()) {
             constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
             return k_actions[static_cast<int>(control->action)] +

@@ -12,6 +12,8 @@
 #include <QDialog>
 #include <QInputMethod>
 #include <QKeyEvent>
+#include <QMdiArea>
+#include <QScrollBar>
 
 #include <string>
 
@@ -26,7 +28,7 @@ struct Scene : LoggedWindow {
 
     explicit Scene(bool takes_text = true)
         : LoggedWindow({EventType::key_claim, EventType::composition, EventType::help,
-                        EventType::pointer_up}),
+                        EventType::wheel, EventType::pointer_up}),
           pane(xvt_win_create_pane({.parent = window,
                                     .id = 1,
                                     .rect = {10, 20, 110, 220},
@@ -143,6 +145,25 @@ TEST(KeyClaims, ComeBeforeShortcutsAndOnlyWhereTheFocusIs) {
             }
         },
         {.menu_bar = k_test_menu_bar}, task.handler());
+}
+
+TEST(Wheel, GoesToWhoeverHasAUseForIt) {
+    in_application([] {
+        Scene scene;
+        turn_wheel(scene.pane, {.with = {.shift = true}, .right = -240, .down = -15});
+        turn_wheel(scene.pane, {.with = {.alt = true}, .down = 120});
+        turn_wheel(scene.pane, {.right = 5, .down = -7, .is_by_pixels = true});
+        turn_wheel(scene.pane, {});
+        EXPECT_EQ(scene.take(), "wheel 0,0 -240,-15 shift; wheel 0,0 0,120 alt; "
+                                "wheel 0,0 5,-7 pixels; /");
+        // At last the area scrolls.
+        scene.inner.answer = scene.log.answer = 1;
+        xvt_vobj_move(scene.window, {300, 0, 2000, 400});
+        process_events();
+        turn_wheel(scene.pane, {.at = {3, 4}, .down = 120});
+        EXPECT_EQ(scene.take(), "wheel 3,4 0,120; /wheel 23,14 0,120; ");
+        EXPECT_GT(task_window()->area().verticalScrollBar()->value(), 0);
+    });
 }
 
 } // namespace

@@ -21,6 +21,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
+#include <QWheelEvent>
 #include <QWindow>
 
 namespace pellux {
@@ -153,6 +154,22 @@ void compose(std::string_view typed, std::string_view composed, int caret) {
     QInputMethodEvent event(to_qstring(composed), {{QInputMethodEvent::Cursor, caret, 1, {}}});
     event.setCommitString(to_qstring(typed));
     QApplication::sendEvent(focus_widget(), &event);
+    process_events();
+}
+
+void turn_wheel(Window window, const WheelEvent& wheel) {
+    QPoint place;
+    QWindow* target = desktop_window(window, wheel.at, place);
+    const QPoint moved(-wheel.right, -wheel.down);
+    // With Alt the desktop exchanges the axes.
+    const QPoint told = wheel.with.alt ? moved.transposed() : moved;
+    const Qt::KeyboardModifiers with = (wheel.with.shift ? Qt::ShiftModifier : Qt::NoModifier) |
+                                       (wheel.with.alt ? Qt::AltModifier : Qt::NoModifier);
+    QWheelEvent event(place, target->mapToGlobal(place), wheel.is_by_pixels ? told : QPoint(), told,
+                      Qt::NoButton, with, Qt::NoScrollPhase, false);
+    // Only such a one goes on to the widgets around.
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(target, &event);
     process_events();
 }
 

@@ -22,6 +22,8 @@ void type_text(std::string_view text);
 /// which so many characters stand before the caret.
 void compose(std::string_view typed, std::string_view composed = {}, int caret = 0);
 
+/// Turns the wheel, as the event that it becomes says.
+void turn_wheel(Window window, const WheelEvent& wheel);
 /// The left button, unless another is named; places are in the window's own units.
 void press_pointer(Window window, Point at);
 void release_pointer(Window window, Point at);

@@ -4,6 +4,7 @@
 #include "windows/toolkit/qt/windows/input_method.h"
 #include "windows/toolkit/qt/windows/keys.h"
 #include "windows/toolkit/qt/windows/places.h"
+#include "windows/toolkit/qt/windows/wheel.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QApplication>
@@ -15,6 +16,7 @@
 #include <QPaintEvent>
 #include <QStyleHints>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <utility>
 
@@ -191,6 +193,15 @@ void Canvas::inputMethodEvent(QInputMethodEvent* event) {
         tell_composed(window_, *event);
     }
     event->accept();
+}
+
+void Canvas::wheelEvent(QWheelEvent* event) {
+    const WindowRecord* record = find_window(window_);
+    const WheelEvent wheel = record == nullptr ? WheelEvent{} : wheel_event(*record, *event);
+    const bool is_used = record != nullptr && record->handler.handle != nullptr &&
+                         (wheel.right != 0 || wheel.down != 0) &&
+                         deliver(window_, Event{wheel}) == 0;
+    event->setAccepted(is_used);
 }
 
 void Canvas::focusInEvent(QFocusEvent*) {
