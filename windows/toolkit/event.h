@@ -92,6 +92,7 @@ struct PointerDownEvent {
     Modifiers with;
     int clicks = 1; ///< 2 for a double click, 3 for a triple one
 };
+/// Of no button: the pointer was trapped, and is so no longer (`xvt_win_trap_pointer`).
 struct PointerUpEvent {
     static constexpr EventType type = EventType::pointer_up;
     Point at;

@@ -45,6 +45,19 @@ void xvt_win_accept_drops(Window window, bool accepts);
 /// Where the window's caret stands, in its units: what an input method shows, it shows beside it.
 void xvt_win_set_text_caret(Window window, const Rect& caret);
 
+enum class CursorShape { arrow, text };
+/// What the pointer looks like over the window; at first as over the window around.
+void xvt_win_set_cursor(Window window, CursorShape shape);
+
+/// From now on all pointer events come to the window, from wherever the pointer is, until it lets
+/// go. It loses the pointer, and is told with a pointer_up event of no button, when it goes, is
+/// hidden or disabled, when another window traps or is active, and when a box or menu opens. One
+/// that is not to be seen, or has a box or menu before it, does not get the pointer.
+void xvt_win_trap_pointer(Window window);
+/// Lets go; the window is not told.
+void xvt_win_release_pointer(Window window);
+[[nodiscard]] bool xvt_win_has_pointer(Window window);
+
 // Anything that is seen.
 
 void xvt_vobj_destroy(Window window); ///< with everything in it; the destruction event comes now

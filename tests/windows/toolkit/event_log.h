@@ -43,6 +43,8 @@ struct EventLog {
             return name + " " + place(wheel->at) + " " + place({wheel->right, wheel->down}) +
                    (wheel->is_by_pixels ? " pixels" : "") + (wheel->with.shift ? " shift" : "") +
                    (wheel->with.alt ? " alt" : "");
+        if (const auto* up = event.get<PointerUpEvent>())
+            return up->button == PointerButton::none ? "lost" : name;
         if (const auto* control = event.get<ControlEvent>()) {
             constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
             return k_actions[static_cast<int>(control->action)] +

@@ -166,5 +166,36 @@ TEST(Wheel, GoesToWhoeverHasAUseForIt) {
     });
 }
 
+TEST(TrappedPointer, IsLostToWhateverComesBetween) {
+    const std::pair<const char*, void (*)(Scene&)> rows[] = {
+        {"let go", [](Scene& in) { xvt_win_release_pointer(in.pane); }},
+        {"another window", [](Scene& in) { xvt_win_trap_pointer(in.window); }},
+        {"hidden", [](Scene& in) { xvt_vobj_set_visible(in.pane, false); }},
+        {"disabled around", [](Scene& in) { xvt_vobj_set_enabled(in.window, false); }},
+        {"minimised", [](Scene& in) { minimise_by_frame(in.window); }},
+        {"another program", [](Scene&) { QApplication::setActiveWindow(nullptr); }},
+        {"a menu", [](Scene& in) { xvt_menu_popup(in.window, Vector<MenuItem>(1), {}); }},
+        {"a box",
+         [](Scene&) {
+             in_box([] { QApplication::activeModalWidget()->close(); });
+             QDialog(task_window()).exec();
+         }},
+        {"gone", [](Scene& in) { xvt_vobj_destroy(in.window); }},
+    };
+    for (const auto& [cause, happen] : rows) {
+        in_application([&] {
+            Scene scene;
+            xvt_win_trap_pointer(scene.pane);
+            EXPECT_TRUE(xvt_win_has_pointer(scene.pane));
+            EXPECT_EQ(QWidget::mouseGrabber(), scene.widget);
+            happen(scene);
+            process_events();
+            EXPECT_EQ(scene.take(), cause == rows[0].first ? "/" : "lost; /") << cause;
+            EXPECT_FALSE(xvt_win_has_pointer(scene.pane));
+            EXPECT_EQ(QWidget::mouseGrabber() != nullptr, xvt_win_has_pointer(scene.window));
+        });
+    }
+}
+
 } // namespace
 } // namespace pellux

@@ -90,6 +90,7 @@ void remove_window(Window window) {
         remove_window(child);
     }
     end_timers(window);
+    record->trap.reset();
     xvt_cb_withdraw_selection(window);
     deliver(window, Event{DestructionEvent{}});
     if (WindowRecord* around = find_window(record->parent))

@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <memory>
 
 namespace pellux {
 
@@ -32,6 +33,7 @@ struct WindowRecord {
     std::int64_t text_size_told = -1; ///< characters, to assistive technology; -1: never
     Owned<Vector<MenuItem>> menus;    ///< of a window with a menu bar
     Rect text_caret;                  ///< in the window's units
+    std::unique_ptr<QObject> trap;    ///< while the pointer is trapped; its end tells the window
     bool is_closing = false;
 };
 

@@ -148,6 +148,11 @@ void xvt_win_set_minimum_size(Window window, int width, int height) {
         record->widget->setMinimumSize(std::max(0, width), std::max(0, height));
 }
 
+void xvt_win_set_cursor(Window window, CursorShape shape) {
+    if (const WindowRecord* record = find_window(window); record != nullptr && record->widget)
+        record->widget->setCursor(shape == CursorShape::text ? Qt::IBeamCursor : Qt::ArrowCursor);
+}
+
 void xvt_vobj_destroy(Window window) {
     WindowRecord* record = find_window(window);
     if (record == nullptr || record->is_closing)
