@@ -17,6 +17,8 @@ enum class ControlKind {
     list_button, ///< a list that drops down
     list_edit,   ///< one with a text that can be typed as well
     output,      ///< a text of many lines to read, in the fixed font
+    scroll_down, ///< a bar that scrolls up and down
+    scroll_right,
 };
 
 struct ControlSpec {
@@ -74,5 +76,26 @@ inline constexpr int k_output_lines_max = 200'000;
 void xvt_output_set_text(Window output, std::string_view text);
 /// Puts bytes at the end: UTF-8, what is none as Latin-1. Scrolls on where the end was in sight.
 void xvt_output_append(Window output, std::string_view text);
+
+// A scroll bar tells its parent of each move by the user (`scrolled`). One with nothing to scroll
+// is disabled; it never takes the keyboard's focus.
+
+/// What is scrolled over is [0, `end`), of which `page` is seen from `position` on; this is kept
+/// between 0 and `end` - `page`. Any unit, the same for all.
+struct ScrollRange {
+    int end = 0;
+    int page = 0;
+    int line = 1; ///< a click on an arrow; a notch of the wheel moves by several
+    int position = 0;
+
+    bool operator==(const ScrollRange&) const = default;
+};
+/// The parent is not told. The thumb that the user holds stays there until it is let go. The range
+/// that the bar has already costs next to nothing.
+void xvt_sbar_set_range(Window bar, const ScrollRange& range);
+/// What was set or where the user moved to, whichever is later.
+[[nodiscard]] int xvt_sbar_get_position(Window bar);
+/// Of any bar, across; logical pixels. A theme event tells when it may have changed.
+[[nodiscard]] int xvt_sbar_get_thickness();
 
 } // namespace pellux

@@ -176,7 +176,7 @@ struct CompositionEvent {
 };
 
 /// What happened to a native control.
-enum class ControlAction { pressed, edited, selected, chosen };
+enum class ControlAction { pressed, edited, selected, chosen, scrolled };
 struct ControlEvent {
     static constexpr EventType type = EventType::control;
     int id = 0;

@@ -46,7 +46,8 @@ struct EventLog {
         if (const auto* up = event.get<PointerUpEvent>())
             return up->button == PointerButton::none ? "lost" : name;
         if (const auto* control = event.get<ControlEvent>()) {
-            constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen"};
+            constexpr const char* k_actions[] = {"pressed", "edited", "selected", "chosen",
+                                                 "scrolled"};
             return k_actions[static_cast<int>(control->action)] +
                    (" " + std::to_string(control->id));
         }

@@ -197,5 +197,39 @@ TEST(TrappedPointer, IsLostToWhateverComesBetween) {
     }
 }
 
+TEST(ScrollBar, GoesWhereTheUserOrItsWindowWants) {
+    in_application([] {
+        LoggedWindow logged({EventType::control});
+        const Window bar = xvt_ctl_create({logged.window,
+                                           ControlKind::scroll_down,
+                                           3,
+                                           "",
+                                           {0, 0, 200, xvt_sbar_get_thickness()}});
+        const auto* shown = widget_of<QScrollBar>(bar);
+        for (const auto& [range, position] : {std::pair{ScrollRange{100, 40, 1, 90}, 60},
+                                              {ScrollRange{30, 40, 1, -5}, 0},
+                                              {ScrollRange{1000, 100, 5, 400}, 400}}) {
+            xvt_sbar_set_range(bar, range);
+            EXPECT_EQ(xvt_sbar_get_position(bar), position);
+            EXPECT_EQ(xvt_vobj_is_enabled(bar), range.end > range.page);
+        }
+        EXPECT_EQ(logged.take(), "") << "the window's own changes are told";
+        turn_wheel(bar, {.at = {5, 100}, .down = 120});
+        EXPECT_EQ(xvt_sbar_get_position(bar), 415);
+        // The thumb stays in the user's hand.
+        press_pointer(bar, {5, 95});
+        move_pointer(bar, {5, 115});
+        const int dragged = xvt_sbar_get_position(bar);
+        xvt_sbar_set_range(bar, {2000, 100, 5, 7});
+        EXPECT_TRUE(shown->value() == dragged && shown->maximum() == 900);
+        move_pointer(bar, {5, 105});
+        const int last = xvt_sbar_get_position(bar);
+        EXPECT_TRUE(415 < last && last < dragged);
+        release_pointer(bar, {5, 105});
+        EXPECT_TRUE(shown->value() == last && shown->maximum() == 1900);
+        EXPECT_EQ(logged.take(), "scrolled 3; scrolled 3; scrolled 3; ");
+    });
+}
+
 } // namespace
 } // namespace pellux

@@ -5,6 +5,7 @@
 #include "windows/toolkit/qt/windows/control_events.h"
 #include "windows/toolkit/qt/windows/lists.h"
 #include "windows/toolkit/qt/windows/output_text.h"
+#include "windows/toolkit/qt/windows/scroll_bars.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
 #include <QComboBox>
@@ -47,6 +48,10 @@ QWidget* make_widget(ControlKind kind, Window handle) {
         return make_combo(handle, kind == ControlKind::list_edit);
     case ControlKind::output:
         return new OutputText;
+    case ControlKind::scroll_down:
+        return new ScrollBarControl(handle, Qt::Vertical);
+    case ControlKind::scroll_right:
+        return new ScrollBarControl(handle, Qt::Horizontal);
     }
     return nullptr;
 }
