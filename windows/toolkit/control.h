@@ -16,7 +16,6 @@ enum class ControlKind {
     list_many,   ///< any number of entries is
     list_button, ///< a list that drops down
     list_edit,   ///< one with a text that can be typed as well
-    output,      ///< a text of many lines to read, in the fixed font
     scroll_down, ///< a bar that scrolls up and down
     scroll_right,
 };
@@ -68,14 +67,6 @@ void xvt_list_set_selected(Window list, std::span<const int> indices);
 /// Selects nothing; the entry is scrolled into sight.
 void xvt_list_set_focus_index(Window list, int index);
 void xvt_list_set_font(Window list, Font font);
-
-// An output control keeps the last lines of its text, and one more that has not ended yet.
-inline constexpr int k_output_lines_max = 200'000;
-
-/// In place of the text before; the start is in sight.
-void xvt_output_set_text(Window output, std::string_view text);
-/// Puts bytes at the end: UTF-8, what is none as Latin-1. Scrolls on where the end was in sight.
-void xvt_output_append(Window output, std::string_view text);
 
 // A scroll bar tells its parent of each move by the user (`scrolled`). One with nothing to scroll
 // is disabled; it never takes the keyboard's focus.

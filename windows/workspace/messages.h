@@ -54,7 +54,6 @@ inline Message<const char*> msg_project_changed{
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};
 inline Message<const char*, const char*> msg_own_version{"E2081", "Pellux %s, %s"};
 inline Message<const char*, const char*> msg_cannot_show_file{"E2082", "Can't read '%s': %s."};
-inline Message<> msg_file_goes_on{"E2083", "The file goes on; the rest of it is not shown."};
 inline Message<> msg_undo{"E2086", "&Undo"};
 inline Message<> msg_redo{"E2087", "Red&o"};
 inline Message<const char*> msg_undo_change{"E2088", "&Undo %s"};

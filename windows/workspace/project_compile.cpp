@@ -6,12 +6,12 @@
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/text_window.h"
+#include "windows/workspace/reading_window.h"
 
 namespace pellux {
 namespace {
 
-void on_ended(TextWindow& output, int status) {
+void on_ended(ReadingWindow& output, int status) {
     append_line(output,
                 view(format_message(status == 0 ? msg_compile_succeeded : msg_compile_failed)));
     update_info_commands(output.project);
@@ -30,12 +30,12 @@ Vector<CompileEntry> entries_of(const OpenProject& open) {
 } // namespace
 
 void compile_project(Window project, bool all) {
-    const TextSubject subject{TextKind::compile_output, project};
+    const ReadingSubject subject{ReadingKind::compile_output, project};
     OpenProject* open = find_open_project(project);
     if (open == nullptr)
         return;
     if (is_speaking(subject)) {
-        raise_text_window(subject);
+        raise_reading_window(subject);
         show_status(project,
                     view(format_message(msg_compiles_already, open->project->file_name.c_str())));
         return;
@@ -46,7 +46,7 @@ void compile_project(Window project, bool all) {
     if (!is_prepared)
         return;
     const String title = format_message(msg_compile_title, project_label(*open->project).c_str());
-    TextWindow* output = open_text_window(subject, view(title));
+    ReadingWindow* output = open_reading_window(subject, view(title));
     if (output == nullptr)
         return;
     String line;

@@ -6,17 +6,15 @@
 #include "core/os/environment.h"
 #include "core/project/compile_arguments.h"
 #include "windows/controls/boxes.h"
-#include "windows/toolkit/control.h"
+#include "windows/textview/text_output.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_menus.h"
-#include "windows/workspace/text_window.h"
+#include "windows/workspace/reading_window.h"
 
 namespace pellux {
 namespace {
-
-constexpr std::size_t k_shown_max = std::size_t{16} << 20;
 
 /// The name of a file about a top design, in its project's directory.
 using NameOf = String (*)(std::string_view top);
@@ -42,37 +40,21 @@ void update_command(Window project, ProjectCommand command, NameOf name_of) {
     xvt_menu_set_item_enabled(project, static_cast<int>(command), is_there);
 }
 
-/// The whole lines of `text` that a window can hold with one more: all of it, or its start.
-std::string_view shown_lines(std::string_view text, bool is_cut) {
-    std::size_t end = 0;
-    for (int lines = 1; lines < k_output_lines_max; ++lines) {
-        const std::size_t line_end = text.find('\n', end);
-        if (line_end == std::string_view::npos)
-            return is_cut && end > 0 ? text.substr(0, end) : text;
-        end = line_end + 1;
-    }
-    return text.substr(0, end);
-}
-
 void show_file(Window project, NameOf name_of) {
     const String path = path_beside_top(project, name_of);
     if (path.empty())
         return;
-    String text;
-    bool is_cut = false;
-    const SystemError error = read_text_start(view(path), k_shown_max, text, is_cut);
-    if (failed(error)) {
-        post_error(msg_cannot_show_file, path.c_str(), error_text(error).c_str());
-        return;
+    File file;
+    SystemError error = open_file(file, view(path), OpenMode::read);
+    if (!failed(error)) {
+        ReadingWindow* viewer = open_reading_window({ReadingKind::file, project, view(path)},
+                                                    file_name_part(view(path)));
+        if (viewer == nullptr)
+            return;
+        error = load_output(viewer->view(), view(path));
     }
-    TextWindow* viewer =
-        open_text_window({TextKind::file, project, view(path)}, file_name_part(view(path)));
-    if (viewer == nullptr)
-        return;
-    const std::string_view shown = shown_lines(view(text), is_cut);
-    set_text(*viewer, shown);
-    if (is_cut || shown.size() < text.size())
-        append_line(*viewer, view(format_message(msg_file_goes_on)));
+    if (failed(error))
+        post_error(msg_cannot_show_file, path.c_str(), error_text(error).c_str());
 }
 
 } // namespace
@@ -91,15 +73,16 @@ void show_control_file(Window project) {
 }
 
 void show_tool_versions() {
-    TextWindow* versions =
-        open_text_window({TextKind::tool_versions}, view(format_message(msg_tool_versions)));
+    ReadingWindow* versions =
+        open_reading_window({ReadingKind::tool_versions}, view(format_message(msg_tool_versions)));
     if (versions == nullptr)
         return;
     PathBuffer place;
     static_cast<void>(program_directory(place));
     append_line(*versions, view(format_message(msg_own_version, PELLUX_VERSION, place.c_str())));
     if (PathBuffer compiler; find_compiler(compiler))
-        run_program_in(*versions, {String(compiler.view()), "--version"}, [](TextWindow&, int) {});
+        run_program_in(*versions, {String(compiler.view()), "--version"},
+                       [](ReadingWindow&, int) {});
 }
 
 } // namespace pellux

@@ -9,7 +9,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
-#include "windows/workspace/text_window.h"
+#include "windows/workspace/reading_window.h"
 
 #include <algorithm>
 #include <array>
@@ -106,7 +106,7 @@ void show_project_status(Window window, const Project& project) {
     String text =
         format_message(msg_project_status, top == nullptr ? "<none>" : top->file_name.c_str(),
                        project.options.device.c_str());
-    if (is_speaking({TextKind::compile_output, window}))
+    if (is_speaking({ReadingKind::compile_output, window}))
         (text += '\t') += format_message(msg_compile_runs);
     show_status(window, view(text));
 }

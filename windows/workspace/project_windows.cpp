@@ -13,7 +13,7 @@
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/text_window.h"
+#include "windows/workspace/reading_window.h"
 
 #include <span>
 
@@ -79,7 +79,7 @@ long on_event(void*, Window window, const Event& event) {
         enter_project(window);
         close_project(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
-        close_text_windows(window);
+        close_reading_windows(window);
         forget_project(window);
         show_project_names();
     }
@@ -109,7 +109,7 @@ void start_workspace(const ShellHooks& hooks) {
     workspace() = {};
     workspace().hooks = {{on_event, nullptr}, update};
     register_project_window();
-    register_text_windows({on_text_key, show_compile});
+    register_reading_windows({on_text_key, show_compile});
     register_new_project();
 }
 

@@ -6,7 +6,7 @@
 #include "windows/controls/help_topics.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/message_box.h"
-#include "windows/workspace/text_window.h"
+#include "windows/workspace/reading_window.h"
 
 #include <array>
 #include <filesystem>
@@ -145,10 +145,10 @@ TEST_F(HelpHooksTest, F1OpensThePageOfTheWindow) {
         };
         EXPECT_EQ(page(), "windows.html#files");
         const Window project = workspace().projects.front()->window;
-        const TextSubject output{.kind = TextKind::compile_output, .project = project};
-        EXPECT_NE(open_text_window(output, "Output"), nullptr);
+        const ReadingSubject output{.kind = ReadingKind::compile_output, .project = project};
+        EXPECT_NE(open_reading_window(output, "Output"), nullptr);
         EXPECT_EQ(page(), "messages.html");
-        EXPECT_NE(open_text_window({.kind = TextKind::tool_versions}, "Versions"), nullptr);
+        EXPECT_NE(open_reading_window({.kind = ReadingKind::tool_versions}, "Versions"), nullptr);
         EXPECT_EQ(page(), "windows.html#reports");
         int topic = 0;
         user_.expect(QuestionKind::dialog, "New Project", [&topic](const Question& question) {

@@ -42,7 +42,6 @@ struct Around : LoggedWindow {
 };
 using Control = Around<QWidget>;
 using ListWindow = Around<QListView>;
-using OutputWindow = Around<QPlainTextEdit>;
 
 TEST(NativeControls, TellWhatTheUserDidAndNothingElseAndMayEndInIt) {
     const Vector<String> items = {"a", "b", "bad\xFF\n<b>"};
@@ -214,49 +213,6 @@ TEST(ListControl, GivesItsWindowKeysAndQuestionsForMenus) {
         xvt_list_set_selected(files.control, several);
         right_click(files.control, at);
         EXPECT_EQ(xvt_list_get_selected(files.control), (Vector<int>{2, 3, 4}));
-    });
-}
-
-TEST(Output, KeepsTheLastLinesTheSelectionAndTheReadersPlace) {
-    in_application([] {
-        OutputWindow shown(ControlKind::output);
-        const auto text = [&] { return shown.widget->toPlainText().toStdString(); };
-        const auto selected = [&] { return shown.widget->textCursor().selectedText().size(); };
-        xvt_output_append(shown.control, "a\xC3\xA4\r\n\xE4 <b>");
-        xvt_output_append(shown.control, "\tc\n");
-        type_text("x");
-        press_key("Del");
-        EXPECT_EQ(text(), "a\xC3\xA4\n\xC3\xA4 <b>\tc\n");
-        press_key("Ctrl+F7");
-        EXPECT_EQ(shown.take(), "key 120; key 127; key 407; ");
-        for (const char* keys : {"Ctrl+A", "Ctrl+Shift+Home"}) {
-            press_key("Ctrl+End");
-            press_key(keys);
-            const auto before = selected();
-            xvt_output_append(shown.control, "later");
-            EXPECT_EQ(selected(), before) << keys;
-        }
-
-        std::string all;
-        for (int i = 0; i < 203'000; ++i)
-            all += std::to_string(i) + "\n";
-        const auto lines = [&all](int first, int end) {
-            const auto at = [&](int i) {
-                return i == 0 ? 0 : all.find("\n" + std::to_string(i) + "\n") + 1;
-            };
-            return all.substr(at(first), end == 203'000 ? all.npos : at(end) - at(first));
-        };
-        xvt_output_set_text(shown.control, "");
-        xvt_output_append(shown.control, lines(0, 200'000));
-        EXPECT_EQ(text(), lines(0, 200'000));
-        EXPECT_EQ(shown.bar().value(), shown.bar().maximum());
-        shown.bar().setValue(100'000);
-        xvt_output_append(shown.control, lines(200'000, 203'000));
-        process_events();
-        EXPECT_EQ(text(), lines(3'000, 203'000));
-        EXPECT_EQ(shown.widget->cursorForPosition({5, 5}).block().text(), "100000");
-        xvt_output_set_text(shown.control, std::string(500, '\n'));
-        EXPECT_EQ(shown.bar().value(), 0);
     });
 }
 

@@ -16,7 +16,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -32,11 +31,16 @@ QWidget* widget_at(Window window) {
     return record == nullptr ? nullptr : record->widget.data();
 }
 
-const QPlainTextEdit* last_output() {
-    TaskWindow* task = task_window();
-    const auto outputs =
-        task == nullptr ? QList<QPlainTextEdit*>() : task->findChildren<QPlainTextEdit*>();
-    return outputs.isEmpty() ? nullptr : outputs.last();
+/// The pane with a text that was made last; null while there is none.
+const WindowRecord* last_text() {
+    const WindowRecord* last = nullptr;
+    if (const TaskWindow* task = task_window())
+        for (const QWidget* widget : task->findChildren<QWidget*>())
+            if (const WindowRecord* record = find_window(window_of(*widget));
+                record != nullptr && record->text_access && record->widget == widget &&
+                (last == nullptr || record->handle > last->handle))
+                last = record;
+    return last;
 }
 
 /// A place in the window as one in its widget, in logical pixels.
@@ -197,6 +201,10 @@ void right_click(Window window, Point at) {
     point_at(window, at, QTest::MouseClick, Qt::RightButton);
 }
 
+void middle_click(Window window, Point at) {
+    point_at(window, at, QTest::MouseClick, Qt::MiddleButton);
+}
+
 bool drop_files(Window window, Point at, std::span<const std::string> paths) {
     std::string list;
     for (const std::string& path : paths) {
@@ -261,15 +269,18 @@ void in_box(const std::function<void()>& act) {
     });
 }
 
-std::string shown_output() {
-    const QPlainTextEdit* output = last_output();
-    return output == nullptr ? std::string() : output->toPlainText().toStdString();
+std::string shown_text() {
+    const WindowRecord* pane = last_text();
+    if (pane == nullptr)
+        return {};
+    const TextAccess& access = *pane->text_access;
+    const String text = access.copy(access.context, 0, access.size(access.context));
+    return {text.begin(), text.end()};
 }
 
-Window shown_output_window() {
-    const QPlainTextEdit* output = last_output();
-    const WindowRecord* record = output == nullptr ? nullptr : find_window(window_of(*output));
-    return record == nullptr ? Window::none : record->parent;
+Window shown_text_window() {
+    const WindowRecord* pane = last_text();
+    return pane == nullptr ? Window::none : pane->parent;
 }
 
 int first_shown_entry(Window list) {
@@ -333,16 +344,22 @@ bool end_session() {
     return may_end;
 }
 
-bool wait_for_output(std::string_view words) {
+bool wait_for_text(std::string_view words) {
     constexpr int k_turns_max = 100'000;
-    for (int i = 0; i < k_turns_max && shown_output().find(words) == std::string::npos; ++i)
+    for (int i = 0; i < k_turns_max && shown_text().find(words) == std::string::npos; ++i)
         run_turn(TurnWait::until_event);
-    return shown_output().find(words) != std::string::npos;
+    return shown_text().find(words) != std::string::npos;
 }
 
 std::uint32_t shown_pixel(Window window, Point at) {
     const QImage shown = widget_at(window)->grab().toImage();
     return shown.pixel(logical(window, at) * shown.devicePixelRatio()) & 0xFFFFFF;
+}
+
+std::vector<std::uint32_t> shown_pixels(Window window) {
+    const QImage shown = widget_at(window)->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const auto* first = reinterpret_cast<const std::uint32_t*>(shown.constBits());
+    return {first, first + shown.sizeInBytes() / static_cast<qsizetype>(sizeof *first)};
 }
 
 bool save_front_picture(std::string_view path) {

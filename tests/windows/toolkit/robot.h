@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pellux {
 
@@ -31,6 +32,7 @@ void move_pointer(Window window, Point at);
 void click(Window window, Point at);
 void double_click(Window window, Point at);
 void right_click(Window window, Point at);
+void middle_click(Window window, Point at);
 
 /// Drags files, or data of a MIME type, from another program over the window and drops them there.
 /// False when they are not taken as a copy.
@@ -49,11 +51,11 @@ bool choose_item(int tag);
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
 void in_box(const std::function<void()>& act);
 
-/// What the output control that was made last shows, and its window.
-[[nodiscard]] std::string shown_output();
-/// Waits until it shows these words.
-bool wait_for_output(std::string_view words);
-[[nodiscard]] Window shown_output_window();
+/// What the text pane that was made last holds, as UTF-8, and its window.
+[[nodiscard]] std::string shown_text();
+/// Waits until it holds these words.
+bool wait_for_text(std::string_view words);
+[[nodiscard]] Window shown_text_window();
 
 /// The entry at the upper edge of a list; -1 for none.
 [[nodiscard]] int first_shown_entry(Window list);
@@ -74,6 +76,8 @@ bool end_session();
 
 /// The colour of a pixel that is shown, 0xRRGGBB; in the window's units.
 [[nodiscard]] std::uint32_t shown_pixel(Window window, Point at);
+/// All that a window shows, row by row.
+[[nodiscard]] std::vector<std::uint32_t> shown_pixels(Window window);
 /// Writes what the window shows as a PNG file.
 bool save_picture(Window window, std::string_view path);
 /// The same of the menu, box or other window of the program that lies in front of all.

@@ -115,7 +115,6 @@ TEST(Windows, OperationsOnOneThatIsGoneDoNothing) {
             xvt_menu_popup(window, items, {});
             xvt_list_set_entries(window, {}, ListPlace::kept);
             xvt_list_set_selection(window, 1);
-            xvt_output_append(window, "x");
             EXPECT_EQ(shown_popup(), "");
             EXPECT_EQ(xvt_list_get_focus_index(window), -1);
             EXPECT_EQ(xvt_vobj_get_outer_rect(window), Rect{});

@@ -108,8 +108,8 @@ void visit_project(Tour& tour) {
     xvt_list_set_selected(project_list(project), std::array{9, 10, 11});
     process_events();
     press_key("F7");
-    tour.keep(wait_for_output("\nCompilation "), "compiling");
-    put_side_by_side(project, shown_output_window());
+    tour.keep(wait_for_text("\nCompilation "), "compiling");
+    put_side_by_side(project, shown_text_window());
     xvt_vobj_raise(project);
     process_events();
     tour.picture(task, "project");
@@ -118,7 +118,7 @@ void visit_project(Tour& tour) {
     press_key("Esc");
     const auto read = [&](ProjectCommand command, std::string_view words, std::string_view name) {
         xvt_win_dispatch_event(project, Event{CommandEvent{static_cast<int>(command)}});
-        tour.keep(wait_for_output(words), name);
+        tour.keep(wait_for_text(words), name);
         process_events();
         tour.picture(task, name);
     };
@@ -156,8 +156,8 @@ void visit_failure(Tour& tour, const String& directory) {
     tour.front("files_menu");
     press_key("F7");
     tour.picture(task, "compiling");
-    tour.keep(wait_for_output("\nCompilation "), "failed");
-    put_side_by_side(project, shown_output_window());
+    tour.keep(wait_for_text("\nCompilation "), "failed");
+    put_side_by_side(project, shown_text_window());
     tour.picture(task, "failed");
 }
 

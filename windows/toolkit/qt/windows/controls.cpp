@@ -4,7 +4,6 @@
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/control_events.h"
 #include "windows/toolkit/qt/windows/lists.h"
-#include "windows/toolkit/qt/windows/output_text.h"
 #include "windows/toolkit/qt/windows/scroll_bars.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
@@ -46,8 +45,6 @@ QWidget* make_widget(ControlKind kind, Window handle) {
     case ControlKind::list_button:
     case ControlKind::list_edit:
         return make_combo(handle, kind == ControlKind::list_edit);
-    case ControlKind::output:
-        return new OutputText;
     case ControlKind::scroll_down:
         return new ScrollBarControl(handle, Qt::Vertical);
     case ControlKind::scroll_right:

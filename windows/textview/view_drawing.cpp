@@ -1,0 +1,196 @@
+#include "windows/textview/view_drawing.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace pellux {
+namespace {
+
+/// How far left of what is seen a line's runs are told.
+constexpr ByteOffset k_told_bytes = 65536;
+
+constexpr Pen k_no_pen{.style = PenStyle::none};
+
+struct Row {
+    std::int64_t line = 0;
+    ByteOffset start = 0;
+    ByteOffset end = 0; ///< where its line end stands
+    int top = 0;
+};
+
+void fill(const TextView& view, const Rect& rect, Color color) {
+    xvt_dwin_set_brush(view.target, {.color = color});
+    xvt_dwin_draw_rect(view.target, rect);
+}
+
+int to_pixel(std::int64_t x) {
+    constexpr std::int64_t k_far = std::numeric_limits<int>::max() / 4;
+    return static_cast<int>(std::clamp(x, -k_far, k_far));
+}
+
+/// A line's x in the window.
+int shown_x(const TextView& view, std::int64_t x) {
+    return to_pixel(x + view.margin - view.hscroll);
+}
+
+/// Where to begin to tell of a line's runs, of which those from `left` on are seen.
+LineStop first_stop(const TextView& view, const Row& row, std::int64_t left) {
+    const LineStop seen = stop_before_x(view.layout, row.start, left);
+    if (view.draw_callback == nullptr)
+        return seen;
+    return stop_before(view.layout, row.start, seen.offset - k_told_bytes);
+}
+
+void note_width(TextView& view, const LineWalk& walk, const Row& row) {
+    const std::int64_t rest = row.end - walk.place().offset;
+    std::int64_t width = walk.place().x;
+    if (rest > k_told_bytes)
+        width += rest * view.layout.advances[' '];
+    else if (rest > 0)
+        width = x_of(view.layout, row.start, row.end);
+    view.widest = std::max(view.widest, to_pixel(width));
+}
+
+/// Draws the runs of a line between two places of the window.
+bool draw_runs(TextView& view, const Row& row, int from, int to, bool is_selected) {
+    const std::int64_t left = std::int64_t{from} - view.margin + view.hscroll;
+    const std::int64_t right = left + (to - from);
+    const DrawGuard guard(view);
+    LineWalk walk(view.layout, row.start, first_stop(view, row, left));
+    LineRun run;
+    bool is_first = true;
+    const Color ink = is_selected ? xvt_scr_get_color(ThemeColor::highlighted_text) : Color::black;
+    xvt_dwin_set_fore_color(view.target, ink);
+    while (walk.place().x < right && walk.next(run)) {
+        const bool is_seen = run.right > left;
+        if (run.is_tab || (!is_seen && view.draw_callback == nullptr))
+            continue;
+        xvt_dwin_set_encoding(view.target,
+                              run.is_single ? TextEncoding::latin_1 : TextEncoding::utf_8);
+        const int x = shown_x(view, run.left);
+        const int baseline = row.top + view.ascent;
+        if (view.draw_callback == nullptr) {
+            xvt_dwin_draw_text(view.target, x, baseline, run.text);
+            continue;
+        }
+        view.draw_callback(view.draw_context, view,
+                           {.line = row.line,
+                            .starts_line = is_first,
+                            .offset = run.offset,
+                            .text = run.text,
+                            .is_seen = is_seen,
+                            .is_selected = is_selected,
+                            .x = x,
+                            .baseline = baseline});
+        if (guard.is_gone())
+            return false;
+        is_first = false;
+    }
+    if (!is_selected)
+        note_width(view, walk, row);
+    return true;
+}
+
+/// Draws what of a line is selected over what it drew before. A line end that is selected shows as
+/// a blank.
+bool draw_selected(TextView& view, const Row& row, int left, int right) {
+    const TextRange range = selection(view.editing);
+    if (range.start >= range.end || range.end <= row.start || range.start > row.end)
+        return true;
+    const int from = shown_x(view, x_of(view.layout, row.start, std::max(range.start, row.start)));
+    int to = shown_x(view, x_of(view.layout, row.start, std::min(range.end, row.end)));
+    if (range.end > row.end)
+        to += view.layout.advances[' '];
+    const Rect part{row.top, std::max(from, left), row.top + view.line_height, std::min(to, right)};
+    if (is_empty(part))
+        return true;
+    const Color paper = xvt_scr_get_color(ThemeColor::highlight);
+    fill(view, part, paper);
+    xvt_dwin_set_clip(view.target, part);
+    xvt_dwin_set_back_color(view.target, paper);
+    if (!draw_runs(view, row, part.left, part.right, true))
+        return false;
+    xvt_dwin_set_back_color(view.target, Color::white);
+    return true;
+}
+
+/// What an input method composes stands over the text behind the caret.
+void draw_composition(const TextView& view, const Rect& at) {
+    xvt_dwin_set_encoding(view.target, TextEncoding::utf_8);
+    const int width = xvt_dwin_get_text_width(view.target, pellux::view(view.composition));
+    fill(view, {at.top, at.left, at.bottom, at.left + width}, Color::white);
+    xvt_dwin_set_fore_color(view.target, Color::black);
+    xvt_dwin_draw_text(view.target, at.left, at.top + view.ascent, pellux::view(view.composition));
+    const int line = at.top + view.ascent + 1;
+    xvt_dwin_set_pen(view.target, {});
+    xvt_dwin_draw_line(view.target, {at.left, line}, {at.left + width - 1, line});
+    xvt_dwin_set_pen(view.target, k_no_pen);
+}
+
+void flip(const TextView& view, const Rect& rect) {
+    xvt_dwin_set_draw_mode(view.target, DrawMode::exclusive_or);
+    xvt_dwin_set_pen(view.target, k_no_pen);
+    fill(view, rect, Color::black);
+    xvt_dwin_set_draw_mode(view.target, DrawMode::copy);
+}
+
+} // namespace
+
+bool draw_rows(TextView& view, RowPart part) {
+    part.first = std::max<std::int64_t>(part.first, 0);
+    part.last = std::min<std::int64_t>(part.last, row_count(view) - 1);
+    part.left = std::max(part.left, 0);
+    part.right = std::min(part.right, view.width);
+    if (part.first > part.last || part.left >= part.right)
+        return true;
+    const TextDocument& document = view.editing.document;
+    const int lines = static_cast<int>(part.last - part.first) + 1;
+    Row row{.line = top_line(view) + part.first,
+            .top = static_cast<int>(part.first) * view.line_height};
+    const Rect area{row.top, part.left, row.top + lines * view.line_height, part.right};
+    const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
+    xvt_dwin_set_pen(view.target, k_no_pen);
+    xvt_dwin_set_back_color(view.target, Color::white);
+    xvt_dwin_set_clip(view.target, area);
+    fill(view, area, Color::white);
+    row.start = line_start(document, row.line);
+    for (int i = 0; i < lines && row.line < line_count(document); ++i) {
+        row.end = line_end(document, row.line);
+        if (!draw_runs(view, row, part.left, part.right, false) ||
+            !draw_selected(view, row, part.left, part.right))
+            return false;
+        xvt_dwin_set_clip(view.target, area);
+        if (row.line == caret)
+            draw_composition(view, place_of(view, caret_offset(view.editing)));
+        row.start = row.end + 1;
+        ++row.line;
+        row.top += view.line_height;
+    }
+    xvt_dwin_set_clip(view.target, std::nullopt);
+    return true;
+}
+
+void draw_caret(TextView& view) {
+    constexpr int k_height_of_width = 10;
+    if (!view.has_focus)
+        return;
+    Rect place = place_of(view, caret_offset(view.editing));
+    xvt_win_set_text_caret(view.target, place);
+    place.right = place.left + std::max(1, view.line_height / k_height_of_width);
+    if (!meets(place, {0, 0, view.height, view.width}))
+        return;
+    flip(view, place);
+    view.caret = place;
+}
+
+void flip_caret(const TextView& view) {
+    if (view.caret)
+        flip(view, *view.caret);
+}
+
+void erase_caret(TextView& view) {
+    flip_caret(view);
+    view.caret.reset();
+}
+
+} // namespace pellux

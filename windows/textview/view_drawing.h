@@ -1,0 +1,53 @@
+#pragma once
+
+#include "windows/textview/text_view.h"
+
+namespace pellux {
+
+// The rows of a view, from 0 at the top; the last one may be seen in part.
+
+[[nodiscard]] inline int row_count(const TextView& view) {
+    return (view.height + view.line_height - 1) / view.line_height;
+}
+
+/// What of some rows is to be drawn: columns of pixels, `right` outside.
+struct RowPart {
+    std::int64_t first = 0;
+    std::int64_t last = 0; ///< with it
+    int left = 0;
+    int right = 0;
+};
+/// Draws rows as far as they are seen, as if the caret were not there. False when the view did not
+/// live through that.
+bool draw_rows(TextView& view, RowPart part);
+
+/// Notes that somebody destroys the view while it draws.
+class DrawGuard {
+public:
+    explicit DrawGuard(TextView& view) : view_(view), outer_(view.is_gone) {
+        view.is_gone = &is_gone_;
+    }
+    ~DrawGuard() {
+        if (!is_gone_)
+            view_.is_gone = outer_;
+        else if (outer_ != nullptr)
+            *outer_ = true;
+    }
+    DrawGuard(const DrawGuard&) = delete;
+    DrawGuard& operator=(const DrawGuard&) = delete;
+
+    [[nodiscard]] bool is_gone() const { return is_gone_; }
+
+private:
+    TextView& view_;
+    bool* outer_;
+    bool is_gone_ = false;
+};
+
+/// Draws the caret where it stands now, or not any more. Where it is drawn, doing so again shows
+/// what was there before.
+void draw_caret(TextView& view);
+void flip_caret(const TextView& view);
+void erase_caret(TextView& view);
+
+} // namespace pellux

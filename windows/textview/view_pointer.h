@@ -1,0 +1,40 @@
+#pragma once
+
+#include "windows/textview/text_view.h"
+
+namespace pellux {
+
+/// What the pointer does in a view: it sets the caret, and selects characters, words after a double
+/// click or lines after a triple one, from where it was pressed to where it is dragged. Held
+/// outside, it scrolls.
+class ViewPointer {
+public:
+    explicit ViewPointer(TextView& view) : view_(view) {}
+
+    void on_down(const PointerDownEvent& down);
+    void on_move(const PointerMoveEvent& move);
+    void on_up(const PointerUpEvent& up);
+    /// False for a timer of somebody else.
+    bool on_timer(TimerId timer);
+    /// False when the view has no use for it.
+    bool on_wheel(const WheelEvent& wheel);
+
+private:
+    enum class Unit { none, character, word, line };
+
+    [[nodiscard]] TextRange unit_at(ByteOffset offset) const;
+    void select_to(Point at);
+    void scroll_towards(Point at);
+    void end_drag();
+
+    TextView& view_;
+    Unit unit_ = Unit::none; ///< what is being selected
+    Owned<TextMark> first_;  ///< of the stretch where it began
+    Owned<TextMark> last_;
+    Point at_;
+    TimerId timer_ = TimerId::none; ///< while the pointer is held outside
+    int wheel_down_ = 0;            ///< of a notch or a line, not used yet
+    int wheel_right_ = 0;
+};
+
+} // namespace pellux

@@ -1,0 +1,197 @@
+#include "windows/workspace/reading_window.h"
+
+#include "core/common/callback.h"
+#include "core/os/argument_vector.h"
+#include "core/os/loop.h"
+#include "windows/controls/boxes.h"
+#include "windows/controls/help_topics.h"
+#include "windows/textview/text_output.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+#include "windows/workspace/messages.h"
+
+#include <algorithm>
+#include <array>
+
+namespace pellux {
+namespace {
+
+constexpr WindowResource resource(ReadingKind kind, int width, int height) {
+    return {.number = static_cast<int>(kind), .width = width, .height = height};
+}
+constexpr std::array k_windows{resource(ReadingKind::compile_output, 640, 300),
+                               resource(ReadingKind::tool_versions, 640, 120),
+                               resource(ReadingKind::file, 680, 400)};
+
+Vector<Owned<ReadingWindow>> texts;
+ReadingHooks g_hooks;
+
+/// Windows that have gone, until what runs in them has returned.
+Vector<Owned<ReadingWindow>> gone_texts;
+PostedCall free_gone_texts{.call = [](void*) { gone_texts.clear(); }};
+
+ReadingWindow* find_text(const ReadingSubject& subject) {
+    const auto found = std::ranges::find_if(texts, [&](const auto& text) {
+        return text->kind == subject.kind && text->project == subject.project &&
+               view(text->path) == subject.path;
+    });
+    return found == texts.end() ? nullptr : found->get();
+}
+
+/// Says in the title, and to the project, whether a program runs.
+void show_program(const ReadingWindow& text) {
+    const bool runs = text.program != nullptr && text.program->running();
+    xvt_vobj_set_title(text.window(), runs ? view(format_message(msg_text_runs, text.title.c_str()))
+                                           : view(text.title));
+    if (text.project != Window::none)
+        g_hooks.show_program(text.project);
+}
+
+void forget(ReadingWindow& text) {
+    const auto found = std::ranges::find(texts, &text, &Owned<ReadingWindow>::get);
+    if (found == texts.end())
+        return;
+    text.program.reset();
+    gone_texts.push_back(std::move(*found));
+    texts.erase(found);
+    post_call(free_gone_texts);
+    if (text.project != Window::none)
+        g_hooks.show_program(text.project);
+}
+
+/// Why there is no result, of a program that has not told it.
+void append_cause(ReadingWindow& text, const char* program) {
+    const SpawnerEnd& end = text.program->end();
+    if (end.has_told)
+        return;
+    if (!end.process)
+        append_line(text, view(format_message(msg_program_given_up, program)));
+    else if (end.process->by_signal)
+        append_line(text, view(format_message(msg_program_crashed, program, end.process->code)));
+    else
+        append_line(text, view(format_message(end.has_spoken ? msg_program_broke_off
+                                                             : msg_program_never_spoke,
+                                              program, end.process->code)));
+}
+
+void on_words(void* context, const char* words, int done, int status) {
+    auto& text = from_context<ReadingWindow>(context);
+    if (done == 0) {
+        append_text(text, words);
+        return;
+    }
+    append_cause(text, text.name.c_str());
+    show_program(text);
+    text.ended(text, status);
+}
+
+} // namespace
+
+ReadingWindow::ReadingWindow(const ReadingSubject& subject)
+    : kind(subject.kind), project(subject.project), path(subject.path) {}
+
+long ReadingWindow::on_event(const Event& event) {
+    if (event.get<CloseEvent>() != nullptr) {
+        xvt_vobj_destroy(window());
+        return 0;
+    }
+    if (const auto* key = event.get<CharacterEvent>())
+        return project != Window::none && g_hooks.take_key(project, *key) ? 0 : 1;
+    if (event.get<DestructionEvent>() != nullptr)
+        forget(*this);
+    return TextWindow::on_event(event);
+}
+
+bool ReadingWindow::take_key(const CharacterEvent& key) {
+    constexpr int k_escape = 27;
+    if (key.code != k_escape && key.letter != 'W')
+        return TextWindow::take_key(key);
+    xvt_vobj_destroy(window());
+    return true;
+}
+
+void register_reading_windows(const ReadingHooks& hooks) {
+    texts.clear();
+    g_hooks = hooks;
+    xvt_res_register({.windows = k_windows});
+}
+
+ReadingWindow* open_reading_window(const ReadingSubject& subject, std::string_view title) {
+    ReadingWindow* text = find_text(subject);
+    if (text == nullptr) {
+        auto made = make_owned<ReadingWindow>(subject);
+        text = made.get();
+        texts.push_back(std::move(made));
+        if (xvt_win_create_res(static_cast<int>(subject.kind), {TextWindow::handle, text}) ==
+            Window::none) {
+            forget(*text);
+            post_error(msg_no_project_window);
+            return nullptr;
+        }
+        text->view().editing.is_read_only = true;
+        text->view().editing.undo_limit = 0;
+        associate_help({.window = text->window()}, subject.kind == ReadingKind::compile_output
+                                                       ? HelpTopic::messages
+                                                       : HelpTopic::reports);
+    }
+    text->program.reset();
+    text->title = title;
+    show_program(*text);
+    set_text(*text, {});
+    xvt_vobj_raise(text->window());
+    return text;
+}
+
+bool is_speaking(const ReadingSubject& subject) {
+    const ReadingWindow* text = find_text(subject);
+    return text != nullptr && text->program != nullptr && text->program->running();
+}
+
+void raise_reading_window(const ReadingSubject& subject) {
+    if (const ReadingWindow* text = find_text(subject))
+        xvt_vobj_raise(text->window());
+}
+
+void close_reading_windows(Window project) {
+    Vector<Window> windows;
+    for (const Owned<ReadingWindow>& text : texts)
+        if (text->project == project)
+            windows.push_back(text->window());
+    for (const Window window : windows)
+        xvt_vobj_destroy(window);
+}
+
+void set_text(ReadingWindow& text, std::string_view words) {
+    set_output(text.view(), words);
+    text.at_line_start = words.empty() || words.back() == '\n';
+}
+
+void append_text(ReadingWindow& text, std::string_view words) {
+    if (words.empty())
+        return;
+    append_output(text.view(), words);
+    text.at_line_start = words.back() == '\n';
+}
+
+void append_line(ReadingWindow& text, std::string_view words) {
+    String line(text.at_line_start ? "" : "\n");
+    line += words;
+    append_text(text, view(line += '\n'));
+}
+
+void run_program_in(ReadingWindow& text, const Vector<String>& words,
+                    void (*ended)(ReadingWindow& text, int status)) {
+    const auto arguments = argument_vector<Vector<const char*>>(words);
+    text.ended = ended;
+    text.program = make_owned<Spawner>(on_words, &text);
+    text.name = words.front();
+    const LaunchResult result = text.program->launch(arguments.front(), arguments.data());
+    if (result) {
+        show_program(text);
+        return;
+    }
+    append_line(text, view(launch_failure_text(result)));
+    ended(text, 1);
+}
+
+} // namespace pellux
