@@ -1,4 +1,5 @@
 #include "core/common/containers.h"
+#include "core/common/lexical_path.h"
 #include "core/os/files.h"
 #include "core/os/safe_write.h"
 #include "tests/windows/toolkit/application.h"
@@ -102,6 +103,37 @@ void put_side_by_side(Window left, Window right) {
     process_events();
 }
 
+/// A text with all that one may hold, shown as a project's file.
+void visit_text(Tour& tour, Window project) {
+    constexpr std::string_view k_text =
+        "-- Caf\xC3\xA9, \xCE\xA9 = 50 \xCE\xA9, \xE6\xB3\xA2\xE5\xBD\xA2, e\xCC\x81, "
+        "\xF0\x9F\x93\x9F\n"
+        "entity counter is\n\tgeneric (\n\t\twidth\t: positive := 8;\t-- bits\n"
+        "\t\tstep\t: integer  := 1\t-- of one clock\n\t);\nend entity counter;\n\n"
+        "architecture rtl of counter is\n  signal value : unsigned(width - 1 downto 0);\nbegin\n";
+    const OpenProject* open = find_open_project(project);
+    const String name(file_name_part(open->project->top_design->file_name.view()));
+    PathBuffer path(view(open->project->directory));
+    String text(k_text);
+    for (int i = 0; i < 30; ++i)
+        text += "  -- A long line goes on to the right, as far as it likes, and further than any "
+                "window of this width can show at once.\n";
+    tour.keep(path.join(view(with_extension(view(name), "ctl"))) &&
+                  !failed(safe_write_file(path.view(), std::as_bytes(std::span(text)))),
+              "text");
+    xvt_win_dispatch_event(project,
+                           Event{CommandEvent{static_cast<int>(ProjectCommand::control_file)}});
+    process_events();
+    for (const char* key : {"Down", "Down", "Right", "Shift+Down", "Shift+Down", "Shift+End"})
+        press_key(key);
+    tour.picture(xvt_win_get_task(), "text");
+    press_key("Ctrl+End");
+    press_key("Up");
+    press_key("End");
+    tour.picture(xvt_win_get_task(), "text_end");
+    press_key("Esc");
+}
+
 void visit_project(Tour& tour) {
     const Window task = xvt_win_get_task();
     const Window project = workspace().projects.front()->window;
@@ -124,6 +156,7 @@ void visit_project(Tour& tour) {
     };
     read(ProjectCommand::report_file, "Started:", "report");
     read(ProjectCommand::tool_versions, "GHDL ", "versions");
+    visit_text(tour, project);
     xvt_vobj_raise(project);
     process_events();
     press_key("Alt+W");
