@@ -115,13 +115,14 @@ TEST(Clipboard, HoldsBytesUnderNames) {
             for (int i = 0; i < 256; ++i)
                 all += static_cast<char>(i);
             const Vector<std::byte> bytes = bytes_of(all);
-            const ClipboardPart parts[] = {{"VESF", bytes}, {"Text", bytes_of("plain")}};
+            const Vector<std::byte> plain = bytes_of("plain");
+            const ClipboardPart parts[] = {{"VESF", bytes}, {"Text", plain}};
             EXPECT_TRUE(xvt_cb_put(parts));
             process_events();
             EXPECT_EQ(task.take() + scene.log.take() + other.log.take(),
                       "clipboard; clipboard; clipboard; ");
             EXPECT_EQ(xvt_cb_get("vesf"), bytes);
-            EXPECT_EQ(xvt_cb_get("text"), bytes_of("plain"));
+            EXPECT_EQ(xvt_cb_get("text"), plain);
             EXPECT_FALSE(xvt_cb_has("VES") || xvt_cb_has(""));
             // What can't be put leaves it.
             EXPECT_FALSE(put("VESF", {bytes.data(), k_clipboard_max + 1}) || put("a b", {}) ||
