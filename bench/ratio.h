@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 namespace pellux {
 
@@ -53,18 +54,35 @@ struct Spent {
     double runs = 0;
 };
 
-/// Runs until `least_ns` have gone by, at least once.
-template <typename Run>
-void spend(Spent& spent, Run& run, double least_ns) {
+/// Nanoseconds that it takes.
+template <typename Work>
+double time_of(Work&& work) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
-    std::chrono::duration<double, std::nano> slice{};
+    work();
+    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+}
+
+/// Runs until `least_ns` have gone by, at least once. A run that answers a number has measured
+/// itself, without what it had to prepare.
+template <typename Run>
+void spend(Spent& spent, Run& run, double least_ns) {
+    double slice_ns = 0;
     do {
-        run();
+        if constexpr (std::is_same_v<decltype(run()), double>)
+            slice_ns += run();
+        else
+            slice_ns += time_of(run);
         spent.runs += 1;
-        slice = Clock::now() - start;
-    } while (slice.count() < least_ns);
-    spent.ns += slice.count();
+    } while (slice_ns < least_ns);
+    spent.ns += slice_ns;
+}
+
+inline constexpr std::size_t k_ratio_rounds = 5;
+
+inline double median(std::array<double, k_ratio_rounds>& values) {
+    std::sort(values.begin(), values.end());
+    return values[k_ratio_rounds / 2];
 }
 
 /// Runs both sides once to warm up and then five rounds, each of ten slices in turn, so that a
@@ -72,16 +90,15 @@ void spend(Spent& spent, Run& run, double least_ns) {
 /// the five ratios. A moment's round is one run of each.
 template <typename Yardstick, typename Ours>
 void compare(const RatioRow& row, bool moment, Yardstick yardstick, Ours ours) {
-    constexpr std::size_t k_rounds = 5;
-    std::array<double, k_rounds> theirs_ns{};
-    std::array<double, k_rounds> ours_ns{};
-    std::array<double, k_rounds> ratios{};
+    std::array<double, k_ratio_rounds> theirs_ns{};
+    std::array<double, k_ratio_rounds> ours_ns{};
+    std::array<double, k_ratio_rounds> ratios{};
     const double round_ns = moment ? 0 : row.round_ms * 1e6;
     if (!moment) {
         yardstick();
         ours();
     }
-    for (std::size_t i = 0; i < k_rounds; ++i) {
+    for (std::size_t i = 0; i < k_ratio_rounds; ++i) {
         Spent theirs;
         Spent mine;
         do {
@@ -92,15 +109,26 @@ void compare(const RatioRow& row, bool moment, Yardstick yardstick, Ours ours) {
         ours_ns[i] = mine.ns / mine.runs / row.units;
         ratios[i] = ours_ns[i] / theirs_ns[i];
     }
-    const auto median = [](std::array<double, k_rounds>& values) {
-        std::sort(values.begin(), values.end());
-        return values[k_rounds / 2];
-    };
-    std::printf("%s: ours %s, %s %s, ratio %.2f", row.name, ReadableTime(median(ours_ns)).c_str(),
-                row.yardstick, ReadableTime(median(theirs_ns)).c_str(), median(ratios));
+    const int digits = row.reach != 0 && row.reach < 0.1 ? 4 : 2;
+    std::printf("%s: ours %s, %s %s, ratio %.*f", row.name, ReadableTime(median(ours_ns)).c_str(),
+                row.yardstick, ReadableTime(median(theirs_ns)).c_str(), digits, median(ratios));
     if (row.reach != 0)
-        std::printf(" (reach %.2f)", row.reach);
+        std::printf(" (reach %.*f)", digits == 4 ? 3 : 2, row.reach);
     std::printf("\n");
+    std::fflush(stdout);
+}
+
+/// The same where the yardstick is not installed.
+template <typename Ours>
+void measure_alone(const RatioRow& row, Ours ours) {
+    std::array<double, k_ratio_rounds> ours_ns{};
+    for (double& ns : ours_ns) {
+        Spent mine;
+        spend(mine, ours, 0);
+        ns = mine.ns / row.units;
+    }
+    std::printf("%s: ours %s, %s is missing (reach %.3g)\n", row.name,
+                ReadableTime(median(ours_ns)).c_str(), row.yardstick, row.reach);
     std::fflush(stdout);
 }
 
