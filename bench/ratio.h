@@ -85,6 +85,16 @@ inline double median(std::array<double, k_ratio_rounds>& values) {
     return values[k_ratio_rounds / 2];
 }
 
+inline void print_ratio(const RatioRow& row, double ours_ns, double theirs_ns, double ratio) {
+    const int digits = row.reach != 0 && row.reach < 0.1 ? 4 : 2;
+    std::printf("%s: ours %s, %s %s, ratio %.*f", row.name, ReadableTime(ours_ns).c_str(),
+                row.yardstick, ReadableTime(theirs_ns).c_str(), digits, ratio);
+    if (row.reach != 0)
+        std::printf(" (reach %.*f)", digits == 4 ? 3 : 2, row.reach);
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
 /// Runs both sides once to warm up and then five rounds, each of ten slices in turn, so that a
 /// busy machine slows both alike; prints the medians of the raw times per unit and the median of
 /// the five ratios. A moment's round is one run of each.
@@ -109,13 +119,7 @@ void compare(const RatioRow& row, bool moment, Yardstick yardstick, Ours ours) {
         ours_ns[i] = mine.ns / mine.runs / row.units;
         ratios[i] = ours_ns[i] / theirs_ns[i];
     }
-    const int digits = row.reach != 0 && row.reach < 0.1 ? 4 : 2;
-    std::printf("%s: ours %s, %s %s, ratio %.*f", row.name, ReadableTime(median(ours_ns)).c_str(),
-                row.yardstick, ReadableTime(median(theirs_ns)).c_str(), digits, median(ratios));
-    if (row.reach != 0)
-        std::printf(" (reach %.*f)", digits == 4 ? 3 : 2, row.reach);
-    std::printf("\n");
-    std::fflush(stdout);
+    print_ratio(row, median(ours_ns), median(theirs_ns), median(ratios));
 }
 
 /// The same where the yardstick is not installed.

@@ -41,6 +41,11 @@ LineStop first_stop(const TextView& view, const Row& row, std::int64_t left) {
     return stop_before(view.layout, row.start, seen.offset - k_told_bytes);
 }
 
+/// Something was drawn up to there, or a little over it.
+void note_ink(TextView& view, int right) {
+    view.ink_right = std::max(view.ink_right, right + view.line_height);
+}
+
 void note_width(TextView& view, const LineWalk& walk, const Row& row) {
     const std::int64_t rest = row.end - walk.place().offset;
     std::int64_t width = walk.place().x;
@@ -86,6 +91,7 @@ bool draw_runs(TextView& view, const Row& row, int from, int to, bool is_selecte
             return false;
         is_first = false;
     }
+    note_ink(view, shown_x(view, walk.place().x));
     if (!is_selected)
         note_width(view, walk, row);
     return true;
@@ -93,8 +99,7 @@ bool draw_runs(TextView& view, const Row& row, int from, int to, bool is_selecte
 
 /// Draws what of a line is selected over what it drew before. A line end that is selected shows as
 /// a blank.
-bool draw_selected(TextView& view, const Row& row, int left, int right) {
-    const TextRange range = selection(view.editing);
+bool draw_selected(TextView& view, const Row& row, TextRange range, int left, int right) {
     if (range.start >= range.end || range.end <= row.start || range.start > row.end)
         return true;
     const int from = shown_x(view, x_of(view.layout, row.start, std::max(range.start, row.start)));
@@ -106,6 +111,7 @@ bool draw_selected(TextView& view, const Row& row, int left, int right) {
         return true;
     const Color paper = xvt_scr_get_color(ThemeColor::highlight);
     fill(view, part, paper);
+    note_ink(view, part.right);
     xvt_dwin_set_clip(view.target, part);
     xvt_dwin_set_back_color(view.target, paper);
     if (!draw_runs(view, row, part.left, part.right, true))
@@ -115,10 +121,11 @@ bool draw_selected(TextView& view, const Row& row, int left, int right) {
 }
 
 /// What an input method composes stands over the text behind the caret.
-void draw_composition(const TextView& view, const Rect& at) {
+void draw_composition(TextView& view, const Rect& at) {
     xvt_dwin_set_encoding(view.target, TextEncoding::utf_8);
     const int width = xvt_dwin_get_text_width(view.target, pellux::view(view.composition));
     fill(view, {at.top, at.left, at.bottom, at.left + width}, Color::white);
+    note_ink(view, at.left + width);
     xvt_dwin_set_fore_color(view.target, Color::black);
     xvt_dwin_draw_text(view.target, at.left, at.top + view.ascent, pellux::view(view.composition));
     const int line = at.top + view.ascent + 1;
@@ -144,30 +151,45 @@ bool draw_rows(TextView& view, RowPart part) {
     if (part.first > part.last || part.left >= part.right)
         return true;
     const TextDocument& document = view.editing.document;
-    const int lines = static_cast<int>(part.last - part.first) + 1;
-    Row row{.line = top_line(view) + part.first,
-            .top = static_cast<int>(part.first) * view.line_height};
-    const Rect area{row.top, part.left, row.top + lines * view.line_height, part.right};
+    const bool is_all =
+        part.last - part.first + 1 == row_count(view) && part.left == 0 && part.right == view.width;
+    const int bare_from = view.ink_right;
+    if (is_all)
+        view.ink_right = 0;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
+    const TextRange selected = selection(view.editing);
     xvt_dwin_set_pen(view.target, k_no_pen);
     xvt_dwin_set_back_color(view.target, Color::white);
-    xvt_dwin_set_clip(view.target, area);
-    fill(view, area, Color::white);
+    Row row{.line = top_line(view) + part.first};
     row.start = line_start(document, row.line);
-    for (int i = 0; i < lines && row.line < line_count(document); ++i) {
+    // Row by row, as a cache holds one but not all of them.
+    for (std::int64_t number = part.first; number <= part.last; ++number) {
+        row.top = static_cast<int>(number) * view.line_height;
+        const Rect area{row.top, part.left, row.top + view.line_height, part.right};
+        xvt_dwin_set_clip(view.target, area);
+        fill(view, {area.top, area.left, area.bottom, std::min(area.right, bare_from)},
+             Color::white);
+        if (row.line >= line_count(document))
+            continue;
         row.end = line_end(document, row.line);
         if (!draw_runs(view, row, part.left, part.right, false) ||
-            !draw_selected(view, row, part.left, part.right))
+            !draw_selected(view, row, selected, part.left, part.right))
             return false;
-        xvt_dwin_set_clip(view.target, area);
-        if (row.line == caret)
+        if (row.line == caret) {
+            xvt_dwin_set_clip(view.target, area);
             draw_composition(view, place_of(view, caret_offset(view.editing)));
+        }
         row.start = row.end + 1;
         ++row.line;
-        row.top += view.line_height;
     }
     xvt_dwin_set_clip(view.target, std::nullopt);
     return true;
+}
+
+void scroll_down(TextView& view, int top, int down) {
+    xvt_dwin_scroll_rect(view.target, {top, 0, view.height, view.width}, 0, down);
+    // What is uncovered shows anything.
+    view.ink_right = INT_MAX;
 }
 
 void draw_caret(TextView& view) {
@@ -179,13 +201,15 @@ void draw_caret(TextView& view) {
     place.right = place.left + std::max(1, view.line_height / k_height_of_width);
     if (!meets(place, {0, 0, view.height, view.width}))
         return;
-    flip(view, place);
     view.caret = place;
+    flip_caret(view);
 }
 
-void flip_caret(const TextView& view) {
-    if (view.caret)
-        flip(view, *view.caret);
+void flip_caret(TextView& view) {
+    if (!view.caret)
+        return;
+    flip(view, *view.caret);
+    note_ink(view, view.caret->right);
 }
 
 void erase_caret(TextView& view) {

@@ -44,10 +44,13 @@ private:
     bool is_gone_ = false;
 };
 
+/// Moves the pixels of the rows from `top` on; what is uncovered is to be drawn.
+void scroll_down(TextView& view, int top, int down);
+
 /// Draws the caret where it stands now, or not any more. Where it is drawn, doing so again shows
 /// what was there before.
 void draw_caret(TextView& view);
-void flip_caret(const TextView& view);
+void flip_caret(TextView& view);
 void erase_caret(TextView& view);
 
 } // namespace pellux

@@ -69,9 +69,14 @@ bool draw_changed(TextView& view) {
     const bool stays_behind = view.drawn_top + delta == top || last >= rows - 1;
     if (stays_above && stays_behind) {
         RowPart part = whole_rows(view, first, last);
-        // What stands before a change in its line is drawn as it was.
-        if (first == last && first >= 0 && first < rows && view.draw_callback == nullptr)
-            part.left = place_of(view, region.first).left - view.line_height;
+        // What stands before a change in its line is drawn as it was, but for the character that
+        // may end there.
+        if (first == last && first >= 0 && first < rows && delta == 0 && view.drawn_top == top &&
+            view.draw_callback == nullptr)
+            part.left = place_of(view, std::max(previous_character(document, region.first),
+                                                line_start(document, top + first)))
+                            .left -
+                        view.line_height;
         return draw_rows(view, part);
     }
     const std::int64_t moved_from = last + 1 - delta;
@@ -79,7 +84,7 @@ bool draw_changed(TextView& view) {
         return draw_rows(view, whole_rows(view, view.drawn_top == top ? first : 0, rows));
     const int down = static_cast<int>(delta) * view.line_height;
     const int from = static_cast<int>(std::min(moved_from, last + 1)) * view.line_height;
-    xvt_dwin_scroll_rect(view.target, {from, 0, view.height, view.width}, 0, down);
+    scroll_down(view, from, down);
     return draw_rows(view, whole_rows(view, first, last)) &&
            (down > 0 ||
             draw_rows(view, whole_rows(view, (view.height + down) / view.line_height, rows)));
@@ -122,6 +127,7 @@ void redraw_all(TextView& view) {
     take_changes(view);
     view.redraw_flags = k_redraw_moved_lines;
     view.redraw = {};
+    view.ink_right = INT_MAX;
     xvt_dwin_invalidate_rect(view.target, {0, 0, view.height, view.width});
 }
 

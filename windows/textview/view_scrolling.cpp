@@ -81,7 +81,7 @@ void set_top_line(TextView& view, std::int64_t line) {
         RowPart part{0, rows, 0, view.width};
         if (std::abs(down) < rows) {
             const int down_px = static_cast<int>(down) * view.line_height;
-            xvt_dwin_scroll_rect(view.target, {0, 0, view.height, view.width}, 0, down_px);
+            scroll_down(view, 0, down_px);
             if (down > 0)
                 part.last = down - 1;
             else
@@ -112,10 +112,12 @@ void set_hscroll(TextView& view, int x) {
         if (std::abs(right) < view.width) {
             xvt_dwin_scroll_rect(view.target, {0, 0, view.height, view.width}, right, 0);
             // With what of a character may reach over its edge.
-            if (right > 0)
+            if (right > 0) {
                 part.right = right + view.line_height;
-            else
+                view.ink_right = std::min(view.ink_right, view.width) + right;
+            } else {
                 part.left = view.width + right - view.line_height;
+            }
         }
         if (!draw_rows(view, part))
             return;

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QStyle>
+#include <QStyleOptionSlider>
 
 #include <algorithm>
 
@@ -49,13 +50,40 @@ void ScrollBarControl::set_range(const ScrollRange& range) {
 
 void ScrollBarControl::show_range() {
     const OwnChange change;
-    waits_ = false;
     const int last = last_position(range_);
+    const bool is_same = maximum() == last && pageStep() == range_.page;
+    const bool may_move = !is_same || thumb_pixel(range_.position) != thumb_pixel(value());
+    const QRect before = may_move ? thumb() : QRect();
+    waits_ = false;
     setRange(0, last);
     setPageStep(range_.page);
     setSingleStep(range_.line);
     setValue(range_.position);
     setEnabled(last > 0);
+    if (const QRect now = may_move ? thumb() : QRect(); now != before) {
+        // Its edges may reach over it.
+        constexpr int k_edge = 2;
+        update(before.united(now).adjusted(-k_edge, -k_edge, k_edge, k_edge));
+    }
+}
+
+QRect ScrollBarControl::thumb() const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    return style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+}
+
+/// Where the thumb stands, to less than a pixel.
+int ScrollBarControl::thumb_pixel(int position) const {
+    const int length = std::max(width(), height());
+    return QStyle::sliderPositionFromValue(minimum(), maximum(), position, length);
+}
+
+/// Painting the bar costs more than a page of text, as Qt gives what is high to several threads. A
+/// change of our own asks for what it moves alone.
+void ScrollBarControl::sliderChange(SliderChange change) {
+    if (!OwnChange::is_under_way())
+        QScrollBar::sliderChange(change);
 }
 
 void xvt_sbar_set_range(Window bar, const ScrollRange& range) {

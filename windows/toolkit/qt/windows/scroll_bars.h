@@ -14,8 +14,13 @@ public:
     void set_range(const ScrollRange& range);
     [[nodiscard]] int position() const { return range_.position; }
 
+protected:
+    void sliderChange(SliderChange change) override;
+
 private:
     void show_range();
+    [[nodiscard]] QRect thumb() const;
+    [[nodiscard]] int thumb_pixel(int position) const;
 
     ScrollRange range_;  ///< as it was set; its position is what the user made of it since
     bool waits_ = false; ///< the bar does not show it yet
