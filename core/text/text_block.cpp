@@ -1,7 +1,5 @@
 #include "core/text/text_block.h"
 
-#include <bit>
-
 namespace pellux {
 namespace {
 
@@ -57,7 +55,7 @@ std::size_t skip_line_ends(std::string_view text, std::int64_t& count) {
     for (; text.size() - at >= k_word; at += k_word) {
         std::uint64_t word = 0;
         std::memcpy(&word, text.data() + at, k_word);
-        const std::int64_t here = std::popcount(line_ends_in(word));
+        const std::int64_t here = sum_of_bytes(line_ends_in(word));
         if (here >= count)
             break;
         count -= here;
@@ -73,7 +71,7 @@ std::size_t skip_line_ends_back(std::string_view text, std::int64_t& count) {
     for (; at >= k_word; at -= k_word) {
         std::uint64_t word = 0;
         std::memcpy(&word, text.data() + at - k_word, k_word);
-        const std::int64_t here = std::popcount(line_ends_in(word));
+        const std::int64_t here = sum_of_bytes(line_ends_in(word));
         if (here >= count)
             break;
         count -= here;

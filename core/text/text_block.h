@@ -66,6 +66,7 @@ struct TextBlock {
     TextBlock* previous = nullptr;
     TextDocument* document = nullptr;
     IndexLeaf* leaf = nullptr; ///< of the document's index
+    mutable int slot = 0;      ///< where it was found last in its leaf
     char* gap_start = nullptr;
     char* gap_end = nullptr;
     char* area_end = nullptr;

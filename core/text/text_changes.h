@@ -11,7 +11,6 @@ struct TextChange {
     std::int64_t at = 0;
     std::int64_t removed = 0;
     std::int64_t inserted = 0;
-    std::int64_t line = 0; ///< that `at` is in
     std::int64_t lines_removed = 0;
     std::int64_t lines_inserted = 0;
     const void* author = nullptr;

@@ -155,21 +155,9 @@ TextPoint tidy(TextDocument& document, TextPoint at) {
     return here.point;
 }
 
-struct HotPlace {
-    ByteOffset offset;
-    std::int64_t line;
-};
-
-HotPlace place_of(const TextDocument& document, TextPoint at) {
-    if (document.hot_point == at)
-        return {document.hot_offset, document.hot_line};
-    return {offset_of(at), line_of(at)};
-}
-
 void note_change(TextDocument& document, const TextChange& change, TextPoint end) {
     document.hot_point = end;
     document.hot_offset = change.at + change.inserted;
-    document.hot_line = change.line + change.lines_inserted;
     document.changes.note(change);
 }
 
@@ -246,10 +234,15 @@ TextDocument::~TextDocument() {
 TextPoint point_at(const TextDocument& document, ByteOffset offset) {
     offset = std::clamp(offset, ByteOffset{0}, text_size(document));
     const IndexPlace place = find_byte(document.index, offset);
-    return {place.block, static_cast<int>(offset - place.before.bytes)};
+    document.hot_point = {place.block, static_cast<int>(offset - place.before.bytes)};
+    document.hot_offset = offset;
+    return document.hot_point;
 }
 
 ByteOffset offset_of(TextPoint point) {
+    const TextDocument& document = *point.block->document;
+    if (document.hot_point == point)
+        return document.hot_offset;
     return counts_before(*point.block).bytes + point.offset;
 }
 
@@ -280,7 +273,7 @@ ByteOffset line_end(const TextDocument& document, std::int64_t line) {
 
 TextCounts counts_before(const TextDocument& document, ByteOffset offset) {
     offset = std::clamp(offset, ByteOffset{0}, text_size(document));
-    const IndexPlace place = find_byte(document.index, offset);
+    const IndexPlace place = find_byte(document.index, offset, IndexSums::all);
     TextCounts counts = place.before;
     return counts += counts_in({place.block, static_cast<int>(offset - place.before.bytes)});
 }
@@ -325,9 +318,7 @@ TextPoint insert_at(TextDocument& document, TextPoint at, std::string_view bytes
     const bool is_watched = !document.changes.watchers.empty();
     TextChange change{.author = author};
     if (is_watched) {
-        const HotPlace place = place_of(document, at);
-        change.at = place.offset;
-        change.line = place.line;
+        change.at = offset_of(at);
         change.inserted = static_cast<ByteOffset>(bytes.size());
     }
     const std::int64_t lines = document.index.total.line_ends;
@@ -353,11 +344,11 @@ TextPoint erase_at(TextDocument& document, TextPoint at, ByteOffset size, const 
     at = canonical(at);
     if (size <= 0 || document.refusals > 0)
         return at;
-    const HotPlace place = place_of(document, at);
-    size = std::min(size, text_size(document) - place.offset);
+    const ByteOffset offset = offset_of(at);
+    size = std::min(size, text_size(document) - offset);
     if (size <= 0)
         return at;
-    TextChange change{.at = place.offset, .removed = size, .line = place.line, .author = author};
+    TextChange change{.at = offset, .removed = size, .author = author};
     const std::int64_t lines = document.index.total.line_ends;
     const int here =
         static_cast<int>(std::min(size, ByteOffset{block_length(*at.block)} - at.offset));
@@ -416,8 +407,9 @@ bool check_document(const TextDocument& document) {
             return false;
     const TextPoint& hot = document.hot_point;
     return document.first != nullptr && check_index(document.index, document.first) &&
-           (hot.block == nullptr || (offset_of(hot) == document.hot_offset &&
-                                     line_of(hot) == document.hot_line && canonical(hot) == hot));
+           (hot.block == nullptr ||
+            (counts_before(*hot.block).bytes + hot.offset == document.hot_offset &&
+             canonical(hot) == hot));
 }
 
 } // namespace pellux

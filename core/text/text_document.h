@@ -31,10 +31,10 @@ struct TextDocument {
     std::uint64_t last_state = 0; ///< the newest name of a state, see `UndoRecord::state`
     int refusals = 0;             ///< while above 0 the text can't be changed, see `EditRefusal`
 
-    // The last change's place, where the next one is likely to be; no block: not known.
-    TextPoint hot_point;
-    ByteOffset hot_offset = 0;
-    std::int64_t hot_line = 0;
+    // The place that was found or changed last, where the next one is likely to be; no block: not
+    // known.
+    mutable TextPoint hot_point;
+    mutable ByteOffset hot_offset = 0;
 
     int block_bytes; ///< of a block's area
 

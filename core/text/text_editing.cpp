@@ -411,15 +411,11 @@ void select_range(TextEditing& editing, ByteOffset anchor, ByteOffset caret) {
 }
 
 ByteOffset caret_offset(const TextEditing& editing) {
-    const TextDocument& document = editing.document;
-    return editing.caret.point == document.hot_point ? document.hot_offset
-                                                     : offset_of(editing.caret.point);
+    return offset_of(editing.caret.point);
 }
 
 std::int64_t caret_line(const TextEditing& editing) {
-    const TextDocument& document = editing.document;
-    return editing.caret.point == document.hot_point ? document.hot_line
-                                                     : line_of(editing.caret.point);
+    return line_of(editing.caret.point);
 }
 
 std::int64_t caret_column(const TextEditing& editing) {

@@ -31,10 +31,12 @@ void set_parent(IndexNode& node, IndexInner& inner) {
 
 template <typename Node>
 int slot_of(const Node& node, const typename Node::Child& child) {
-    int slot = 0;
-    while (node.children[slot] != &child)
-        ++slot;
-    return slot;
+    if (child.slot >= node.count || node.children[child.slot] != &child) {
+        child.slot = 0;
+        while (node.children[child.slot] != &child)
+            ++child.slot;
+    }
+    return child.slot;
 }
 
 template <typename Node>
@@ -200,11 +202,23 @@ void free_nodes(IndexNode* node, int height) {
     release(node);
 }
 
+/// Fetches what will be read of a leaf to find a child that lies so far in it.
+void prefetch_leaf(const IndexLeaf& leaf, std::int64_t rest, std::int64_t all) {
+    constexpr int k_cache_line = 64;
+    const auto* first = reinterpret_cast<const char*>(&leaf);
+    const auto* end = reinterpret_cast<const char*>(leaf.continuations);
+    for (const char* at = first; at < end; at += k_cache_line)
+        __builtin_prefetch(at);
+    // Leaves are seldom less than half full.
+    const std::int64_t slot = all > 0 ? rest * (IndexLeaf::k_width - 1) / all : 0;
+    __builtin_prefetch(&leaf.children[slot]);
+}
+
 /// Goes down to the block at which `rest`, of what `count` says of a child, is used up; counts what
 /// it passes.
-template <typename Count>
+template <IndexSums sums, typename Count>
 IndexPlace descend(const TextIndex& index, std::int64_t rest, const Count& count) {
-    TextCounts before;
+    IndexPlace place;
     const auto slot_in = [&](const auto& node) {
         int slot = 0;
         for (const int last = node.count - 1; slot < last; ++slot) {
@@ -213,17 +227,28 @@ IndexPlace descend(const TextIndex& index, std::int64_t rest, const Count& count
                 break;
             rest -= here;
         }
-        before += counts_up_to(node, slot);
+        place.before.bytes += sum(node.bytes, slot);
+        place.before.line_ends += sum(node.line_ends, slot);
+        if constexpr (sums == IndexSums::all)
+            place.before.continuations += sum(node.continuations, slot);
         return slot;
     };
     IndexNode* node = index.root;
     for (int height = index.height; height > 0; --height) {
         const IndexInner& inner = inner_of(*node);
-        node = inner.children[slot_in(inner)];
+        const int slot = slot_in(inner);
+        node = inner.children[slot];
+        if (height == 1)
+            prefetch_leaf(leaf_of(*node), rest, count(inner, slot));
     }
     const IndexLeaf& leaf = leaf_of(*node);
     const int slot = slot_in(leaf);
-    return {leaf.children[slot], before, counts_at(leaf, slot)};
+    place.block = leaf.children[slot];
+    place.counts.bytes = leaf.bytes[slot];
+    place.counts.line_ends = leaf.line_ends[slot];
+    if constexpr (sums == IndexSums::all)
+        place.counts.continuations = leaf.continuations[slot];
+    return place;
 }
 
 bool check_node(const IndexNode& node, int height, TextCounts& counts, const TextBlock*& next) {
@@ -304,16 +329,19 @@ TextCounts counts_of(const TextBlock& block) {
     return counts_at(*block.leaf, slot_of(*block.leaf, block));
 }
 
-IndexPlace find_byte(const TextIndex& index, ByteOffset offset) {
-    return descend(index, offset, [](const auto& node, int slot) { return node.bytes[slot]; });
+IndexPlace find_byte(const TextIndex& index, ByteOffset offset, IndexSums sums) {
+    const auto count = [](const auto& node, int slot) { return node.bytes[slot]; };
+    return sums == IndexSums::all ? descend<IndexSums::all>(index, offset, count)
+                                  : descend<IndexSums::bytes_and_line_ends>(index, offset, count);
 }
 
 IndexPlace find_line_end(const TextIndex& index, std::int64_t number) {
-    return descend(index, number, [](const auto& node, int slot) { return node.line_ends[slot]; });
+    return descend<IndexSums::bytes_and_line_ends>(
+        index, number, [](const auto& node, int slot) { return node.line_ends[slot]; });
 }
 
 IndexPlace find_character(const TextIndex& index, std::int64_t number) {
-    return descend(index, number, [](const auto& node, int slot) {
+    return descend<IndexSums::all>(index, number, [](const auto& node, int slot) {
         return node.bytes[slot] - node.continuations[slot];
     });
 }

@@ -8,7 +8,8 @@ struct IndexInner;
 
 struct IndexNode {
     IndexInner* parent = nullptr;
-    int count = 0; ///< of the children
+    int count = 0;        ///< of the children
+    mutable int slot = 0; ///< where it was found last in its parent
 };
 
 /// Counts the blocks of a part of the text. A cache line holds a count of 32 blocks: what has to be
@@ -57,14 +58,19 @@ void index_add(TextIndex& index, const TextBlock& block, const TextCounts& chang
 [[nodiscard]] TextCounts counts_before(const TextBlock& block);
 [[nodiscard]] TextCounts counts_of(const TextBlock& block);
 
+/// What is counted on the way to a place.
+enum class IndexSums { bytes_and_line_ends, all };
+
 struct IndexPlace {
     TextBlock* block = nullptr;
-    TextCounts before; ///< of the text before the block
+    TextCounts before; ///< of the text before the block, as far as asked for
     TextCounts counts; ///< of the block
 };
 /// The block of the byte at `offset`; the last one for the end of the text.
-[[nodiscard]] IndexPlace find_byte(const TextIndex& index, ByteOffset offset);
-/// The block of the line end of that number, from 0; there are more than that.
+[[nodiscard]] IndexPlace find_byte(const TextIndex& index, ByteOffset offset,
+                                   IndexSums sums = IndexSums::bytes_and_line_ends);
+/// The block of the line end of that number, from 0; there are more than that. Bytes and line ends
+/// are counted.
 [[nodiscard]] IndexPlace find_line_end(const TextIndex& index, std::int64_t number);
 /// The block of the byte that is no continuation and of that number, from 0; the last one when
 /// there are not that many.
