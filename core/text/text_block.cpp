@@ -23,6 +23,22 @@ std::int64_t sum_of_bytes(std::uint64_t word) {
     return static_cast<std::int64_t>((word * k_ones) >> 56);
 }
 
+constexpr std::size_t k_chunk = 64;
+
+/// Of so many bytes; a loop that compilers turn into a few wide steps.
+std::int64_t line_ends_in_chunk(const char* text) {
+    std::uint8_t count = 0;
+    for (std::size_t i = 0; i < k_chunk; ++i)
+        count = static_cast<std::uint8_t>(count + (text[i] == '\n' ? 1 : 0));
+    return count;
+}
+
+std::int64_t line_ends_in_word(const char* text) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text, k_word);
+    return sum_of_bytes(line_ends_in(word));
+}
+
 } // namespace
 
 TextCounts count_text(std::string_view text) {
@@ -52,14 +68,16 @@ TextCounts count_text(std::string_view text) {
 
 std::size_t skip_line_ends(std::string_view text, std::int64_t& count) {
     std::size_t at = 0;
-    for (; text.size() - at >= k_word; at += k_word) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text.data() + at, k_word);
-        const std::int64_t here = sum_of_bytes(line_ends_in(word));
-        if (here >= count)
-            break;
-        count -= here;
-    }
+    const auto skip = [&](std::size_t step, auto count_in) {
+        for (; text.size() - at >= step; at += step) {
+            const std::int64_t here = count_in(text.data() + at);
+            if (here >= count)
+                break;
+            count -= here;
+        }
+    };
+    skip(k_chunk, line_ends_in_chunk);
+    skip(k_word, line_ends_in_word);
     for (; at < text.size(); ++at)
         if (text[at] == '\n' && --count == 0)
             return at + 1;
@@ -68,14 +86,16 @@ std::size_t skip_line_ends(std::string_view text, std::int64_t& count) {
 
 std::size_t skip_line_ends_back(std::string_view text, std::int64_t& count) {
     std::size_t at = text.size();
-    for (; at >= k_word; at -= k_word) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text.data() + at - k_word, k_word);
-        const std::int64_t here = sum_of_bytes(line_ends_in(word));
-        if (here >= count)
-            break;
-        count -= here;
-    }
+    const auto skip = [&](std::size_t step, auto count_in) {
+        for (; at >= step; at -= step) {
+            const std::int64_t here = count_in(text.data() + at - step);
+            if (here >= count)
+                break;
+            count -= here;
+        }
+    };
+    skip(k_chunk, line_ends_in_chunk);
+    skip(k_word, line_ends_in_word);
     for (; at > 0; --at)
         if (text[at - 1] == '\n' && --count == 0)
             return at;
