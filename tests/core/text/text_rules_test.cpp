@@ -88,9 +88,9 @@ TEST(TextEditing, CountsGroupsToItsLimitAndFindsTheSavedStateAgain) {
         EXPECT_TRUE(undo(editing));
         EXPECT_NE(document.is_modified, is_saved);
     }
+    int told = 0;
     {
         // As a block command does: one group, told once.
-        int told = 0;
         editing.status_callback = [](void* context) { ++*static_cast<int*>(context); };
         editing.status_context = &told;
         const UndoGroup group(editing);
@@ -103,6 +103,7 @@ TEST(TextEditing, CountsGroupsToItsLimitAndFindsTheSavedStateAgain) {
         select_mode(editing, SelectMode::inserted);
         EXPECT_EQ(told, 0);
     }
+    EXPECT_EQ(told, 1);
     EXPECT_EQ(view(selected_text(editing)), "--\n--");
     EXPECT_TRUE(undo(editing));
     EXPECT_EQ(all(document), std::string(201, '\n'));
