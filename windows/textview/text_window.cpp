@@ -154,7 +154,15 @@ void TextWindow::show_scrolled() {
 
 void TextWindow::on_status() {
     offer_selection(*view_);
-    xvt_win_tell_text_access(pane_, TextAccessChange::text);
+    const bool has_selection = view_->editing.anchor != nullptr;
+    TextAccessChange what = TextAccessChange::caret;
+    if (told_edits_ != document_.edits)
+        what = TextAccessChange::text;
+    else if (has_selection || had_selection_)
+        what = TextAccessChange::selection;
+    xvt_win_tell_text_access(pane_, what);
+    told_edits_ = document_.edits;
+    had_selection_ = has_selection;
     show_status();
 }
 

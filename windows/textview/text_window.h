@@ -91,6 +91,9 @@ private:
     TextDocument document_;
     Owned<TextView> view_;
     Owned<ViewPointer> pointer_;
+    // What assistive technology was told last.
+    std::uint64_t told_edits_ = 0;
+    bool had_selection_ = false;
 };
 
 } // namespace pellux
