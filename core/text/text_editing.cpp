@@ -231,8 +231,6 @@ void move_to_line(TextEditing& editing, std::int64_t line) {
 }
 
 void move_by_page(TextEditing& editing, std::int64_t lines) {
-    const TextOperation operation(editing);
-    editing.anchor.reset();
     const std::int64_t line = caret_line(editing) + lines;
     go_to(editing, {std::clamp(line, std::int64_t{0}, line_count(editing.document) - 1), 0});
 }

@@ -95,7 +95,7 @@ void line_up(TextEditing& editing);
 void line_down(TextEditing& editing);
 void line_start(TextEditing& editing);
 void line_end(TextEditing& editing);
-/// By so many lines, to the start of a line; the selection is dropped.
+/// By so many lines, to the start of a line.
 void page_up(TextEditing& editing, std::int64_t lines);
 void page_down(TextEditing& editing, std::int64_t lines);
 /// A column beyond the line's end is that end; so is 5000, however long the line.

@@ -2,7 +2,6 @@
 
 #include "core/text/text_words.h"
 
-#include <algorithm>
 #include <array>
 
 namespace pellux {
@@ -20,12 +19,6 @@ void to_word(TextView& view, bool is_forward) {
     const ByteOffset caret = caret_offset(view.editing);
     go_to_offset(view.editing,
                  is_forward ? next_word(document, caret) : previous_word(document, caret));
-}
-
-void by_page(TextView& view, int direction) {
-    const std::int64_t line = caret_line(view.editing) + direction * full_rows(view);
-    const std::int64_t last = line_count(view.editing.document) - 1;
-    go_to(view.editing, {std::clamp<std::int64_t>(line, 0, last), 0});
 }
 
 void scroll_by(TextView& view, int lines) {
@@ -54,8 +47,10 @@ constexpr std::array k_moves{
             }},
     MoveKey{code(KeyCode::end), true,
             [](TextView& view) { go_to_offset(view.editing, text_size(view.editing.document)); }},
-    MoveKey{code(KeyCode::page_up), false, [](TextView& view) { by_page(view, -1); }},
-    MoveKey{code(KeyCode::page_down), false, [](TextView& view) { by_page(view, 1); }},
+    MoveKey{code(KeyCode::page_up), false,
+            [](TextView& view) { page_up(view.editing, full_rows(view)); }},
+    MoveKey{code(KeyCode::page_down), false,
+            [](TextView& view) { page_down(view.editing, full_rows(view)); }},
 };
 
 /// Moves the caret; a selection grows with Shift, and goes without.

@@ -125,8 +125,4 @@ void set_hscroll(TextView& view, int x);
 /// Where a character stands, also outside the pane.
 [[nodiscard]] Rect place_of(TextView& view, ByteOffset offset);
 
-/// Moves by a screenful of lines, to column 0, without a selection.
-void page_up(TextView& view);
-void page_down(TextView& view);
-
 } // namespace pellux

@@ -161,12 +161,4 @@ Rect place_of(TextView& view, ByteOffset offset) {
     return {top, left, top + view.line_height, left + view.layout.advances[' ']};
 }
 
-void page_up(TextView& view) {
-    page_up(view.editing, full_rows(view));
-}
-
-void page_down(TextView& view) {
-    page_down(view.editing, full_rows(view));
-}
-
 } // namespace pellux
