@@ -4,7 +4,6 @@
 #include "windows/textview/line_layout.h"
 #include "windows/toolkit/draw.h"
 
-#include <climits>
 #include <optional>
 #include <string_view>
 
@@ -70,7 +69,7 @@ struct TextView {
     int ascent = 0;
     int margin = 0;              ///< left of the text
     int widest = 0;              ///< of the lines seen so far
-    int ink_right = INT_MAX;     ///< what lies right of it is bare paper
+    Vector<int> row_ink;         ///< what lies right of it in a row is bare paper
     std::int64_t drawn_top = 0;  ///< number of the line in the first row, when it was drawn
     std::int64_t told_lines = 0; ///< by the scroll callback
     int told_widest = 0;

@@ -1,6 +1,7 @@
 #include "windows/textview/view_drawing.h"
 
 #include <algorithm>
+#include <climits>
 #include <limits>
 
 namespace pellux {
@@ -41,9 +42,11 @@ LineStop first_stop(const TextView& view, const Row& row, std::int64_t left) {
     return stop_before(view.layout, row.start, seen.offset - k_told_bytes);
 }
 
-/// Something was drawn up to there, or a little over it.
-void note_ink(TextView& view, int right) {
-    view.ink_right = std::max(view.ink_right, right + view.line_height);
+/// Something was drawn in a row up to there, or a little over it.
+void note_ink(TextView& view, int top, int right) {
+    const auto row = static_cast<std::size_t>(top / view.line_height);
+    if (top >= 0 && row < view.row_ink.size())
+        view.row_ink[row] = std::max(view.row_ink[row], right + view.line_height);
 }
 
 void note_width(TextView& view, const LineWalk& walk, const Row& row) {
@@ -91,7 +94,7 @@ bool draw_runs(TextView& view, const Row& row, int from, int to, bool is_selecte
             return false;
         is_first = false;
     }
-    note_ink(view, shown_x(view, walk.place().x));
+    note_ink(view, row.top, shown_x(view, walk.place().x));
     if (!is_selected)
         note_width(view, walk, row);
     return true;
@@ -111,7 +114,7 @@ bool draw_selected(TextView& view, const Row& row, TextRange range, int left, in
         return true;
     const Color paper = xvt_scr_get_color(ThemeColor::highlight);
     fill(view, part, paper);
-    note_ink(view, part.right);
+    note_ink(view, part.top, part.right);
     xvt_dwin_set_clip(view.target, part);
     xvt_dwin_set_back_color(view.target, paper);
     if (!draw_runs(view, row, part.left, part.right, true))
@@ -125,7 +128,7 @@ void draw_composition(TextView& view, const Rect& at) {
     xvt_dwin_set_encoding(view.target, TextEncoding::utf_8);
     const int width = xvt_dwin_get_text_width(view.target, pellux::view(view.composition));
     fill(view, {at.top, at.left, at.bottom, at.left + width}, Color::white);
-    note_ink(view, at.left + width);
+    note_ink(view, at.top, at.left + width);
     xvt_dwin_set_fore_color(view.target, Color::black);
     xvt_dwin_draw_text(view.target, at.left, at.top + view.ascent, pellux::view(view.composition));
     const int line = at.top + view.ascent + 1;
@@ -151,11 +154,9 @@ bool draw_rows(TextView& view, RowPart part) {
     if (part.first > part.last || part.left >= part.right)
         return true;
     const TextDocument& document = view.editing.document;
-    const bool is_all =
-        part.last - part.first + 1 == row_count(view) && part.left == 0 && part.right == view.width;
-    const int bare_from = view.ink_right;
-    if (is_all)
-        view.ink_right = 0;
+    if (view.row_ink.size() != static_cast<std::size_t>(row_count(view)))
+        view.row_ink.assign(static_cast<std::size_t>(row_count(view)), INT_MAX);
+    const bool is_whole = part.left == 0 && part.right == view.width;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
     const TextRange selected = selection(view.editing);
     xvt_dwin_set_pen(view.target, k_no_pen);
@@ -167,8 +168,10 @@ bool draw_rows(TextView& view, RowPart part) {
         row.top = static_cast<int>(number) * view.line_height;
         const Rect area{row.top, part.left, row.top + view.line_height, part.right};
         xvt_dwin_set_clip(view.target, area);
-        fill(view, {area.top, area.left, area.bottom, std::min(area.right, bare_from)},
-             Color::white);
+        int& ink = view.row_ink[static_cast<std::size_t>(number)];
+        fill(view, {area.top, area.left, area.bottom, std::min(area.right, ink)}, Color::white);
+        if (is_whole)
+            ink = 0;
         if (row.line >= line_count(document))
             continue;
         row.end = line_end(document, row.line);
@@ -189,7 +192,7 @@ bool draw_rows(TextView& view, RowPart part) {
 void scroll_down(TextView& view, int top, int down) {
     xvt_dwin_scroll_rect(view.target, {top, 0, view.height, view.width}, 0, down);
     // What is uncovered shows anything.
-    view.ink_right = INT_MAX;
+    view.row_ink.clear();
 }
 
 void draw_caret(TextView& view) {
@@ -209,7 +212,7 @@ void flip_caret(TextView& view) {
     if (!view.caret)
         return;
     flip(view, *view.caret);
-    note_ink(view, view.caret->right);
+    note_ink(view, view.caret->top, view.caret->right);
 }
 
 void erase_caret(TextView& view) {

@@ -127,7 +127,7 @@ void redraw_all(TextView& view) {
     take_changes(view);
     view.redraw_flags = k_redraw_moved_lines;
     view.redraw = {};
-    view.ink_right = INT_MAX;
+    view.row_ink.clear();
     xvt_dwin_invalidate_rect(view.target, {0, 0, view.height, view.width});
 }
 

@@ -114,7 +114,8 @@ void set_hscroll(TextView& view, int x) {
             // With what of a character may reach over its edge.
             if (right > 0) {
                 part.right = right + view.line_height;
-                view.ink_right = std::min(view.ink_right, view.width) + right;
+                for (int& ink : view.row_ink)
+                    ink = std::min(ink, view.width) + right;
             } else {
                 part.left = view.width + right - view.line_height;
             }
