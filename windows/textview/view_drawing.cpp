@@ -154,8 +154,6 @@ bool draw_rows(TextView& view, RowPart part) {
     if (part.first > part.last || part.left >= part.right)
         return true;
     const TextDocument& document = view.editing.document;
-    if (view.row_ink.size() != static_cast<std::size_t>(row_count(view)))
-        view.row_ink.assign(static_cast<std::size_t>(row_count(view)), INT_MAX);
     const bool is_whole = part.left == 0 && part.right == view.width;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
     const TextRange selected = selection(view.editing);
@@ -168,6 +166,9 @@ bool draw_rows(TextView& view, RowPart part) {
         row.top = static_cast<int>(number) * view.line_height;
         const Rect area{row.top, part.left, row.top + view.line_height, part.right};
         xvt_dwin_set_clip(view.target, area);
+        // Who draws may have asked for all of it anew.
+        if (view.row_ink.size() != static_cast<std::size_t>(row_count(view)))
+            view.row_ink.assign(static_cast<std::size_t>(row_count(view)), INT_MAX);
         int& ink = view.row_ink[static_cast<std::size_t>(number)];
         fill(view, {area.top, area.left, area.bottom, std::min(area.right, ink)}, Color::white);
         if (is_whole)
