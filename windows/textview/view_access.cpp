@@ -60,7 +60,8 @@ void selection(void* context, std::int64_t& from, std::int64_t& to) {
 
 Rect place(void* context, std::int64_t at) {
     TextView& view = view_of(context);
-    return place_of(view, offset_of_number(view.editing.document, at));
+    const Rect found = place_of(view, offset_of_number(view.editing.document, at));
+    return meets(found, {0, 0, view.height, view.width}) ? found : Rect{};
 }
 
 std::int64_t at(void* context, Point point) {
