@@ -21,10 +21,6 @@ void to_word(TextView& view, bool is_forward) {
                  is_forward ? next_word(document, caret) : previous_word(document, caret));
 }
 
-void scroll_by(TextView& view, int lines) {
-    set_top_line(view, top_line(view) + lines);
-}
-
 struct MoveKey {
     int code;
     bool with_control;
@@ -62,14 +58,17 @@ void move(TextView& view, const MoveKey& key, bool selects) {
 
 } // namespace
 
+bool take_scroll_key(TextView& view, const CharacterEvent& key) {
+    const bool is_up = key.code == code(KeyCode::up);
+    if ((!is_up && key.code != code(KeyCode::down)) || key.with != Modifiers{.control = true})
+        return false;
+    set_top_line(view, top_line(view) + (is_up ? -1 : 1));
+    return true;
+}
+
 bool take_text_key(TextView& view, const CharacterEvent& key) {
     if (key.with.alt)
         return false;
-    // These look around and leave the caret where it is.
-    if (key.with.control && (key.code == code(KeyCode::up) || key.code == code(KeyCode::down))) {
-        scroll_by(view, key.code == code(KeyCode::up) ? -1 : 1);
-        return true;
-    }
     for (const MoveKey& each : k_moves) {
         if (each.code != key.code || each.with_control != key.with.control)
             continue;

@@ -8,4 +8,8 @@ namespace pellux {
 /// deletes. False for one that stands for nothing there.
 bool take_text_key(TextView& view, const CharacterEvent& key);
 
+/// The same for a key that scrolls by a line, Ctrl with an arrow, and leaves the caret where it is,
+/// in sight or not.
+bool take_scroll_key(TextView& view, const CharacterEvent& key);
+
 } // namespace pellux

@@ -202,6 +202,12 @@ bool TextWindow::claims_key(const CharacterEvent& key) const {
     return find_letter_key(key, view_->editing.is_read_only) != nullptr;
 }
 
+void TextWindow::set_read_only(bool is_read_only) {
+    view_->editing.is_read_only = is_read_only;
+    xvt_win_set_text_access(pane_, access_to(*view_));
+    show_status();
+}
+
 void TextWindow::copy() {
     const TextRange range = selection(view_->editing);
     if (range.start != range.end && !copy_to_clipboard(*view_))
@@ -279,6 +285,8 @@ void TextWindow::run_command(int tag) {
 }
 
 long TextWindow::on_pane_key(const CharacterEvent& key) {
+    if (take_scroll_key(*view_, key))
+        return 0;
     if (!take_key(key))
         return 1;
     if (has_view())

@@ -46,6 +46,7 @@ public:
     [[nodiscard]] bool has_view() const { return view_ != nullptr; }
     [[nodiscard]] TextView& view() { return *view_; }
 
+    void set_read_only(bool is_read_only);
     void copy();
     void cut();
     void paste();

@@ -128,7 +128,7 @@ ReadingWindow* open_reading_window(const ReadingSubject& subject, std::string_vi
             post_error(msg_no_project_window);
             return nullptr;
         }
-        text->view().editing.is_read_only = true;
+        text->set_read_only(true);
         text->view().editing.undo_limit = 0;
         associate_help({.window = text->window()}, subject.kind == ReadingKind::compile_output
                                                        ? HelpTopic::messages

@@ -197,7 +197,7 @@ TEST(TextWindows, TakeTheKeysOfEveryText) {
                 press_key(key);
             EXPECT_EQ(page.state(), row.after) << row.keys.front();
         }
-        page.editing().is_read_only = true;
+        page.set_read_only(true);
         for (const char* key : {"y", "Return", "Backspace", "Delete", "Ctrl+X", "Ctrl+V", "Ctrl+Z"})
             press_key(key);
         EXPECT_EQ(page.state(), "|xcxc");
@@ -290,7 +290,7 @@ TEST(TextWindows, ExchangeBytesWithTheirKindAndCharactersWithAllOthers) {
 TEST(TextWindows, FollowTheirOutputWhileItsEndIsInSight) {
     in_application([] {
         Page page;
-        page.editing().is_read_only = true;
+        page.set_read_only(true);
         TextView& view = page.view();
         std::string lines;
         for (int i = 0; i < 1000; ++i)
@@ -301,6 +301,9 @@ TEST(TextWindows, FollowTheirOutputWhileItsEndIsInSight) {
         EXPECT_EQ(page.state(), "|" + lines);
         EXPECT_EQ(top_line(view) + full_rows(view), line_count(page.document()));
         turn_wheel(page.pane(), {.at = {10, 10}, .with = {}, .down = -240});
+        xvt_vobj_set_focus(page.pane());
+        press_key("Ctrl+Up");
+        press_key("Ctrl+Down");
         const std::int64_t top = top_line(view);
         EXPECT_EQ(top + full_rows(view), line_count(page.document()) - 6);
         append_output(view, "more\n");
