@@ -77,7 +77,7 @@ void ViewPointer::on_down(const PointerDownEvent& down) {
 }
 
 void ViewPointer::on_move(const PointerMoveEvent& move) {
-    if (unit_ == Unit::none)
+    if (unit_ == Unit::none || !xvt_win_has_pointer(view_.target))
         return;
     at_ = move.at;
     const bool is_outside = outside(at_.x, view_.width) != 0 || outside(at_.y, view_.height) != 0;
