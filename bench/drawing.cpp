@@ -1,8 +1,5 @@
-#include "bench/ratio.h"
-#include "windows/toolkit/app.h"
+#include "bench/window_program.h"
 #include "windows/toolkit/draw.h"
-#include "windows/toolkit/resource.h"
-#include "windows/toolkit/timer.h"
 #include "windows/toolkit/window.h"
 
 #include <QApplication>
@@ -13,7 +10,6 @@
 #include <QPainter>
 
 #include <array>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
@@ -203,25 +199,9 @@ void run(bool moment) {
     delete second;
 }
 
-long on_task_event(void* context, Window window, const Event& event) {
-    if (event.type() == EventType::creation)
-        xvt_timer_create(window, 0);
-    if (const auto* timer = event.get<TimerEvent>()) {
-        xvt_timer_destroy(timer->timer);
-        run(*static_cast<const bool*>(context));
-        xvt_app_destroy();
-    }
-    return 0;
-}
-
 } // namespace
 
 int main(int argument_count, char** arguments) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    bool moment = is_moment(argument_count, arguments);
-    xvt_app_start(argument_count, arguments);
-    xvt_res_register({.windows = k_windows});
-    const int status = xvt_app_create({.task_title = "drawing"}, {on_task_event, &moment});
-    xvt_app_end();
-    return status;
+    WindowProgram program{.title = "drawing", .windows = k_windows, .run = run};
+    return program.main(argument_count, arguments);
 }

@@ -1,10 +1,8 @@
 // Typing into a view of a large text, and paging through it, until it is painted.
 
 #include "bench/large_text.h"
+#include "bench/window_program.h"
 #include "windows/textview/text_window.h"
-#include "windows/toolkit/app.h"
-#include "windows/toolkit/resource.h"
-#include "windows/toolkit/timer.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -14,7 +12,6 @@
 #include <QPlainTextEdit>
 
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -174,25 +171,9 @@ void run(bool moment) {
     xvt_vobj_destroy(window);
 }
 
-long on_task_event(void* context, Window window, const Event& event) {
-    if (event.type() == EventType::creation)
-        xvt_timer_create(window, 0);
-    if (const auto* timer = event.get<TimerEvent>()) {
-        xvt_timer_destroy(timer->timer);
-        run(*static_cast<const bool*>(context));
-        xvt_app_destroy();
-    }
-    return 0;
-}
-
 } // namespace
 
 int main(int argument_count, char** arguments) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    bool moment = is_moment(argument_count, arguments);
-    xvt_app_start(argument_count, arguments);
-    xvt_res_register({.windows = k_windows});
-    const int status = xvt_app_create({.task_title = "text"}, {on_task_event, &moment});
-    xvt_app_end();
-    return status;
+    WindowProgram program{.title = "text", .windows = k_windows, .run = run};
+    return program.main(argument_count, arguments);
 }
