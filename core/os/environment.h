@@ -37,4 +37,7 @@ inline constexpr const char* k_installation_variable = "VELMORA_DIR";
 
 [[nodiscard]] std::uint32_t current_user();
 
+/// Does the user's locale write text in UTF-8?
+[[nodiscard]] bool locale_is_utf_8();
+
 } // namespace pellux

@@ -1,6 +1,7 @@
 #include "core/text/text_storage.h"
 
 #include "core/common/utf8.h"
+#include "core/os/environment.h"
 #include "core/os/safe_copy.h"
 #include "core/text/text_editing.h"
 
@@ -178,6 +179,10 @@ void Utf8Check::add(std::string_view part) {
         return;
     }
     is_valid_ = is_valid_ && part.empty();
+}
+
+TextEncoding user_encoding() {
+    return locale_is_utf_8() ? TextEncoding::utf_8 : TextEncoding::latin_1;
 }
 
 TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding for_ascii) {

@@ -11,6 +11,9 @@ namespace pellux {
 // Texts as files. Every byte stays what it is, but for one thing: where all lines of a file end in
 // CR LF, the document has no CRs, and they come back when it is written.
 
+/// How a text of ASCII alone is read: as the user's locale writes.
+[[nodiscard]] TextEncoding user_encoding();
+
 struct TextLoad {
     SystemError error = SystemError::none;
     /// Holds the file's contents of before a writing that was interrupted; empty: there is none.

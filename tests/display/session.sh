@@ -34,7 +34,7 @@ within() {
 mkdir "$scratch/state" "$scratch/home"
 chmod 700 "$scratch/state"
 export VELMORA_DIR=$tree XDG_CONFIG_HOME=$scratch/state XDG_RUNTIME_DIR=$scratch/state
-export HOME=$scratch/home
+export HOME=$scratch/home LC_ALL=C.UTF-8
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM QT_SCALE_FACTOR
 exec 3<>"$scratch/display"
 # A key that a busy machine releases late must not repeat.

@@ -43,7 +43,7 @@ void set_output(TextView& view, std::string_view bytes) {
 SystemError load_output(TextView& view, std::string_view path) {
     TextDocument& document = view.editing.document;
     erase_bytes(document, 0, text_size(document));
-    const TextLoad load = load_text(document, path, TextEncoding::utf_8);
+    const TextLoad load = load_text(document, path, user_encoding());
     show_start(view);
     return load.error;
 }

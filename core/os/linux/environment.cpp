@@ -3,7 +3,10 @@
 #include "core/os/files.h"
 
 #include <cstdlib>
+#include <cstring>
 
+#include <langinfo.h>
+#include <locale.h>
 #include <unistd.h>
 
 namespace pellux {
@@ -71,6 +74,24 @@ bool program_directory(PathBuffer& path) {
 
 std::uint32_t current_user() {
     return ::geteuid();
+}
+
+bool locale_is_utf_8() {
+    const locale_t locale = ::newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale != nullptr) {
+        const std::string_view codeset = ::nl_langinfo_l(CODESET, locale);
+        const bool is_utf8 = codeset == "UTF-8";
+        ::freelocale(locale);
+        return is_utf8;
+    }
+    // One that is not installed still says by its name what is meant.
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = environment_variable(name);
+        if (value != nullptr && *value != '\0')
+            return ::strcasestr(value, "utf-8") != nullptr ||
+                   ::strcasestr(value, "utf8") != nullptr;
+    }
+    return false;
 }
 
 } // namespace pellux

@@ -31,5 +31,24 @@ TEST(Environment, UserDirectoriesIgnoreRelativeVariables) {
         }
 }
 
+TEST(Environment, LocalesTellOfUtf8) {
+    const struct {
+        const char *all, *category, *language;
+        bool is_utf8;
+    } rows[] = {{nullptr, nullptr, nullptr, false},
+                {"C.UTF-8", "C", "C", true},
+                {"C", "C.UTF-8", "C.UTF-8", false},
+                {"", "C.UTF-8", "C", true},
+                {nullptr, nullptr, "xx_not_installed.utf8", true},
+                {nullptr, "xx_not_installed.UTF-8@x", "C", true},
+                {nullptr, "xx_not_installed", "C.UTF-8", false}};
+    for (const auto& row : rows) {
+        const ScopedVariable all("LC_ALL", row.all);
+        const ScopedVariable category("LC_CTYPE", row.category);
+        const ScopedVariable language("LANG", row.language);
+        EXPECT_EQ(locale_is_utf_8(), row.is_utf8) << &row - rows;
+    }
+}
+
 } // namespace
 } // namespace pellux

@@ -23,7 +23,7 @@ constexpr WindowResource k_windows[] = {
 class Page final : public TextWindow {
 public:
     explicit Page(const char* path) : path_(path) {
-        static_cast<void>(load_text(document(), path, TextEncoding::utf_8));
+        static_cast<void>(load_text(document(), path, user_encoding()));
     }
     void open() override { xvt_win_create_res(1, {handle, this}); }
     void move_to(int left) {
