@@ -160,6 +160,14 @@ TEST(TextEditing, TellsEachViewOnceAndTakesNoChangeMeanwhile) {
     line_up(first);
     line_down(first);
     EXPECT_EQ(display_column(document, caret_offset(first), 8), column);
+    // What a further view takes over, and what not.
+    first.undo_limit = 7;
+    first.tab_width = 3;
+    first.is_read_only = true;
+    select_range(first, 1, 3);
+    const TextEditing third(first);
+    EXPECT_TRUE(third.undo_limit == 7 && third.tab_width == 3 && third.is_read_only &&
+                caret_offset(third) == 3 && undo_count(third) == 0 && third.anchor == nullptr);
 }
 
 /// Files of every kind come back byte for byte, and are read as what they are.
