@@ -19,6 +19,7 @@ struct MenuItem {
     String shortcut = {};
     bool is_separator = false;
     bool is_enabled = true;
+    bool is_checked = false;     ///< a mark, which stays as it is when the item is chosen
     Vector<MenuItem> items = {}; ///< of a menu
 };
 
@@ -28,6 +29,7 @@ struct MenuItem {
 [[nodiscard]] Vector<MenuItem> xvt_menu_get_tree(Window window);
 void xvt_menu_set_tree(Window window, const Vector<MenuItem>& menus);
 void xvt_menu_set_item_enabled(Window window, int tag, bool is_enabled);
+void xvt_menu_set_item_checked(Window window, int tag, bool is_checked);
 void xvt_menu_set_item_title(Window window, int tag, std::string_view title);
 
 /// Shows a menu at a place in the window's units. What is chosen comes to the window as a command

@@ -8,6 +8,7 @@ MenuItem menu_item(const MenuResource& resource) {
     item.tag = resource.tag;
     item.is_separator = resource.title == nullptr;
     item.is_enabled = resource.is_enabled;
+    item.is_checked = resource.is_checked;
     if (resource.title != nullptr)
         set_title(item, resource.title);
     if (resource.shortcut != nullptr)

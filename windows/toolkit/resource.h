@@ -15,6 +15,7 @@ struct MenuResource {
     std::span<const MenuResource> items = {}; ///< of a menu
     const char* shortcut = nullptr;           ///< "Ctrl+O", "F1"
     bool is_enabled = true;
+    bool is_checked = false;
 };
 struct MenuBarResource {
     int number = 0;

@@ -72,7 +72,7 @@ TEST(ContextMenus, TellTheirCommandAfterTheyAreGone) {
         Vector<MenuItem> items(4);
         items[0] = {.tag = 11, .title = "Open & <b>", .mnemonic = 0, .shortcut = "Del"};
         items[1].is_separator = true;
-        items[2] = {.tag = 12, .title = "Off", .is_enabled = false};
+        items[2] = {.tag = 12, .title = "Off", .is_enabled = false, .is_checked = true};
         items[3].title = "More";
         items[3].items.push_back({.tag = 13, .title = "Inside"});
         std::string shown_at_command = "none came";
@@ -86,7 +86,7 @@ TEST(ContextMenus, TellTheirCommandAfterTheyAreGone) {
             {"11", {"O"}}, {"13", {"Up", "Right", "Return"}}};
         for (const auto& [tag, keys] : rows) {
             right_click(scene.window, {300, 250});
-            EXPECT_EQ(shown_popup(), "&Open && <b>\tDel\n-\n(Off)\nMore\n  Inside\n");
+            EXPECT_EQ(shown_popup(), "&Open && <b>\tDel\n-\n(*Off)\nMore\n  Inside\n");
             for (const char* key : keys)
                 press_key(key);
             EXPECT_EQ(scene.log.take(), std::string("menu 0 300,250; command ") + tag + "; ");

@@ -20,7 +20,7 @@ namespace pellux {
 namespace {
 
 constexpr MenuResource k_task_items[] = {
-    {.tag = 11, .title = "&Open...", .shortcut = "Ctrl+O"},
+    {.tag = 11, .title = "&Open...", .shortcut = "Ctrl+O", .is_checked = true},
     {},
     {.tag = 12, .title = "Save && &quit", .is_enabled = false},
 };
@@ -175,7 +175,7 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             std::string some = none;
             for (const std::string item : {"&Tile", "&Cascade"})
                 some.replace(some.find("(" + item), item.size() + 2, item);
-            EXPECT_EQ(shown_menus(), "&File\n  &Open...\tCtrl+O\n  -\n  (Save && &quit)\n" + none +
+            EXPECT_EQ(shown_menus(), "&File\n  *&Open...\tCtrl+O\n  -\n  (Save && &quit)\n" + none +
                                          "&Help\n  &Contents\n");
             const Window own = xvt_win_create_res(2, log.handler());
             process_events();
@@ -186,7 +186,8 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             // Changed while another window's menus are shown, and then while they are.
             xvt_menu_set_item_enabled(xvt_win_get_task(), 12, true);
             xvt_menu_set_item_title(own, 21, "Don't");
-            EXPECT_EQ(shown_menus(), "&Own\n  Don't\tF7\n" + some);
+            xvt_menu_set_item_checked(own, 21, true);
+            EXPECT_EQ(shown_menus(), "&Own\n  *Don't\tF7\n" + some);
             const Window plain = xvt_win_create_res(1, {});
             process_events();
             task.take();
@@ -203,12 +204,15 @@ TEST(Menus, AreThoseOfTheActiveWindow) {
             menus.insert(menus.begin() + 1, added);
             xvt_menu_set_tree(xvt_win_get_task(), menus);
             EXPECT_TRUE(shown_menus().starts_with(
-                "&File\n  &Open...\tCtrl+O\n  -\n  Save && &quit\nR&&D\n  u&p\n&Window\n"));
+                "&File\n  *&Open...\tCtrl+O\n  -\n  Save && &quit\nR&&D\n  u&p\n&Window\n"));
             xvt_vobj_destroy(plain);
             xvt_vobj_set_focus(own);
             process_events();
             EXPECT_TRUE(choose_item(21));
             EXPECT_EQ(log.take(), "command 21; ");
+            EXPECT_TRUE(shown_menus().starts_with("&Own\n  *Don't")) << "the command changes it";
+            xvt_menu_set_item_checked(own, 21, false);
+            EXPECT_TRUE(shown_menus().starts_with("&Own\n  Don't"));
         },
         task.handler());
 }

@@ -21,6 +21,11 @@ QString marked_title(const MenuItem& item) {
            marked(title.substr(item.mnemonic));
 }
 
+void show_checked(QAction& action, bool is_checked) {
+    action.setCheckable(is_checked);
+    action.setChecked(is_checked);
+}
+
 void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items) {
     for (const MenuItem& item : items) {
         if (item.is_separator) {
@@ -34,6 +39,10 @@ void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items) {
         QAction* action = menu.addAction(marked_title(item));
         action->setData(item.tag);
         action->setEnabled(item.is_enabled);
+        show_checked(*action, item.is_checked);
+        // Qt takes a mark off when the item is chosen.
+        QObject::connect(action, &QAction::triggered, action,
+                         [action] { action->setChecked(action->isCheckable()); });
         action->setShortcut(QKeySequence(to_qstring(item.shortcut), QKeySequence::PortableText));
         // The command may destroy the menu that it comes from.
         QObject::connect(

@@ -14,6 +14,8 @@ namespace pellux {
 
 /// With Qt's '&' before the mnemonic.
 [[nodiscard]] QString marked_title(const MenuItem& item);
+/// Without an empty box where there is no mark.
+void show_checked(QAction& action, bool is_checked);
 /// Adds items. What is chosen comes to `owner` as a command event, after the menu is gone.
 void fill_menu(QMenu& menu, Window owner, std::span<const MenuItem> items);
 /// The item of a tag, at any depth, or null.

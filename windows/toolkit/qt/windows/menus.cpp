@@ -59,6 +59,12 @@ void xvt_menu_set_item_enabled(Window window, int tag, bool is_enabled) {
         [](QAction& action, const MenuItem& item) { action.setEnabled(item.is_enabled); });
 }
 
+void xvt_menu_set_item_checked(Window window, int tag, bool is_checked) {
+    change_item(
+        window, tag, [&](MenuItem& item) { item.is_checked = is_checked; },
+        [](QAction& action, const MenuItem& item) { show_checked(action, item.is_checked); });
+}
+
 void xvt_menu_set_item_title(Window window, int tag, std::string_view title) {
     change_item(
         window, tag, [&](MenuItem& item) { set_title(item, title); },

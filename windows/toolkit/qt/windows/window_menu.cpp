@@ -60,12 +60,6 @@ bool reads_yes(const char* setting) {
     return setting != nullptr && read_setting(setting, buffer, value) && value == k_yes;
 }
 
-/// Without an empty box where there is no mark.
-void mark(QAction& action, bool is_marked) {
-    action.setCheckable(is_marked);
-    action.setChecked(is_marked);
-}
-
 /// What the list calls a frame.
 QString title_of(const QMdiSubWindow& frame) {
     const WindowRecord* record = find_window(window_of(*frame.widget()));
@@ -170,7 +164,7 @@ void WindowMenu::update_items() {
             action->setEnabled(!as_tabs && !open_frames(area_).empty());
             break;
         case WindowCommand::tabs:
-            mark(*action, as_tabs);
+            show_checked(*action, as_tabs);
             break;
         }
     }
@@ -187,7 +181,7 @@ void WindowMenu::list_windows() {
         const QString digit = number <= k_numbered ? QStringLiteral("&%1 ").arg(number) : QString();
         QAction* action = addAction(digit + title_of(*frame));
         ++number;
-        mark(*action, frame == area_.activeSubWindow());
+        show_checked(*action, frame == area_.activeSubWindow());
         // The frame may be gone before its item is.
         connect(action, &QAction::triggered, frame, [this, frame] { show_frame(area_, *frame); });
         listed_.push_back(action);
