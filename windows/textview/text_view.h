@@ -4,6 +4,7 @@
 #include "windows/textview/line_layout.h"
 #include "windows/toolkit/draw.h"
 
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -38,6 +39,12 @@ struct RedrawRegion {
     std::int64_t line_delta = 0;
 };
 
+/// What a row of the pane shows where it has no text.
+struct RowGround {
+    int bare_from = std::numeric_limits<int>::max(); ///< right of it there is nothing but ground
+    bool is_tinted = false;
+};
+
 /// A text in a pane: what of it is seen and drawn. A document may have any number of them. Must go
 /// before the document, and may go at any time, also while it draws. All places in the pane are
 /// device pixels.
@@ -69,12 +76,14 @@ struct TextView {
     int ascent = 0;
     int margin = 0;              ///< left of the text
     int widest = 0;              ///< of the lines seen so far
-    Vector<int> row_ink;         ///< what lies right of it in a row is bare paper
+    Vector<RowGround> grounds;   ///< of the rows, as they were drawn
     std::int64_t drawn_top = 0;  ///< number of the line in the first row, when it was drawn
     std::int64_t told_lines = 0; ///< by the scroll callback
     int told_widest = 0;
     TextRange drawn_selection; ///< in the text of now
+    bool tints_caret_line = false;
     std::optional<Rect> caret; ///< drawn there
+    Color caret_ground = Color::white;
     bool has_focus = false;
     String composition;      ///< what an input method is composing, shown at the caret
     bool* is_gone = nullptr; ///< set by the destructor, for whoever draws
@@ -98,6 +107,8 @@ void set_view_font(TextView& view, Font font);
 void set_tab_width(TextView& view, int columns);
 void set_view_size(TextView& view, int width, int height);
 void set_view_focus(TextView& view, bool has_focus);
+/// The line that holds the caret stands on a ground of its own; at first none does.
+void set_caret_line_tint(TextView& view, bool is_tinted);
 void show_composition(TextView& view, std::string_view text);
 /// The theme changed, the text was replaced as a whole, or is to be shown otherwise.
 void redraw_all(TextView& view);

@@ -1,7 +1,8 @@
 #include "windows/textview/view_drawing.h"
 
+#include "windows/controls/control_looks.h"
+
 #include <algorithm>
-#include <climits>
 #include <limits>
 
 namespace pellux {
@@ -22,6 +23,12 @@ struct Row {
 void fill(const TextView& view, const Rect& rect, Color color) {
     xvt_dwin_set_brush(view.target, {.color = color});
     xvt_dwin_draw_rect(view.target, rect);
+}
+
+Color tint() {
+    constexpr int k_percent = 8;
+    return mix_colors(xvt_scr_get_color(ThemeColor::base), xvt_scr_get_color(ThemeColor::highlight),
+                      k_percent);
 }
 
 int to_pixel(std::int64_t x) {
@@ -45,8 +52,9 @@ LineStop first_stop(const TextView& view, const Row& row, std::int64_t left) {
 /// Something was drawn in a row up to there, or a little over it.
 void note_ink(TextView& view, int top, int right) {
     const auto row = static_cast<std::size_t>(top / view.line_height);
-    if (top >= 0 && row < view.row_ink.size())
-        view.row_ink[row] = std::max(view.row_ink[row], right + view.line_height);
+    if (top >= 0 && row < view.grounds.size())
+        view.grounds[row].bare_from =
+            std::max(view.grounds[row].bare_from, right + view.line_height);
 }
 
 void note_width(TextView& view, const LineWalk& walk, const Row& row) {
@@ -117,18 +125,16 @@ bool draw_selected(TextView& view, const Row& row, TextRange range, int left, in
     note_ink(view, part.top, part.right);
     xvt_dwin_set_clip(view.target, part);
     xvt_dwin_set_back_color(view.target, paper);
-    if (!draw_runs(view, row, part.left, part.right, true))
-        return false;
-    xvt_dwin_set_back_color(view.target, Color::white);
-    return true;
+    return draw_runs(view, row, part.left, part.right, true);
 }
 
 /// What an input method composes stands over the text behind the caret.
-void draw_composition(TextView& view, const Rect& at) {
+void draw_composition(TextView& view, const Rect& at, Color ground) {
     xvt_dwin_set_encoding(view.target, TextEncoding::utf_8);
     const int width = xvt_dwin_get_text_width(view.target, pellux::view(view.composition));
-    fill(view, {at.top, at.left, at.bottom, at.left + width}, Color::white);
+    fill(view, {at.top, at.left, at.bottom, at.left + width}, ground);
     note_ink(view, at.top, at.left + width);
+    xvt_dwin_set_back_color(view.target, ground);
     xvt_dwin_set_fore_color(view.target, Color::black);
     xvt_dwin_draw_text(view.target, at.left, at.top + view.ascent, pellux::view(view.composition));
     const int line = at.top + view.ascent + 1;
@@ -137,14 +143,25 @@ void draw_composition(TextView& view, const Rect& at) {
     xvt_dwin_set_pen(view.target, k_no_pen);
 }
 
+void fit_grounds(TextView& view) {
+    const auto rows = static_cast<std::size_t>(row_count(view));
+    if (view.grounds.size() < rows)
+        view.grounds.resize(rows);
+}
+
 void flip(const TextView& view, const Rect& rect) {
     xvt_dwin_set_draw_mode(view.target, DrawMode::exclusive_or);
     xvt_dwin_set_pen(view.target, k_no_pen);
+    xvt_dwin_set_back_color(view.target, view.caret_ground);
     fill(view, rect, Color::black);
     xvt_dwin_set_draw_mode(view.target, DrawMode::copy);
 }
 
 } // namespace
+
+std::int64_t tinted_line(const TextView& view) {
+    return view.tints_caret_line ? caret_line(view.editing) : -1;
+}
 
 bool draw_rows(TextView& view, RowPart part) {
     part.first = std::max<std::int64_t>(part.first, 0);
@@ -157,8 +174,9 @@ bool draw_rows(TextView& view, RowPart part) {
     const bool is_whole = part.left == 0 && part.right == view.width;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
     const TextRange selected = selection(view.editing);
+    const std::int64_t tinted = tinted_line(view);
+    const Color tint_color = tinted < 0 ? Color::white : tint();
     xvt_dwin_set_pen(view.target, k_no_pen);
-    xvt_dwin_set_back_color(view.target, Color::white);
     Row row{.line = top_line(view) + part.first};
     row.start = line_start(document, row.line);
     // Row by row, as a cache holds one but not all of them.
@@ -167,21 +185,26 @@ bool draw_rows(TextView& view, RowPart part) {
         const Rect area{row.top, part.left, row.top + view.line_height, part.right};
         xvt_dwin_set_clip(view.target, area);
         // Who draws may have asked for all of it anew.
-        if (view.row_ink.size() != static_cast<std::size_t>(row_count(view)))
-            view.row_ink.assign(static_cast<std::size_t>(row_count(view)), INT_MAX);
-        int& ink = view.row_ink[static_cast<std::size_t>(number)];
-        fill(view, {area.top, area.left, area.bottom, std::min(area.right, ink)}, Color::white);
+        fit_grounds(view);
+        RowGround& ground = view.grounds[static_cast<std::size_t>(number)];
+        // A part of a row stays as the rest of it.
+        if (is_whole && ground.is_tinted != (row.line == tinted))
+            ground = {.is_tinted = row.line == tinted};
+        const Color paper = ground.is_tinted ? tint_color : Color::white;
+        fill(view, {area.top, area.left, area.bottom, std::min(area.right, ground.bare_from)},
+             paper);
         if (is_whole)
-            ink = 0;
+            ground.bare_from = 0;
         if (row.line >= line_count(document))
             continue;
         row.end = line_end(document, row.line);
+        xvt_dwin_set_back_color(view.target, paper);
         if (!draw_runs(view, row, part.left, part.right, false) ||
             !draw_selected(view, row, selected, part.left, part.right))
             return false;
         if (row.line == caret) {
             xvt_dwin_set_clip(view.target, area);
-            draw_composition(view, place_of(view, caret_offset(view.editing)));
+            draw_composition(view, place_of(view, caret_offset(view.editing)), paper);
         }
         row.start = row.end + 1;
         ++row.line;
@@ -192,8 +215,17 @@ bool draw_rows(TextView& view, RowPart part) {
 
 void scroll_down(TextView& view, int top, int down) {
     xvt_dwin_scroll_rect(view.target, {top, 0, view.height, view.width}, 0, down);
-    // What is uncovered shows anything.
-    view.row_ink.clear();
+    fit_grounds(view);
+    const auto first = view.grounds.begin() + top / view.line_height;
+    const auto end = view.grounds.end();
+    const int rows = down / view.line_height;
+    // What is uncovered shows anything, and so does what comes from a row seen in part.
+    if (rows > 0) {
+        std::fill(first, std::shift_right(first, end, rows), RowGround());
+    } else {
+        const auto seen = view.grounds.begin() + view.height / view.line_height;
+        std::fill(std::shift_left(first, std::max(first, seen), -rows), end, RowGround());
+    }
 }
 
 void draw_caret(TextView& view) {
@@ -206,6 +238,7 @@ void draw_caret(TextView& view) {
     if (!meets(place, {0, 0, view.height, view.width}))
         return;
     view.caret = place;
+    view.caret_ground = view.tints_caret_line ? tint() : Color::white;
     flip_caret(view);
 }
 

@@ -44,7 +44,10 @@ private:
     bool is_gone_ = false;
 };
 
-/// Moves the pixels of the rows from `top` on; what is uncovered is to be drawn.
+/// The line on a ground of its own, or -1.
+[[nodiscard]] std::int64_t tinted_line(const TextView& view);
+
+/// Moves the pixels of the rows from `top` on by whole rows; what is uncovered is to be drawn.
 void scroll_down(TextView& view, int top, int down);
 
 /// Draws the caret where it stands now, or not any more. Where it is drawn, doing so again shows

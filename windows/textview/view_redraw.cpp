@@ -56,6 +56,18 @@ bool draw_differing(TextView& view, TextRange before, TextRange now) {
            draw_lines_between(view, before.end, now.end);
 }
 
+/// Draws the rows whose ground is another now.
+bool draw_tint(TextView& view) {
+    const std::int64_t tinted = tinted_line(view) - top_line(view);
+    for (std::size_t row = 0; row < view.grounds.size(); ++row) {
+        const auto number = static_cast<std::int64_t>(row);
+        if (view.grounds[row].is_tinted != (number == tinted) &&
+            !draw_rows(view, whole_rows(view, number, number)))
+            return false;
+    }
+    return true;
+}
+
 /// Draws the lines that changed; what stands behind them moves as it is.
 bool draw_changed(TextView& view) {
     const TextDocument& document = view.editing.document;
@@ -127,7 +139,7 @@ void redraw_all(TextView& view) {
     take_changes(view);
     view.redraw_flags = k_redraw_moved_lines;
     view.redraw = {};
-    view.row_ink.clear();
+    view.grounds.clear();
     xvt_dwin_invalidate_rect(view.target, {0, 0, view.height, view.width});
 }
 
@@ -176,6 +188,8 @@ void refresh(TextView& view) {
         if (!draw_differing(view, view.drawn_selection, now))
             return;
         view.drawn_selection = now;
+        if (!draw_tint(view))
+            return;
         draw_caret(view);
     }
     tell_scrolled(view, false);

@@ -56,6 +56,8 @@ void set_view_size(TextView& view, int width, int height) {
         return;
     view.width = width;
     view.height = height;
+    for (RowGround& ground : view.grounds)
+        ground.bare_from = std::numeric_limits<int>::max();
     // What is new is asked for by the toolkit.
     if (top_line(view) > top_line_max(view))
         set_top_line(view, top_line_max(view));
@@ -114,8 +116,8 @@ void set_hscroll(TextView& view, int x) {
             // With what of a character may reach over its edge.
             if (right > 0) {
                 part.right = right + view.line_height;
-                for (int& ink : view.row_ink)
-                    ink = std::min(ink, view.width) + right;
+                for (RowGround& ground : view.grounds)
+                    ground.bare_from = std::min(ground.bare_from, view.width) + right;
             } else {
                 part.left = view.width + right - view.line_height;
             }

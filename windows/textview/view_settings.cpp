@@ -81,6 +81,11 @@ void set_tab_width(TextView& view, int columns) {
     redraw_all(view);
 }
 
+void set_caret_line_tint(TextView& view, bool is_tinted) {
+    view.tints_caret_line = is_tinted;
+    refresh(view);
+}
+
 void set_view_focus(TextView& view, bool has_focus) {
     view.has_focus = has_focus;
     refresh(view);

@@ -92,6 +92,8 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
                 auto& other = *static_cast<Owned<TextView>*>(context);
                 if (const auto* update = event.get<UpdateEvent>(); update != nullptr && other)
                     draw_part(*other, update->rect);
+                if (const auto* size = event.get<SizeEvent>(); size != nullptr && other)
+                    set_view_size(*other, size->width, size->height);
                 return 0;
             };
             Owned<TextView> other;
@@ -110,7 +112,7 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
             for (int step = 0; step < 400; ++step) {
                 TextView& view = *views[below(2)];
                 TextEditing& editing = view.editing;
-                switch (below(12)) {
+                switch (below(14)) {
                 case 0:
                     insert_text(editing, "\n");
                     break;
@@ -149,6 +151,13 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
                     break;
                 case 10:
                     show_composition(view, below(4) == 0 ? "\xC3\xA9?" : "");
+                    break;
+                case 11:
+                    set_caret_line_tint(view, below(4) != 0);
+                    break;
+                case 12:
+                    xvt_vobj_move(pane, {0, 0, 100 + static_cast<int>(below(50)),
+                                         150 + static_cast<int>(below(50))});
                     break;
                 default:
                     go_to(editing, {below(90), below(60)});
