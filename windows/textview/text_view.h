@@ -6,6 +6,7 @@
 
 #include <limits>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace pellux {
@@ -81,6 +82,7 @@ struct TextView {
     std::int64_t told_lines = 0; ///< by the scroll callback
     int told_widest = 0;
     TextRange drawn_selection; ///< in the text of now
+    Vector<TextRange> marked;  ///< the same
     bool tints_caret_line = false;
     std::optional<Rect> caret; ///< drawn there
     Color caret_ground = Color::white;
@@ -109,6 +111,8 @@ void set_view_size(TextView& view, int width, int height);
 void set_view_focus(TextView& view, bool has_focus);
 /// The line that holds the caret stands on a ground of its own; at first none does.
 void set_caret_line_tint(TextView& view, bool is_tinted);
+/// These stretches of the text, ascending and apart, stand on a marked ground. Edits move them.
+void set_marked_ranges(TextView& view, std::span<const TextRange> ranges);
 void show_composition(TextView& view, std::string_view text);
 /// The theme changed, the text was replaced as a whole, or is to be shown otherwise.
 void redraw_all(TextView& view);

@@ -25,10 +25,12 @@ void fill(const TextView& view, const Rect& rect, Color color) {
     xvt_dwin_draw_rect(view.target, rect);
 }
 
-Color tint() {
-    constexpr int k_percent = 8;
+constexpr int k_tint_percent = 8;
+constexpr int k_marked_percent = 35;
+
+Color highlight_part(int percent) {
     return mix_colors(xvt_scr_get_color(ThemeColor::base), xvt_scr_get_color(ThemeColor::highlight),
-                      k_percent);
+                      percent);
 }
 
 int to_pixel(std::int64_t x) {
@@ -108,24 +110,32 @@ bool draw_runs(TextView& view, const Row& row, int from, int to, bool is_selecte
     return true;
 }
 
-/// Draws what of a line is selected over what it drew before. A line end that is selected shows as
-/// a blank.
-bool draw_selected(TextView& view, const Row& row, TextRange range, int left, int right) {
+/// Draws what of a line lies in a range over what it drew before, on a ground of its own. A line
+/// end there shows as a blank.
+bool draw_over(TextView& view, const Row& row, TextRange range, const RowPart& columns,
+               Color ground, bool is_selected) {
     if (range.start >= range.end || range.end <= row.start || range.start > row.end)
         return true;
     const int from = shown_x(view, x_of(view.layout, row.start, std::max(range.start, row.start)));
     int to = shown_x(view, x_of(view.layout, row.start, std::min(range.end, row.end)));
     if (range.end > row.end)
         to += view.layout.advances[' '];
-    const Rect part{row.top, std::max(from, left), row.top + view.line_height, std::min(to, right)};
+    const Rect part{row.top, std::max(from, columns.left), row.top + view.line_height,
+                    std::min(to, columns.right)};
     if (is_empty(part))
         return true;
-    const Color paper = xvt_scr_get_color(ThemeColor::highlight);
-    fill(view, part, paper);
-    note_ink(view, part.top, part.right);
     xvt_dwin_set_clip(view.target, part);
-    xvt_dwin_set_back_color(view.target, paper);
-    return draw_runs(view, row, part.left, part.right, true);
+    fill(view, part, ground);
+    note_ink(view, part.top, part.right);
+    xvt_dwin_set_back_color(view.target, ground);
+    return draw_runs(view, row, part.left, part.right, is_selected);
+}
+
+bool draw_marked(TextView& view, const Row& row, const RowPart& columns) {
+    for (const TextRange range : ranges_in(view.marked, {row.start, row.end}))
+        if (!draw_over(view, row, range, columns, highlight_part(k_marked_percent), false))
+            return false;
+    return true;
 }
 
 /// What an input method composes stands over the text behind the caret.
@@ -159,6 +169,15 @@ void flip(const TextView& view, const Rect& rect) {
 
 } // namespace
 
+std::span<const TextRange> ranges_in(std::span<const TextRange> ranges, TextRange line) {
+    const auto first =
+        std::ranges::lower_bound(ranges, line.start, {}, [](TextRange each) { return each.end; });
+    const auto last =
+        std::upper_bound(first, ranges.end(), line.end,
+                         [](ByteOffset at, TextRange each) { return at < each.start; });
+    return {first, last};
+}
+
 std::int64_t tinted_line(const TextView& view) {
     return view.tints_caret_line ? caret_line(view.editing) : -1;
 }
@@ -174,8 +193,9 @@ bool draw_rows(TextView& view, RowPart part) {
     const bool is_whole = part.left == 0 && part.right == view.width;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
     const TextRange selected = selection(view.editing);
+    const Color highlight = xvt_scr_get_color(ThemeColor::highlight);
     const std::int64_t tinted = tinted_line(view);
-    const Color tint_color = tinted < 0 ? Color::white : tint();
+    const Color tint_color = tinted < 0 ? Color::white : highlight_part(k_tint_percent);
     xvt_dwin_set_pen(view.target, k_no_pen);
     Row row{.line = top_line(view) + part.first};
     row.start = line_start(document, row.line);
@@ -199,8 +219,8 @@ bool draw_rows(TextView& view, RowPart part) {
             continue;
         row.end = line_end(document, row.line);
         xvt_dwin_set_back_color(view.target, paper);
-        if (!draw_runs(view, row, part.left, part.right, false) ||
-            !draw_selected(view, row, selected, part.left, part.right))
+        if (!draw_runs(view, row, part.left, part.right, false) || !draw_marked(view, row, part) ||
+            !draw_over(view, row, selected, part, highlight, true))
             return false;
         if (row.line == caret) {
             xvt_dwin_set_clip(view.target, area);
@@ -238,7 +258,7 @@ void draw_caret(TextView& view) {
     if (!meets(place, {0, 0, view.height, view.width}))
         return;
     view.caret = place;
-    view.caret_ground = view.tints_caret_line ? tint() : Color::white;
+    view.caret_ground = view.tints_caret_line ? highlight_part(k_tint_percent) : Color::white;
     flip_caret(view);
 }
 

@@ -44,6 +44,9 @@ private:
     bool is_gone_ = false;
 };
 
+/// Those of ascending ranges that meet a line, its line end with it.
+[[nodiscard]] std::span<const TextRange> ranges_in(std::span<const TextRange> ranges,
+                                                   TextRange line);
 /// The line on a ground of its own, or -1.
 [[nodiscard]] std::int64_t tinted_line(const TextView& view);
 

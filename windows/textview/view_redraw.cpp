@@ -3,6 +3,7 @@
 #include "windows/textview/view_drawing.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -12,6 +13,10 @@ ByteOffset moved(ByteOffset at, const TextChange& change) {
     if (at <= change.at)
         return at;
     return std::max(at, change.at + change.removed) - change.removed + change.inserted;
+}
+
+TextRange moved(TextRange range, const TextChange& change) {
+    return {moved(range.start, change), moved(range.end, change)};
 }
 
 void take_change(TextView& view, const TextChange& change) {
@@ -25,8 +30,9 @@ void take_change(TextView& view, const TextChange& change) {
     view.redraw_flags |=
         k_redraw_edited | (change.lines_inserted == change.lines_removed ? k_redraw_same_lines
                                                                          : k_redraw_moved_lines);
-    view.drawn_selection = {moved(view.drawn_selection.start, change),
-                            moved(view.drawn_selection.end, change)};
+    view.drawn_selection = moved(view.drawn_selection, change);
+    for (TextRange& range : view.marked)
+        range = moved(range, change);
     forget_places(view.layout, change.at, change.removed, change.inserted);
 }
 
@@ -54,6 +60,21 @@ bool draw_differing(TextView& view, TextRange before, TextRange now) {
                draw_lines_between(view, now.start, now.end);
     return draw_lines_between(view, before.start, now.start) &&
            draw_lines_between(view, before.end, now.end);
+}
+
+/// Draws the rows where other ranges are marked than before.
+bool draw_marked(TextView& view, std::span<const TextRange> before) {
+    const TextDocument& document = view.editing.document;
+    const std::int64_t top = top_line(view);
+    const std::int64_t end = std::min(top + row_count(view), line_count(document));
+    TextRange row{.start = line_start(document, top)};
+    for (std::int64_t line = top; line < end; ++line, row.start = row.end + 1) {
+        row.end = line_end(document, line);
+        if (!std::ranges::equal(ranges_in(before, row), ranges_in(view.marked, row)) &&
+            !draw_lines(view, line, line))
+            return false;
+    }
+    return true;
 }
 
 /// Draws the rows whose ground is another now.
@@ -162,7 +183,8 @@ void draw_part(TextView& view, const Rect& part) {
     if (!draw_rows(view, {part.top / view.line_height, (part.bottom - 1) / view.line_height,
                           part.left, part.right}))
         return;
-    if (was_undrawn)
+    // A pane that grew may show it for the first time.
+    if (was_undrawn || !view.caret)
         draw_caret(view);
     else
         flip_caret(view);
@@ -193,6 +215,22 @@ void refresh(TextView& view) {
         draw_caret(view);
     }
     tell_scrolled(view, false);
+}
+
+void set_marked_ranges(TextView& view, std::span<const TextRange> ranges) {
+    take_changes(view);
+    if (std::ranges::equal(view.marked, ranges))
+        return;
+    const DrawGuard guard(view);
+    refresh(view);
+    if (guard.is_gone())
+        return;
+    const Vector<TextRange> before = std::exchange(view.marked, {ranges.begin(), ranges.end()});
+    if (is_undrawn(view))
+        return;
+    erase_caret(view);
+    if (draw_marked(view, before))
+        draw_caret(view);
 }
 
 void show_composition(TextView& view, std::string_view text) {

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -112,7 +113,7 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
             for (int step = 0; step < 400; ++step) {
                 TextView& view = *views[below(2)];
                 TextEditing& editing = view.editing;
-                switch (below(14)) {
+                switch (below(15)) {
                 case 0:
                     insert_text(editing, "\n");
                     break;
@@ -155,7 +156,16 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
                 case 11:
                     set_caret_line_tint(view, below(4) != 0);
                     break;
-                case 12:
+                case 12: {
+                    ByteOffset places[6];
+                    std::ranges::generate(places, [&] { return below(600); });
+                    std::ranges::sort(places);
+                    set_marked_ranges(view, std::array{TextRange{places[0], places[1]},
+                                                       TextRange{places[2], places[3]},
+                                                       TextRange{places[4], places[5]}});
+                    break;
+                }
+                case 13:
                     xvt_vobj_move(pane, {0, 0, 100 + static_cast<int>(below(50)),
                                          150 + static_cast<int>(below(50))});
                     break;
@@ -224,6 +234,14 @@ TEST(TextWindows, SelectWithThePointerByCharactersWordsAndLines) {
             const String words = selected_text(page.editing());
             return std::string(words.begin(), words.end());
         };
+        set_caret_line_tint(page.view(), true);
+        set_marked_ranges(page.view(), std::array{TextRange{0, 3}});
+        std::set<std::uint32_t> grounds;
+        for (const ByteOffset marked_tinted_or_bare : {1, 10, 20})
+            grounds.insert(
+                shown_pixel(page.pane(), {page.at(marked_tinted_or_bare).x,
+                                          place_of(page.view(), marked_tinted_or_bare).top}));
+        EXPECT_EQ(grounds.size(), 3U);
         press_pointer(page.pane(), page.at(2));
         move_pointer(page.pane(), page.at(6));
         EXPECT_EQ(selected(), "e tw");
