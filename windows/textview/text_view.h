@@ -84,7 +84,8 @@ struct TextView {
     TextRange drawn_selection; ///< in the text of now
     Vector<TextRange> marked;  ///< the same
     bool tints_caret_line = false;
-    std::optional<Rect> caret; ///< drawn there
+    std::optional<ByteOffset> drop_place; ///< the caret is drawn there instead
+    std::optional<Rect> caret;            ///< drawn there
     Color caret_ground = Color::white;
     bool has_focus = false;
     String composition;      ///< what an input method is composing, shown at the caret
@@ -114,6 +115,8 @@ void set_caret_line_tint(TextView& view, bool is_tinted);
 /// These stretches of the text, ascending and apart, stand on a marked ground. Edits move them.
 void set_marked_ranges(TextView& view, std::span<const TextRange> ranges);
 void show_composition(TextView& view, std::string_view text);
+/// Where what is dragged would be put: the caret shows it there, and at its own place without one.
+void show_drop_place(TextView& view, std::optional<ByteOffset> at);
 /// The theme changed, the text was replaced as a whole, or is to be shown otherwise.
 void redraw_all(TextView& view);
 /// Draws a part of the pane, as an update event asks.

@@ -28,6 +28,7 @@ constexpr int k_select_all = 4;
 
 constexpr int k_tab = 9;
 constexpr int k_enter = 13;
+constexpr int k_escape = 27;
 constexpr int k_delete = 127;
 
 int to_int(std::int64_t number) {
@@ -285,7 +286,7 @@ void TextWindow::run_command(int tag) {
 }
 
 long TextWindow::on_pane_key(const CharacterEvent& key) {
-    if (take_scroll_key(*view_, key))
+    if ((key.code == k_escape && pointer_->cancel_drop()) || take_scroll_key(*view_, key))
         return 0;
     if (!take_key(key))
         return 1;

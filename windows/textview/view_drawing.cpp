@@ -252,13 +252,15 @@ void draw_caret(TextView& view) {
     constexpr int k_height_of_width = 10;
     if (!view.has_focus)
         return;
-    Rect place = place_of(view, caret_offset(view.editing));
+    Rect place = place_of(view, view.drop_place.value_or(caret_offset(view.editing)));
     xvt_win_set_text_caret(view.target, place);
     place.right = place.left + std::max(1, view.line_height / k_height_of_width);
     if (!meets(place, {0, 0, view.height, view.width}))
         return;
     view.caret = place;
-    view.caret_ground = view.tints_caret_line ? highlight_part(k_tint_percent) : Color::white;
+    const auto row = static_cast<std::size_t>(place.top / view.line_height);
+    const bool is_tinted = row < view.grounds.size() && view.grounds[row].is_tinted;
+    view.caret_ground = is_tinted ? highlight_part(k_tint_percent) : Color::white;
     flip_caret(view);
 }
 

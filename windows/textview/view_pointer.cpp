@@ -23,13 +23,43 @@ int steps(int distance, int of) {
     return distance == 0 ? 0 : distance / of + (distance > 0 ? 1 : -1);
 }
 
+/// Is that a place in selected text which may be moved?
+bool can_be_dragged(TextView& view, Point at) {
+    const TextRange range = selection(view.editing);
+    if (view.editing.is_read_only || range.start == range.end)
+        return false;
+    const ByteOffset offset = offset_at_point(view, at);
+    const Rect place = place_of(view, offset);
+    return at.y < place.bottom && (offset > range.start || at.x >= place.left) &&
+           (offset < range.end || at.x < place.left) && offset >= range.start &&
+           offset <= range.end;
+}
+
+/// Moves what is selected to another place, or copies it there, and selects it.
+void put_selection(TextEditing& editing, ByteOffset at, bool copies) {
+    const TextRange range = selection(editing);
+    const bool is_inside =
+        copies ? at > range.start && at < range.end : at >= range.start && at <= range.end;
+    if (range.start == range.end || is_inside)
+        return;
+    const UndoGroup group(editing);
+    String text = selected_text(editing);
+    if (!copies && !cut_selection(editing, text))
+        return;
+    if (!copies && at > range.end)
+        at -= range.end - range.start;
+    select_range(editing, at, at);
+    if (insert_text(editing, pellux::view(text)))
+        select_mode(editing, SelectMode::inserted);
+}
+
 } // namespace
 
 TextRange ViewPointer::unit_at(ByteOffset offset) const {
     const TextDocument& document = view_.editing.document;
-    if (unit_ == Unit::word)
+    if (held_ == Held::words)
         return word_at(document, offset);
-    if (unit_ == Unit::line) {
+    if (held_ == Held::lines) {
         const std::int64_t line = line_of(point_at(document, offset));
         return {line_start(document, line), line_start(document, line + 1)};
     }
@@ -46,20 +76,10 @@ void ViewPointer::select_to(Point at) {
         select_range(view_.editing, here.start, std::max(there.end, here.end));
 }
 
-void ViewPointer::on_down(const PointerDownEvent& down) {
-    const DrawGuard guard(view_);
-    const ByteOffset offset = offset_at_point(view_, down.at);
-    if (down.button == PointerButton::right) {
-        // The menu that follows is about the selection, or what is there.
-        const TextRange range = selection(view_.editing);
-        if (offset < range.start || offset >= range.end)
-            select_range(view_.editing, offset, offset);
-    }
-    if (down.button != PointerButton::left)
-        return;
+void ViewPointer::begin_selection(const PointerDownEvent& down) {
     const bool goes_on = down.with.shift && down.clicks == 1;
-    unit_ = down.clicks == 2 ? Unit::word : down.clicks >= 3 ? Unit::line : Unit::character;
-    TextRange begun = unit_at(offset);
+    held_ = down.clicks == 2 ? Held::words : down.clicks >= 3 ? Held::lines : Held::characters;
+    TextRange begun = unit_at(offset_at_point(view_, down.at));
     if (goes_on) {
         const TextEditing& editing = view_.editing;
         const ByteOffset anchor =
@@ -69,17 +89,40 @@ void ViewPointer::on_down(const PointerDownEvent& down) {
     const TextDocument& document = view_.editing.document;
     first_ = make_owned<TextMark>(point_at(document, begun.start), false);
     last_ = make_owned<TextMark>(point_at(document, begun.end), false);
-    at_ = down.at;
-    xvt_win_trap_pointer(view_.target);
     select_to(down.at);
+}
+
+void ViewPointer::on_down(const PointerDownEvent& down) {
+    const DrawGuard guard(view_);
+    if (down.button == PointerButton::right) {
+        // The menu that follows is about the selection, or what is there.
+        const ByteOffset offset = offset_at_point(view_, down.at);
+        const TextRange range = selection(view_.editing);
+        if (offset < range.start || offset >= range.end)
+            select_range(view_.editing, offset, offset);
+    }
+    if (down.button != PointerButton::left)
+        return;
+    at_ = pressed_at_ = down.at;
+    xvt_win_trap_pointer(view_.target);
+    if (down.clicks == 1 && down.with == Modifiers{.control = down.with.control} &&
+        can_be_dragged(view_, down.at)) {
+        held_ = Held::selection;
+        return;
+    }
+    begin_selection(down);
     if (!guard.is_gone() && down.clicks < 3)
         show_caret(view_);
 }
 
 void ViewPointer::on_move(const PointerMoveEvent& move) {
-    if (unit_ == Unit::none || !xvt_win_has_pointer(view_.target))
-        return;
     at_ = move.at;
+    show_cursor(at_);
+    if (held_ == Held::none || !xvt_win_has_pointer(view_.target))
+        return;
+    const int distance = std::abs(at_.x - pressed_at_.x) + std::abs(at_.y - pressed_at_.y);
+    if (held_ == Held::selection && distance > view_.line_height / 2)
+        held_ = Held::text;
     const bool is_outside = outside(at_.x, view_.width) != 0 || outside(at_.y, view_.height) != 0;
     if (is_outside && timer_ == TimerId::none) {
         timer_ = xvt_timer_create(view_.target, k_scroll_ms);
@@ -88,24 +131,61 @@ void ViewPointer::on_move(const PointerMoveEvent& move) {
         timer_ = TimerId::none;
     }
     if (!is_outside)
-        select_to(at_);
+        drag_to(at_);
 }
 
 void ViewPointer::on_up(const PointerUpEvent& up) {
-    if (up.button == PointerButton::left || up.button == PointerButton::none)
+    if (up.button == PointerButton::none)
         end_drag();
+    if (up.button != PointerButton::left)
+        return;
+    const bool was_pressed = held_ == Held::selection;
+    const std::optional<ByteOffset> place = view_.drop_place;
+    const DrawGuard guard(view_);
+    end_drag();
+    if (place)
+        put_selection(view_.editing, *place, up.with.control);
+    else if (was_pressed)
+        select_range(view_.editing, offset_at_point(view_, up.at), offset_at_point(view_, up.at));
+    if (!guard.is_gone() && (place || was_pressed))
+        show_caret(view_);
+}
+
+void ViewPointer::drag_to(Point at) {
+    if (held_ == Held::text)
+        show_drop_place(view_, offset_at_point(view_, at));
+    else if (held_ != Held::selection)
+        select_to(at);
+}
+
+void ViewPointer::show_cursor(Point at) {
+    const bool is_arrow =
+        held_ >= Held::selection || (held_ == Held::none && can_be_dragged(view_, at));
+    if (is_arrow != is_arrow_)
+        xvt_win_set_cursor(view_.target, is_arrow ? CursorShape::arrow : CursorShape::text);
+    is_arrow_ = is_arrow;
+}
+
+bool ViewPointer::cancel_drop() {
+    if (held_ != Held::text)
+        return false;
+    end_drag();
+    return true;
 }
 
 void ViewPointer::end_drag() {
-    if (unit_ == Unit::none)
+    if (held_ == Held::none)
         return;
-    unit_ = Unit::none;
+    held_ = Held::none;
     first_.reset();
     last_.reset();
     if (timer_ != TimerId::none)
         xvt_timer_destroy(timer_);
     timer_ = TimerId::none;
     xvt_win_release_pointer(view_.target);
+    if (view_.drop_place)
+        show_drop_place(view_, std::nullopt);
+    show_cursor(at_);
 }
 
 void ViewPointer::scroll_towards(Point at) {
@@ -117,12 +197,12 @@ void ViewPointer::scroll_towards(Point at) {
     if (right != 0 && !guard.is_gone())
         set_hscroll(view_, std::min(view_.hscroll + right * view_.line_height, hscroll_max(view_)));
     if (!guard.is_gone())
-        select_to({std::clamp(at.x, 0, std::max(0, view_.width - 1)),
-                   std::clamp(at.y, 0, std::max(0, full_rows(view_) * view_.line_height - 1))});
+        drag_to({std::clamp(at.x, 0, std::max(0, view_.width - 1)),
+                 std::clamp(at.y, 0, std::max(0, full_rows(view_) * view_.line_height - 1))});
 }
 
 bool ViewPointer::on_timer(TimerId timer) {
-    if (timer != timer_ || unit_ == Unit::none)
+    if (timer != timer_ || held_ == Held::none)
         return false;
     scroll_towards(at_);
     return true;

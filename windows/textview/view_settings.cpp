@@ -86,6 +86,11 @@ void set_caret_line_tint(TextView& view, bool is_tinted) {
     refresh(view);
 }
 
+void show_drop_place(TextView& view, std::optional<ByteOffset> at) {
+    view.drop_place = at;
+    refresh(view);
+}
+
 void set_view_focus(TextView& view, bool has_focus) {
     view.has_focus = has_focus;
     refresh(view);

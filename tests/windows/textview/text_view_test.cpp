@@ -262,6 +262,33 @@ TEST(TextWindows, SelectWithThePointerByCharactersWordsAndLines) {
         release_pointer(page.pane(), page.at(18));
         EXPECT_EQ(selected(), "\xC3\xA9t\xC3\xA9\n");
         click(page.pane(), page.at(4));
+        // "tw" of "one two_2" is dragged, or stays; without a button the pointer is lost.
+        struct Drag {
+            ByteOffset to;
+            PointerButton button;
+            std::string key;
+            std::string after;
+        };
+        constexpr PointerButton k_left = PointerButton::left;
+        for (const Drag& drag :
+             {Drag{5, k_left, "", "one t|wo_2"}, Drag{4, k_left, "", "one ^tw|o_2"},
+              Drag{0, PointerButton::none, "", "one ^tw|o_2"},
+              Drag{0, k_left, "Escape", "one ^tw|o_2"}, Drag{0, k_left, "", "^tw|one o_2"},
+              Drag{8, k_left, "", "one o_^tw|2"}, Drag{8, k_left, "Ctrl", "one two_^tw|2"}}) {
+            select_range(page.editing(), 4, 6);
+            press_pointer(page.pane(), page.at(5));
+            move_pointer(page.pane(), page.at(drag.to));
+            if (drag.key == "Escape")
+                press_key("Escape");
+            xvt_win_dispatch_event(page.pane(),
+                                   Event{PointerUpEvent{.at = page.at(drag.to),
+                                                        .button = drag.button,
+                                                        .with = {.control = drag.key == "Ctrl"}}});
+            release_pointer(page.pane(), page.at(drag.to));
+            EXPECT_EQ(page.state().substr(0, drag.after.size()), drag.after) << drag.to;
+            if (page.state().find("two_2") == std::string::npos)
+                press_key("Ctrl+Z");
+        }
         right_click(page.pane(), page.at(0));
         EXPECT_EQ(shown_popup(), "(Cu&t\tCtrl+X)\n(&Copy\tCtrl+C)\n&Paste\tCtrl+V\nSelect &all\n");
         press_key("Escape");
