@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 
 namespace pellux {
 namespace {
@@ -39,6 +40,23 @@ MenuItem menu_item(std::string_view title, int tag, std::string_view shortcut, b
     MenuItem item{.tag = tag, .title = {}, .shortcut = String(shortcut), .is_enabled = is_enabled};
     set_title(item, title);
     return item;
+}
+
+/// What Control with a key makes of the text's size.
+std::optional<int> zoom_of(const CharacterEvent& key) {
+    if (!key.with.control || key.with.alt)
+        return std::nullopt;
+    switch (key.code) {
+    case '+':
+    case '=': // the same key without Shift
+        return 1;
+    case '-':
+        return -1;
+    case '0':
+        return 0;
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -171,6 +189,24 @@ void TextWindow::new_line() {
     insert_text(view_->editing, "\n");
 }
 
+void TextWindow::zoom(int steps) {
+    constexpr int k_size_min = 6;
+    constexpr int k_size_max = 72;
+    Font font = xvt_dwin_get_font(pane_);
+    // Somebody may have set another one since.
+    if (font.size != zoomed_size_)
+        plain_size_ = font.size;
+    zoomed_size_ = steps == 0 ? plain_size_ : std::clamp(font.size + steps, k_size_min, k_size_max);
+    if (font.size == zoomed_size_)
+        return;
+    xvt_font_set_size(font, zoomed_size_);
+    set_view_font(*view_, font);
+    lay_out();
+    // As far as the last lines fill the view.
+    set_top_line(*view_, top_line(*view_));
+    show_scrolled();
+}
+
 void TextWindow::insert_character(char32_t character) {
     if (insert_char(view_->editing, character) || view_->editing.is_read_only)
         return;
@@ -200,7 +236,7 @@ bool TextWindow::take_key(const CharacterEvent& key) {
 }
 
 bool TextWindow::claims_key(const CharacterEvent& key) const {
-    return find_letter_key(key, view_->editing.is_read_only) != nullptr;
+    return find_letter_key(key, view_->editing.is_read_only) != nullptr || zoom_of(key);
 }
 
 void TextWindow::set_read_only(bool is_read_only) {
@@ -285,7 +321,24 @@ void TextWindow::run_command(int tag) {
     }
 }
 
+long TextWindow::turn_wheel(const WheelEvent& wheel) {
+    constexpr int k_notch = 120;
+    if (pointer_->on_wheel(wheel))
+        return 0;
+    const int step = wheel.is_by_pixels ? view_->line_height : k_notch;
+    wheel_rest_ -= wheel.down;
+    if (const int steps = wheel_rest_ / step; steps != 0) {
+        wheel_rest_ %= step;
+        zoom(steps);
+    }
+    return 0;
+}
+
 long TextWindow::on_pane_key(const CharacterEvent& key) {
+    if (const std::optional<int> steps = zoom_of(key)) {
+        zoom(*steps);
+        return 0;
+    }
     if ((key.code == k_escape && pointer_->cancel_drop()) || take_scroll_key(*view_, key))
         return 0;
     if (!take_key(key))
@@ -319,7 +372,7 @@ long TextWindow::on_pane_event(Window pane, const Event& event) {
     } else if (const auto* timer = event.get<TimerEvent>()) {
         pointer_->on_timer(timer->timer);
     } else if (const auto* wheel = event.get<WheelEvent>()) {
-        return pointer_->on_wheel(*wheel) ? 0 : 1;
+        return turn_wheel(*wheel);
     } else if (const auto* menu = event.get<ContextMenuEvent>()) {
         ask_for_menu(menu->at);
     } else if (const auto* command = event.get<CommandEvent>()) {

@@ -23,6 +23,8 @@ public:
     virtual void lay_out();
     /// Enter.
     virtual void new_line();
+    /// The text becomes larger by so many points, or smaller; 0: as it was before.
+    virtual void zoom(int steps);
     /// For a kind's own use.
     virtual void hook() {}
     /// Shows that a key waits for a second one: 27 or 24; 0 for none.
@@ -80,6 +82,7 @@ private:
     void on_status();
     void insert_character(char32_t character);
     void press(const PointerDownEvent& down);
+    long turn_wheel(const WheelEvent& wheel);
     void ask_for_menu(Point at);
     void run_command(int tag);
     long on_pane_event(Window pane, const Event& event);
@@ -92,6 +95,9 @@ private:
     TextDocument document_;
     Owned<TextView> view_;
     Owned<ViewPointer> pointer_;
+    int plain_size_ = 0; ///< of the font, points, before it became `zoomed_size_`
+    int zoomed_size_ = 0;
+    int wheel_rest_ = 0; ///< with Control, not used yet
     // What assistive technology was told last.
     std::uint64_t told_edits_ = 0;
     bool had_selection_ = false;

@@ -216,6 +216,24 @@ TEST(TextWindows, TakeTheKeysOfEveryText) {
                 press_key(key);
             EXPECT_EQ(page.state(), row.after) << row.keys.front();
         }
+        std::string sizes;
+        const int plain = xvt_dwin_get_font(page.pane()).size;
+        const auto note_size = [&] {
+            sizes += std::to_string(xvt_dwin_get_font(page.pane()).size - plain) + " ";
+        };
+        for (const char* key : {"Ctrl++", "Ctrl+=", "Ctrl+-", "Ctrl+0", "Ctrl+-"}) {
+            press_key(key);
+            note_size();
+        }
+        for (const int down : {-80, -80, 280, -24000}) {
+            turn_wheel(page.pane(), {.at = {9, 9}, .with = {.control = true}, .down = down});
+            note_size();
+        }
+        EXPECT_EQ(sizes, "1 2 1 0 -1 -1 0 -2 " + std::to_string(72 - plain) + " ");
+        const KeyClaimEvent back{{.code = '0', .with = {.control = true}}};
+        EXPECT_EQ(xvt_win_dispatch_event(page.pane(), Event{back}), 1);
+        press_key("Ctrl+0");
+        EXPECT_EQ(xvt_dwin_get_font(page.pane()).size, plain);
         page.set_read_only(true);
         for (const char* key : {"y", "Return", "Backspace", "Delete", "Ctrl+X", "Ctrl+V", "Ctrl+Z"})
             press_key(key);

@@ -168,6 +168,7 @@ void turn_wheel(Window window, const WheelEvent& wheel) {
     // With Alt the desktop exchanges the axes.
     const QPoint told = wheel.with.alt ? moved.transposed() : moved;
     const Qt::KeyboardModifiers with = (wheel.with.shift ? Qt::ShiftModifier : Qt::NoModifier) |
+                                       (wheel.with.control ? Qt::ControlModifier : Qt::NoModifier) |
                                        (wheel.with.alt ? Qt::AltModifier : Qt::NoModifier);
     QWheelEvent event(place, target->mapToGlobal(place), wheel.is_by_pixels ? told : QPoint(), told,
                       Qt::NoButton, with, Qt::NoScrollPhase, false);
