@@ -25,12 +25,22 @@ void fill(const TextView& view, const Rect& rect, Color color) {
     xvt_dwin_draw_rect(view.target, rect);
 }
 
-constexpr int k_tint_percent = 8;
-constexpr int k_marked_percent = 35;
-
+/// So much of the highlight, with a trace of the ink, which a dark theme needs.
 Color highlight_part(int percent) {
-    return mix_colors(xvt_scr_get_color(ThemeColor::base), xvt_scr_get_color(ThemeColor::highlight),
-                      percent);
+    constexpr int k_ink_percent = 4;
+    const Color paper = mix_colors(xvt_scr_get_color(ThemeColor::base),
+                                   xvt_scr_get_color(ThemeColor::highlight), percent);
+    return mix_colors(paper, xvt_scr_get_color(ThemeColor::text), k_ink_percent);
+}
+
+Color tint() {
+    constexpr int k_percent = 7;
+    return highlight_part(k_percent);
+}
+
+Color marked_ground() {
+    constexpr int k_percent = 40;
+    return highlight_part(k_percent);
 }
 
 int to_pixel(std::int64_t x) {
@@ -133,7 +143,7 @@ bool draw_over(TextView& view, const Row& row, TextRange range, const RowPart& c
 
 bool draw_marked(TextView& view, const Row& row, const RowPart& columns) {
     for (const TextRange range : ranges_in(view.marked, {row.start, row.end}))
-        if (!draw_over(view, row, range, columns, highlight_part(k_marked_percent), false))
+        if (!draw_over(view, row, range, columns, marked_ground(), false))
             return false;
     return true;
 }
@@ -195,7 +205,7 @@ bool draw_rows(TextView& view, RowPart part) {
     const TextRange selected = selection(view.editing);
     const Color highlight = xvt_scr_get_color(ThemeColor::highlight);
     const std::int64_t tinted = tinted_line(view);
-    const Color tint_color = tinted < 0 ? Color::white : highlight_part(k_tint_percent);
+    const Color tint_color = tinted < 0 ? Color::white : tint();
     xvt_dwin_set_pen(view.target, k_no_pen);
     Row row{.line = top_line(view) + part.first};
     row.start = line_start(document, row.line);
@@ -260,7 +270,7 @@ void draw_caret(TextView& view) {
     view.caret = place;
     const auto row = static_cast<std::size_t>(place.top / view.line_height);
     const bool is_tinted = row < view.grounds.size() && view.grounds[row].is_tinted;
-    view.caret_ground = is_tinted ? highlight_part(k_tint_percent) : Color::white;
+    view.caret_ground = is_tinted ? tint() : Color::white;
     flip_caret(view);
 }
 
