@@ -84,6 +84,7 @@ struct TextView {
     TextRange drawn_selection; ///< in the text of now
     Vector<TextRange> marked;  ///< the same
     bool tints_caret_line = false;
+    Color tint = Color::white;            ///< of that line, since all was drawn anew
     std::optional<ByteOffset> drop_place; ///< the caret is drawn there instead
     std::optional<Rect> caret;            ///< drawn there
     Color caret_ground = Color::white;

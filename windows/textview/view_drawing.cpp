@@ -33,11 +33,6 @@ Color highlight_part(int percent) {
     return mix_colors(paper, xvt_scr_get_color(ThemeColor::text), k_ink_percent);
 }
 
-Color tint() {
-    constexpr int k_percent = 7;
-    return highlight_part(k_percent);
-}
-
 Color marked_ground() {
     constexpr int k_percent = 40;
     return highlight_part(k_percent);
@@ -188,6 +183,11 @@ std::span<const TextRange> ranges_in(std::span<const TextRange> ranges, TextRang
     return {first, last};
 }
 
+Color caret_line_tint() {
+    constexpr int k_percent = 7;
+    return highlight_part(k_percent);
+}
+
 std::int64_t tinted_line(const TextView& view) {
     return view.tints_caret_line ? caret_line(view.editing) : -1;
 }
@@ -203,9 +203,9 @@ bool draw_rows(TextView& view, RowPart part) {
     const bool is_whole = part.left == 0 && part.right == view.width;
     const std::int64_t caret = view.composition.empty() ? -1 : caret_line(view.editing);
     const TextRange selected = selection(view.editing);
-    const Color highlight = xvt_scr_get_color(ThemeColor::highlight);
+    const Color highlight =
+        selected.start == selected.end ? Color::white : xvt_scr_get_color(ThemeColor::highlight);
     const std::int64_t tinted = tinted_line(view);
-    const Color tint_color = tinted < 0 ? Color::white : tint();
     xvt_dwin_set_pen(view.target, k_no_pen);
     Row row{.line = top_line(view) + part.first};
     row.start = line_start(document, row.line);
@@ -220,7 +220,7 @@ bool draw_rows(TextView& view, RowPart part) {
         // A part of a row stays as the rest of it.
         if (is_whole && ground.is_tinted != (row.line == tinted))
             ground = {.is_tinted = row.line == tinted};
-        const Color paper = ground.is_tinted ? tint_color : Color::white;
+        const Color paper = ground.is_tinted ? view.tint : Color::white;
         fill(view, {area.top, area.left, area.bottom, std::min(area.right, ground.bare_from)},
              paper);
         if (is_whole)
@@ -270,7 +270,7 @@ void draw_caret(TextView& view) {
     view.caret = place;
     const auto row = static_cast<std::size_t>(place.top / view.line_height);
     const bool is_tinted = row < view.grounds.size() && view.grounds[row].is_tinted;
-    view.caret_ground = is_tinted ? tint() : Color::white;
+    view.caret_ground = is_tinted ? view.tint : Color::white;
     flip_caret(view);
 }
 

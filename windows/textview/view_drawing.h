@@ -47,6 +47,8 @@ private:
 /// Those of ascending ranges that meet a line, its line end with it.
 [[nodiscard]] std::span<const TextRange> ranges_in(std::span<const TextRange> ranges,
                                                    TextRange line);
+/// The ground of a tinted line in the theme of now.
+[[nodiscard]] Color caret_line_tint();
 /// The line on a ground of its own, or -1.
 [[nodiscard]] std::int64_t tinted_line(const TextView& view);
 

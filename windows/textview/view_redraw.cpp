@@ -79,7 +79,7 @@ bool draw_marked(TextView& view, std::span<const TextRange> before) {
 
 /// Draws the rows whose ground is another now.
 bool draw_tint(TextView& view) {
-    const std::int64_t tinted = tinted_line(view) - top_line(view);
+    const std::int64_t tinted = tinted_line(view) - view.drawn_top;
     for (std::size_t row = 0; row < view.grounds.size(); ++row) {
         const auto number = static_cast<std::int64_t>(row);
         if (view.grounds[row].is_tinted != (number == tinted) &&
@@ -161,6 +161,8 @@ void redraw_all(TextView& view) {
     view.redraw_flags = k_redraw_moved_lines;
     view.redraw = {};
     view.grounds.clear();
+    if (view.tints_caret_line)
+        view.tint = caret_line_tint();
     xvt_dwin_invalidate_rect(view.target, {0, 0, view.height, view.width});
 }
 

@@ -83,6 +83,7 @@ void set_tab_width(TextView& view, int columns) {
 
 void set_caret_line_tint(TextView& view, bool is_tinted) {
     view.tints_caret_line = is_tinted;
+    view.tint = caret_line_tint();
     refresh(view);
 }
 
