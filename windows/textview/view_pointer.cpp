@@ -94,6 +94,9 @@ void ViewPointer::begin_selection(const PointerDownEvent& down) {
 
 void ViewPointer::on_down(const PointerDownEvent& down) {
     const DrawGuard guard(view_);
+    end_drag();
+    if (guard.is_gone())
+        return;
     if (down.button == PointerButton::right) {
         // The menu that follows is about the selection, or what is there.
         const ByteOffset offset = offset_at_point(view_, down.at);
@@ -143,6 +146,8 @@ void ViewPointer::on_up(const PointerUpEvent& up) {
     const std::optional<ByteOffset> place = view_.drop_place;
     const DrawGuard guard(view_);
     end_drag();
+    if (guard.is_gone())
+        return;
     if (place)
         put_selection(view_.editing, *place, up.with.control);
     else if (was_pressed)
@@ -183,9 +188,9 @@ void ViewPointer::end_drag() {
         xvt_timer_destroy(timer_);
     timer_ = TimerId::none;
     xvt_win_release_pointer(view_.target);
+    show_cursor(at_);
     if (view_.drop_place)
         show_drop_place(view_, std::nullopt);
-    show_cursor(at_);
 }
 
 void ViewPointer::scroll_towards(Point at) {
