@@ -65,6 +65,8 @@ protected:
     virtual void show_words(std::string_view) {}
     /// Caret, selection, text or undo count changed.
     virtual void show_status() {}
+    /// What is seen moved, or the text's extent changed.
+    virtual void show_scrolled();
 
     /// Places the text with its scroll bars; logical pixels of the window.
     void place_text(const Rect& area);
@@ -78,7 +80,6 @@ private:
     void redo_last();
     void make_pane();
     void make_view(Window pane);
-    void show_scrolled();
     void on_status();
     void insert_character(char32_t character);
     void press(const PointerDownEvent& down);

@@ -126,7 +126,8 @@ void ViewPointer::on_move(const PointerMoveEvent& move) {
     const int distance = std::abs(at_.x - pressed_at_.x) + std::abs(at_.y - pressed_at_.y);
     if (held_ == Held::selection && distance > view_.line_height / 2)
         held_ = Held::text;
-    const bool is_outside = outside(at_.x, view_.width) != 0 || outside(at_.y, view_.height) != 0;
+    const bool is_outside =
+        outside(at_.y, view_.height) != 0 || (!is_of_lines() && outside(at_.x, view_.width) != 0);
     if (is_outside && timer_ == TimerId::none) {
         timer_ = xvt_timer_create(view_.target, k_scroll_ms);
     } else if (!is_outside && timer_ != TimerId::none) {
@@ -195,7 +196,7 @@ void ViewPointer::end_drag() {
 
 void ViewPointer::scroll_towards(Point at) {
     const int down = steps(outside(at.y, view_.height), view_.line_height);
-    const int right = steps(outside(at.x, view_.width), view_.line_height);
+    const int right = is_of_lines() ? 0 : steps(outside(at.x, view_.width), view_.line_height);
     const DrawGuard guard(view_);
     if (down != 0)
         set_top_line(view_, top_line(view_) + down);

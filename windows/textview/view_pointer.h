@@ -32,6 +32,8 @@ private:
         text,
     };
 
+    /// Then it does not matter how far to the side the pointer is.
+    [[nodiscard]] bool is_of_lines() const { return held_ == Held::lines; }
     [[nodiscard]] TextRange unit_at(ByteOffset offset) const;
     void select_to(Point at);
     void begin_selection(const PointerDownEvent& down);
