@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <set>
 #include <string>
@@ -113,65 +114,36 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
             for (int step = 0; step < 400; ++step) {
                 TextView& view = *views[below(2)];
                 TextEditing& editing = view.editing;
-                switch (below(15)) {
-                case 0:
-                    insert_text(editing, "\n");
-                    break;
-                case 1:
-                    insert_char(editing, std::u32string_view(U"a7-\t\u00E9")[random() % 5]);
-                    break;
-                case 2: {
-                    std::string text(random() % 200, ' ');
-                    for (char& c : text)
-                        c = "abc 123\t\n\n"[random() % (below(8) == 0 ? 8 : 10)];
-                    insert_text(editing, text + "\xE2\x82\xAC");
-                    break;
-                }
-                case 3:
-                    below(2) == 0 ? delete_forward(editing) : delete_backward(editing);
-                    break;
-                case 4:
-                    below(2) == 0 ? undo(editing) : redo(editing);
-                    break;
-                case 5:
-                    select_range(editing, below(600), below(600));
-                    break;
-                case 6:
-                    set_top_line(view, below(80));
-                    break;
-                case 7:
-                    set_hscroll(view, static_cast<int>(below(300)));
-                    break;
-                case 8:
-                    line_down(editing);
-                    line_down(editing);
-                    break;
-                case 9:
-                    insert_bytes(editing.document, below(600), below(2) == 0 ? "\n\n" : "xy");
-                    tell_views(editing.document);
-                    break;
-                case 10:
-                    show_composition(view, below(4) == 0 ? "\xC3\xA9?" : "");
-                    break;
-                case 11:
-                    set_caret_line_tint(view, below(4) != 0);
-                    break;
-                case 12: {
-                    ByteOffset places[6];
-                    std::ranges::generate(places, [&] { return below(600); });
-                    std::ranges::sort(places);
-                    set_marked_ranges(view, std::array{TextRange{places[0], places[1]},
-                                                       TextRange{places[2], places[3]},
-                                                       TextRange{places[4], places[5]}});
-                    break;
-                }
-                case 13:
-                    xvt_vobj_move(pane, {0, 0, 100 + static_cast<int>(below(50)),
-                                         150 + static_cast<int>(below(50))});
-                    break;
-                default:
-                    go_to(editing, {below(90), below(60)});
-                }
+                std::string text(random() % 200, ' ');
+                std::ranges::generate(
+                    text, [&] { return "abc 123\t\n\n"[random() % (step % 8 == 0 ? 8 : 10)]; });
+                const ByteOffset at = below(600);
+                const TextRange marks[] = {{at, at + below(99)}, {at + 99, at + 99 + below(300)}};
+                const std::function<void()> steps[] = {
+                    [&] { insert_text(editing, "\n"); },
+                    [&] { insert_char(editing, U"a7-\t\u00E9"[random() % 5]); },
+                    [&] { insert_text(editing, text + "\xE2\x82\xAC"); },
+                    [&] { at % 2 == 0 ? delete_forward(editing) : delete_backward(editing); },
+                    [&] { at % 2 == 0 ? undo(editing) : redo(editing); },
+                    [&] { select_range(editing, at, below(600)); },
+                    [&] { set_top_line(view, below(80)); },
+                    [&] { set_hscroll(view, static_cast<int>(below(300))); },
+                    [&] { page_down(editing, 2); },
+                    [&] {
+                        insert_bytes(editing.document, at, step % 2 == 0 ? "\n\n" : "xy");
+                        tell_views(editing.document);
+                    },
+                    [&] { show_composition(view, at % 4 == 0 ? "\xC3\xA9?" : ""); },
+                    [&] { set_caret_line_tint(view, at % 4 != 0); },
+                    [&] { set_marked_ranges(view, marks); },
+                    [&] {
+                        xvt_vobj_move(pane, {0, 0, 99 + step % 50, 199 - step % 50});
+                    },
+                    [&] {
+                        go_to(editing, {below(90), below(60)});
+                    },
+                };
+                steps[random() % std::size(steps)]();
                 if (below(2) == 0)
                     show_caret(view);
                 process_events();
@@ -216,24 +188,21 @@ TEST(TextWindows, TakeTheKeysOfEveryText) {
                 press_key(key);
             EXPECT_EQ(page.state(), row.after) << row.keys.front();
         }
-        std::string sizes;
         const int plain = xvt_dwin_get_font(page.pane()).size;
-        const auto note_size = [&] {
-            sizes += std::to_string(xvt_dwin_get_font(page.pane()).size - plain) + " ";
-        };
-        for (const char* key : {"Ctrl++", "Ctrl+=", "Ctrl+-", "Ctrl+0", "Ctrl+-"}) {
+        const auto larger_by = [&] { return xvt_dwin_get_font(page.pane()).size - plain; };
+        for (const auto& [key, by] : {std::pair{"Ctrl++", 1}, {"Ctrl+=", 2}, {"Ctrl+-", 1}}) {
             press_key(key);
-            note_size();
+            EXPECT_EQ(larger_by(), by) << key;
         }
-        for (const int down : {-80, -80, 280, -24000}) {
+        for (const auto& [down, by] :
+             {std::pair{-80, 1}, {-80, 2}, {280, 0}, {-9999, 72 - plain}}) {
             turn_wheel(page.pane(), {.at = {9, 9}, .with = {.control = true}, .down = down});
-            note_size();
+            EXPECT_EQ(larger_by(), by) << down;
         }
-        EXPECT_EQ(sizes, "1 2 1 0 -1 -1 0 -2 " + std::to_string(72 - plain) + " ");
         const KeyClaimEvent back{{.code = '0', .with = {.control = true}}};
         EXPECT_EQ(xvt_win_dispatch_event(page.pane(), Event{back}), 1);
         press_key("Ctrl+0");
-        EXPECT_EQ(xvt_dwin_get_font(page.pane()).size, plain);
+        EXPECT_EQ(larger_by(), 0);
         page.set_read_only(true);
         for (const char* key : {"y", "Return", "Backspace", "Delete", "Ctrl+X", "Ctrl+V", "Ctrl+Z"})
             press_key(key);
@@ -255,11 +224,10 @@ TEST(TextWindows, SelectWithThePointerByCharactersWordsAndLines) {
         set_caret_line_tint(page.view(), true);
         set_marked_ranges(page.view(), std::array{TextRange{0, 3}});
         std::set<std::uint32_t> grounds;
-        for (const ByteOffset marked_tinted_or_bare : {1, 10, 20})
+        for (const ByteOffset at : {1, 10, 20})
             grounds.insert(
-                shown_pixel(page.pane(), {page.at(marked_tinted_or_bare).x,
-                                          place_of(page.view(), marked_tinted_or_bare).top}));
-        EXPECT_EQ(grounds.size(), 3U);
+                shown_pixel(page.pane(), {page.at(at).x, place_of(page.view(), at).top}));
+        EXPECT_EQ(grounds.size(), 3U) << "marked, tinted, bare";
         press_pointer(page.pane(), page.at(2));
         move_pointer(page.pane(), page.at(6));
         EXPECT_EQ(selected(), "e tw");
@@ -280,30 +248,22 @@ TEST(TextWindows, SelectWithThePointerByCharactersWordsAndLines) {
         release_pointer(page.pane(), page.at(18));
         EXPECT_EQ(selected(), "\xC3\xA9t\xC3\xA9\n");
         click(page.pane(), page.at(4));
-        // "tw" of "one two_2" is dragged, or stays; without a button the pointer is lost.
-        struct Drag {
-            ByteOffset to;
-            PointerButton button;
-            std::string key;
-            std::string after;
-        };
-        constexpr PointerButton k_left = PointerButton::left;
-        for (const Drag& drag :
-             {Drag{5, k_left, "", "one t|wo_2"}, Drag{4, k_left, "", "one ^tw|o_2"},
-              Drag{0, PointerButton::none, "", "one ^tw|o_2"},
-              Drag{0, k_left, "Escape", "one ^tw|o_2"}, Drag{0, k_left, "", "^tw|one o_2"},
-              Drag{8, k_left, "", "one o_^tw|2"}, Drag{8, k_left, "Ctrl", "one two_^tw|2"}}) {
+        // "tw" of "one two_2" is dragged, or stays.
+        const std::tuple<ByteOffset, std::string, std::string> drags[] = {
+            {5, "", "one t|wo_2"},       {4, "", "one ^tw|o_2"},    {0, "lost", "one ^tw|o_2"},
+            {0, "", "^tw|one o_2"},      {0, "Esc", "one ^tw|o_2"}, {8, "", "one o_^tw|2"},
+            {8, "Ctrl", "one two_^tw|2"}};
+        for (const auto& [to, how, after] : drags) {
             select_range(page.editing(), 4, 6);
             press_pointer(page.pane(), page.at(5));
-            move_pointer(page.pane(), page.at(drag.to));
-            if (drag.key == "Escape")
-                press_key("Escape");
-            xvt_win_dispatch_event(page.pane(),
-                                   Event{PointerUpEvent{.at = page.at(drag.to),
-                                                        .button = drag.button,
-                                                        .with = {.control = drag.key == "Ctrl"}}});
-            release_pointer(page.pane(), page.at(drag.to));
-            EXPECT_EQ(page.state().substr(0, drag.after.size()), drag.after) << drag.to;
+            move_pointer(page.pane(), page.at(to));
+            if (how == "Esc")
+                press_key(how);
+            PointerUpEvent up{.at = page.at(to), .with = {.control = how == "Ctrl"}};
+            up.button = how == "lost" ? PointerButton::none : PointerButton::left;
+            xvt_win_dispatch_event(page.pane(), Event{up});
+            release_pointer(page.pane(), page.at(to));
+            EXPECT_EQ(page.state().substr(0, after.size()), after) << to << how;
             if (page.state().find("two_2") == std::string::npos)
                 press_key("Ctrl+Z");
         }
