@@ -162,14 +162,11 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
 
 /// Keys and what they make of a text with its caret and selection.
 TEST(TextWindows, TakeTheKeysOfEveryText) {
-    struct Row {
-        std::vector<std::string> keys;
-        std::string after;
-    };
+    using Row = std::pair<std::vector<std::string>, std::string>;
     in_application([] {
         Page page;
         xvt_vobj_set_focus(page.pane());
-        for (const Row& row : {
+        for (const auto& [keys, after] : {
                  Row{{"a", "b", "Return", "Tab", "c"}, "ab\n\tc|"},
                  Row{{"Shift+Up", "Shift+Home"}, "|ab\n\tc^"},
                  Row{{"Ctrl+X", "Ctrl+V", "Ctrl+V"}, "ab\n\tcab\n\tc|"},
@@ -184,9 +181,9 @@ TEST(TextWindows, TakeTheKeysOfEveryText) {
                  Row{{"Ctrl+End", "Shift+PgUp"}, "|xcxc^"},
                  Row{{"PgDown"}, "|xcxc"},
              }) {
-            for (const std::string& key : row.keys)
+            for (const std::string& key : keys)
                 press_key(key);
-            EXPECT_EQ(page.state(), row.after) << row.keys.front();
+            EXPECT_EQ(page.state(), after) << keys.front();
         }
         const int plain = xvt_dwin_get_font(page.pane()).size;
         const auto larger_by = [&] { return xvt_dwin_get_font(page.pane()).size - plain; };
