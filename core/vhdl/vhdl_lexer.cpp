@@ -6,8 +6,6 @@
 namespace pellux {
 namespace {
 
-// Behind these an expression or a literal may stand, and so a character literal. All standards
-// reserve them: behind any other word an apostrophe may be an attribute's.
 constexpr std::array<std::string_view, 32> k_words_before_literals{
     "abs",      "alias", "and",       "assert", "case", "downto", "else",   "elsif",
     "guarded",  "if",    "in",        "is",     "mod",  "nand",   "nor",    "not",
@@ -49,6 +47,10 @@ String folded_identifier(std::string_view identifier) {
 
 bool is_base_specifier(std::string_view word) {
     return is_one_of(k_base_specifiers, word);
+}
+
+bool may_precede_literal(std::string_view word) {
+    return is_one_of(k_words_before_literals, word);
 }
 
 const char* VhdlLexer::line_end(const char* from) const {
@@ -127,7 +129,7 @@ bool VhdlLexer::is_character_literal(const char* from) const {
     }
     const bool may_follow_name =
         from[1] == '(' || from[1] == '\\' || vhdl_class(from[1]) == VhdlClass::letter;
-    return !may_follow_name || is_one_of(k_words_before_literals, text());
+    return !may_follow_name || may_precede_literal(text());
 }
 
 /// The token at `from`: a number, a literal, an extended identifier, a word of one letter before a

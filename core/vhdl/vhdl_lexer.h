@@ -160,6 +160,10 @@ inline bool VhdlLexer::is_word(std::string_view lower_case) const {
 /// May a string that follows the word at once be a bit string with it?
 [[nodiscard]] bool is_base_specifier(std::string_view word);
 
+/// May a character literal follow the word? All standards reserve it then, and behind any other
+/// word an apostrophe may be an attribute's.
+[[nodiscard]] bool may_precede_literal(std::string_view word);
+
 /// Identifiers, numbers and delimiters of a VHDL text in their order; comments, string and
 /// character literals are left out. Basic identifiers and reserved words come folded to lower case,
 /// a delimiter is one character.
