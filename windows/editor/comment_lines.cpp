@@ -60,13 +60,6 @@ void CommentLines::take_changes() {
         take_change(changes.at(number));
     if (watcher_.seen != changes.end())
         changes.mark_seen(watcher_, changes.end());
-    // A text that is loaded tells nobody.
-    if (size_ != text_size(document_)) {
-        stops_.resize(1);
-        checked_ = 1;
-        last_ = {};
-        size_ = text_size(document_);
-    }
 }
 
 void CommentLines::take_change(const TextChange& change) {
@@ -150,6 +143,13 @@ void CommentLines::learn_up_to(ByteOffset line_start) {
 
 bool CommentLines::starts_in_comment(ByteOffset line_start) {
     take_changes();
+    // A text that is loaded tells nobody.
+    if (size_ != text_size(document_)) {
+        stops_.resize(1);
+        checked_ = 1;
+        last_ = {};
+        size_ = text_size(document_);
+    }
     learn_up_to(line_start);
     const Stop& stop = *(std::ranges::upper_bound(stops_, line_start, {}, &Stop::offset) - 1);
     const bool goes_on = last_.offset >= stop.offset && last_.offset <= line_start;

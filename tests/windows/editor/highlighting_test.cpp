@@ -139,7 +139,7 @@ TEST(Looks, AreThoseOfWordsAndComments) {
         const char* text;
         const char* looks;
     };
-    load_keywords();
+    ASSERT_TRUE(load_keywords());
     std::mt19937 random(1);
     for (const Row& row : {
              Row{"Entity ENTITY entity_1 entity", "KKKKKK KKKKKK          KKKKKK"},
@@ -172,7 +172,7 @@ TEST(Looks, AreThoseOfWordsAndComments) {
 
 /// The packages that come with GHDL, some of them or, with many rounds, all.
 TEST(Looks, OfRealFilesAreThoseOfATokenizerOfTheWholeText) {
-    load_keywords();
+    ASSERT_TRUE(load_keywords());
     const test::Rounds rounds(30);
     std::mt19937 random(rounds.seed);
     std::vector<std::filesystem::path> files;
@@ -204,20 +204,23 @@ std::string random_text(std::mt19937& random, std::size_t pieces, bool has_lines
 
 /// Texts of short lines, and of few that are long, asked for while they change.
 TEST(Looks, AfterRandomEditsAreThoseOfATokenizerOfTheWholeText) {
-    load_keywords();
+    ASSERT_TRUE(load_keywords());
     const test::Rounds rounds(4);
     for (int round = 0; round < rounds.count; ++round) {
         const unsigned seed = rounds.seed + static_cast<unsigned>(round);
         std::mt19937 random(seed);
         const bool is_long = round % 2 == 1;
         TextDocument document;
-        LineLooks looks(document, 50);
+        LineLooks looks(document, 200);
         std::string text = random_text(random, is_long ? 20'000 : 600, !is_long);
         append_loaded(document, text);
+        std::size_t here = 0;
         for (int step = 0; step < (is_long ? 100 : 1000); ++step) {
+            if (step % 10 == 0 || here > text.size())
+                here = random() % (text.size() + 1);
             for (std::size_t edits = random() % 3; edits > 0; --edits) {
-                const std::size_t at = random() % (text.size() + 1);
-                const std::size_t most = random() % 20 == 0 ? text.size() / 3 : 4;
+                const std::size_t at = std::min(here + random() % 40, text.size());
+                const std::size_t most = random() % 20 == 0 ? text.size() / 3 + 1 : 4;
                 const std::size_t size = std::min(random() % most, text.size() - at);
                 const std::string added = random_text(
                     random, random() % (random() % 20 == 0 ? 400 : 3), random() % 9 == 0);
@@ -226,14 +229,105 @@ TEST(Looks, AfterRandomEditsAreThoseOfATokenizerOfTheWholeText) {
                 insert_bytes(document, static_cast<ByteOffset>(at), added);
             }
             const std::string expected = expected_looks(text);
+            const std::int64_t first = line_of(point_at(document, static_cast<ByteOffset>(here)));
             for (int i = 0; i < 5; ++i) {
-                const auto line = static_cast<std::int64_t>(
-                    random() % static_cast<std::size_t>(line_count(document)));
+                const std::int64_t line = std::min(first + static_cast<std::int64_t>(random() % 9),
+                                                   line_count(document) - 1);
                 ASSERT_EQ(differing(looks, document, line, expected, random), "")
                     << "seed " << seed << " step " << step;
             }
         }
     }
+}
+
+/// A window with a highlighted text.
+struct Page : TextWindow {
+    Highlighter highlighter{document()};
+
+    Page(std::string_view text, TextEncoding encoding, const HighlightLooks& looks) {
+        document().encoding = encoding;
+        insert_bytes(document(), 0, text);
+        xvt_win_create_res(k_test_window, {handle, this});
+        highlighter.looks = looks;
+        set_draw_callback(view(), Highlighter::draw, &highlighter);
+        process_events();
+    }
+    ~Page() override { xvt_vobj_destroy(window()); }
+    /// Without the caret, which only one window has.
+    [[nodiscard]] std::vector<std::uint32_t> picture() {
+        set_view_focus(view(), false);
+        return shown_pixels(view().target);
+    }
+};
+
+/// A comment that begins or ends in a line changes the lines below it.
+TEST(Highlighting, ShowsAfterEachChangeWhatItWouldShowDrawnAnew) {
+    ASSERT_TRUE(load_keywords());
+    in_application([] {
+        const test::Rounds rounds(2);
+        for (int round = 0; round < rounds.count; ++round) {
+            const unsigned seed = rounds.seed + static_cast<unsigned>(round);
+            std::mt19937 random(seed);
+            Source_options options;
+            options.set(OptionFlag::highlight_keywords, true);
+            Page page(random_text(random, 600, true), TextEncoding::utf_8, looks_of(options));
+            TextView& view = page.view();
+            for (int step = 0; step < 200; ++step) {
+                for (std::size_t edits = random() % 3; edits > 0; --edits) {
+                    const std::int64_t line =
+                        top_line(view) + static_cast<std::int64_t>(random() % 20);
+                    go_to(view.editing, {line, static_cast<std::int64_t>(random() % 20)});
+                    insert_text(view.editing, random_text(random, random() % 4, true));
+                    delete_forward(view.editing);
+                    if (random() % 9 == 0)
+                        undo(view.editing);
+                    page.highlighter.follow_changes(view);
+                }
+                set_top_line(view, top_line(view) + static_cast<std::int64_t>(random() % 5) - 2);
+                process_events();
+                const auto shown = page.picture();
+                redraw_all(view);
+                process_events();
+                ASSERT_TRUE(shown == page.picture()) << "seed " << seed << " step " << step;
+            }
+        }
+    });
+}
+
+/// Letters are shown in upper case only where that is asked for, and the text stays as it is.
+TEST(Highlighting, ShowsKeywordsAndCommentsInTheirLooks) {
+    ASSERT_TRUE(load_keywords());
+    in_application([] {
+        Source_options options;
+        options.flags |= 1 << 26 | 2 << 28; // bold and slanted
+        options.set(OptionFlag::highlight_keywords, true);
+        const HighlightLooks looks = looks_of(options);
+        options.set(OptionFlag::upper_case_keywords, true);
+        options.set(OptionFlag::upper_case_comments, true);
+        const HighlightLooks upper = looks_of(options);
+        HighlightLooks plain;
+        plain.comments.color = Color::red;
+        for (const bool is_utf8 : {false, true}) {
+            const TextEncoding encoding = is_utf8 ? TextEncoding::utf_8 : TextEncoding::latin_1;
+            const std::string small = is_utf8 ? "\xC3\xA4 \xC3\xB7" : "\xE4 \xF7";
+            const std::string large = is_utf8 ? "\xC3\x84 \xC3\xB7" : "\xC4 \xF7";
+            Page page("end e\t" + small + " is --\ta" + small + "z", encoding, upper);
+            Page same("END e\t" + small + " IS --\tA" + large + "Z", encoding, looks);
+            EXPECT_TRUE(page.picture() == same.picture());
+            select_range(page.view().editing, 1, 14);
+            select_range(same.view().editing, 1, 14);
+            process_events();
+            EXPECT_TRUE(page.picture() == same.picture());
+            page.highlighter.looks = plain;
+            redraw_all(page.view());
+            process_events();
+            const auto shown = page.picture();
+            EXPECT_FALSE(shown == same.picture());
+            set_draw_callback(page.view(), nullptr, nullptr);
+            process_events();
+            EXPECT_TRUE(shown == page.picture());
+        }
+    });
 }
 
 /// A file of keywords that is no good is warned of once, and tried again.
