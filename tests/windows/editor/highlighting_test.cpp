@@ -13,7 +13,6 @@
 
 #include <sys/stat.h>
 
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -26,98 +25,73 @@
 namespace pellux {
 namespace {
 
-/// How each byte of a text looks: 'K' keyword, 'C' comment, '.' plain, '|' at a line end. The whole
-/// text at once, by the first of some patterns that fits.
+bool is_letter(char c) {
+    return is_ascii_letter(c) || static_cast<unsigned char>(c) > 127;
+}
+
+/// How each byte of a text looks: 'K' keyword, 'C' comment, '.' plain. The whole text at once,
+/// token by token.
 std::string expected_looks(const std::string& text) {
     static const std::set<std::string> words = [] {
         std::ifstream file(PELLUX_SOURCE_DIR "/data/vhdl.tok");
         return std::set<std::string>(std::istream_iterator<std::string>(file), {});
     }();
-    const auto is_foreign = [](char c) { return static_cast<unsigned char>(c) > 127; };
-    const auto is_letter = [&](char c) {
-        return std::isalpha(static_cast<unsigned char>(c)) != 0 || is_foreign(c);
-    };
-    std::string looks(text.size(), '.');
+    std::string looks;
     bool is_after_name = false;
-    for (std::size_t i = 0; i < text.size();) {
-        const char c = text[i];
-        const std::string pair = text.substr(i, 2);
-        std::size_t end = i + 1;
-        char look = '.';
+    while (looks.size() < text.size()) {
+        const std::string_view rest = std::string_view(text).substr(looks.size());
+        const char c = rest[0];
+        const auto line = [rest] { return std::min(rest.find('\n'), rest.size()); };
         const bool was_after_name = std::exchange(is_after_name, c == ')' || c == ']');
-        if (pair == "--" || pair == "/*") {
-            const std::size_t close = pair == "--" ? text.find('\n', i) : text.find("*/", i + 2);
-            end = close == text.npos ? text.size() : close + (pair == "--" ? 0 : 2);
+        std::size_t size = 1;
+        char look = '.';
+        if (rest.starts_with("--") || rest.starts_with("/*")) {
+            size = c == '-' ? line() : std::min(rest.find("*/", 2), rest.size() - 2) + 2;
             look = 'C';
-            is_after_name = was_after_name && text.substr(i, end - i).find('\n') == text.npos;
+            is_after_name = was_after_name && size <= line();
         } else if (c == '"' || c == '\\') {
-            end = text.find_first_of({c, '\n', '\0'}, i + 1);
-            end = end == text.npos ? text.size() : end + (text[end] == c ? 1 : 0);
+            size = std::min(rest.find(c, 1), line() - 1) + 1;
             is_after_name = c == '\\';
         } else if (c == '\'') {
-            std::size_t close = i + 2;
-            while (close < text.size() && close < i + 5 && is_foreign(text[i + 1]) &&
-                   is_foreign(text[close]))
-                ++close;
-            const bool may_be = close < text.size() && text[close] == '\'' && text[i + 1] != '\n';
+            const bool is_long = line() > 2 && rest[1] < 0 && rest[2] < 0;
+            const std::size_t close =
+                is_long ? std::min<std::size_t>(rest.find_first_of("\n '", 1), 5) : 2;
             const bool may_be_attribute =
-                may_be && (is_letter(text[i + 1]) || text[i + 1] == '(' || text[i + 1] == '\\');
-            is_after_name = may_be && !(was_after_name && may_be_attribute);
-            end = is_after_name ? close + 1 : end;
+                line() > 1 && (is_letter(rest[1]) || rest[1] == '(' || rest[1] == '\\');
+            is_after_name =
+                close < line() && rest[close] == '\'' && !(was_after_name && may_be_attribute);
+            size = is_after_name ? close + 1 : 1;
         } else if (is_letter(c)) {
-            while (end < text.size() &&
-                   (is_letter(text[end]) ||
-                    std::isdigit(static_cast<unsigned char>(text[end])) != 0 || text[end] == '_'))
-                ++end;
-            std::string word = text.substr(i, end - i);
+            while (size < rest.size() &&
+                   (is_letter(rest[size]) || is_ascii_digit(rest[size]) || rest[size] == '_'))
+                ++size;
+            std::string word(rest.substr(0, size));
             is_after_name = !may_precede_literal(word);
-            for (char& letter : word)
-                letter = ascii_lower(letter);
+            std::transform(word.begin(), word.end(), word.begin(), ascii_lower);
             look = words.contains(word) ? 'K' : '.';
-        } else if (c == ' ' || c == '\t' || (c >= '\v' && c <= '\r')) {
+        } else if (c == ' ' || c == '\t') {
             is_after_name = was_after_name;
         }
-        std::fill(looks.begin() + static_cast<std::ptrdiff_t>(i),
-                  looks.begin() + static_cast<std::ptrdiff_t>(end), look);
-        i = end;
+        looks.append(size, look);
     }
     return looks;
 }
 
-/// The same of one line of a document, asked for in pieces as a view would, from some place on.
-std::string shown_looks(LineLooks& looks, const TextDocument& document, std::int64_t line,
-                        std::mt19937& random) {
-    const ByteOffset start = line_start(document, line);
-    const ByteOffset end = line_end(document, line);
-    const auto below = [&](ByteOffset limit) {
-        return static_cast<ByteOffset>(random() % static_cast<std::uint64_t>(limit));
-    };
-    ByteOffset at = below(2) == 0 ? start : start + below(end - start + 1);
-    std::string shown(static_cast<std::size_t>(at - start), '?');
-    looks.begin(start, at);
-    while (at < end) {
-        const ByteOffset piece_end = std::min(end, at + 1 + below(100));
-        while (at < piece_end) {
-            const LookStretch stretch = looks.next(at, piece_end);
-            shown.append(static_cast<std::size_t>(stretch.end - at),
-                         ".KC"[static_cast<int>(stretch.look)]);
-            at = stretch.end;
-        }
-    }
-    return shown;
-}
-
-/// The first place of a line that looks otherwise than it should, with what stands around it; empty
-/// where there is none.
+/// Asks for a line in pieces as a view would, from some place on. Answers the first place that
+/// looks otherwise than it should, with what stands around it; empty where there is none.
 std::string differing(LineLooks& looks, const TextDocument& document, std::int64_t line,
                       const std::string& expected, std::mt19937& random) {
+    const auto below = [&](ByteOffset limit) { return static_cast<ByteOffset>(random()) % limit; };
     const ByteOffset start = line_start(document, line);
-    const std::string shown = shown_looks(looks, document, line, random);
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        const ByteOffset at = start + static_cast<ByteOffset>(i);
-        if (shown[i] != '?' && shown[i] != expected[static_cast<std::size_t>(at)])
-            return std::to_string(at) + " " + shown[i] + ": " +
-                   std::string(copy_text(document, std::max(start, at - 40), 80));
+    const ByteOffset end = line_end(document, line);
+    ByteOffset at = start + below(2) * below(end - start + 1);
+    looks.begin(start, at);
+    while (at < end) {
+        const LookStretch stretch = looks.next(at, std::min(end, at + 1 + below(100)));
+        for (; at < stretch.end; ++at)
+            if (expected[static_cast<std::size_t>(at)] != ".KC"[static_cast<int>(stretch.look)])
+                return std::to_string(at) + ": " +
+                       std::string(copy_text(document, std::max(start, at - 40), 80));
     }
     return {};
 }
@@ -135,38 +109,34 @@ std::string differing(const std::string& text, const std::string& expected, std:
 }
 
 TEST(Looks, AreThoseOfWordsAndComments) {
-    struct Row {
-        const char* text;
-        const char* looks;
+    constexpr const char* k_rows[][2] = {
+        {"Entity ENTITY entity_1 entity", "KKKKKK KKKKKK          KKKKKK"},
+        {"end_ 2end \xC3\xA9"
+         "end _end",
+         "      KKK        KKK"},
+        {"a--b end", " CCCCCCC"},
+        {"end-end - -end", "KKK KKK    KKK"},
+        {R"(\end\ end \a\\end\end)", "      KKK         KKK"},
+        {R"(when '"' end --")", "KKKK     KKK CCC"},
+        {R"(character'('"') end)", "                KKK"},
+        {R"(a(1)'end'('-') return'-'--x)", "     KKK       KKKKKK   CCC"},
+        {R"("--" end "a""end" end)", "     KKK          KKK"},
+        {"''' end ' '''end", "    KKK      KKK"},
+        {R"(x"ab" & "/*" end)", "             KKK"},
+        {"\"end\nend\\end\nend", "     KKK     KKK"},
+        {"'/*' end -- /*\nend", " CCCCCCCCCCCCCCCCC"},
+        {"/* /* */ end /*/ end\n* end */end", "CCCCCCCC KKK CCCCCCCCCCCCCCCCKKK"},
+        {"end/**/end/***/'\xE4'\"end", "KKKCCCCKKKCCCCC       "},
+        {"'\xC3\xA9','\"',end", "         KKK"},
     };
     ASSERT_TRUE(load_keywords());
     std::mt19937 random(1);
-    for (const Row& row : {
-             Row{"Entity ENTITY entity_1 entity", "KKKKKK KKKKKK          KKKKKK"},
-             Row{"end_ 2end \xC3\xA9"
-                 "end _end",
-                 "      KKK        KKK"},
-             Row{"a--b end", " CCCCCCC"},
-             Row{"end-end - -end", "KKK KKK    KKK"},
-             Row{R"(\end\ end \a\\end\end)", "      KKK         KKK"},
-             Row{R"(when '"' end --")", "KKKK     KKK CCC"},
-             Row{R"(character'('"') end)", "                KKK"},
-             Row{R"(a(1)'end'('-') return'-'--x)", "     KKK       KKKKKK   CCC"},
-             Row{R"("--" end "a""end" end)", "     KKK          KKK"},
-             Row{"''' end ' '''end", "    KKK      KKK"},
-             Row{R"(x"ab" & "/*" end)", "             KKK"},
-             Row{"\"end\nend\\end\nend", "    |KKK    |KKK"},
-             Row{"'/*' end -- /*\nend", " CCCCCCCCCCCCC|CCC"},
-             Row{"/* /* */ end /*/ end\n* end */end", "CCCCCCCC KKK CCCCCCC|CCCCCCCCKKK"},
-             Row{"end/**/end/***/'\xE4'\"end", "KKKCCCCKKKCCCCC       "},
-             Row{"'\xC3\xA9','\"',end", "         KKK"},
-         }) {
-        std::string expected = expected_looks(row.text);
-        std::string looks = row.looks;
-        for (std::size_t i = 0; i < looks.size() && i < expected.size(); ++i)
-            looks[i] = looks[i] == '|' ? expected[i] : looks[i] == ' ' ? '.' : looks[i];
-        EXPECT_EQ(expected, looks) << row.text;
-        EXPECT_EQ(differing(row.text, looks, random), "");
+    for (const auto& [text, looks] : k_rows) {
+        std::string expected = looks;
+        std::replace(expected.begin(), expected.end(), ' ', '.');
+        expected.resize(std::string(text).size(), '.');
+        EXPECT_EQ(expected_looks(text), expected) << text;
+        EXPECT_EQ(differing(text, expected, random), "");
     }
 }
 
@@ -179,9 +149,9 @@ TEST(Looks, OfRealFilesAreThoseOfATokenizerOfTheWholeText) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator("/usr/lib/ghdl/src"))
         if (entry.path().extension() == ".vhd" || entry.path().extension() == ".vhdl")
             files.push_back(entry.path());
-    ASSERT_FALSE(files.empty());
     std::shuffle(files.begin(), files.end(), random);
     files.resize(std::min(files.size(), static_cast<std::size_t>(rounds.count)));
+    ASSERT_FALSE(files.empty());
     for (const auto& path : files) {
         std::ifstream file(path, std::ios::binary);
         const std::string text(std::istreambuf_iterator<char>(file), {});
@@ -207,8 +177,7 @@ TEST(Looks, AfterRandomEditsAreThoseOfATokenizerOfTheWholeText) {
     ASSERT_TRUE(load_keywords());
     const test::Rounds rounds(4);
     for (int round = 0; round < rounds.count; ++round) {
-        const unsigned seed = rounds.seed + static_cast<unsigned>(round);
-        std::mt19937 random(seed);
+        std::mt19937 random(rounds.seed + static_cast<unsigned>(round));
         const bool is_long = round % 2 == 1;
         TextDocument document;
         LineLooks looks(document, 200);
@@ -222,19 +191,18 @@ TEST(Looks, AfterRandomEditsAreThoseOfATokenizerOfTheWholeText) {
                 const std::size_t at = std::min(here + random() % 40, text.size());
                 const std::size_t most = random() % 20 == 0 ? text.size() / 3 + 1 : 4;
                 const std::size_t size = std::min(random() % most, text.size() - at);
-                const std::string added = random_text(
-                    random, random() % (random() % 20 == 0 ? 400 : 3), random() % 9 == 0);
+                const std::string added =
+                    random_text(random, random() % 20 == 0 ? 400 : 2, random() % 9 == 0);
                 text.replace(at, size, added);
                 erase_bytes(document, static_cast<ByteOffset>(at), static_cast<ByteOffset>(size));
                 insert_bytes(document, static_cast<ByteOffset>(at), added);
             }
             const std::string expected = expected_looks(text);
-            const std::int64_t first = line_of(point_at(document, static_cast<ByteOffset>(here)));
             for (int i = 0; i < 5; ++i) {
-                const std::int64_t line = std::min(first + static_cast<std::int64_t>(random() % 9),
-                                                   line_count(document) - 1);
+                const std::int64_t line =
+                    line_of(point_at(document, static_cast<ByteOffset>(here + random() % 100)));
                 ASSERT_EQ(differing(looks, document, line, expected, random), "")
-                    << "seed " << seed << " step " << step;
+                    << "seed " << rounds.seed << " round " << round << " step " << step;
             }
         }
     }
@@ -250,12 +218,12 @@ struct Page : TextWindow {
         xvt_win_create_res(k_test_window, {handle, this});
         highlighter.looks = looks;
         set_draw_callback(view(), Highlighter::draw, &highlighter);
-        process_events();
     }
     ~Page() override { xvt_vobj_destroy(window()); }
     /// Without the caret, which only one window has.
     [[nodiscard]] std::vector<std::uint32_t> picture() {
         set_view_focus(view(), false);
+        process_events();
         return shown_pixels(view().target);
     }
 };
@@ -265,30 +233,28 @@ TEST(Highlighting, ShowsAfterEachChangeWhatItWouldShowDrawnAnew) {
     ASSERT_TRUE(load_keywords());
     in_application([] {
         const test::Rounds rounds(2);
+        std::mt19937 random(rounds.seed);
+        Source_options options;
+        options.set(OptionFlag::highlight_keywords, true);
         for (int round = 0; round < rounds.count; ++round) {
-            const unsigned seed = rounds.seed + static_cast<unsigned>(round);
-            std::mt19937 random(seed);
-            Source_options options;
-            options.set(OptionFlag::highlight_keywords, true);
             Page page(random_text(random, 600, true), TextEncoding::utf_8, looks_of(options));
             TextView& view = page.view();
+            const auto below = [&](unsigned limit) {
+                return static_cast<std::int64_t>(random() % limit);
+            };
             for (int step = 0; step < 200; ++step) {
-                for (std::size_t edits = random() % 3; edits > 0; --edits) {
-                    const std::int64_t line =
-                        top_line(view) + static_cast<std::int64_t>(random() % 20);
-                    go_to(view.editing, {line, static_cast<std::int64_t>(random() % 20)});
+                for (std::int64_t edits = below(3); edits > 0; --edits) {
+                    go_to(view.editing, {top_line(view) + below(20), below(20)});
                     insert_text(view.editing, random_text(random, random() % 4, true));
                     delete_forward(view.editing);
-                    if (random() % 9 == 0)
+                    if (below(9) == 0)
                         undo(view.editing);
                     page.highlighter.follow_changes(view);
                 }
-                set_top_line(view, top_line(view) + static_cast<std::int64_t>(random() % 5) - 2);
-                process_events();
+                set_top_line(view, top_line(view) + below(5) - 2);
                 const auto shown = page.picture();
                 redraw_all(view);
-                process_events();
-                ASSERT_TRUE(shown == page.picture()) << "seed " << seed << " step " << step;
+                ASSERT_TRUE(shown == page.picture()) << "seed " << rounds.seed << " step " << step;
             }
         }
     });
@@ -299,14 +265,12 @@ TEST(Highlighting, ShowsKeywordsAndCommentsInTheirLooks) {
     ASSERT_TRUE(load_keywords());
     in_application([] {
         Source_options options;
-        options.flags |= 1 << 26 | 2 << 28; // bold and slanted
+        options.flags = 1 << 26 | 2 << 28; // bold and slanted
         options.set(OptionFlag::highlight_keywords, true);
         const HighlightLooks looks = looks_of(options);
         options.set(OptionFlag::upper_case_keywords, true);
         options.set(OptionFlag::upper_case_comments, true);
         const HighlightLooks upper = looks_of(options);
-        HighlightLooks plain;
-        plain.comments.color = Color::red;
         for (const bool is_utf8 : {false, true}) {
             const TextEncoding encoding = is_utf8 ? TextEncoding::utf_8 : TextEncoding::latin_1;
             const std::string small = is_utf8 ? "\xC3\xA4 \xC3\xB7" : "\xE4 \xF7";
@@ -316,15 +280,12 @@ TEST(Highlighting, ShowsKeywordsAndCommentsInTheirLooks) {
             EXPECT_TRUE(page.picture() == same.picture());
             select_range(page.view().editing, 1, 14);
             select_range(same.view().editing, 1, 14);
-            process_events();
             EXPECT_TRUE(page.picture() == same.picture());
-            page.highlighter.looks = plain;
+            page.highlighter.looks = {};
             redraw_all(page.view());
-            process_events();
             const auto shown = page.picture();
             EXPECT_FALSE(shown == same.picture());
             set_draw_callback(page.view(), nullptr, nullptr);
-            process_events();
             EXPECT_TRUE(shown == page.picture());
         }
     });
@@ -333,16 +294,11 @@ TEST(Highlighting, ShowsKeywordsAndCommentsInTheirLooks) {
 /// A file of keywords that is no good is warned of once, and tried again.
 TEST(Keywords, ComeFromAnyFileThatHasEnoughOfThem) {
     const std::string ten = " a\tb\r\nc d e f g h i\vj\n";
-    struct Row {
-        std::string file;
-        bool is_good;
-    };
-    const Row rows[] = {
+    const std::pair<std::string, bool> rows[] = {
         {ten, false},
         {ten + std::string(300'000, ' ') + "entity", false},
         {ten + std::string("entity\0", 7), false},
-        {std::string(100, 'x') + ten, true},
-        {ten + std::string(99, 'X') + "\nENTITY", true},
+        {std::string(100, 'x') + ten + std::string(99, 'X') + "\nENTITY", true},
     };
     Scratch scratch;
     forget_keywords();
@@ -352,24 +308,21 @@ TEST(Keywords, ComeFromAnyFileThatHasEnoughOfThem) {
         EXPECT_FALSE(load_keywords());
         ASSERT_EQ(::mkfifo("vhdl.tok", 0600), 0);
         EXPECT_FALSE(load_keywords());
-        ASSERT_EQ(::unlink("vhdl.tok"), 0);
-        for (const Row& row : rows) {
-            scratch.write("vhdl.tok", row.file);
-            EXPECT_EQ(load_keywords(), row.is_good) << row.file.substr(0, 30);
+        std::filesystem::remove("vhdl.tok");
+        for (const auto& [file, is_good] : rows) {
+            scratch.write("vhdl.tok", file);
+            EXPECT_EQ(load_keywords(), is_good) << file.substr(0, 30);
             warnings += must_warn_of_keywords() ? 1 : 0;
-            EXPECT_EQ(is_keyword("B"), row.is_good);
-            EXPECT_FALSE(is_keyword(std::string(100, 'x')));
-            if (row.is_good && &row != std::end(rows) - 1)
-                forget_keywords();
+            EXPECT_EQ(is_keyword("B"), is_good);
         }
     }
     EXPECT_EQ(warnings, 1);
     EXPECT_TRUE(is_keyword("Entity"));
     EXPECT_TRUE(is_keyword(std::string(99, 'x')));
+    EXPECT_FALSE(is_keyword(std::string(100, 'x')));
     forget_keywords();
     EXPECT_TRUE(load_keywords()) << "that of the installation";
     EXPECT_TRUE(is_keyword("restrict_guarantee"));
-    EXPECT_FALSE(must_warn_of_keywords());
 }
 
 } // namespace
