@@ -44,6 +44,16 @@ ByteOffset PairSearch::find(ByteOffset from, ByteOffset to) const {
     return to;
 }
 
+/// Where the line of an offset begins; seldom asks the index, as most lines begin in the same
+/// block.
+ByteOffset start_of_line(const TextDocument& document, ByteOffset offset) {
+    const TextPoint point = point_at(document, offset);
+    int from = point.offset;
+    while (from > 0 && byte_at(*point.block, from - 1) != '\n')
+        --from;
+    return from > 0 ? offset - (point.offset - from) : line_start(document, line_of(point));
+}
+
 } // namespace
 
 CommentLines::CommentLines(TextDocument& document, ByteOffset distance)
@@ -98,7 +108,7 @@ bool CommentLines::scan(const Stop& from, ByteOffset to) const {
         if (found == to)
             return false;
         // From the start of its line, or from where a comment in that line ended.
-        const ByteOffset start = line_start(document_, line_of(point_at(document_, found)));
+        const ByteOffset start = start_of_line(document_, found);
         LineScan line{.at = std::max(at, start), .state = {}};
         while (!line.is_at_end)
             scan_piece(document_, line, nullptr);
