@@ -36,10 +36,6 @@ char upper_letter(char c, char before, TextEncoding encoding) {
     return is_lower ? static_cast<char>(byte - k_case) : c;
 }
 
-bool is_blank(std::string_view text) {
-    return text.find_first_not_of(' ') == std::string_view::npos;
-}
-
 /// Draws parts of a segment one after the other.
 class SegmentPainter {
 public:
@@ -54,8 +50,6 @@ public:
 
     void paint(std::size_t from, std::size_t to, const WordLook& look) {
         const std::string_view part = segment_.text.substr(from, to - from);
-        if (look.style == 0 && is_blank(part))
-            return;
         const int x =
             segment_.x + (from == 0 ? 0 : static_cast<int>(width_of(view_.layout, run_, from)));
         const Window target = view_.target;
