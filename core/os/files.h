@@ -77,6 +77,9 @@ enum class FileLock { shared, exclusive };
 [[nodiscard]] SystemError stat_link(std::string_view path, FileStat& stat); ///< does not
 [[nodiscard]] SystemError stat_open_file(File& file, FileStat& stat);
 [[nodiscard]] bool file_exists(std::string_view path);
+/// A file that is there, and that its mode or the system keeps us from writing. One that nobody may
+/// write is that for an administrator too.
+[[nodiscard]] bool is_write_protected(std::string_view path);
 [[nodiscard]] SystemError read_link(std::string_view path, PathBuffer& target);
 
 [[nodiscard]] SystemError rename_file(std::string_view from, std::string_view to);

@@ -6,6 +6,7 @@
 #include "core/project/compile_arguments.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -97,6 +98,37 @@ AddResult add_source(Project& project, SourceIndex& index, std::string_view path
 AddResult add_source(Project& project, std::string_view path) {
     SourceIndex index = index_sources(project);
     return add_source(project, index, path);
+}
+
+std::optional<std::size_t> find_source(const Project& project, std::string_view path) {
+    const String place = absolute_path(view(project.directory), path);
+    for (std::size_t i = 0; i < project.sources.size(); ++i)
+        if (absolute_path(view(project.directory), project.sources[i]->file_name.view()) == place)
+            return i;
+    return std::nullopt;
+}
+
+RenameResult rename_source(Project& project, std::size_t index, std::string_view path) {
+    RenameResult result;
+    String place;
+    String entry;
+    result.status = judge(project, path, place, entry);
+    if (result.status != AddStatus::added)
+        return result;
+    if (find_source(project, view(place)))
+        return {AddStatus::already_listed, nullptr};
+    const SourceKind kind = kind_of_name(view(entry));
+    if (kind == SourceKind::pla && project.sources.size() > 1)
+        return {AddStatus::pla_not_alone, nullptr};
+    Owned<VHDL_source>& listed = project.sources[index];
+    auto source = make_owned<VHDL_source>(*listed);
+    source->kind = kind;
+    source->file_name.assign(view(entry));
+    source->added_from.assign(view(with_separators(String(directory_part(view(place))), '\\')));
+    if (project.top_design == listed.get())
+        project.top_design = source.get();
+    result.old = std::exchange(listed, std::move(source));
+    return result;
 }
 
 SourceKind kind_of_name(std::string_view name) {

@@ -4,6 +4,7 @@
 #include "core/project/records.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -48,6 +49,18 @@ struct SourceIndex {
 [[nodiscard]] AddResult add_source(Project& project, std::string_view path);
 /// What adding it would answer, were it not listed yet.
 [[nodiscard]] AddStatus check_source(const Project& project, std::string_view path);
+
+/// The index of a file's entry; nothing when it is not listed. `path` as of `add_source`.
+[[nodiscard]] std::optional<std::size_t> find_source(const Project& project, std::string_view path);
+
+struct RenameResult {
+    AddStatus status = AddStatus::added;
+    Owned<VHDL_source> old; ///< what stood there before; the top design is another now if it was
+};
+/// Lists another file in the place of an entry, with its options. `path` as of `add_source`; what
+/// could not be added there is refused.
+[[nodiscard]] RenameResult rename_source(Project& project, std::size_t index,
+                                         std::string_view path);
 
 /// The kind of a file, by its extension.
 [[nodiscard]] SourceKind kind_of_name(std::string_view name);

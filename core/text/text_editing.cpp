@@ -452,4 +452,15 @@ void note_saved(TextDocument& document) {
     tell_views(document);
 }
 
+void note_loaded(TextDocument& document) {
+    const std::uint64_t state = ++document.last_state;
+    for (TextEditing* editing : document.views) {
+        catch_up(*editing);
+        clear_records(editing->undo_list, state);
+        clear_records(editing->redo_list, state);
+        select_range(*editing, 0, 0);
+    }
+    note_saved(document);
+}
+
 } // namespace pellux

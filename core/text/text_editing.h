@@ -131,4 +131,8 @@ void tell_views(TextDocument& document);
 /// when undo or redo of a view come back to this state.
 void note_saved(TextDocument& document);
 
+/// The same of a document whose text was replaced as a whole: nothing can be taken back, and each
+/// view's caret stands at the start.
+void note_loaded(TextDocument& document);
+
 } // namespace pellux

@@ -87,6 +87,7 @@ bool LineEndFilter::apply(char* text, std::size_t& size) {
 
 struct Loading {
     Utf8Check utf8;
+    ContentSum content;
     bool is_mixed = false; ///< lines end in different ways
     SystemError error = SystemError::none;
     LineEnds ends = LineEnds::undecided;
@@ -96,6 +97,7 @@ struct Loading {
 /// unless they are left as they are.
 Loading read_all(TextDocument& document, File& file, LineEnds ends) {
     Loading loading;
+    ContentSummer summer;
     LineEndFilter filter{.ends = ends};
     Vector<char> buffer(k_chunk_bytes + 1);
     char* const text = buffer.data() + 1;
@@ -106,6 +108,7 @@ Loading read_all(TextDocument& document, File& file, LineEnds ends) {
         if (failed(loading.error) || got == 0)
             break;
         at += static_cast<std::int64_t>(got);
+        summer.add({text, got});
         loading.utf8.add({text, got});
         if (!filter.apply(text, got)) {
             loading.is_mixed = true;
@@ -116,6 +119,7 @@ Loading read_all(TextDocument& document, File& file, LineEnds ends) {
     if (filter.holds_cr)
         append_loaded(document, "\r");
     loading.ends = filter.ends;
+    loading.content = summer.sum();
     return loading;
 }
 
@@ -128,6 +132,7 @@ TextEncoding encoding_of(const Utf8Check& utf8, TextEncoding for_ascii) {
 /// Collects what is written, since a call for each block would cost more than the writing.
 struct WriteBuffer {
     SafeWriter& writer;
+    ContentSummer summer;
     Vector<char> bytes;
 
     explicit WriteBuffer(SafeWriter& to) : writer(to) { bytes.reserve(k_chunk_bytes); }
@@ -137,6 +142,7 @@ struct WriteBuffer {
         bytes.insert(bytes.end(), text.begin(), text.end());
     }
     void flush() {
+        summer.add({bytes.data(), bytes.size()});
         static_cast<void>(safe_append(writer, std::as_bytes(std::span(bytes))));
         bytes.clear();
     }
@@ -198,6 +204,7 @@ TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding f
         loading = read_all(document, file, LineEnds::lf);
     }
     load.error = loading.error;
+    load.content = loading.content;
     if (failed(load.error))
         erase_bytes(document, 0, text_size(document));
     document.encoding = encoding_of(loading.utf8, for_ascii);
@@ -205,7 +212,24 @@ TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding f
     return load;
 }
 
-SystemError save_text(TextDocument& document, std::string_view path, SafeWriter& writer) {
+SystemError sum_file(std::string_view path, ContentSum& content) {
+    File file;
+    if (const SystemError error = open_file(file, path, OpenMode::read); failed(error))
+        return error;
+    ContentSummer summer;
+    Vector<char> buffer(k_chunk_bytes);
+    for (std::size_t got = 1; got > 0;) {
+        const SystemError error = read_some(file, std::as_writable_bytes(std::span(buffer)), got);
+        if (failed(error))
+            return error;
+        summer.add({buffer.data(), got});
+    }
+    content = summer.sum();
+    return SystemError::none;
+}
+
+SystemError save_text(TextDocument& document, std::string_view path, SafeWriter& writer,
+                      ContentSum* content) {
     if (const SystemError error = begin_safe_write(writer, path); failed(error))
         return error;
     WriteBuffer buffer(writer);
@@ -219,8 +243,11 @@ SystemError save_text(TextDocument& document, std::string_view path, SafeWriter&
     }
     buffer.flush();
     const SystemError error = commit_safe_write(writer);
-    if (!failed(error))
-        note_saved(document);
+    if (failed(error))
+        return error;
+    note_saved(document);
+    if (content != nullptr)
+        *content = buffer.summer.sum();
     return error;
 }
 

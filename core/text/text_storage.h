@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "core/common/content_sum.h"
 #include "core/os/safe_write.h"
 #include "core/text/text_document.h"
 
@@ -16,6 +17,7 @@ namespace pellux {
 
 struct TextLoad {
     SystemError error = SystemError::none;
+    ContentSum content; ///< of the file
     /// Holds the file's contents of before a writing that was interrupted; empty: there is none.
     PathBuffer interrupted_copy;
 };
@@ -25,10 +27,14 @@ struct TextLoad {
 [[nodiscard]] TextLoad load_text(TextDocument& document, std::string_view path,
                                  TextEncoding for_ascii);
 
+/// What `load_text` and `save_text` would sum up a file to.
+[[nodiscard]] SystemError sum_file(std::string_view path, ContentSum& content);
+
 /// Writes the text through `writer`, so that the file holds its old bytes or the new ones, and
-/// notes for its views that it is saved. The writer tells what else there is to say.
+/// notes for its views that it is saved. The writer tells what else there is to say; `content` is
+/// what was written.
 [[nodiscard]] SystemError save_text(TextDocument& document, std::string_view path,
-                                    SafeWriter& writer);
+                                    SafeWriter& writer, ContentSum* content = nullptr);
 
 /// Tells of a text in several parts whether it is UTF-8.
 class Utf8Check {

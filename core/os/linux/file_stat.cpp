@@ -74,6 +74,17 @@ SystemError read_link(std::string_view path, PathBuffer& target) {
     return take_path(text, static_cast<std::size_t>(length), target);
 }
 
+bool is_write_protected(std::string_view path) {
+    FileStat stat;
+    if (failed(stat_file(path, stat)) || stat.kind != FileKind::regular)
+        return false;
+    constexpr std::uint32_t k_write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
+    const SystemError error = on_path(FileOperation::stat, path, [](const char* name) {
+        return ::faccessat(AT_FDCWD, name, W_OK, AT_EACCESS);
+    });
+    return (stat.mode & k_write_bits) == 0 || is_denied(error);
+}
+
 SystemError real_path(std::string_view path, PathBuffer& resolved) {
     static_assert(k_path_capacity >= PATH_MAX);
     char text[PATH_MAX];

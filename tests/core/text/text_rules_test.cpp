@@ -1,5 +1,6 @@
 #include "core/text/line_reader.h"
 #include "core/text/text_columns.h"
+#include "core/text/text_compare.h"
 #include "core/text/text_editing.h"
 #include "core/text/text_storage.h"
 #include "tests/support/rounds.h"
@@ -196,16 +197,27 @@ TEST(TextStorage, KeepsEveryByteAndTellsWhatItIs) {
           Row{std::string(5'000'000, 'x'), utf_8, false, 1}}) {
         TextDocument document;
         const std::string path = directory.write("in", row.bytes);
-        ASSERT_FALSE(failed(load_text(document, path, utf_8).error));
+        const TextLoad load = load_text(document, path, utf_8);
+        ASSERT_FALSE(failed(load.error));
         EXPECT_TRUE(document.encoding == row.encoding &&
                     document.ends_lines_with_cr == row.with_cr && line_count(document) == row.lines)
             << row.bytes.substr(0, 20);
         SafeWriter writer;
-        ASSERT_FALSE(failed(save_text(document, directory.path("out"), writer)));
+        ContentSum saved;
+        ContentSum found;
+        ASSERT_FALSE(failed(save_text(document, directory.path("out"), writer, &saved)));
         EXPECT_TRUE(directory.read("out") == row.bytes) << row.bytes.substr(0, 20);
+        ASSERT_FALSE(failed(sum_file(directory.path("out"), found)));
+        EXPECT_TRUE(saved == load.content && found == saved) << row.bytes.substr(0, 20);
     }
     TextDocument document;
     EXPECT_TRUE(failed(load_text(document, directory.path("none"), utf_8).error));
+    TextDocument one;
+    TextDocument other;
+    insert_bytes(one, 0, "ab\xC3\xA9yz");
+    insert_bytes(other, 0, "ab\xC3\xA8z");
+    const TextDifference difference = compare_texts(one, other);
+    EXPECT_TRUE(difference.start == 2 && difference.same_end == 1) << "no half character";
 }
 
 /// So many files of the system, loaded, walked in both directions and saved.
