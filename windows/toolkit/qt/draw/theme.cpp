@@ -72,7 +72,9 @@ QRgb ink_on(Color ink, Color paper) {
     const bool is_black = ink == Color::black;
     const QColor wanted =
         is_black ? palette_color(QPalette::Text) : QColor::fromRgb(color_rgb(ink));
-    const bool is_desktops = is_black && paper == Color::white;
+    const bool is_selection = paper == xvt_scr_get_color(ThemeColor::highlight) &&
+                              ink == xvt_scr_get_color(ThemeColor::highlighted_text);
+    const bool is_desktops = is_selection || (is_black && paper == Color::white);
     return is_desktops ? wanted.rgb() : readable(wanted.rgb(), shown_paper(paper).rgb());
 }
 
