@@ -11,6 +11,7 @@ enum class HelpTopic : int {
     project_window = 24,
     reports = 25,
     messages = 31,
+    editor = 41,
 };
 
 /// Ties a window, a control in it or a menu's command to its page, now or as soon as a help file is

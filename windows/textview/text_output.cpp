@@ -5,7 +5,6 @@
 #include <algorithm>
 
 namespace pellux {
-namespace {
 
 void show_start(TextView& view) {
     redraw_all(view);
@@ -13,8 +12,6 @@ void show_start(TextView& view) {
     set_hscroll(view, 0);
     select_range(view.editing, 0, 0);
 }
-
-} // namespace
 
 void append_output(TextView& view, std::string_view bytes) {
     TextDocument& document = view.editing.document;

@@ -14,6 +14,9 @@ inline constexpr ByteOffset k_output_bytes_kept = 128 << 20;
 /// the window is shown next, however often this is called before.
 void append_output(TextView& view, std::string_view bytes);
 
+/// A text that was replaced as a whole is shown from its start.
+void show_start(TextView& view);
+
 /// Puts bytes in place of the whole text; its start is in sight. Any text is read as UTF-8, where
 /// bytes that are none show as Latin-1.
 void set_output(TextView& view, std::string_view bytes);

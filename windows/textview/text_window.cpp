@@ -258,12 +258,14 @@ void TextWindow::cut() {
     if (!cut_to_clipboard(*view_))
         show_words(pellux::view(format_message(msg_selection_too_large)));
     show_caret(*view_);
+    hook();
 }
 
 void TextWindow::paste() {
     if (paste_from_clipboard(*view_) == PasteResult::lacks_a_character)
         show_words(pellux::view(format_message(msg_clipboard_lacks)));
     show_caret(*view_);
+    hook();
 }
 
 void TextWindow::select_all() {
@@ -302,7 +304,7 @@ void TextWindow::ask_for_menu(Point at) {
     xvt_menu_popup(pane_, items, at);
 }
 
-void TextWindow::run_command(int tag) {
+void TextWindow::run_menu_command(int tag) {
     switch (tag) {
     case k_cut:
         cut();
@@ -343,8 +345,10 @@ long TextWindow::on_pane_key(const CharacterEvent& key) {
         return 0;
     if (!take_key(key))
         return 1;
-    if (has_view())
+    if (has_view()) {
         show_caret(*view_);
+        hook();
+    }
     return 0;
 }
 
@@ -376,7 +380,7 @@ long TextWindow::on_pane_event(Window pane, const Event& event) {
     } else if (const auto* menu = event.get<ContextMenuEvent>()) {
         ask_for_menu(menu->at);
     } else if (const auto* command = event.get<CommandEvent>()) {
-        run_command(command->tag);
+        run_menu_command(command->tag);
     } else if (const auto* composition = event.get<CompositionEvent>()) {
         if (!view_->editing.is_read_only)
             show_composition(*view_, composition->text);
@@ -384,6 +388,8 @@ long TextWindow::on_pane_event(Window pane, const Event& event) {
         give_selection(*view_, *wanted);
     } else if (const auto* claim = event.get<KeyClaimEvent>()) {
         return claims_key(claim->key) ? 1 : 0;
+    } else if (event.get<DropEvent>() != nullptr) {
+        return on_event(event);
     } else if (event.get<DestructionEvent>() != nullptr) {
         pointer_.reset();
         view_.reset();

@@ -25,7 +25,7 @@ public:
     virtual void new_line();
     /// The text becomes larger by so many points, or smaller; 0: as it was before.
     virtual void zoom(int steps);
-    /// For a kind's own use.
+    /// The view has drawn what a key or a command changed. For a kind's own use.
     virtual void hook() {}
     /// Shows that a key waits for a second one: 27 or 24; 0 for none.
     virtual void show_prefix(int) {}
@@ -68,8 +68,15 @@ protected:
     /// What is seen moved, or the text's extent changed.
     virtual void show_scrolled();
 
+    /// A menu is wanted at a place of the pane, and an item of it was chosen.
+    virtual void ask_for_menu(Point at);
+    virtual void run_menu_command(int tag);
+
     /// Places the text with its scroll bars; logical pixels of the window.
     void place_text(const Rect& area);
+    /// The part of the window that shows the text, in device pixels.
+    [[nodiscard]] Window pane() const { return pane_; }
+    void insert_character(char32_t character);
 
 private:
     struct LetterKey;
@@ -81,11 +88,8 @@ private:
     void make_pane();
     void make_view(Window pane);
     void on_status();
-    void insert_character(char32_t character);
     void press(const PointerDownEvent& down);
     long turn_wheel(const WheelEvent& wheel);
-    void ask_for_menu(Point at);
-    void run_command(int tag);
     long on_pane_event(Window pane, const Event& event);
     long on_pane_key(const CharacterEvent& key);
 

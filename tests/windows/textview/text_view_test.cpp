@@ -1,5 +1,6 @@
 #include "core/os/clock.h"
 #include "tests/support/rounds.h"
+#include "tests/windows/textview/text_state.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
@@ -33,18 +34,7 @@ public:
     ~Page() override { xvt_vobj_destroy(window()); }
 
     [[nodiscard]] TextEditing& editing() { return view().editing; }
-    /// The text with '|' at the caret and '^' at the other end of the selection.
-    [[nodiscard]] std::string state() {
-        const String text = copy_text(document(), 0, text_size(document()));
-        std::string shown(text.begin(), text.end());
-        const auto caret = static_cast<std::size_t>(caret_offset(editing()));
-        const TextRange range = selection(editing());
-        const auto other = static_cast<std::size_t>(range.start + range.end) - caret;
-        shown.insert(std::max(caret, other), caret >= other ? "|" : "^");
-        if (caret != other)
-            shown.insert(std::min(caret, other), caret < other ? "|" : "^");
-        return shown;
-    }
+    [[nodiscard]] std::string state() { return text_state(editing()); }
     [[nodiscard]] Window pane() { return view().target; }
     /// The middle of the left edge of a character.
     [[nodiscard]] Point at(ByteOffset offset) {
