@@ -1,5 +1,6 @@
 // Typing into a view of a large text, and paging through it, until it is painted.
 
+#include "bench/key_times.h"
 #include "bench/large_text.h"
 #include "bench/window_program.h"
 #include "windows/textview/text_window.h"
@@ -32,58 +33,6 @@ constexpr WindowResource k_windows[] = {
      .units = PixelUnits::device},
 };
 
-void show() {
-    xvt_app_process_pending_events();
-}
-
-/// A key press to where it is painted.
-double time_of_key(QWidget* to, bool is_enter) {
-    QKeyEvent press(QEvent::KeyPress, is_enter ? Qt::Key_Return : Qt::Key_A, Qt::NoModifier,
-                    is_enter ? QStringLiteral("\r") : QStringLiteral("a"));
-    return time_of([&] {
-        QApplication::sendEvent(to, &press);
-        show();
-    });
-}
-
-double percentile(std::vector<double>& times, double part) {
-    std::sort(times.begin(), times.end());
-    return times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
-}
-
-/// Keys in turn on both sides, each with the focus in its turn, in rounds.
-void measure_keys(QWidget* ours, QWidget* theirs, bool moment) {
-    constexpr int k_keys_of_enter = 40;
-    const int keys = moment ? 80 : 1200;
-    constexpr std::array k_parts{0.5, 0.99};
-    std::array<std::array<double, k_ratio_rounds>, 2> ours_ns{};
-    std::array<std::array<double, k_ratio_rounds>, 2> theirs_ns{};
-    std::array<std::array<double, k_ratio_rounds>, 2> ratios{};
-    for (std::size_t round = 0; round < k_ratio_rounds; ++round) {
-        std::array<std::vector<double>, 2> times;
-        for (const int side : {0, 1}) {
-            QWidget* const to = side == 0 ? ours : theirs;
-            to->setFocus();
-            show();
-            for (int i = 1; i <= keys; ++i)
-                times[static_cast<std::size_t>(side)].push_back(
-                    time_of_key(to, i % k_keys_of_enter == 0));
-        }
-        for (std::size_t part = 0; part < k_parts.size(); ++part) {
-            ours_ns[part][round] = percentile(times[0], k_parts[part]);
-            theirs_ns[part][round] = percentile(times[1], k_parts[part]);
-            ratios[part][round] = ours_ns[part][round] / theirs_ns[part][round];
-        }
-    }
-    constexpr std::array k_rows{
-        RatioRow{.name = "key press to paint, median", .yardstick = "plain edit", .reach = 0.7},
-        RatioRow{.name = "key press to paint, 99th of 100", .yardstick = "plain edit", .reach = 1},
-    };
-    for (std::size_t part = 0; part < k_parts.size(); ++part)
-        print_ratio(k_rows[part], median(ours_ns[part]), median(theirs_ns[part]),
-                    median(ratios[part]));
-}
-
 /// Pages of the view, and the lines of each as bare text in another window.
 void measure_pages(TextView& view, Window bare, bool moment) {
     xvt_dwin_set_font(bare, xvt_font_get_fixed());
@@ -108,13 +57,13 @@ void measure_pages(TextView& view, Window bare, bool moment) {
                     xvt_dwin_draw_text(
                         bare, view.margin, row * view.line_height + view.ascent,
                         pellux::view(lines[static_cast<std::size_t>(page * rows + row)]));
-                show();
+                show_all();
             }
         },
         [&] {
             for (std::int64_t page = 0; page < pages; ++page) {
                 set_top_line(view, page * rows);
-                show();
+                show_all();
             }
         });
 }
@@ -151,13 +100,13 @@ void run(bool moment) {
     plain->setPlainText(QString::fromStdString(text));
     QMdiSubWindow* second = area->addSubWindow(plain);
     second->show();
-    show();
+    show_all();
     xvt_vobj_move(window, {k_room, k_room / 2, k_room + k_height, k_room / 2 + k_width});
     second->resize(k_width, k_height);
     second->move(k_width + k_room, k_room / 2);
     const int left = 2 * (k_width + k_room);
     xvt_vobj_move(bare, {k_room, left, k_room + k_height, left + k_width});
-    show();
+    show_all();
     measure_pages(ours.view(), bare, moment);
     go_to_offset(ours.view().editing, static_cast<ByteOffset>(text.size() / 2));
     show_caret(ours.view());
@@ -165,8 +114,9 @@ void run(bool moment) {
     cursor.setPosition(static_cast<int>(text.size() / 2));
     plain->setTextCursor(cursor);
     xvt_vobj_set_focus(ours.view().target);
-    show();
-    measure_keys(QApplication::focusWidget(), plain, moment);
+    show_all();
+    measure_keys(QApplication::focusWidget(), plain,
+                 {.yardstick = "plain edit", .median_reach = 0.7, .high_reach = 1}, moment);
     delete second;
     xvt_vobj_destroy(window);
 }

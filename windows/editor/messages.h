@@ -5,5 +5,33 @@
 namespace pellux {
 
 inline Message<> msg_keywords_lacking{"E2130", "Can't find 'vhdl.tok' for highlighting keywords."};
+inline Message<> msg_new_text{"E2140", "VHDL Editor - New"};
+inline Message<> msg_untitled{"E2141", "untitled"};
+inline Message<int, int, int, const char*> msg_status_line{"E2142",
+                                                           "Line %d of %d\tUndos: %2d\t%s"};
+inline Message<int> msg_status_column{"E2143", "Col %d"};
+inline Message<> msg_modified{"E2144", "Modified"};
+inline Message<> msg_recovered{"E2145", "Recovered"};
+inline Message<> msg_write_protected{"E2146", "Write-protected"};
+inline Message<> msg_unchanged{"E2147", "Unchanged"};
+inline Message<> msg_ask_line{"E2148", "Go to line:"};
+inline Message<> msg_open_text{"E2149", "Open VHDL file..."};
+inline Message<> msg_save_text{"E2150", "Save VHDL text as..."};
+inline Message<const char*> msg_text_missing{"E2151", "'%s' does not exist."};
+inline Message<const char*> msg_text_protected{"E2152", "'%s' is write-protected."};
+inline Message<const char*> msg_text_exists{"E2153", "'%s' exists.  Overwrite it?"};
+inline Message<const char*> msg_save_changes{"E2154", "Save changes to '%s'?"};
+inline Message<> msg_save_new_text{"E2155", "Save new file?"};
+inline Message<const char*> msg_throw_away{
+    "E2156", "Do you really wish to throw away your changes to '%s'?"};
+inline Message<const char*, const char*> msg_cannot_read_text{"E2157", "Can't read '%s': %s."};
+inline Message<const char*> msg_text_keeps_changing{
+    "E2158", "Can't read '%s': another program is writing it."};
+inline Message<const char*, const char*> msg_cannot_write_text{"E2159", "Can't write '%s': %s."};
+inline Message<const char*, const char*> msg_text_old_contents{
+    "E2160", "The old contents of '%s' lie in '%s'."};
+inline Message<const char*> msg_text_attributes_lost{
+    "E2161", "'%s' was written, but its owner, mode or attributes could not be kept."};
+inline Message<> msg_no_editor_window{"E2162", "Can't open window"};
 
 } // namespace pellux

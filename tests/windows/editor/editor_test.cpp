@@ -1,0 +1,341 @@
+#include "tests/support/file_faults.h"
+#include "tests/support/rounds.h"
+#include "tests/support/temporary_directory.h"
+#include "tests/windows/textview/text_state.h"
+#include "tests/windows/toolkit/application.h"
+#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/toolkit/scripted_answers.h"
+#include "windows/controls/controls.h"
+#include "windows/controls/shell_hooks.h"
+#include "windows/editor/editor_settings.h"
+#include "windows/editor/open_editors.h"
+#include "windows/editor/parentheses.h"
+#include "windows/toolkit/window.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace pellux {
+namespace {
+
+namespace fs = std::filesystem;
+using test::FileFaults;
+
+Source_options options;
+
+/// Editors, and the user in front of them. They belong to a project that `options` stands for.
+class Editors : public testing::Test {
+protected:
+    Editors() {
+        register_controls();
+        options = Source_options();
+    }
+
+    void run(const std::function<void()>& script) {
+        in_application([&] {
+            static constexpr auto no_place = [](Window, std::string_view) { return Rect{}; };
+            register_editors({.options = [](Window) -> const Source_options* { return &options; },
+                              .can_compile = [](Window) { return false; },
+                              .compile = [](Window) {},
+                              .take_key = [](Window, const CharacterEvent&) { return false; },
+                              .rename = [](Window, std::string_view, std::string_view) {},
+                              .place = no_place,
+                              .keep_place = [](Window, std::string_view, const Rect&) {},
+                              .enter = [](Window) {}});
+            install_shell({.insert_tools_menu = [](void*, Window) {}});
+            script();
+        });
+    }
+    static EditorWindow& opened(const std::string& path) {
+        EditorWindow* editor = open_editor(xvt_win_get_task(), path);
+        process_events();
+        return *editor;
+    }
+    static void choose(EditorWindow& editor, EditorCommand command) {
+        editor.run(command);
+        process_events();
+    }
+    static std::string state(EditorWindow& editor) { return text_state(editor.view().editing); }
+
+    test::TemporaryDirectory directory_;
+    test::TemporaryDirectory settings_;
+    test::ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    test::ScopedVariable locale_{"LC_ALL", "C.UTF-8"};
+    ScriptedAnswers user_;
+};
+
+constexpr auto k_both = static_cast<KeyScheme>(2);
+constexpr auto k_prefixes = static_cast<KeyScheme>(3);
+
+/// A text, keys, and what they make of it.
+TEST_F(Editors, DoWhatTheirKeysSay) {
+    using enum KeyScheme;
+    struct Row {
+        KeyScheme scheme;
+        const char* before;
+        std::vector<const char*> keys;
+        const char* after;
+    };
+    const Row rows[] = {
+        {standard, "one\ntw|o", {"Ctrl+A", "Ctrl+F", "Escape"}, "one\ntw|o"},
+        {standard, "one\ntw|o", {"Ctrl+P", "Ctrl+E", "Ctrl+B"}, "on|e\ntwo"},
+        {standard, "o|ne\ntwo", {"Ctrl+N", "Ctrl+Shift+E"}, "one\nt^wo|"},
+        {standard, "one\nt^wo|", {"Ctrl+Shift+P"}, "one|\nt^wo"},
+        {standard, "one |two", {"x", "Ctrl+Backspace"}, "one |two"},
+        {standard, "one| two", {"Ctrl+Delete"}, "one|two"},
+        {desktop, "one\ntw|o", {"Ctrl+A"}, "^one\ntwo|"},
+        {desktop, "o^ne t|wo", {"Escape"}, "one t|wo"},
+        {desktop, "one t|wo", {"Ctrl+Backspace"}, "one |wo"},
+        {desktop, "o|ne two", {"Ctrl+Delete"}, "o|two"},
+        {desktop, "one\nt|wo", {"Ctrl+D"}, "one\ntwo\nt|wo"},
+        {desktop, "o^ne\ntw|o\nend", {"Ctrl+D"}, "one\ntwo\no^ne\ntw|o\nend"},
+        {k_both, "one t|wo", {"Ctrl+Left", "Ctrl+Shift+Right"}, "one ^two|"},
+        {k_both, "o|ne\ntwo", {"Ctrl+K", "Ctrl+K"}, "o|\ntwo"},
+        {k_both, "a\n  b|c", {"Enter", "x", "Ctrl+Z", "Ctrl+Z"}, "a\n  b|c"},
+        {k_both, "a\n \tb|c", {"Enter"}, "a\n \tb\n \t|c"},
+        {k_both, " |  b", {"Enter"}, " \n |  b"},
+        {k_both, "o^ne\ntw|o\nend", {"Tab"}, "|\tone\n\ttwo\n^end"},
+        {k_both, "\to^ne\n  tw|o", {"Shift+Tab"}, "|one\n  two^"},
+        {k_both, "on^e |two", {"Tab"}, "on\t|two"},
+        {k_both, "one\nt|wo\nend", {"Alt+Up"}, "t|wo\none\nend"},
+        {k_both, "one\nt|wo\nend", {"Alt+Down", "Alt+Down"}, "one\nend\nt|wo"},
+        {k_both, "one\ntw|o", {"Alt+Up"}, "tw|o\none"},
+        {k_both, "o^ne\nt|wo\n", {"Alt+Down"}, "\no^ne\nt|wo"},
+        {k_both, "o|ne\n  -- two", {"Ctrl+/"}, "--o|ne\n  -- two"},
+        {k_both, "-- o^ne\n\n\t--tw|o", {"Ctrl+/"}, "| one\n\n\ttwo^"},
+        {k_both, "o^n|e", {"Ctrl+C", "End", "Ctrl+V", "Shift+Insert"}, "onenn|"},
+        {k_both, "o^n|e", {"Shift+Delete", "Ctrl+Z", "Ctrl+Y"}, "o|e"},
+        {k_both, "one|", {"x", "Ctrl+Z", "Ctrl+Shift+Z"}, "onex|"},
+        {k_prefixes, "one|", {"x", "Ctrl+X", "u"}, "one|"},
+        {k_prefixes, "o|ne\ntwo", {"Escape", ">"}, "one\ntwo|"},
+        {k_prefixes, "one\ntwo|", {"Escape", "<"}, "|one\ntwo"},
+        {k_prefixes, "one\ntw|o", {"Escape", "V"}, "|one\ntwo"},
+        {k_prefixes, "o^n|e", {"Ctrl+X", "Ctrl+X", "Escape", "q"}, "o^n|e"},
+    };
+    run([&] {
+        EditorWindow& editor = opened(directory_.write("keys.vhd", ""));
+        for (const Row& row : rows) {
+            options.set(OptionFlag::emacs_keys, row.scheme == k_prefixes);
+            for (const KeyScheme scheme : {standard, desktop}) {
+                if (row.scheme != k_both && (row.scheme == desktop) != (scheme == desktop))
+                    continue;
+                choose(editor, scheme == desktop ? EditorCommand::desktop_keys
+                                                 : EditorCommand::standard_keys);
+                set_text_state(editor.view().editing, row.before);
+                for (const char* key : row.keys)
+                    press_key(key);
+                EXPECT_EQ(state(editor), row.after) << row.before << " " << row.keys.front();
+            }
+        }
+    });
+}
+
+TEST_F(Editors, ChangeWhatIsSelected) {
+    using enum EditorCommand;
+    struct Row {
+        EditorCommand command;
+        const char* before;
+        const char* after;
+    };
+    const Row rows[] = {
+        {upper_case, "a^b\xC3\xA9\xC3\xBF\xC3\x9F|c", "a|B\xC3\x89\xC3\xBF\xC3\x9F^c"},
+        {lower_case, "|A\xC3\x89\xC3\x97^", "|a\xC3\xA9\xC3\x97^"},
+        {comment, "o^ne\ntwo\n|three", "o|--ne\n--two\n^three"},
+        {comment, "^one\n\nt|wo", "|--one\n--\n--t^wo"},
+        {uncomment, "^-- --one\n \t-- two\na --b|", "| --one\n \t two\na --b^"},
+        {indent_right, "^one\ntwo\n|", "|\tone\n\ttwo\n^"},
+        {indent_left, "^\t\tone\n  two\n\tthree|", "|\tone\n  two\nthree^"},
+        {indent_left, "^  one|", "^  one|"},
+        {comment, "one|", "one|"},
+    };
+    run([&] {
+        EditorWindow& editor = opened(directory_.write("blocks.vhd", "\xC3\xA9"));
+        for (const Row& row : rows) {
+            set_text_state(editor.view().editing, row.before);
+            const int undos = undo_count(editor.view().editing);
+            choose(editor, row.command);
+            EXPECT_EQ(state(editor), row.after);
+            EXPECT_EQ(undo_count(editor.view().editing) - undos,
+                      state(editor) == row.before ? 0 : 1);
+        }
+        set_text_state(editor.view().editing, "f(a[1], ')', \")\") -- )|");
+        const auto partner = [&](ByteOffset at) {
+            const auto pair = find_parentheses(editor.document(), at);
+            return pair ? pair->second : -1;
+        };
+        EXPECT_EQ(partner(1), 16);
+        EXPECT_EQ(partner(17), 1);
+        EXPECT_EQ(partner(6), 3);
+        EXPECT_EQ(partner(9), -1);
+        EXPECT_EQ(partner(22), -1);
+    });
+}
+
+/// Whatever operation on files fails, the file holds the old text or the new one, and a text that
+/// was not saved says so.
+TEST_F(Editors, LoseNothingWhenSavingFails) {
+    run([&] {
+        const std::string path = directory_.write("text.vhd", "old");
+        const std::string linked = directory_.write("linked.vhd", "old");
+        fs::create_hard_link(linked, directory_.path("other.vhd"));
+        for (const std::string& each : {path, linked}) {
+            EditorWindow& editor = opened(each);
+            bool has_failed = true;
+            for (int n = 1; has_failed; ++n) {
+                set_text_state(editor.view().editing, "new|");
+                std::ofstream(each, std::ios::binary | std::ios::trunc) << "old";
+                int count = 0;
+                {
+                    const AskSeam before = install_ask({.ask = [](void*, const Question& question) {
+                        // A file of another time and the same contents is asked about never.
+                        EXPECT_EQ(question.buttons.size(), 1u) << question.text.c_str();
+                        Answer answer;
+                        answer.button = 0;
+                        return answer;
+                    }});
+                    const FileFaults faults([&](FileOperation, std::string_view) {
+                        return ++count == n ? SystemError{ENOSPC} : SystemError::none;
+                    });
+                    has_failed = !editor.save();
+                    install_ask(before);
+                }
+                const std::string now = directory_.read(each);
+                EXPECT_TRUE(now == "new" || (has_failed && now == "old")) << n << " " << now;
+                EXPECT_EQ(editor.document().is_modified, has_failed) << n;
+                EXPECT_TRUE(count >= n || !has_failed);
+                ASSERT_LT(n, 200);
+            }
+        }
+    });
+}
+
+/// Files of all kinds are opened and saved as they are, or refused in words with their name.
+TEST_F(Editors, OpenWhatIsATextAndRefuseTheRest) {
+    run([&] {
+        const std::string texts[] = {
+            std::string("\0\xFF\n\r", 4), "a\r\nb\r\n", "a\nb", "", "a\r\nb\n", "\xC3\xA9\n"};
+        for (const std::string& text : texts) {
+            const std::string path = directory_.write("text.vhd", text);
+            EditorWindow& editor = opened(path);
+            EXPECT_EQ(&opened(path), &editor) << "a text has one editor";
+            press_key("x");
+            press_key("Ctrl+S");
+            EXPECT_EQ(directory_.read("text.vhd"), "x" + text);
+            press_key("Ctrl+Z");
+            press_key("Ctrl+S");
+            EXPECT_EQ(directory_.read("text.vhd"), text);
+            press_key("Ctrl+W");
+            EXPECT_EQ(find_editor(path), nullptr);
+        }
+        const test::Rounds rounds(20);
+        int count = 0;
+        for (const auto& entry : fs::recursive_directory_iterator("/usr/lib/ghdl/src")) {
+            if (!entry.is_regular_file() || ++count > rounds.count)
+                continue;
+            const std::string source = directory_.read(entry.path().string());
+            EditorWindow& editor = opened(entry.path().string());
+            while (caret_line(editor.view().editing) + 1 < line_count(editor.document()))
+                press_key("PgDown");
+            const String held = copy_text(editor.document(), 0, text_size(editor.document()));
+            EXPECT_TRUE(source == std::string_view(held)) << entry.path();
+            EXPECT_TRUE(editor.close_query());
+            xvt_vobj_destroy(editor.window());
+            EXPECT_TRUE(directory_.read(entry.path().string()) == source) << entry.path();
+        }
+        EXPECT_GT(count, 0);
+        ::mkfifo(directory_.path("pipe").c_str(), 0600);
+        for (const std::string& path : {directory_.path(), directory_.path("pipe"),
+                                        directory_.path("none"), std::string("/dev/zero")}) {
+            user_.expect_error("Can't read '" + path + "': *");
+            EXPECT_EQ(open_editor(Window::none, path), nullptr);
+        }
+        EditorWindow& editor = opened(directory_.write("text.vhd", "text"));
+        fs::permissions(directory_.path("text.vhd"), fs::perms::owner_read);
+        user_.expect_error("'*/text.vhd' is write-protected.");
+        press_key("y");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("text.vhd"), "text");
+        choose(editor, EditorCommand::undo);
+        xvt_vobj_destroy(editor.window());
+        EditorWindow& protected_one = opened(directory_.path("text.vhd"));
+        press_key("y");
+        EXPECT_EQ(state(protected_one), "|text");
+    });
+}
+
+TEST_F(Editors, AskBeforeAnythingIsLost) {
+    run([&] {
+        const std::string path = directory_.write("Text.vhd", "one\ntwo\n");
+        EditorWindow& editor = opened(path);
+        std::string lower = path;
+        std::ranges::transform(lower, lower.begin(),
+                               [](char c) { return static_cast<char>(std::tolower(c)); });
+        EXPECT_EQ(xvt_vobj_get_title(editor.window()), lower.c_str());
+        press_key("Down");
+        press_key("x");
+        // Another program writes the same bytes, then others.
+        directory_.write("Text.vhd", "one\ntwo\n");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("Text.vhd"), "one\nxtwo\n");
+        directory_.write("Text.vhd", "zero\none\nxtwo\n");
+        user_.expect_ask("File '*' has changed on disk.\nRead new version from disk?", "No");
+        editor.look_at_disk();
+        editor.look_at_disk();
+        press_key("y");
+        user_.expect_closed(QuestionKind::ask, "File '*' has changed on disk and memory.*");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("Text.vhd"), "zero\none\nxtwo\n");
+        EXPECT_EQ(state(editor), "one\nxy|two\n");
+        user_.expect_ask("File '*' has changed on disk and memory.*", "Yes");
+        press_key("Ctrl+S");
+        EXPECT_EQ(state(editor), "zero\non|e\nxtwo\n");
+        EXPECT_FALSE(editor.document().is_modified);
+        press_key("Ctrl+Z");
+        EXPECT_EQ(state(editor).erase(6, 1), "one\nxytwo\n");
+        directory_.write("Text.vhd", "three");
+        user_.expect_ask("File '*' has changed on disk and memory.*", "No");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("Text.vhd"), "one\nxytwo\n");
+        // Throwing away, and a name for a new text.
+        press_key("z");
+        user_.expect_ask("Do you really wish to throw away your changes to '" + path + "'?",
+                         "Cancel");
+        choose(editor, EditorCommand::new_text);
+        user_.expect_ask("Do you really wish to throw away*", "OK");
+        choose(editor, EditorCommand::new_text);
+        EXPECT_EQ(state(editor), "|");
+        EXPECT_EQ(xvt_vobj_get_title(editor.window()), "VHDL Editor - New");
+        type_text("new");
+        user_.expect_ask("Save new file?", "Cancel");
+        EXPECT_FALSE(editor.close_query());
+        user_.expect_files(QuestionKind::file_save, "Save VHDL text as...", directory_.path(),
+                           {"Text.vhd"});
+        user_.expect_ask("'" + path + "' exists.  Overwrite it?", "Cancel");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("Text.vhd"), "one\nxytwo\n");
+        user_.expect_ask("Save new file?", "Yes");
+        user_.expect_files(QuestionKind::file_save, "Save VHDL text as...", directory_.path(),
+                           {"new.vhd"});
+        EXPECT_TRUE(editor.close_query());
+        EXPECT_EQ(directory_.read("new.vhd"), "new");
+        press_key("z");
+        user_.expect_ask("Save changes to '*/new.vhd'?", "No");
+        press_key("Ctrl+W");
+        EXPECT_EQ(directory_.read("new.vhd"), "new");
+        EXPECT_EQ(editor_settings().recent.front(), directory_.path("new.vhd").c_str());
+        EXPECT_EQ(user_.left(), 0u);
+    });
+}
+
+} // namespace
+} // namespace pellux

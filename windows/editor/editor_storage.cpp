@@ -1,0 +1,304 @@
+#include "windows/editor/editor_window.h"
+
+#include "core/common/lexical_path.h"
+#include "core/common/text_file.h"
+#include "core/os/files.h"
+#include "core/project/messages.h"
+#include "core/text/text_compare.h"
+#include "windows/controls/boxes.h"
+#include "windows/controls/messages.h"
+#include "windows/editor/editor_hooks.h"
+#include "windows/editor/editor_settings.h"
+#include "windows/editor/messages.h"
+#include "windows/textview/text_output.h"
+#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/window.h"
+
+#include <initializer_list>
+#include <utility>
+
+namespace pellux {
+namespace {
+
+constexpr std::string_view k_extension = "vhd";
+
+void tell_failure(const FileLoad& load, const String& path) {
+    if (load.keeps_changing)
+        post_error(msg_text_keeps_changing, path.c_str());
+    else
+        post_error(msg_cannot_read_text, path.c_str(), error_text(load.error).c_str());
+}
+
+/// A file that was damaged is told of whenever somebody looks at it.
+void tell_interrupted_copy(const PathBuffer& copy, const String& path) {
+    if (!copy.empty())
+        post_error(msg_text_old_contents, path.c_str(), copy.c_str());
+}
+
+/// One of up to three buttons; closing the box is none of them but "Cancel".
+int ask_with(const String& text, std::initializer_list<const char*> buttons) {
+    Question question;
+    question.kind = QuestionKind::ask;
+    question.text = text;
+    for (const char* button : buttons)
+        question.buttons.emplace_back(button);
+    question.closing_is_no = false;
+    return ask(question).button;
+}
+
+/// Takes the text of one document over into another, which is emptied.
+void copy_document(const TextDocument& from, TextDocument& to) {
+    erase_bytes(to, 0, text_size(to));
+    for (TextPoint at = point_at(from, 0);;) {
+        const std::string_view piece = text_piece(at);
+        if (piece.empty())
+            break;
+        append_loaded(to, piece);
+        at = behind(at, piece.size());
+    }
+    to.encoding = from.encoding;
+    to.ends_lines_with_cr = from.ends_lines_with_cr;
+}
+
+} // namespace
+
+String EditorWindow::shown_name() const {
+    return has_name(file_) ? path_of(file_) : format_message(msg_untitled);
+}
+
+bool EditorWindow::has_changes() {
+    return document().is_modified && !view().editing.is_read_only;
+}
+
+/// The file is what the text is now: shows what is to be seen of it.
+void EditorWindow::note_file() {
+    is_recovered_ = false;
+    set_read_only(has_name(file_) && is_write_protected(pellux::view(path_of(file_))));
+    show_title();
+    show_status();
+    if (has_name(file_))
+        note_recent(pellux::view(path_of(file_)));
+}
+
+bool EditorWindow::load_file(std::string_view path) {
+    EditorFile loading;
+    set_path(loading, path);
+    const String name(path);
+    // A text that can't be read leaves the one that stands there.
+    TextDocument& shown = document();
+    const bool is_fresh = text_size(shown) == 0;
+    Owned<TextDocument> other = is_fresh ? nullptr : make_owned<TextDocument>();
+    const FileLoad load = read_file(loading, is_fresh ? shown : *other);
+    if (failed(load)) {
+        tell_failure(load, name);
+        return false;
+    }
+    if (other != nullptr)
+        copy_document(*other, shown);
+    file_ = std::move(loading);
+    note_loaded(shown);
+    show_start(view());
+    note_file();
+    tell_interrupted_copy(load.interrupted_copy, name);
+    return true;
+}
+
+/// As one step that can be taken back, and the caret stays in its line and column.
+void EditorWindow::read_again() {
+    const String path = path_of(file_);
+    const Owned<TextDocument> fresh = make_owned<TextDocument>();
+    const FileLoad load = read_file(file_, *fresh);
+    if (failed(load)) {
+        tell_failure(load, path);
+        return;
+    }
+    TextEditing& editing = view().editing;
+    const TextPlace caret{caret_line(editing), caret_column(editing)};
+    const std::int64_t top = top_line(view());
+    editing.is_read_only = false;
+    const TextDifference difference = compare_texts(document(), *fresh);
+    const ByteOffset old_end = text_size(document()) - difference.same_end;
+    const ByteOffset new_end = text_size(*fresh) - difference.same_end;
+    if (old_end > difference.start || new_end > difference.start) {
+        const UndoGroup group(editing);
+        select_range(editing, difference.start, old_end);
+        if (difference.start == old_end)
+            go_to_offset(editing, difference.start);
+        if (new_end > difference.start)
+            insert_text(editing, pellux::view(copy_text(*fresh, difference.start,
+                                                        new_end - difference.start)));
+        else
+            delete_forward(editing);
+        select_mode(editing, SelectMode::none);
+        go_to(editing, caret);
+    }
+    document().encoding = fresh->encoding;
+    document().ends_lines_with_cr = fresh->ends_lines_with_cr;
+    note_saved(document());
+    redraw_all(view());
+    set_top_line(view(), top);
+    note_file();
+    tell_interrupted_copy(load.interrupted_copy, path);
+}
+
+void EditorWindow::look_at_disk() {
+    if (is_asking_ || !has_view() || !has_other_contents(file_))
+        return;
+    const String path = path_of(file_);
+    FileIdentity now;
+    if (failed(identify_file(pellux::view(path), now)) || now == file_.refused)
+        return;
+    is_asking_ = true;
+    const bool reads =
+        wants_new_version(pellux::view(path), file_.identity, document().is_modified);
+    is_asking_ = false;
+    if (!has_view())
+        return;
+    if (reads)
+        read_again();
+    else
+        file_.refused = now;
+}
+
+void EditorWindow::open() {
+    const String title = format_message(msg_open_text);
+    FileChoice choice;
+    if (!xvt_dm_post_file_open({.title = pellux::view(title),
+                                .directory = pellux::view(file_.directory),
+                                .extension = k_extension},
+                               choice) ||
+        !has_view())
+        return;
+    const String path = joined_path(pellux::view(choice.directory), pellux::view(choice.name));
+    if (!file_exists(pellux::view(path))) {
+        post_error(msg_text_missing, path.c_str());
+        return;
+    }
+    if (others_.raise(pellux::view(path)) || !close_query() || !has_view())
+        return;
+    load_file(pellux::view(path));
+}
+
+void EditorWindow::discard() {
+    if (!may_throw_away())
+        return;
+    file_ = {};
+    TextDocument& shown = document();
+    erase_bytes(shown, 0, text_size(shown));
+    shown.encoding = user_encoding();
+    shown.ends_lines_with_cr = false;
+    note_loaded(shown);
+    show_start(view());
+    note_file();
+}
+
+void EditorWindow::revert() {
+    if (!has_name(file_))
+        discard();
+    else if (may_throw_away())
+        read_again();
+}
+
+/// Asks where there is something to lose.
+bool EditorWindow::may_throw_away() {
+    if (!document().is_modified && !is_recovered_)
+        return true;
+    const String text = format_message(msg_throw_away, shown_name().c_str());
+    return xvt_dm_post_ask(k_cancel, k_ok, nullptr, "%s", text.c_str()) == 1 && has_view();
+}
+
+/// Is what the file holds ours, or may it go? The user can also have it read instead.
+bool EditorWindow::may_overwrite() {
+    if (!has_other_contents(file_))
+        return true;
+    const String path = path_of(file_);
+    const String text = format_message(
+        document().is_modified ? msg_changed_twice : msg_changed_on_disk, path.c_str());
+    is_asking_ = true;
+    const int answer = ask_with(text, {k_yes, k_no});
+    is_asking_ = false;
+    if (!has_view())
+        return false;
+    if (answer == 0)
+        read_again();
+    else if (failed(identify_file(pellux::view(path), file_.refused)))
+        file_.refused = {};
+    return answer == 1;
+}
+
+/// False after the user was told; the text is then as modified as it was.
+bool EditorWindow::write_to_disk() {
+    const String path = path_of(file_);
+    SafeWriter writer;
+    const SystemError error = write_file(file_, document(), writer);
+    if (failed(error))
+        post_error(msg_cannot_write_text, path.c_str(), error_text(error).c_str());
+    else if (writer.attributes_lost)
+        xvt_dm_post_warning("%s", format_message(msg_text_attributes_lost, path.c_str()).c_str());
+    if (!failed(error) && failed(writer.directory_error))
+        xvt_dm_post_warning("%s", format_message(msg_directory_behind, path.c_str(),
+                                                 error_text(writer.directory_error).c_str())
+                                      .c_str());
+    if (!writer.copy_path.empty() && file_exists(writer.copy_path.view()))
+        tell_interrupted_copy(writer.copy_path, path);
+    if (failed(error) || !has_view())
+        return false;
+    note_file();
+    return true;
+}
+
+bool EditorWindow::save() {
+    if (!has_name(file_))
+        return save_as();
+    if (view().editing.is_read_only)
+        return false;
+    const String path = path_of(file_);
+    if (is_write_protected(pellux::view(path))) {
+        post_error(msg_text_protected, path.c_str());
+        return false;
+    }
+    return may_overwrite() && write_to_disk();
+}
+
+bool EditorWindow::save_as() {
+    const String title = format_message(msg_save_text);
+    FileChoice choice;
+    if (!xvt_dm_post_file_save({.title = pellux::view(title),
+                                .directory = pellux::view(file_.directory),
+                                .name = pellux::view(file_.name),
+                                .extension = k_extension},
+                               choice) ||
+        !has_view())
+        return false;
+    const String path = joined_path(pellux::view(choice.directory), pellux::view(choice.name));
+    if (file_exists(pellux::view(path))) {
+        if (is_write_protected(pellux::view(path))) {
+            post_error(msg_text_protected, path.c_str());
+            return false;
+        }
+        const String text = format_message(msg_text_exists, path.c_str());
+        if (xvt_dm_post_ask(k_cancel, k_ok, nullptr, "%s", text.c_str()) != 1 || !has_view())
+            return false;
+    }
+    const EditorFile old = std::exchange(file_, {});
+    set_path(file_, pellux::view(path));
+    if (!write_to_disk()) {
+        file_ = old;
+        return false;
+    }
+    if (project != Window::none && has_name(old) && path_of(old) != path)
+        editor_hooks().rename(project, pellux::view(path_of(old)), pellux::view(path));
+    return true;
+}
+
+bool EditorWindow::close_query() {
+    if (!has_changes())
+        return true;
+    const String text = has_name(file_) ? format_message(msg_save_changes, path_of(file_).c_str())
+                                        : format_message(msg_save_new_text);
+    xvt_vobj_raise(window());
+    const int answer = ask_with(text, {k_yes, k_no, k_cancel});
+    return has_view() && (answer == 1 || (answer == 0 && save()));
+}
+
+} // namespace pellux

@@ -1,0 +1,186 @@
+#include "windows/editor/open_editors.h"
+
+#include "core/os/files.h"
+#include "core/os/loop.h"
+#include "windows/controls/boxes.h"
+#include "windows/controls/help_topics.h"
+#include "windows/controls/window_places.h"
+#include "windows/editor/editor_menus.h"
+#include "windows/editor/editor_settings.h"
+#include "windows/editor/keyword_table.h"
+#include "windows/editor/messages.h"
+#include "windows/toolkit/resource.h"
+#include "windows/toolkit/window.h"
+
+#include <algorithm>
+#include <array>
+
+namespace pellux {
+namespace {
+
+constexpr int k_editor_window = 106;
+/// Where the first editor stands: beside the list of the project's files.
+constexpr Rect k_first_place{16, 300, 616, 1080};
+constexpr std::array k_windows{WindowResource{.number = k_editor_window,
+                                              .width = width(k_first_place),
+                                              .height = height(k_first_place),
+                                              .menu_bar = k_editor_menu_bar}};
+
+Vector<Owned<EditorWindow>> editors;
+/// Those that have gone, until what runs in them has returned.
+Vector<Owned<EditorWindow>> gone_editors;
+PostedCall free_gone_editors{.call = [](void*) { gone_editors.clear(); }};
+int opened = 0; ///< in this run
+
+/// Editors of a project; of all where it is none.
+Vector<EditorWindow*> editors_of(Window project) {
+    Vector<EditorWindow*> found;
+    for (const Owned<EditorWindow>& editor : editors)
+        if (editor->project == project)
+            found.push_back(editor.get());
+    return found;
+}
+
+/// Do two paths lead to one file?
+bool is_same_file(std::string_view one, std::string_view other) {
+    FileStat first;
+    FileStat second;
+    return one == other || (!failed(stat_file(one, first)) && !failed(stat_file(other, second)) &&
+                            first.inode == second.inode && first.device == second.device);
+}
+
+/// Lets the project remember where the window stands, if its user has moved it.
+void keep_place(const EditorWindow& editor) {
+    const String path = path_of(editor.file());
+    const Rect place = xvt_vobj_get_outer_rect(editor.window());
+    if (editor.project != Window::none && !path.empty() && !is_empty(place) &&
+        place != editor.placed)
+        editor_hooks().keep_place(editor.project, view(path), place);
+}
+
+void forget(EditorWindow& editor) {
+    const auto found = std::ranges::find(editors, &editor, &Owned<EditorWindow>::get);
+    if (found == editors.end())
+        return;
+    keep_place(editor);
+    if (editor_settings().has_news)
+        write_editor_settings();
+    gone_editors.push_back(std::move(*found));
+    editors.erase(found);
+    post_call(free_gone_editors);
+}
+
+bool raise(std::string_view path) {
+    const EditorWindow* editor = find_editor(path);
+    if (editor == nullptr)
+        return false;
+    xvt_vobj_raise(editor->window());
+    return true;
+}
+
+void apply_to_all() {
+    for (const Owned<EditorWindow>& editor : editors)
+        editor->apply_settings();
+}
+
+constexpr EditorWindow::Others k_others{
+    .open = [](Window project, std::string_view path) { open_editor(project, path); },
+    .raise = raise,
+    .forget = forget,
+    .apply_settings = apply_to_all,
+};
+
+/// Where the file's window stood, else a little further than the one opened before.
+void place(const EditorWindow& editor, const Rect& stored) {
+    constexpr int k_places = 6;
+    constexpr int k_step_px = 24;
+    const Rect area = xvt_vobj_get_client_rect(xvt_win_get_task());
+    const int shift = opened % k_places * k_step_px;
+    ++opened;
+    if (!is_empty(stored) && meets(stored, area)) {
+        move_frame(editor.window(), moved_into(stored, area));
+        return;
+    }
+    const Rect shifted{k_first_place.top + shift, k_first_place.left + shift,
+                       k_first_place.bottom + shift, k_first_place.right + shift};
+    move_frame(editor.window(), moved_into(shifted, area));
+}
+
+EditorWindow* make_editor(Window project, const Rect& stored) {
+    editors.push_back(make_owned<EditorWindow>(project, k_others));
+    EditorWindow* editor = editors.back().get();
+    if (xvt_win_create_res(k_editor_window, {TextWindow::handle, editor}) == Window::none) {
+        forget(*editor);
+        post_error(msg_no_editor_window);
+        return nullptr;
+    }
+    place(*editor, stored);
+    editor->placed = xvt_vobj_get_outer_rect(editor->window());
+    if (!load_keywords() && must_warn_of_keywords())
+        xvt_dm_post_warning("%s", format_message(msg_keywords_lacking).c_str());
+    editor->apply_settings();
+    associate_help({.window = editor->window()}, HelpTopic::editor);
+    return editor;
+}
+
+} // namespace
+
+void register_editors(const EditorHooks& hooks) {
+    editors.clear();
+    opened = 0;
+    editor_hooks() = hooks;
+    register_editor_menus();
+    xvt_res_register({.windows = k_windows});
+    read_editor_settings();
+}
+
+EditorWindow* find_editor(std::string_view path) {
+    const auto found = std::ranges::find_if(editors, [&](const auto& editor) {
+        return has_name(editor->file()) && is_same_file(view(path_of(editor->file())), path);
+    });
+    return found == editors.end() ? nullptr : found->get();
+}
+
+EditorWindow* open_editor(Window project, std::string_view path) {
+    if (EditorWindow* known = find_editor(path)) {
+        xvt_vobj_raise(known->window());
+        known->look_at_disk();
+        return known;
+    }
+    const Rect stored = project == Window::none ? Rect{} : editor_hooks().place(project, path);
+    EditorWindow* editor = make_editor(project, stored);
+    if (editor == nullptr)
+        return nullptr;
+    if (!editor->load_file(path)) {
+        xvt_vobj_destroy(editor->window());
+        return nullptr;
+    }
+    xvt_vobj_raise(editor->window());
+    return editor;
+}
+
+EditorWindow* open_new_editor(Window project) {
+    EditorWindow* editor = make_editor(project, {});
+    if (editor != nullptr)
+        editor->discard();
+    return editor;
+}
+
+bool may_close_editors(Window project) {
+    for (EditorWindow* editor : editors_of(project))
+        if (editor->has_view() && !editor->close_query())
+            return false;
+    return true;
+}
+
+void close_editors(Window project) {
+    for (const EditorWindow* editor : editors_of(project))
+        xvt_vobj_destroy(editor->window());
+}
+
+void apply_editor_options(Window project) {
+    for (EditorWindow* editor : editors_of(project))
+        editor->apply_settings();
+}
+
+} // namespace pellux
