@@ -7,6 +7,7 @@
 #include "core/project/project_file.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/shell_hooks.h"
+#include "windows/editor/open_editors.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
@@ -141,6 +142,10 @@ bool is_named_or_given_up(Window window) {
 bool close_one(Window window) {
     if (!is_named_or_given_up(window))
         return false;
+    if (!may_close_editors(window))
+        return false;
+    // Each lets the project remember where it stood.
+    close_editors(window);
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return false;

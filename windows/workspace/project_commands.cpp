@@ -9,6 +9,7 @@
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_compile.h"
+#include "windows/workspace/project_editors.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
@@ -58,6 +59,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(move_down), 237, Need::selection, move_selected_files_down},
     CommandRow{tag_of(report_file), 0, Need::nothing, show_report_file},
     CommandRow{tag_of(control_file), 0, Need::nothing, show_control_file},
+    CommandRow{tag_of(source_file), 0, Need::selection, open_selected_files},
     CommandRow{tag_of(tool_versions), 0, Need::nothing, [](Window) { show_tool_versions(); }},
     CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
     CommandRow{tag_of(help_contents), 0, Need::nothing,
@@ -194,6 +196,7 @@ void show_list_menu(Window window, Point at) {
     MenuItem separator;
     separator.is_separator = true;
     Vector<MenuItem> items;
+    items.push_back(menu_item("Ed&it", tag_of(source_file), "Enter", state));
     items.push_back(
         menu_item(is_top ? "No top &design" : "Set as top &design", tag_of(toggle_top), "", state));
     items.push_back(menu_item("Co&mpile all", tag_of(compile_all), "F7", state));

@@ -4,7 +4,6 @@
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/project/source_clipboard.h"
-#include "core/project/source_list.h"
 #include "windows/controls/boxes.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
@@ -20,30 +19,6 @@
 
 namespace pellux {
 namespace {
-
-/// Why a file is not taken into the list.
-void tell_refusal(AddStatus status, const String& path) {
-    switch (status) {
-    case AddStatus::added:
-    case AddStatus::already_listed:
-        return;
-    case AddStatus::holds_blank:
-        post_error(msg_name_holds_blank, path.c_str());
-        return;
-    case AddStatus::too_long:
-        post_error(msg_name_too_long, path.c_str(), static_cast<int>(k_source_name_max));
-        return;
-    case AddStatus::impossible_name:
-        post_error(msg_name_impossible, path.c_str());
-        return;
-    case AddStatus::beside_pla:
-        post_error(msg_holds_pla);
-        return;
-    case AddStatus::pla_not_alone:
-        post_error(msg_pla_alone);
-        return;
-    }
-}
 
 /// Is what `tell_refusal` says the same for all files?
 bool names_no_file(AddStatus status) {
@@ -127,6 +102,29 @@ void paste_one(Window window, const Project& project, Adding& adding, const Past
 }
 
 } // namespace
+
+void tell_refusal(AddStatus status, const String& path) {
+    switch (status) {
+    case AddStatus::added:
+    case AddStatus::already_listed:
+        return;
+    case AddStatus::holds_blank:
+        post_error(msg_name_holds_blank, path.c_str());
+        return;
+    case AddStatus::too_long:
+        post_error(msg_name_too_long, path.c_str(), static_cast<int>(k_source_name_max));
+        return;
+    case AddStatus::impossible_name:
+        post_error(msg_name_impossible, path.c_str());
+        return;
+    case AddStatus::beside_pla:
+        post_error(msg_holds_pla);
+        return;
+    case AddStatus::pla_not_alone:
+        post_error(msg_pla_alone);
+        return;
+    }
+}
 
 void ask_for_vhdl_files(Window window) {
     const Project* project = find_project(window);

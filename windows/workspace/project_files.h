@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/containers.h"
+#include "core/project/source_list.h"
 #include "windows/toolkit/event.h"
 
 #include <span>
@@ -19,5 +19,8 @@ void cut_selected_files(Window window);
 /// False after the user was told; the clipboard is then as it was.
 bool copy_selected_files(Window window);
 void paste_files(Window window);
+
+/// Says why a file is not taken into the list; nothing where it is in it.
+void tell_refusal(AddStatus status, const String& path);
 
 } // namespace pellux

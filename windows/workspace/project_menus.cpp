@@ -53,7 +53,7 @@ constexpr std::array k_files{
 constexpr std::array k_info{
     item("&Report file...", report_file),
     item("&Control file...", control_file),
-    without_command("&Source file...", source_file),
+    item("&Source file...", source_file),
     item("&Tool versions...", tool_versions),
 };
 constexpr std::array k_search{

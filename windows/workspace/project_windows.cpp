@@ -8,9 +8,11 @@
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_commands.h"
+#include "windows/workspace/project_editors.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_info.h"
+#include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
@@ -36,6 +38,8 @@ void on_button(Window window, int button) {
 void on_list(Window window, ControlAction action) {
     if (action == ControlAction::selected)
         update_project_commands(window);
+    else if (action == ControlAction::chosen)
+        on_command(window, static_cast<int>(ProjectCommand::source_file));
 }
 
 void on_drop(Window window, std::span<const String> paths) {
@@ -110,6 +114,7 @@ void start_workspace(const ShellHooks& hooks) {
     workspace().hooks = {{on_event, nullptr}, update};
     register_project_window();
     register_reading_windows({on_text_key, show_compile});
+    start_editors(on_text_key);
     register_new_project();
 }
 

@@ -1,10 +1,12 @@
 #include "tests/windows/workspace/project_files.h"
-#include "windows/controls/boxes.h"
+#include "windows/controls/window_places.h"
+#include "windows/editor/open_editors.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
 
 #include <filesystem>
@@ -237,18 +239,67 @@ TEST_F(ProjectWindow, CarriesFilesToAnotherProject) {
     });
 }
 
-TEST_F(ProjectWindow, AsksWhichVersionOfAChangedFileCounts) {
-    const std::string path = directory_.write("x.vhd", "old");
-    FileIdentity loaded;
-    ASSERT_FALSE(failed(identify_file(path, loaded)));
-    EXPECT_FALSE(wants_new_version(path, loaded, true));
-    directory_.write("x.vhd", "newer");
-    user_.expect_ask("File '" + path + "' has changed on disk.\nRead new version *", "Yes");
-    EXPECT_TRUE(wants_new_version(path, loaded, false));
-    user_.expect_closed(QuestionKind::ask, "File '*' has changed on disk and memory.\nRead *");
-    EXPECT_FALSE(wants_new_version(path, loaded, true));
-    std::filesystem::remove(path);
-    EXPECT_FALSE(wants_new_version(path, loaded, true));
+TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
+    for (const char* name : {"a.vhd", "b.vhd", "c.vhd"})
+        directory_.write(name, name);
+    run([&] {
+        const auto path = [&](const char* name) { return directory_.path(name); };
+        const auto type = [&](const char* name) {
+            EditorWindow* editor = find_editor(path(name));
+            ASSERT_NE(editor, nullptr) << name;
+            xvt_vobj_raise(editor->window());
+            process_events();
+            press_key("x");
+        };
+        walk({{"#1106", "[a.vhd] [b.vhd] [c.vhd]"}, {"=01", "[a.vhd] [b.vhd] c.vhd"}});
+        press_key("Return");
+        process_events();
+        select({2});
+        command(static_cast<int>(ProjectCommand::source_file));
+        for (const char* name : {"a.vhd", "b.vhd", "c.vhd"})
+            type(name);
+        const Rect place{40, 50, 400, 600};
+        move_frame(find_editor(path("c.vhd"))->window(), place);
+        // One refusal keeps all.
+        user_.expect_ask("Quit Pellux?", "OK");
+        user_.expect_ask("Save changes to '*/a.vhd'?", "Yes");
+        user_.expect_ask("Save changes to '*/b.vhd'?", "No");
+        user_.expect_closed(QuestionKind::ask, "Save changes to '*/c.vhd'?");
+        EXPECT_FALSE(close_project(window()));
+        EXPECT_EQ(directory_.read("a.vhd"), "xa.vhd");
+        EXPECT_TRUE(find_editor(path("b.vhd"))->document().is_modified);
+        // A text that gets another name is listed under it, as far as the list takes it.
+        const auto choose_name = [&](const char* name) {
+            user_.expect_files(QuestionKind::file_save, "Save VHDL text as...", path(""), {name});
+        };
+        select({0});
+        command(static_cast<int>(ProjectCommand::toggle_top));
+        type("a.vhd");
+        choose_name("d.vhd");
+        press_key("Ctrl+Shift+S");
+        EXPECT_EQ(files(), "[*d.vhd] b.vhd c.vhd");
+        choose_name("d e.vhd");
+        user_.expect_error("'*/d e.vhd' can't be added: with a blank*");
+        press_key("Ctrl+Shift+S");
+        EXPECT_EQ(directory_.read("d e.vhd"), "xxa.vhd");
+        command(static_cast<int>(ProjectCommand::undo));
+        EXPECT_EQ(files(), "[*a.vhd] b.vhd c.vhd");
+        user_.expect_ask("Quit Pellux?", "OK");
+        user_.expect_ask("Save changes to '*/b.vhd'?", "No");
+        user_.expect_ask("Save changes to '*/c.vhd'?", "Yes");
+        EXPECT_TRUE(close_project(window()));
+    });
+    EXPECT_EQ(directory_.read("b.vhd"), "b.vhd");
+    EXPECT_EQ(directory_.read("c.vhd"), "xc.vhd");
+    run([&] {
+        select({2});
+        press_key("Return");
+        process_events();
+        EXPECT_EQ(xvt_vobj_get_outer_rect(find_editor(directory_.path("c.vhd"))->window()),
+                  (Rect{40, 50, 400, 600}));
+        user_.expect_ask("Quit Pellux?", "OK");
+        EXPECT_TRUE(close_project(window()));
+    });
 }
 
 TEST_F(ProjectWindow, KeepsItsFontAndItsPage) {
