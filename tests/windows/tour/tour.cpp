@@ -8,6 +8,7 @@
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/controls/window_places.h"
+#include "windows/editor/open_editors.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
@@ -134,6 +135,39 @@ void visit_text(Tour& tour, Window project) {
     press_key("Esc");
 }
 
+/// A source beside the list of its project, with something changed and selected.
+void visit_editor(Tour& tour, Window project) {
+    const Window task = xvt_win_get_task();
+    OpenProject& open = *find_open_project(project);
+    open.project->options.set(OptionFlag::line_numbers, true);
+    xvt_vobj_raise(project);
+    xvt_list_set_selected(project_list(project), std::array{12});
+    process_events();
+    xvt_win_dispatch_event(project,
+                           Event{CommandEvent{static_cast<int>(ProjectCommand::source_file)}});
+    process_events();
+    const String path =
+        absolute_path(view(open.project->directory), open.project->sources[12]->file_name.view());
+    EditorWindow* editor = find_editor(view(path));
+    if (editor == nullptr) {
+        tour.keep(false, "editor");
+        return;
+    }
+    put_side_by_side(project, editor->window());
+    xvt_vobj_raise(editor->window());
+    process_events();
+    for (const char* key : {"Ctrl+Home", "Down", "Down", "Down", "Enter", "Shift+Down",
+                            "Shift+Down", "Shift+Down", "Shift+Right", "Shift+Right"})
+        press_key(key);
+    tour.picture(task, "editor");
+    press_key("Alt+E");
+    tour.front("editor_menu");
+    press_key("Esc");
+    editor->run(EditorCommand::undo);
+    process_events();
+    press_key("Ctrl+W");
+}
+
 void visit_project(Tour& tour) {
     const Window task = xvt_win_get_task();
     const Window project = workspace().projects.front()->window;
@@ -157,6 +191,7 @@ void visit_project(Tour& tour) {
     read(ProjectCommand::report_file, "Started:", "report");
     read(ProjectCommand::tool_versions, "GHDL ", "versions");
     visit_text(tour, project);
+    visit_editor(tour, project);
     xvt_vobj_raise(project);
     process_events();
     press_key("Alt+W");
