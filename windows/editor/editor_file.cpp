@@ -3,6 +3,18 @@
 #include "core/common/lexical_path.h"
 
 namespace pellux {
+namespace {
+
+/// Takes note of what the file is now. That is nobody else's doing, also after a writing of ours
+/// that failed: it must not be offered in the place of a good text.
+void note_own(EditorFile& file) {
+    const String path = path_of(file);
+    file.is_unknown =
+        failed(identify_file(view(path), file.identity)) ||
+        (file.identity != FileIdentity{} && failed(sum_file(view(path), file.content)));
+}
+
+} // namespace
 
 String path_of(const EditorFile& file) {
     return has_name(file) ? joined_path(view(file.directory), view(file.name)) : String();
@@ -38,8 +50,10 @@ FileLoad read_file(EditorFile& file, TextDocument& document) {
 bool has_other_contents(EditorFile& file) {
     const String path = path_of(file);
     FileIdentity now;
-    if (!has_name(file) || failed(identify_file(view(path), now)) || now == file.identity ||
-        now == FileIdentity{})
+    if (file.is_unknown)
+        note_own(file);
+    if (!has_name(file) || file.is_unknown || failed(identify_file(view(path), now)) ||
+        now == file.identity || now == FileIdentity{})
         return false;
     ContentSum content;
     if (now.size != file.identity.size || failed(sum_file(view(path), content)) ||
@@ -52,12 +66,9 @@ bool has_other_contents(EditorFile& file) {
 SystemError write_file(EditorFile& file, TextDocument& document, SafeWriter& writer) {
     const String path = path_of(file);
     const SystemError error = save_text(document, view(path), writer, &file.content);
-    if (failed(error))
-        return error;
     file.refused = {};
-    // What can't be looked at now is looked into before it is written again.
-    if (failed(identify_file(view(path), file.identity)))
-        file.identity = {};
+    if (failed(error) || failed(identify_file(view(path), file.identity)))
+        note_own(file);
     return error;
 }
 

@@ -11,7 +11,8 @@ struct EditorFile {
     String name;
     FileIdentity identity; ///< all 0: of no file yet
     ContentSum content;
-    FileIdentity refused; ///< of a version that the user did not want to read
+    FileIdentity refused;    ///< of a version that the user did not want to read
+    bool is_unknown = false; ///< what our own writing left could not be looked at yet
 };
 
 [[nodiscard]] inline bool has_name(const EditorFile& file) {

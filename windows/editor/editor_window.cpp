@@ -284,10 +284,14 @@ bool EditorWindow::take_key(const CharacterEvent& key) {
             tell_of_surprise(key);
         return true;
     }
+    TextEditing& editing = view().editing;
     const bool is_tab = key.code == k_tab && key.letter == 0 && !key.with.control;
-    if (!is_tab || view().editing.is_read_only || !selects_lines(view().editing))
+    if (is_tab && key.with.shift)
+        unindent_lines(editing);
+    else if (is_tab && selects_lines(editing))
+        indent_lines(editing);
+    else
         return TextWindow::take_key(key);
-    (key.with.shift ? unindent_lines : indent_lines)(view().editing);
     return true;
 }
 

@@ -107,6 +107,7 @@ TEST_F(Editors, DoWhatTheirKeysSay) {
         {k_both, "o^ne\ntw|o\nend", {"Tab"}, "|\tone\n\ttwo\n^end"},
         {k_both, "\to^ne\n  tw|o", {"Shift+Tab"}, "|one\n  two^"},
         {k_both, "on^e |two", {"Tab"}, "on\t|two"},
+        {k_both, "\ton|e", {"Shift+Tab", "Shift+Tab"}, "on|e"},
         {k_both, "one\nt|wo\nend", {"Alt+Up"}, "t|wo\none\nend"},
         {k_both, "one\nt|wo\nend", {"Alt+Down", "Alt+Down"}, "one\nend\nt|wo"},
         {k_both, "one\ntw|o", {"Alt+Up"}, "tw|o\none"},
@@ -181,41 +182,59 @@ TEST_F(Editors, ChangeWhatIsSelected) {
     });
 }
 
-/// Whatever operation on files fails, the file holds the old text or the new one, and a text that
-/// was not saved says so.
+/// Whatever operation on files fails, once or from then on, the old text or the new one is there; a
+/// text that was not saved says so, and what its writing left is not offered in its place.
 TEST_F(Editors, LoseNothingWhenSavingFails) {
     run([&] {
-        const std::string path = directory_.write("text.vhd", "old");
-        const std::string linked = directory_.write("linked.vhd", "old");
-        fs::create_hard_link(linked, directory_.path("other.vhd"));
-        for (const std::string& each : {path, linked}) {
-            EditorWindow& editor = opened(each);
-            bool has_failed = true;
-            for (int n = 1; has_failed; ++n) {
-                set_text_state(editor.view().editing, "new|");
-                std::ofstream(each, std::ios::binary | std::ios::trunc) << "old";
-                int count = 0;
-                {
-                    const AskSeam before = install_ask({.ask = [](void*, const Question& question) {
-                        // A file of another time and the same contents is asked about never.
-                        EXPECT_EQ(question.buttons.size(), 1u) << question.text.c_str();
-                        Answer answer;
-                        answer.button = 0;
-                        return answer;
-                    }});
-                    const FileFaults faults([&](FileOperation, std::string_view) {
-                        return ++count == n ? SystemError{ENOSPC} : SystemError::none;
-                    });
-                    has_failed = !editor.save();
-                    install_ask(before);
+        const std::string plain = directory_.write("plain/text.vhd", "old");
+        fs::permissions(plain, fs::perms::owner_read | fs::perms::owner_write);
+        const std::string hard = directory_.write("hard/text.vhd", "old");
+        fs::create_hard_link(hard, directory_.path("hard/other.vhd"));
+        const std::string linked = directory_.path("link.vhd");
+        fs::create_symlink(directory_.write("linked/text.vhd", "old"), linked);
+        for (const auto& [path, place] :
+             {std::pair{plain, "plain"}, std::pair{hard, "hard"}, std::pair{linked, "linked"}}) {
+            EditorWindow& editor = opened(path);
+            for (const bool goes_on : {false, true}) {
+                bool has_failed = true;
+                for (int n = 1; has_failed; ++n) {
+                    ASSERT_LT(n, 200);
+                    set_text_state(editor.view().editing, "new|");
+                    // A file of another time and the same contents is nobody's change.
+                    for (const auto& [name, bytes] : directory_.files(place))
+                        if (!name.ends_with(".vhd"))
+                            fs::remove(directory_.path(name));
+                    std::ofstream(path, std::ios::binary | std::ios::trunc) << "old";
+                    int count = 0;
+                    {
+                        const AskSeam before =
+                            install_ask({.ask = [](void*, const Question& question) {
+                                // Where nobody could look, the user knows best.
+                                Answer answer;
+                                answer.button = static_cast<int>(question.buttons.size()) - 1;
+                                return answer;
+                            }});
+                        const FileFaults faults([&](FileOperation, std::string_view) {
+                            ++count;
+                            return count == n || (goes_on && count > n) ? SystemError{ENOSPC}
+                                                                        : SystemError::none;
+                        });
+                        has_failed = !editor.save();
+                        install_ask(before);
+                    }
+                    const auto left = directory_.files(place);
+                    const bool has_old = std::ranges::any_of(
+                        left, [](const auto& file) { return file.second == "old"; });
+                    EXPECT_TRUE(directory_.read(path) == "new" || (has_failed && has_old)) << n;
+                    EXPECT_EQ(editor.document().is_modified, has_failed) << n;
+                    editor.look_at_disk();
                 }
-                const std::string now = directory_.read(each);
-                EXPECT_TRUE(now == "new" || (has_failed && now == "old")) << n << " " << now;
-                EXPECT_EQ(editor.document().is_modified, has_failed) << n;
-                EXPECT_TRUE(count >= n || !has_failed);
-                ASSERT_LT(n, 200);
+                EXPECT_EQ(directory_.read(path), "new");
             }
         }
+        EXPECT_TRUE(fs::is_symlink(linked));
+        EXPECT_EQ(fs::hard_link_count(hard), 2u);
+        EXPECT_EQ(fs::status(plain).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     });
 }
 
