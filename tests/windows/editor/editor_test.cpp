@@ -77,7 +77,7 @@ protected:
 constexpr auto k_both = static_cast<KeyScheme>(2);
 constexpr auto k_prefixes = static_cast<KeyScheme>(3);
 
-/// A text, keys, and what they make of it.
+/// A text, keys and commands ('#' and the number), and what they make of it.
 TEST_F(Editors, DoWhatTheirKeysSay) {
     using enum KeyScheme;
     struct Row {
@@ -117,6 +117,16 @@ TEST_F(Editors, DoWhatTheirKeysSay) {
         {k_both, "o^n|e", {"Ctrl+C", "End", "Ctrl+V", "Shift+Insert"}, "onenn|"},
         {k_both, "o^n|e", {"Shift+Delete", "Ctrl+Z", "Ctrl+Y"}, "o|e"},
         {k_both, "one|", {"x", "Ctrl+Z", "Ctrl+Shift+Z"}, "onex|"},
+        {k_both, "a^b\xC3\xA9\xC3\xBF\xC3\x9F|c", {"#211"}, "a|B\xC3\x89\xC3\xBF\xC3\x9F^c"},
+        {k_both, "|A\xC3\x89\xC3\x97^", {"#212"}, "|a\xC3\xA9\xC3\x97^"},
+        {k_both, "o^ne\ntwo\n|three", {"#213"}, "o|--ne\n--two\n^three"},
+        {k_both, "^one\n\nt|wo", {"#213"}, "|--one\n--\n--t^wo"},
+        {k_both, "^-- --one\n \t-- two\na --b|", {"#214"}, "| --one\n \t two\na --b^"},
+        {k_both, "^one\n\ttwo\n|", {"#215"}, "|\tone\n\t\ttwo\n^"},
+        {k_both, "^\t\tone\n  two\n\tthree|", {"#216"}, "|\tone\n  two\nthree^"},
+        {k_both, "^  one|", {"#216"}, "^  one|"},
+        {k_both, "^one|", {"#213", "#211", "#214", "Ctrl+Z", "Ctrl+Z", "Ctrl+Z"}, "one|"},
+        {k_both, "one|", {"#213", "#211"}, "one|"},
         {k_prefixes, "one|", {"x", "Ctrl+X", "u"}, "one|"},
         {k_prefixes, "o|ne\ntwo", {"Escape", ">"}, "one\ntwo|"},
         {k_prefixes, "one\ntwo|", {"Escape", "<"}, "|one\ntwo"},
@@ -134,52 +144,28 @@ TEST_F(Editors, DoWhatTheirKeysSay) {
                                                  : EditorCommand::standard_keys);
                 set_text_state(editor.view().editing, row.before);
                 for (const char* key : row.keys)
-                    press_key(key);
+                    if (*key == '#')
+                        choose(editor, static_cast<EditorCommand>(std::atoi(key + 1)));
+                    else
+                        press_key(key);
                 EXPECT_EQ(state(editor), row.after) << row.before << " " << row.keys.front();
             }
         }
     });
 }
 
-TEST_F(Editors, ChangeWhatIsSelected) {
-    using enum EditorCommand;
-    struct Row {
-        EditorCommand command;
-        const char* before;
-        const char* after;
+TEST_F(Editors, KnowWhichParenthesesBelongTogether) {
+    TextDocument document;
+    insert_bytes(document, 0, "f(a[1], ')', \")\") -- )");
+    const auto partner = [&](ByteOffset at) {
+        const auto pair = find_parentheses(document, at);
+        return pair ? pair->second : -1;
     };
-    const Row rows[] = {
-        {upper_case, "a^b\xC3\xA9\xC3\xBF\xC3\x9F|c", "a|B\xC3\x89\xC3\xBF\xC3\x9F^c"},
-        {lower_case, "|A\xC3\x89\xC3\x97^", "|a\xC3\xA9\xC3\x97^"},
-        {comment, "o^ne\ntwo\n|three", "o|--ne\n--two\n^three"},
-        {comment, "^one\n\nt|wo", "|--one\n--\n--t^wo"},
-        {uncomment, "^-- --one\n \t-- two\na --b|", "| --one\n \t two\na --b^"},
-        {indent_right, "^one\ntwo\n|", "|\tone\n\ttwo\n^"},
-        {indent_left, "^\t\tone\n  two\n\tthree|", "|\tone\n  two\nthree^"},
-        {indent_left, "^  one|", "^  one|"},
-        {comment, "one|", "one|"},
-    };
-    run([&] {
-        EditorWindow& editor = opened(directory_.write("blocks.vhd", "\xC3\xA9"));
-        for (const Row& row : rows) {
-            set_text_state(editor.view().editing, row.before);
-            const int undos = undo_count(editor.view().editing);
-            choose(editor, row.command);
-            EXPECT_EQ(state(editor), row.after);
-            EXPECT_EQ(undo_count(editor.view().editing) - undos,
-                      state(editor) == row.before ? 0 : 1);
-        }
-        set_text_state(editor.view().editing, "f(a[1], ')', \")\") -- )|");
-        const auto partner = [&](ByteOffset at) {
-            const auto pair = find_parentheses(editor.document(), at);
-            return pair ? pair->second : -1;
-        };
-        EXPECT_EQ(partner(1), 16);
-        EXPECT_EQ(partner(17), 1);
-        EXPECT_EQ(partner(6), 3);
-        EXPECT_EQ(partner(9), -1);
-        EXPECT_EQ(partner(22), -1);
-    });
+    EXPECT_EQ(partner(1), 16);
+    EXPECT_EQ(partner(17), 1);
+    EXPECT_EQ(partner(6), 3);
+    EXPECT_EQ(partner(9), -1);
+    EXPECT_EQ(partner(22), -1);
 }
 
 /// Whatever operation on files fails, once or from then on, the old text or the new one is there; a
