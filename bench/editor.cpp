@@ -199,14 +199,9 @@ void run(bool moment) {
     install_shell({.insert_tools_menu = [](void*, Window) {}});
     register_controls();
     options.set(OptionFlag::line_numbers, true);
-    register_editors({.options = [](Window) -> const Source_options* { return &options; },
-                      .can_compile = [](Window) { return true; },
-                      .compile = [](Window) {},
-                      .take_key = [](Window, const CharacterEvent&) { return false; },
-                      .rename = [](Window, std::string_view, std::string_view) {},
-                      .place = [](Window, std::string_view) { return Rect{}; },
-                      .keep_place = [](Window, std::string_view, const Rect&) {},
-                      .enter = [](Window) {}});
+    EditorHooks hooks;
+    hooks.options = [](Window) -> const Source_options* { return &options; };
+    register_editors(hooks);
     measure_typing(*area, files, moment);
     measure_second_window(*area, files, moment);
     measure_large_file(files, moment);

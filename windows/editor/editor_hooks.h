@@ -8,21 +8,29 @@
 namespace pellux {
 
 /// What editors want of the projects that their texts belong to. `project` is the window of one.
+/// Where nobody fills something in, it is as if the project were gone.
 struct EditorHooks {
     /// Null for a project that is gone.
-    const Source_options* (*options)(Window project) = nullptr;
+    const Source_options* (*options)(Window project) = [](Window) -> const Source_options* {
+        return nullptr;
+    };
     /// Can its files be compiled, and does no compile run?
-    bool (*can_compile)(Window project) = nullptr;
-    void (*compile)(Window project) = nullptr;
+    bool (*can_compile)(Window project) = [](Window) { return false; };
+    void (*compile)(Window project) = [](Window) {};
     /// A key that the editor has no use for; false when the project has none either.
-    bool (*take_key)(Window project, const CharacterEvent& key) = nullptr;
+    bool (*take_key)(Window project, const CharacterEvent& key) =
+        [](Window, const CharacterEvent&) { return false; };
     /// The text of a file was saved as another one.
-    void (*rename)(Window project, std::string_view from, std::string_view to) = nullptr;
+    void (*rename)(Window project, std::string_view from,
+                   std::string_view to) = [](Window, std::string_view, std::string_view) {};
     /// Where the window of a file stood; empty: not known. In the task window.
-    Rect (*place)(Window project, std::string_view path) = nullptr;
-    void (*keep_place)(Window project, std::string_view path, const Rect& place) = nullptr;
+    Rect (*place)(Window project, std::string_view path) = [](Window, std::string_view) {
+        return Rect{};
+    };
+    void (*keep_place)(Window project, std::string_view path,
+                       const Rect& place) = [](Window, std::string_view, const Rect&) {};
     /// Makes its directory the current one.
-    void (*enter)(Window project) = nullptr;
+    void (*enter)(Window project) = [](Window) {};
 };
 
 /// One for the process.

@@ -43,15 +43,9 @@ protected:
 
     void run(const std::function<void()>& script) {
         in_application([&] {
-            static constexpr auto no_place = [](Window, std::string_view) { return Rect{}; };
-            register_editors({.options = [](Window) -> const Source_options* { return &options; },
-                              .can_compile = [](Window) { return false; },
-                              .compile = [](Window) {},
-                              .take_key = [](Window, const CharacterEvent&) { return false; },
-                              .rename = [](Window, std::string_view, std::string_view) {},
-                              .place = no_place,
-                              .keep_place = [](Window, std::string_view, const Rect&) {},
-                              .enter = [](Window) {}});
+            EditorHooks hooks;
+            hooks.options = [](Window) -> const Source_options* { return &options; };
+            register_editors(hooks);
             install_shell({.insert_tools_menu = [](void*, Window) {}});
             script();
         });
