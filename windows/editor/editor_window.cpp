@@ -110,6 +110,7 @@ void EditorWindow::apply_settings() {
     set_tab_width(view(), chosen.tab_width > 0 ? chosen.tab_width : k_tab_width);
     set_view_font(view(), editor_settings().font.value_or(xvt_font_get_fixed()));
     show_numbers(chosen.has(OptionFlag::line_numbers));
+    follow_numbers();
     show_menus();
     lay_out();
 }

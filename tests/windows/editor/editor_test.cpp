@@ -7,6 +7,7 @@
 #include "tests/windows/toolkit/scripted_answers.h"
 #include "windows/controls/controls.h"
 #include "windows/controls/shell_hooks.h"
+#include "windows/controls/window_places.h"
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/open_editors.h"
 #include "windows/editor/parentheses.h"
@@ -20,6 +21,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -145,6 +147,50 @@ TEST_F(Editors, DoWhatTheirKeysSay) {
                 EXPECT_EQ(state(editor), row.after) << row.before << " " << row.keys.front();
             }
         }
+    });
+}
+
+/// Changed at random, the numbers beside the text are those that they would be if all were drawn
+/// anew; the pointer selects lines there.
+TEST_F(Editors, NumberTheirLines) {
+    const test::Rounds rounds(300); // steps
+    options.set(OptionFlag::line_numbers, true);
+    run([&] {
+        EditorWindow& editor = opened(directory_.write("lines.vhd", std::string(99'970, '\n')));
+        TextView& view = editor.view();
+        const Window numbers = xvt_win_get_ctl(editor.window(), 3);
+        std::mt19937 random(rounds.seed);
+        const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+        set_top_line(view, 99'940);
+        for (int step = 0; step < rounds.count; ++step) {
+            const std::function<void()> steps[] = {
+                [&] { insert_text(view.editing, std::string(random() % 20, '\n')); },
+                [&] { step % 2 == 0 ? undo(view.editing) : redo(view.editing); },
+                [&] { set_top_line(view, top_line(view) + below(60) - 30); },
+                [&] { editor.zoom(below(3) - 1); },
+                [&] {
+                    go_to(view.editing, {99'930 + below(90), 0});
+                },
+                [&] {
+                    move_frame(editor.window(), {0, 0, 200 + below(300), 500});
+                }};
+            steps[random() % std::size(steps)]();
+            process_events();
+            const auto shown = shown_pixels(numbers);
+            xvt_win_dispatch_event(numbers, Event{ThemeEvent()});
+            process_events();
+            ASSERT_TRUE(shown == shown_pixels(numbers)) << "seed " << rounds.seed << " " << step;
+            const char* widest = line_count(editor.document()) > 99'999 ? "999999 " : "99999 ";
+            const Rect place = xvt_vobj_get_client_rect(numbers);
+            ASSERT_EQ(place.right, xvt_dwin_get_text_width(view.target, widest));
+        }
+        set_top_line(view, 7);
+        press_pointer(numbers, {5, view.line_height + 1});
+        move_pointer(view.target, {-5, 2 * view.line_height + 1});
+        release_pointer(view.target, {-5, 2 * view.line_height + 1});
+        EXPECT_EQ(selection(view.editing), (TextRange{8, 10}));
+        turn_wheel(numbers, {.at = {5, 5}, .down = 120});
+        EXPECT_EQ(top_line(view), 10);
     });
 }
 
