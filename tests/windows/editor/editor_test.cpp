@@ -62,6 +62,9 @@ protected:
         process_events();
     }
     static std::string state(EditorWindow& editor) { return text_state(editor.view().editing); }
+    static std::string status(EditorWindow& editor) {
+        return xvt_vobj_get_title(xvt_win_get_ctl(editor.window(), 2)).c_str();
+    }
 
     test::TemporaryDirectory directory_;
     test::TemporaryDirectory settings_;
@@ -315,6 +318,15 @@ TEST_F(Editors, OpenWhatIsATextAndRefuseTheRest) {
         EditorWindow& protected_one = opened(directory_.path("text.vhd"));
         press_key("y");
         EXPECT_EQ(state(protected_one), "|text");
+        EXPECT_EQ(status(protected_one),
+                  "Line 1 of 1\tUndos:  0\tWrite-protected\tCol 1\tUTF-8\tLF");
+        const std::string dropped = directory_.write("dropped.vhd", "\xE9\r\n");
+        EXPECT_TRUE(drop_files(protected_one.view().target, {9, 9}, std::vector{dropped}));
+        ASSERT_NE(find_editor(dropped), nullptr);
+        options.set(OptionFlag::emacs_keys, true);
+        press_key("Escape");
+        EXPECT_EQ(status(*find_editor(dropped)),
+                  "ESC-\tUndos:  0\tUnchanged\tCol 1\tLatin-1\tCR LF");
     });
 }
 
@@ -326,8 +338,23 @@ TEST_F(Editors, AskBeforeAnythingIsLost) {
         std::ranges::transform(lower, lower.begin(),
                                [](char c) { return static_cast<char>(std::tolower(c)); });
         EXPECT_EQ(xvt_vobj_get_title(editor.window()), lower.c_str());
-        press_key("Down");
+        EXPECT_EQ(status(editor), "Line 1 of 3\tUndos:  0\tUnchanged\tCol 1\tUTF-8\tLF");
+        const auto answer_line = [](const Question&) {
+            Answer answer{
+                .button = 0, .value = " 2x", .directory = {}, .files = {}, .font = {}, .rows = {}};
+            return answer;
+        };
+        user_.expect(QuestionKind::string, "Go to line:", answer_line);
+        press_key("Ctrl+G");
         press_key("x");
+        EXPECT_EQ(status(editor), "Line 2 of 3\tUndos:  1\tModified\tCol 2\tUTF-8\tLF");
+        press_key("Ctrl+F");
+        EXPECT_TRUE(
+            status(editor).starts_with("Ctrl+F moves right. Keys > Desktop keys: finds.\t"));
+        press_key("Ctrl+B");
+        press_key("Ctrl+F");
+        EXPECT_TRUE(status(editor).starts_with("Line 2 of 3\t")) << "told once in a run";
+        press_key("Ctrl+B");
         // Another program writes the same bytes, then others.
         directory_.write("Text.vhd", "one\ntwo\n");
         press_key("Ctrl+S");
