@@ -253,6 +253,9 @@ bool EditorWindow::save() {
     if (view().editing.is_read_only)
         return false;
     const String path = path_of(file_);
+    // Nobody's time stamp changes for nothing; a file that went comes back.
+    if (!document().is_modified && !is_recovered_ && file_exists(pellux::view(path)))
+        return true;
     if (is_write_protected(pellux::view(path))) {
         post_error(msg_text_protected, path.c_str());
         return false;
