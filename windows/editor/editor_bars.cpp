@@ -3,8 +3,8 @@
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
+#include "windows/controls/window_bars.h"
 #include "windows/editor/messages.h"
-#include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/window.h"
 
@@ -14,10 +14,7 @@
 namespace pellux {
 namespace {
 
-constexpr int k_toolbar = 1;
-constexpr int k_status_bar = 2;
-constexpr int k_toolbar_px = 34;
-constexpr int k_status_px = 24;
+constexpr WindowBars k_bars{.toolbar = 1, .status_bar = 2};
 
 constexpr std::array<std::string_view, 22> k_toolbar_lines{
     "TOP_OFFSET=3",
@@ -42,10 +39,6 @@ constexpr std::array<std::string_view, 22> k_toolbar_lines{
     "PICBUTN=216,316,\"Indent left selection\"",
     "SEPARATOR",
     "PICBUTN=217,317,\"Smart compile project\"",
-};
-constexpr std::array<std::string_view, 8> k_status_lines{
-    "DEFAULT_TEXT=\" \"", "FIELD_OFFSET=16", "FILL_COLOR=LTGRAY", "FONTSIZE=12",
-    "LEFT_OFFSET=8",      "PLAIN=FALSE",     "TASK_WIN=FALSE",    "TEXT_COLOR=BLACK",
 };
 
 using enum EditorCommand;
@@ -107,29 +100,15 @@ int to_int(std::int64_t number) {
 } // namespace
 
 void create_editor_bars(Window window) {
-    const Rect client = xvt_vobj_get_client_rect(window);
-    xvt_cxo_create({.class_name = k_toolbar_class,
-                    .parent = window,
-                    .id = k_toolbar,
-                    .rect = {0, 0, k_toolbar_px, client.right},
-                    .title = "Editor",
-                    .properties = k_toolbar_lines});
-    xvt_cxo_create({.class_name = k_status_bar_class,
-                    .parent = window,
-                    .id = k_status_bar,
-                    .rect = {client.bottom - k_status_px, 0, client.bottom, client.right},
-                    .properties = k_status_lines});
+    create_window_bars(window, k_bars, "Editor", k_toolbar_lines);
 }
 
 Rect lay_out_editor_bars(Window window) {
-    const Rect client = xvt_vobj_get_client_rect(window);
-    toolbar_autosize(xvt_win_get_ctl(window, k_toolbar));
-    status_bar_autosize(xvt_win_get_ctl(window, k_status_bar));
-    return {k_toolbar_px, 0, std::max(k_toolbar_px, client.bottom - k_status_px), client.right};
+    return lay_out_window_bars(window, k_bars);
 }
 
 void show_editor_state(Window window, const EditorState& state) {
-    const Window bar = xvt_win_get_ctl(window, k_toolbar);
+    const Window bar = xvt_win_get_ctl(window, k_bars.toolbar);
     for (const auto& row : k_needs) {
         const bool is_enabled = is_met(row.need, state);
         const int number = static_cast<int>(row.command);
@@ -147,7 +126,7 @@ void show_editor_status(Window window, const EditorStatus& status) {
     (text += '\t') += format_message(msg_status_column, to_int(status.column));
     (text += '\t') += status.encoding;
     (text += '\t') += status.line_end;
-    set_status_text(xvt_win_get_ctl(window, k_status_bar), view(text));
+    set_status_text(xvt_win_get_ctl(window, k_bars.status_bar), view(text));
 }
 
 EditorCommand command_of_notice(const NoticeEvent& notice) {

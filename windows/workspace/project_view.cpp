@@ -3,8 +3,8 @@
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
+#include "windows/controls/window_bars.h"
 #include "windows/toolkit/control.h"
-#include "windows/toolkit/custom_control.h"
 #include "windows/toolkit/font.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
@@ -17,8 +17,7 @@
 namespace pellux {
 namespace {
 
-constexpr int k_toolbar_px = 34;
-constexpr int k_status_px = 24;
+constexpr WindowBars k_bars{.toolbar = k_project_toolbar, .status_bar = k_project_status};
 
 constexpr std::array<std::string_view, 14> k_toolbar_lines{
     "TOP_OFFSET=3",
@@ -36,10 +35,6 @@ constexpr std::array<std::string_view, 14> k_toolbar_lines{
     "PICBUTN=240,340,\"Compile selected (Ctrl+F7).\"",
     "PICBUTN=241,341,\"Libraries.\"",
 };
-constexpr std::array<std::string_view, 8> k_status_lines{
-    "DEFAULT_TEXT=\" \"", "FIELD_OFFSET=16", "FILL_COLOR=LTGRAY", "FONTSIZE=12",
-    "LEFT_OFFSET=8",      "PLAIN=FALSE",     "TASK_WIN=FALSE",    "TEXT_COLOR=BLACK",
-};
 
 void select(Window list, Selection selected) {
     Vector<int> indexes;
@@ -52,30 +47,15 @@ void select(Window list, Selection selected) {
 } // namespace
 
 void create_project_view(Window window) {
-    const Rect client = xvt_vobj_get_client_rect(window);
-    xvt_cxo_create({.class_name = k_toolbar_class,
-                    .parent = window,
-                    .id = k_project_toolbar,
-                    .rect = {0, 0, k_toolbar_px, client.right},
-                    .title = "Project",
-                    .properties = k_toolbar_lines});
+    create_window_bars(window, k_bars, "Project", k_toolbar_lines);
     const Window list = xvt_ctl_create(
         {.parent = window, .kind = ControlKind::list_many, .id = k_project_list, .title = "Files"});
     xvt_win_accept_drops(list, true);
-    xvt_cxo_create({.class_name = k_status_bar_class,
-                    .parent = window,
-                    .id = k_project_status,
-                    .rect = {client.bottom - k_status_px, 0, client.bottom, client.right},
-                    .properties = k_status_lines});
     lay_out_project_view(window);
 }
 
 void lay_out_project_view(Window window) {
-    const Rect client = xvt_vobj_get_client_rect(window);
-    const int bottom = std::max(k_toolbar_px, client.bottom - k_status_px);
-    toolbar_autosize(xvt_win_get_ctl(window, k_project_toolbar));
-    xvt_vobj_move(project_list(window), {k_toolbar_px, 0, bottom, client.right});
-    status_bar_autosize(xvt_win_get_ctl(window, k_project_status));
+    xvt_vobj_move(project_list(window), lay_out_window_bars(window, k_bars));
 }
 
 Window project_list(Window window) {
