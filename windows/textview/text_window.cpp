@@ -288,6 +288,7 @@ void TextWindow::press(const PointerDownEvent& down) {
     const ByteOffset at = offset_at_point(*view_, down.at);
     if (paste_selection(*view_, at) == PasteResult::lacks_a_character)
         show_words(pellux::view(format_message(msg_clipboard_lacks)));
+    hook();
 }
 
 void TextWindow::ask_for_menu(Point at) {
@@ -373,6 +374,8 @@ long TextWindow::on_pane_event(Window pane, const Event& event) {
         pointer_->on_move(*move);
     } else if (const auto* up = event.get<PointerUpEvent>()) {
         pointer_->on_up(*up);
+        if (has_view())
+            hook();
     } else if (const auto* timer = event.get<TimerEvent>()) {
         pointer_->on_timer(timer->timer);
     } else if (const auto* wheel = event.get<WheelEvent>()) {
