@@ -228,8 +228,8 @@ SystemError sum_file(std::string_view path, ContentSum& content) {
     return SystemError::none;
 }
 
-SystemError save_text(TextDocument& document, std::string_view path, SafeWriter& writer,
-                      ContentSum* content) {
+SystemError write_text(const TextDocument& document, std::string_view path, SafeWriter& writer,
+                       ContentSum* content) {
     if (const SystemError error = begin_safe_write(writer, path); failed(error))
         return error;
     WriteBuffer buffer(writer);
@@ -243,11 +243,16 @@ SystemError save_text(TextDocument& document, std::string_view path, SafeWriter&
     }
     buffer.flush();
     const SystemError error = commit_safe_write(writer);
-    if (failed(error))
-        return error;
-    note_saved(document);
-    if (content != nullptr)
+    if (!failed(error) && content != nullptr)
         *content = buffer.summer.sum();
+    return error;
+}
+
+SystemError save_text(TextDocument& document, std::string_view path, SafeWriter& writer,
+                      ContentSum* content) {
+    const SystemError error = write_text(document, path, writer, content);
+    if (!failed(error))
+        note_saved(document);
     return error;
 }
 

@@ -30,9 +30,12 @@ struct TextLoad {
 /// What `load_text` and `save_text` would sum up a file to.
 [[nodiscard]] SystemError sum_file(std::string_view path, ContentSum& content);
 
-/// Writes the text through `writer`, so that the file holds its old bytes or the new ones, and
-/// notes for its views that it is saved. The writer tells what else there is to say; `content` is
-/// what was written.
+/// Writes the text through `writer`, so that the file holds its old bytes or the new ones. The
+/// writer tells what else there is to say; `content` is what was written. Its views know nothing of
+/// it.
+[[nodiscard]] SystemError write_text(const TextDocument& document, std::string_view path,
+                                     SafeWriter& writer, ContentSum* content = nullptr);
+/// The same, and notes for its views that it is saved.
 [[nodiscard]] SystemError save_text(TextDocument& document, std::string_view path,
                                     SafeWriter& writer, ContentSum* content = nullptr);
 

@@ -1,6 +1,7 @@
 #include "windows/editor/editor_file.h"
 
 #include "core/common/lexical_path.h"
+#include "windows/editor/auto_save.h"
 
 namespace pellux {
 namespace {
@@ -45,6 +46,15 @@ FileLoad read_file(EditorFile& file, TextDocument& document) {
         erase_bytes(document, 0, text_size(document));
     }
     return {.keeps_changing = true};
+}
+
+FileLoad read_copy(EditorFile& file, TextDocument& document) {
+    const TextLoad load =
+        load_text(document, view(copy_path(view(path_of(file)))), user_encoding());
+    if (failed(load.error))
+        return {.error = load.error};
+    note_own(file);
+    return {};
 }
 
 bool has_other_contents(EditorFile& file) {

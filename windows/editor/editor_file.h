@@ -34,6 +34,10 @@ struct FileLoad {
 /// they were.
 [[nodiscard]] FileLoad read_file(EditorFile& file, TextDocument& document);
 
+/// The same from the copy of the file that auto-saving made; what is noted is the file's own, which
+/// may be missing.
+[[nodiscard]] FileLoad read_copy(EditorFile& file, TextDocument& document);
+
 /// Has the file other contents than when it was read or written last? A file that only got another
 /// time has not, and is taken note of; nor has one that is gone or can't be looked at.
 [[nodiscard]] bool has_other_contents(EditorFile& file);

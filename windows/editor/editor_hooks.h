@@ -20,6 +20,8 @@ struct EditorHooks {
     /// A key that the editor has no use for; false when the project has none either.
     bool (*take_key)(Window project, const CharacterEvent& key) =
         [](Window, const CharacterEvent&) { return false; };
+    /// It has an editor more.
+    void (*opened)(Window project) = [](Window) {};
     /// The text of a file was saved as another one.
     void (*rename)(Window project, std::string_view from,
                    std::string_view to) = [](Window, std::string_view, std::string_view) {};

@@ -7,6 +7,7 @@
 #include "core/text/text_compare.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/messages.h"
+#include "windows/editor/auto_save.h"
 #include "windows/editor/editor_hooks.h"
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/messages.h"
@@ -46,6 +47,15 @@ int ask_with(const String& text, std::initializer_list<const char*> buttons) {
     return ask(question).button;
 }
 
+/// Is there a copy that tells of work which was lost, and shall it be read?
+bool wants_copy(const String& path) {
+    if (!has_newer_copy(view(path)))
+        return false;
+    const String text =
+        format_message(msg_copy_is_newer, String(file_name_part(view(path))).c_str());
+    return xvt_dm_post_ask(k_no, k_yes, nullptr, "%s", text.c_str()) == 1;
+}
+
 /// Takes the text of one document over into another, which is emptied.
 void copy_document(const TextDocument& from, TextDocument& to) {
     erase_bytes(to, 0, text_size(to));
@@ -67,7 +77,18 @@ String EditorWindow::shown_name() const {
 }
 
 bool EditorWindow::has_changes() {
-    return document().is_modified && !view().editing.is_read_only;
+    return (document().is_modified || is_recovered_) && !view().editing.is_read_only;
+}
+
+void EditorWindow::auto_save() {
+    if (has_name(file_) && document().is_modified)
+        write_copy(document(), pellux::view(path_of(file_)));
+}
+
+/// Only a project's texts have copies.
+void EditorWindow::forget_copy() {
+    if (project != Window::none && has_name(file_))
+        remove_copy(pellux::view(path_of(file_)));
 }
 
 /// The file is what the text is now: shows what is to be seen of it.
@@ -88,17 +109,24 @@ bool EditorWindow::load_file(std::string_view path) {
     TextDocument& shown = document();
     const bool is_fresh = text_size(shown) == 0;
     Owned<TextDocument> other = is_fresh ? nullptr : make_owned<TextDocument>();
-    const FileLoad load = read_file(loading, is_fresh ? shown : *other);
+    const bool restores = wants_copy(name);
+    const FileLoad load = (restores ? read_copy : read_file)(loading, is_fresh ? shown : *other);
     if (failed(load)) {
-        tell_failure(load, name);
+        tell_failure(load, restores ? copy_path(path) : name);
         return false;
     }
     if (other != nullptr)
         copy_document(*other, shown);
+    if (path_of(file_) != name)
+        forget_copy();
     file_ = std::move(loading);
     note_loaded(shown);
     show_start(view());
     note_file();
+    if (restores) {
+        is_recovered_ = true;
+        set_read_only(false);
+    }
     tell_interrupted_copy(load.interrupted_copy, name);
     return true;
 }
@@ -182,6 +210,7 @@ void EditorWindow::open() {
 void EditorWindow::discard() {
     if (!may_throw_away())
         return;
+    forget_copy();
     file_ = {};
     TextDocument& shown = document();
     erase_bytes(shown, 0, text_size(shown));
@@ -195,8 +224,10 @@ void EditorWindow::discard() {
 void EditorWindow::revert() {
     if (!has_name(file_))
         discard();
-    else if (may_throw_away())
+    else if (may_throw_away()) {
+        forget_copy();
         read_again();
+    }
 }
 
 /// Asks where there is something to lose.
@@ -289,8 +320,10 @@ bool EditorWindow::save_as() {
         file_ = old;
         return false;
     }
-    if (project != Window::none && has_name(old) && path_of(old) != path)
-        editor_hooks().rename(project, pellux::view(path_of(old)), pellux::view(path));
+    if (project == Window::none || !has_name(old) || path_of(old) == path)
+        return true;
+    remove_copy(pellux::view(path_of(old)));
+    editor_hooks().rename(project, pellux::view(path_of(old)), pellux::view(path));
     return true;
 }
 

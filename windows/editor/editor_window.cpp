@@ -409,7 +409,12 @@ void EditorWindow::compile() {
 
 void EditorWindow::close() {
     if (close_query())
-        xvt_vobj_destroy(window());
+        close_now();
+}
+
+void EditorWindow::close_now() {
+    forget_copy();
+    xvt_vobj_destroy(window());
 }
 
 void EditorWindow::choose_keys(KeyScheme scheme) {

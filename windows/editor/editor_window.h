@@ -45,6 +45,10 @@ public:
     void insert_template(std::string_view text);
     /// Asks about changes that are not saved; false when the window must stay.
     [[nodiscard]] bool close_query();
+    /// Destroys the window, as the user agreed to; no copy of its text is needed any more.
+    void close_now();
+    /// Writes the copy of a text that is not saved.
+    void auto_save();
     /// Asks whether to read the file again if another program has changed it.
     void look_at_disk();
     /// Takes over what was chosen for the project or for all editors.
@@ -105,6 +109,7 @@ private:
 
     // Files.
     void read_again();
+    void forget_copy();
     void revert();
     bool save_as();
     bool write_to_disk();

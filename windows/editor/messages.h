@@ -32,6 +32,10 @@ inline Message<const char*, const char*> msg_text_old_contents{
     "E2160", "The old contents of '%s' lie in '%s'."};
 inline Message<const char*> msg_text_attributes_lost{
     "E2161", "'%s' was written, but its owner, mode or attributes could not be kept."};
+inline Message<const char*> msg_copy_is_newer{"E2163",
+                                              "Backup of '%s' is newer.  Restore from it?"};
+inline Message<const char*> msg_no_copy_directory{"E2164",
+                                                  "Can't create auto-save directory '%s'."};
 inline Message<> msg_no_editor_window{"E2162", "Can't open window"};
 
 } // namespace pellux

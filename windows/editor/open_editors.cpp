@@ -58,6 +58,25 @@ void keep_place(const EditorWindow& editor) {
         editor_hooks().keep_place(editor.project, view(path), place);
 }
 
+/// Windows of editors whose copies are still to be written.
+Vector<Window> waiting_copies;
+void write_next_copy(void*);
+PostedCall write_copies{.call = write_next_copy};
+
+void write_next_copy(void*) {
+    while (!waiting_copies.empty()) {
+        const Window window = waiting_copies.back();
+        waiting_copies.pop_back();
+        const auto found = std::ranges::find_if(
+            editors, [window](const auto& each) { return each->window() == window; });
+        if (found == editors.end())
+            continue;
+        (*found)->auto_save();
+        post_call(write_copies);
+        return;
+    }
+}
+
 void forget(EditorWindow& editor) {
     const auto found = std::ranges::find(editors, &editor, &Owned<EditorWindow>::get);
     if (found == editors.end())
@@ -120,6 +139,7 @@ EditorWindow* make_editor(Window project, const Rect& stored) {
         xvt_dm_post_warning("%s", format_message(msg_keywords_lacking).c_str());
     editor->apply_settings();
     associate_help({.window = editor->window()}, HelpTopic::editor);
+    editor_hooks().opened(project);
     return editor;
 }
 
@@ -174,8 +194,15 @@ bool may_close_editors(Window project) {
 }
 
 void close_editors(Window project) {
+    for (EditorWindow* editor : editors_of(project))
+        editor->close_now();
+}
+
+void save_copies(Window project) {
     for (const EditorWindow* editor : editors_of(project))
-        xvt_vobj_destroy(editor->window());
+        if (std::ranges::find(waiting_copies, editor->window()) == waiting_copies.end())
+            waiting_copies.push_back(editor->window());
+    post_call(write_copies);
 }
 
 void apply_editor_options(Window project) {

@@ -28,4 +28,7 @@ void close_editors(Window project);
 /// What was chosen for the project has changed.
 void apply_editor_options(Window project);
 
+/// Writes copies of the texts of a project that are not saved, one in each turn of the loop.
+void save_copies(Window project);
+
 } // namespace pellux

@@ -20,8 +20,9 @@ struct OpenProject {
     /// `project_image` and `project_content` as they were last read or written; empty: never.
     Vector<std::byte> written;
     Vector<std::byte> written_content;
-    FileIdentity file; ///< what the file was then
-    Rect placed;       ///< where the window stood at first, its user not having moved it
+    FileIdentity file;                 ///< what the file was then
+    TimerId auto_save = TimerId::none; ///< of the copies of its texts
+    Rect placed; ///< where the window stood at first, its user not having moved it
     SourceLooks looks;
     SourceHistory history;
 };

@@ -3,6 +3,7 @@
 #include "core/common/lexical_path.h"
 #include "core/project/source_list.h"
 #include "windows/editor/open_editors.h"
+#include "windows/toolkit/timer.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_compile.h"
@@ -10,6 +11,8 @@
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
+
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -30,6 +33,19 @@ bool can_compile(Window window) {
     const Project* project = find_project(window);
     return project != nullptr && !project->sources.empty() &&
            !is_speaking({ReadingKind::compile_output, window});
+}
+
+/// Copies are written from the first editor on, where the project wants them.
+void update_auto_save(Window window) {
+    constexpr std::int64_t k_interval_ms = 300'000;
+    OpenProject* open = find_open_project(window);
+    if (open == nullptr)
+        return;
+    const bool is_wanted = open->project->options.has(OptionFlag::auto_save);
+    if (is_wanted && open->auto_save == TimerId::none)
+        open->auto_save = xvt_timer_create(window, k_interval_ms);
+    if (!is_wanted && open->auto_save != TimerId::none)
+        xvt_timer_destroy(std::exchange(open->auto_save, TimerId::none));
 }
 
 /// The file's entry gets the new name, as far as the list takes it.
@@ -83,10 +99,21 @@ void start_editors(bool (*take_key)(Window project, const CharacterEvent& key)) 
                       .can_compile = can_compile,
                       .compile = [](Window window) { compile_project(window, true); },
                       .take_key = take_key,
+                      .opened = update_auto_save,
                       .rename = rename,
                       .place = place_of,
                       .keep_place = keep_place,
                       .enter = enter_project});
+}
+
+bool on_auto_save_timer(Window window, TimerId timer) {
+    const OpenProject* open = find_open_project(window);
+    if (open == nullptr || open->auto_save != timer)
+        return false;
+    update_auto_save(window);
+    if (open->auto_save != TimerId::none)
+        save_copies(window);
+    return true;
 }
 
 void open_selected_files(Window window) {

@@ -61,7 +61,8 @@ long on_event(void*, Window window, const Event& event) {
         update_info_commands(window);
         xvt_vobj_set_focus(project_list(window));
     } else if (const auto* timer = event.get<TimerEvent>()) {
-        if (OpenProject* open = find_open_project(window))
+        OpenProject* open = find_open_project(window);
+        if (open != nullptr && !on_auto_save_timer(window, timer->timer))
             continue_looking(project_list(window), timer->timer, *open->project, open->looks);
     } else if (const auto* command = event.get<CommandEvent>()) {
         on_command(window, command->tag);

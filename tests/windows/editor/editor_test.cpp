@@ -330,6 +330,52 @@ TEST_F(Editors, OpenWhatIsATextAndRefuseTheRest) {
     });
 }
 
+TEST_F(Editors, OfferWhatWasNotSavedBeforeACrash) {
+    run([&] {
+        const std::string path = directory_.write("text.vhd", "old");
+        const std::string copy = directory_.path("peltmp/text.vhd");
+        EditorWindow* editor = &opened(path);
+        editor->auto_save();
+        EXPECT_FALSE(fs::exists(copy)) << "nothing to lose";
+        directory_.write("peltmp", "in the way");
+        press_key("x");
+        user_.expect_error("Can't create auto-save directory '" + directory_.path("peltmp") + "'.");
+        editor->auto_save();
+        editor->auto_save();
+        fs::remove(directory_.path("peltmp"));
+        editor->auto_save();
+        EXPECT_EQ(directory_.read("peltmp/text.vhd"), "xold");
+        EXPECT_EQ(directory_.read("text.vhd"), "old");
+        EXPECT_TRUE(editor->document().is_modified);
+        // Nobody has closed it.
+        xvt_vobj_destroy(editor->window());
+        const char* question = "Backup of 'text.vhd' is newer.  Restore from it?";
+        user_.expect_ask(question, "Yes");
+        editor = &opened(path);
+        EXPECT_EQ(status(*editor), "Line 1 of 1\tUndos:  0\tRecovered\tCol 1\tUTF-8\tLF");
+        user_.expect_ask("Save changes to '*'?", "Cancel");
+        press_key("Ctrl+W");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("text.vhd"), "xold");
+        EXPECT_TRUE(fs::exists(copy)) << "a plain save leaves it";
+        press_key("Ctrl+W");
+        EXPECT_FALSE(fs::exists(copy));
+        // A file that went, and one of the same time.
+        directory_.write("peltmp/text.vhd", "copy");
+        fs::remove(path);
+        user_.expect_closed(QuestionKind::ask, question);
+        user_.expect_error("Can't read '" + path + "': *");
+        EXPECT_EQ(open_editor(xvt_win_get_task(), path), nullptr);
+        user_.expect_ask(question, "Yes");
+        EXPECT_EQ(state(opened(path)), "|copy");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("text.vhd"), "copy");
+        xvt_vobj_destroy(find_editor(path)->window());
+        fs::last_write_time(copy, fs::last_write_time(path));
+        EXPECT_EQ(state(opened(path)), "|copy");
+    });
+}
+
 TEST_F(Editors, AskBeforeAnythingIsLost) {
     run([&] {
         const std::string path = directory_.write("Text.vhd", "one\ntwo\n");

@@ -1,3 +1,4 @@
+#include "core/os/clock.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/controls/window_places.h"
 #include "windows/editor/open_editors.h"
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <set>
 #include <string>
 
 namespace pellux {
@@ -260,6 +262,12 @@ TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
             type(name);
         const Rect place{40, 50, 400, 600};
         move_frame(find_editor(path("c.vhd"))->window(), place);
+        {
+            ManualClock clock;
+            clock.advance(300'000);
+            process_events();
+        }
+        EXPECT_EQ(directory_.names("peltmp"), (std::set<std::string>{"a.vhd", "b.vhd", "c.vhd"}));
         // One refusal keeps all.
         user_.expect_ask("Quit Pellux?", "OK");
         user_.expect_ask("Save changes to '*/a.vhd'?", "Yes");
@@ -291,6 +299,7 @@ TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
     });
     EXPECT_EQ(directory_.read("b.vhd"), "b.vhd");
     EXPECT_EQ(directory_.read("c.vhd"), "xc.vhd");
+    EXPECT_TRUE(directory_.names("peltmp").empty());
     run([&] {
         select({2});
         press_key("Return");
