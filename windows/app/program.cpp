@@ -2,11 +2,15 @@
 
 #include "core/common/callback.h"
 #include "core/os/files.h"
+#include "core/os/interruption.h"
 #include "windows/app/start_picture.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/controls/controls.h"
+#include "windows/editor/open_editors.h"
 #include "windows/workspace/project_windows.h"
+
+#include <cstdlib>
 
 namespace pellux {
 namespace {
@@ -30,6 +34,14 @@ ShellHooks shell_hooks(Shell& shell) {
     return hooks;
 }
 
+Shell* running = nullptr; ///< while the program runs
+
+/// Somebody ends the program and can't be asked: nothing that was typed may go with it.
+void on_interruption() {
+    save_all_copies();
+    end_application(*running);
+}
+
 } // namespace
 
 void start_shell(Shell& shell, std::span<const char* const> words) {
@@ -49,9 +61,14 @@ int run_pellux(int argument_count, char** arguments) {
     Shell shell;
     const std::span words(arguments, static_cast<std::size_t>(argument_count));
     start_shell(shell, words.empty() ? words : words.subspan(1));
+    running = &shell;
+    notice_interruption(on_interruption);
+    // Where the display goes the toolkit's library ends the program from within.
+    std::atexit(save_all_copies);
     xvt_app_create(app_config(), task_handler(shell));
     xvt_app_end();
-    return 0;
+    constexpr int k_status_interrupted = 128;
+    return interruption() == 0 ? 0 : k_status_interrupted + interruption();
 }
 
 } // namespace pellux

@@ -198,6 +198,12 @@ void close_editors(Window project) {
         editor->close_now();
 }
 
+void save_all_copies() {
+    for (const Owned<EditorWindow>& editor : editors)
+        if (editor->has_view())
+            editor->auto_save();
+}
+
 void save_copies(Window project) {
     for (const EditorWindow* editor : editors_of(project))
         if (std::ranges::find(waiting_copies, editor->window()) == waiting_copies.end())

@@ -30,5 +30,7 @@ void apply_editor_options(Window project);
 
 /// Writes copies of the texts of a project that are not saved, one in each turn of the loop.
 void save_copies(Window project);
+/// The same of all texts at once, for a program that must end now.
+void save_all_copies();
 
 } // namespace pellux
