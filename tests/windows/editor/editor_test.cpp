@@ -307,6 +307,26 @@ TEST_F(Editors, OpenWhatIsATextAndRefuseTheRest) {
             user_.expect_error("Can't read '" + path + "': *");
             EXPECT_EQ(open_editor(Window::none, path), nullptr);
         }
+        // Another program writes meanwhile, or takes the file away.
+        for (const char* mode : {"grows", "shrinks", "goes"}) {
+            const std::string path = directory_.write("busy.vhd", std::string(10'000, 'x'));
+            int reads = 0;
+            const FileFaults faults([&](FileOperation operation, std::string_view) {
+                if (operation != FileOperation::read || ++reads % 2 == 0)
+                    return SystemError::none;
+                if (*mode == 'g')
+                    std::ofstream(path, std::ios::app) << "y";
+                if (*mode == 's')
+                    fs::resize_file(path, fs::file_size(path) - 1);
+                if (mode == std::string("goes"))
+                    fs::remove(path);
+                return SystemError::none;
+            });
+            user_.expect_error(mode == std::string("goes")
+                                   ? "Can't read '" + path + "': *"
+                                   : "Can't read '" + path + "': another program is writing it.");
+            EXPECT_EQ(open_editor(Window::none, path), nullptr) << mode;
+        }
         EditorWindow& editor = opened(directory_.write("text.vhd", "text"));
         fs::permissions(directory_.path("text.vhd"), fs::perms::owner_read);
         user_.expect_error("'*/text.vhd' is write-protected.");
