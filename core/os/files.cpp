@@ -26,6 +26,21 @@ bool append_number(PathBuffer& path, std::int64_t number) {
     return path.append({digits, static_cast<std::size_t>(end - digits)});
 }
 
+/// ".NAME.PROCESS-NUMBER.tmp", of a process that has ended.
+bool is_left_temporary(std::string_view name, std::string_view base) {
+    constexpr std::string_view k_end = ".tmp";
+    if (!name.starts_with('.') || !name.substr(1).starts_with(base) || !name.ends_with(k_end))
+        return false;
+    name.remove_prefix(1 + base.size());
+    if (!name.starts_with('.') || name.size() <= k_end.size())
+        return false;
+    name = name.substr(1, name.size() - 1 - k_end.size());
+    std::int64_t process = 0;
+    const char* const last = name.data() + name.size();
+    const auto [end, error] = std::from_chars(name.data(), last, process);
+    return error == std::errc() && end != last && *end == '-' && !process_exists(process);
+}
+
 } // namespace
 
 void set_file_fault_hook(FileFaultHook hook, void* context) {
@@ -76,6 +91,31 @@ bool temporary_name(std::string_view path, PathBuffer& name) {
             return false;
     } while (!failed(stat_link(name.view(), stat)));
     return true;
+}
+
+void remove_left_temporaries(std::string_view path) {
+    struct Search {
+        std::string_view base;
+        PathBuffer found;
+    };
+    const auto visit = [](void* context, std::string_view name, FileKind kind) {
+        auto& search = *static_cast<Search*>(context);
+        if (kind == FileKind::regular && is_left_temporary(name, search.base))
+            static_cast<void>(search.found.assign(name));
+        return search.found.empty();
+    };
+    // One at a time: a directory must not change while it is listed.
+    constexpr int k_most = 16;
+    for (int i = 0; i < k_most; ++i) {
+        Search search{shortened_name(file_name_part(path), k_kept_name), {}};
+        const std::string_view directory = directory_part(path);
+        if (failed(list_directory(directory.empty() ? "." : directory, visit, &search)) ||
+            search.found.empty())
+            return;
+        PathBuffer left(directory);
+        if (!left.join(search.found.view()) || failed(remove_file(left.view())))
+            return;
+    }
 }
 
 SystemError create_temporary(std::string_view path, std::uint32_t permissions, File& file,

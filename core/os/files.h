@@ -107,6 +107,9 @@ using DirectoryVisitor = bool (*)(void* context, std::string_view name, FileKind
 /// A name in the directory of `path` that nobody uses, for a file that will replace `path`; every
 /// call of every program answers another one. False when the path is too long.
 [[nodiscard]] bool temporary_name(std::string_view path, PathBuffer& name);
+/// Removes the files of such names beside `path` whose programs have ended. Nobody is told of one
+/// that stays.
+void remove_left_temporaries(std::string_view path);
 /// Makes and opens a new file of such a name.
 [[nodiscard]] SystemError create_temporary(std::string_view path, std::uint32_t permissions,
                                            File& file, PathBuffer& name);

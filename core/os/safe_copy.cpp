@@ -142,6 +142,8 @@ SystemError make_copy_at(CopyPlace place, File& original, std::int64_t size,
             error = name_copy(place, target, temporary.view(), name.view());
         if (!failed(error)) {
             copy = name;
+            if (copy_name(place, target, 1, name))
+                remove_left_temporaries(name.view());
             return error;
         }
         if (is_taken(error) && number < k_copies)

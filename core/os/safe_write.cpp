@@ -190,6 +190,7 @@ SystemError commit_safe_write(SafeWriter& writer) {
     clean_up(writer);
     if (!failed(writer.error)) {
         forget_copies(writer);
+        remove_left_temporaries(writer.target.view());
         writer.copy_path.clear();
     }
     return writer.error;

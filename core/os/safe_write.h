@@ -22,9 +22,10 @@ namespace pellux {
 /// The copy of a file has a name that follows from the file's, so that it is found after a crash
 /// (safe_copy.h), and bears it only once it is complete and flushed. A copy that is there already,
 /// left behind by an earlier crash, may hold the only good bytes: it stays until a writing is
-/// whole, and meanwhile the new copy takes the next of nine names. With all nine in use the writing
-/// is refused (`is_taken`). While a file is written in place it is locked, so that two programs
-/// never write into each other (`is_busy`).
+/// whole, and meanwhile the new copy takes the next of nine names. What a writing has left beside
+/// the file that was cut off before its renaming goes with the next one that is whole. With all
+/// nine in use the writing is refused (`is_taken`). While a file is written in place it is locked,
+/// so that two programs never write into each other (`is_busy`).
 struct SafeWriter {
     enum class Method { none, rename, in_place };
 
