@@ -444,21 +444,31 @@ TEST_F(Editors, AskBeforeAnythingIsLost) {
         user_.expect_ask("File '*' has changed on disk and memory.*", "No");
         press_key("Ctrl+S");
         EXPECT_EQ(directory_.read("Text.vhd"), "one\nxytwo\n");
-        // Throwing away, and a name for a new text.
+        // Throwing away, and a name for a new text; the first button is the default.
+        const auto asked = [&](const std::string& text, const char* buttons, int answer) {
+            user_.expect(QuestionKind::ask, text, [=](const Question& question) {
+                std::string all;
+                for (const String& button : question.buttons)
+                    (all += button) += ' ';
+                EXPECT_EQ(all, buttons);
+                Answer given;
+                given.button = answer;
+                return given;
+            });
+        };
         press_key("z");
-        user_.expect_ask("Do you really wish to throw away your changes to '" + path + "'?",
-                         "Cancel");
+        asked("Do you really wish to throw away your changes to '" + path + "'?", "Cancel OK ", 0);
         choose(editor, EditorCommand::new_text);
         user_.expect_ask("Do you really wish to throw away*", "OK");
         choose(editor, EditorCommand::new_text);
         EXPECT_EQ(state(editor), "|");
         EXPECT_EQ(xvt_vobj_get_title(editor.window()), "VHDL Editor - New");
         type_text("new");
-        user_.expect_ask("Save new file?", "Cancel");
+        asked("Save new file?", "Yes No Cancel ", 2);
         EXPECT_FALSE(editor.close_query());
         user_.expect_files(QuestionKind::file_save, "Save VHDL text as...", directory_.path(),
                            {"Text.vhd"});
-        user_.expect_ask("'" + path + "' exists.  Overwrite it?", "Cancel");
+        asked("'" + path + "' exists.  Overwrite it?", "Cancel OK ", 0);
         press_key("Ctrl+S");
         EXPECT_EQ(directory_.read("Text.vhd"), "one\nxytwo\n");
         user_.expect_ask("Save new file?", "Yes");
@@ -467,7 +477,7 @@ TEST_F(Editors, AskBeforeAnythingIsLost) {
         EXPECT_TRUE(editor.close_query());
         EXPECT_EQ(directory_.read("new.vhd"), "new");
         press_key("z");
-        user_.expect_ask("Save changes to '*/new.vhd'?", "No");
+        asked("Save changes to '*/new.vhd'?", "Yes No Cancel ", 1);
         press_key("Ctrl+W");
         EXPECT_EQ(directory_.read("new.vhd"), "new");
         EXPECT_EQ(editor_settings().recent.front(), directory_.path("new.vhd").c_str());
