@@ -268,7 +268,13 @@ void draw_caret(TextView& view) {
     if (!meets(place, {0, 0, view.height, view.width}))
         return;
     view.caret = place;
-    const auto row = static_cast<std::size_t>(place.top / view.line_height);
+    draw_caret_again(view);
+}
+
+void draw_caret_again(TextView& view) {
+    if (!view.caret)
+        return;
+    const auto row = static_cast<std::size_t>(view.caret->top / view.line_height);
     const bool is_tinted = row < view.grounds.size() && view.grounds[row].is_tinted;
     view.caret_ground = is_tinted ? view.tint : Color::white;
     flip_caret(view);

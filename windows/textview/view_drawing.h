@@ -58,6 +58,8 @@ void scroll_down(TextView& view, int top, int down);
 /// Draws the caret where it stands now, or not any more. Where it is drawn, doing so again shows
 /// what was there before.
 void draw_caret(TextView& view);
+/// Where it was drawn, over rows that were drawn since.
+void draw_caret_again(TextView& view);
 void flip_caret(TextView& view);
 void erase_caret(TextView& view);
 

@@ -189,7 +189,7 @@ void draw_part(TextView& view, const Rect& part) {
     if (was_undrawn || !view.caret)
         draw_caret(view);
     else
-        flip_caret(view);
+        draw_caret_again(view);
     tell_scrolled(view, false);
 }
 

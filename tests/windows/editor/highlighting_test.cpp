@@ -224,38 +224,6 @@ struct Page : TextWindow {
     }
 };
 
-/// A comment that begins or ends in a line changes the lines below it.
-TEST(Highlighting, ShowsAfterEachChangeWhatItWouldShowDrawnAnew) {
-    ASSERT_TRUE(load_keywords());
-    in_application([] {
-        const test::Rounds rounds(2);
-        std::mt19937 random(rounds.seed);
-        Source_options options;
-        options.set(OptionFlag::highlight_keywords, true);
-        for (int round = 0; round < rounds.count; ++round) {
-            Page page(random_text(random, 600, true), TextEncoding::utf_8, looks_of(options));
-            TextView& view = page.view();
-            const auto below = [&](unsigned limit) {
-                return static_cast<std::int64_t>(random() % limit);
-            };
-            for (int step = 0; step < 200; ++step) {
-                for (std::int64_t edits = below(3); edits > 0; --edits) {
-                    go_to(view.editing, {top_line(view) + below(20), below(20)});
-                    insert_text(view.editing, random_text(random, random() % 4, true));
-                    delete_forward(view.editing);
-                    if (below(9) == 0)
-                        undo(view.editing);
-                    page.highlighter.follow_changes(view);
-                }
-                set_top_line(view, top_line(view) + below(5) - 2);
-                const auto shown = page.picture();
-                redraw_all(view);
-                ASSERT_TRUE(shown == page.picture()) << "seed " << rounds.seed << " step " << step;
-            }
-        }
-    });
-}
-
 /// Letters are shown in upper case only where that is asked for, and the text stays as it is.
 TEST(Highlighting, ShowsKeywordsAndCommentsInTheirLooks) {
     ASSERT_TRUE(load_keywords());
