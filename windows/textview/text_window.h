@@ -23,8 +23,6 @@ public:
     virtual void lay_out();
     /// Enter.
     virtual void new_line();
-    /// The text becomes larger by so many points, or smaller; 0: as it was before.
-    virtual void zoom(int steps);
     /// The view has drawn what a key or a command changed. For a kind's own use.
     virtual void hook() {}
     /// Shows that a key waits for a second one: 27 or 24; 0 for none.
@@ -38,6 +36,8 @@ public:
     virtual void find_next() {}
     virtual void replace() {}
     virtual void replace_selection() {}
+    /// The text becomes larger by so many points, or smaller; 0: as it was before.
+    virtual void zoom(int steps);
 
     /// The handler of its window, with this as the context.
     static long handle(void* context, Window window, const Event& event);
