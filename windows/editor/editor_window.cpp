@@ -231,7 +231,7 @@ void EditorWindow::new_line() {
         TextWindow::new_line();
 }
 
-void EditorWindow::go_to_text_line(std::int64_t line) {
+void EditorWindow::goto_line(std::int64_t line) {
     select_mode(view().editing, SelectMode::none);
     go_to(view().editing, {std::max<std::int64_t>(line, 1) - 1, 0});
     show_caret(view());
@@ -247,7 +247,7 @@ void EditorWindow::go_to_line() {
     std::int64_t line = 0;
     const char* const end = answer.data() + answer.size();
     if (std::from_chars(answer.data() + first, end, line).ec != std::errc::invalid_argument)
-        go_to_text_line(line);
+        goto_line(line);
 }
 
 void EditorWindow::insert_template(std::string_view text) {

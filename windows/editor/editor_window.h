@@ -40,7 +40,7 @@ public:
     /// after the user was told; the text is then as it was.
     bool load_file(std::string_view path);
     /// From 1; the caret stands at its start, in sight.
-    void go_to_text_line(std::int64_t line);
+    void goto_line(std::int64_t line);
     /// At the caret.
     void insert_template(std::string_view text);
     /// Asks about changes that are not saved; false when the window must stay.

@@ -32,7 +32,7 @@ Vector<Owned<EditorWindow>> gone_editors;
 PostedCall free_gone_editors{.call = [](void*) { gone_editors.clear(); }};
 int opened = 0; ///< in this run
 
-/// Editors of a project; of all where it is none.
+/// In the order in which they were opened.
 Vector<EditorWindow*> editors_of(Window project) {
     Vector<EditorWindow*> found;
     for (const Owned<EditorWindow>& editor : editors)
