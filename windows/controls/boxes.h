@@ -4,6 +4,7 @@
 #include "core/project/project_state.h"
 #include "windows/toolkit/message_box.h"
 
+#include <initializer_list>
 #include <string_view>
 #include <type_traits>
 
@@ -21,6 +22,21 @@ inline constexpr const char* k_ok = "OK";
 inline constexpr const char* k_cancel = "Cancel";
 inline constexpr const char* k_yes = "Yes";
 inline constexpr const char* k_no = "No";
+
+/// Asks with one to three buttons, of which closing the box is none but a "Cancel": where closing
+/// would stand for "No" it would lose something. -1 for none.
+[[nodiscard]] int ask_carefully(const String& text, std::initializer_list<const char*> buttons);
+
+/// What there is to say of the writing of a file, see `SafeWriter`.
+struct WriteOutcome {
+    SystemError error = SystemError::none;
+    SystemError directory_error = SystemError::none;
+    bool attributes_lost = false;
+    std::string_view old_contents = {}; ///< where they lie, of a file that was damaged
+};
+void tell_outcome(const String& path, const WriteOutcome& outcome);
+/// A file was damaged; nothing where `old_contents` is empty.
+void tell_old_contents(const String& path, std::string_view old_contents);
 
 /// To be asked before the text of an open editor is used in the place of its file. When that is not
 /// what `loaded` says any more the user is asked whether to read it again, which loses the changes

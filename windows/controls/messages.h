@@ -4,6 +4,12 @@
 
 namespace pellux {
 
+inline Message<const char*, const char*> msg_file_unwritten{"E2050", "Can't write '%s': %s."};
+inline Message<const char*, const char*> msg_file_old_contents{
+    "E2051", "The old contents of '%s' lie in '%s'."};
+inline Message<const char*> msg_file_attributes_lost{
+    "E2052", "'%s' was written, but its owner, mode or attributes could not be kept."};
+inline Message<const char*, const char*> msg_file_unreadable{"E2082", "Can't read '%s': %s."};
 inline Message<const char*> msg_changed_on_disk{
     "E2074", "File '%s' has changed on disk.\nRead new version from disk?"};
 inline Message<const char*> msg_changed_twice{

@@ -3,7 +3,6 @@
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
-#include "core/project/messages.h"
 #include "core/text/text_compare.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/messages.h"
@@ -15,7 +14,6 @@
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
 
-#include <initializer_list>
 #include <utility>
 
 namespace pellux {
@@ -27,24 +25,7 @@ void tell_failure(const FileLoad& load, const String& path) {
     if (load.keeps_changing)
         post_error(msg_text_keeps_changing, path.c_str());
     else
-        post_error(msg_cannot_read_text, path.c_str(), error_text(load.error).c_str());
-}
-
-/// A file that was damaged is told of whenever somebody looks at it.
-void tell_interrupted_copy(const PathBuffer& copy, const String& path) {
-    if (!copy.empty())
-        post_error(msg_text_old_contents, path.c_str(), copy.c_str());
-}
-
-/// One of up to three buttons; closing the box is none of them but "Cancel".
-int ask_with(const String& text, std::initializer_list<const char*> buttons) {
-    Question question;
-    question.kind = QuestionKind::ask;
-    question.text = text;
-    for (const char* button : buttons)
-        question.buttons.emplace_back(button);
-    question.closing_is_no = false;
-    return ask(question).button;
+        post_error(msg_file_unreadable, path.c_str(), error_text(load.error).c_str());
 }
 
 /// Is there a copy that tells of work which was lost, and shall it be read?
@@ -127,7 +108,7 @@ bool EditorWindow::load_file(std::string_view path) {
         is_recovered_ = true;
         set_read_only(false);
     }
-    tell_interrupted_copy(load.interrupted_copy, name);
+    tell_old_contents(name, load.interrupted_copy.view());
     return true;
 }
 
@@ -166,7 +147,7 @@ void EditorWindow::read_again() {
     redraw_all(view());
     set_top_line(view(), top);
     note_file();
-    tell_interrupted_copy(load.interrupted_copy, path);
+    tell_old_contents(path, load.interrupted_copy.view());
 }
 
 void EditorWindow::look_at_disk() {
@@ -246,7 +227,7 @@ bool EditorWindow::may_overwrite() {
     const String text = format_message(
         document().is_modified ? msg_changed_twice : msg_changed_on_disk, path.c_str());
     is_asking_ = true;
-    const int answer = ask_with(text, {k_yes, k_no});
+    const int answer = ask_carefully(text, {k_yes, k_no});
     is_asking_ = false;
     if (!has_view())
         return false;
@@ -262,16 +243,10 @@ bool EditorWindow::write_to_disk() {
     const String path = path_of(file_);
     SafeWriter writer;
     const SystemError error = write_file(file_, document(), writer);
-    if (failed(error))
-        post_error(msg_cannot_write_text, path.c_str(), error_text(error).c_str());
-    else if (writer.attributes_lost)
-        xvt_dm_post_warning("%s", format_message(msg_text_attributes_lost, path.c_str()).c_str());
-    if (!failed(error) && failed(writer.directory_error))
-        xvt_dm_post_warning("%s", format_message(msg_directory_behind, path.c_str(),
-                                                 error_text(writer.directory_error).c_str())
-                                      .c_str());
-    if (!writer.copy_path.empty() && file_exists(writer.copy_path.view()))
-        tell_interrupted_copy(writer.copy_path, path);
+    const bool is_damaged = !writer.copy_path.empty() && file_exists(writer.copy_path.view());
+    tell_outcome(path, {error, failed(error) ? SystemError::none : writer.directory_error,
+                        writer.attributes_lost,
+                        is_damaged ? writer.copy_path.view() : std::string_view()});
     if (failed(error) || !has_view())
         return false;
     note_file();
@@ -333,7 +308,7 @@ bool EditorWindow::close_query() {
     const String text = has_name(file_) ? format_message(msg_save_changes, path_of(file_).c_str())
                                         : format_message(msg_save_new_text);
     xvt_vobj_raise(window());
-    const int answer = ask_with(text, {k_yes, k_no, k_cancel});
+    const int answer = ask_carefully(text, {k_yes, k_no, k_cancel});
     return has_view() && (answer == 1 || (answer == 0 && save()));
 }
 

@@ -24,14 +24,8 @@ inline Message<const char*> msg_save_changes{"E2154", "Save changes to '%s'?"};
 inline Message<> msg_save_new_text{"E2155", "Save new file?"};
 inline Message<const char*> msg_throw_away{
     "E2156", "Do you really wish to throw away your changes to '%s'?"};
-inline Message<const char*, const char*> msg_cannot_read_text{"E2157", "Can't read '%s': %s."};
 inline Message<const char*> msg_text_keeps_changing{
     "E2158", "Can't read '%s': another program is writing it."};
-inline Message<const char*, const char*> msg_cannot_write_text{"E2159", "Can't write '%s': %s."};
-inline Message<const char*, const char*> msg_text_old_contents{
-    "E2160", "The old contents of '%s' lie in '%s'."};
-inline Message<const char*> msg_text_attributes_lost{
-    "E2161", "'%s' was written, but its owner, mode or attributes could not be kept."};
 inline Message<const char*> msg_copy_is_newer{"E2163",
                                               "Backup of '%s' is newer.  Restore from it?"};
 inline Message<const char*> msg_no_copy_directory{"E2164",

@@ -14,11 +14,6 @@ inline Message<const char*> msg_cannot_create_directory{"E2046", "Can't create d
 inline Message<const char*> msg_project_exists{"E2047", "Project '%s' already exists."};
 inline Message<> msg_no_project_window{"E2048", "Can't open window."};
 inline Message<> msg_no_dialog{"E2049", "Can't open dialog"};
-inline Message<const char*, const char*> msg_cannot_write_project{"E2050", "Can't write '%s': %s."};
-inline Message<const char*, const char*> msg_project_old_contents{
-    "E2051", "The old contents of '%s' lie in '%s'."};
-inline Message<const char*> msg_project_attributes_lost{
-    "E2052", "'%s' was written, but its owner, mode or attributes could not be kept."};
 inline Message<const char*> msg_close_unsaved{"E2053", "Close project '%s' without saving it?"};
 inline Message<const char*, const char*> msg_project_status{"E2054", "Top design: %s\tDevice: %s"};
 inline Message<> msg_holds_pla{"E2055", "Project contains a PLA file."};
@@ -53,7 +48,6 @@ inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};
 inline Message<const char*, const char*> msg_own_version{"E2081", "Pellux %s, %s"};
-inline Message<const char*, const char*> msg_cannot_show_file{"E2082", "Can't read '%s': %s."};
 inline Message<> msg_undo{"E2086", "&Undo"};
 inline Message<> msg_redo{"E2087", "Red&o"};
 inline Message<const char*> msg_undo_change{"E2088", "&Undo %s"};

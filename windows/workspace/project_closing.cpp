@@ -1,9 +1,7 @@
 #include "windows/workspace/project_closing.h"
 
 #include "core/common/lexical_path.h"
-#include "core/common/text_file.h"
 #include "core/os/files.h"
-#include "core/project/messages.h"
 #include "core/project/project_file.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/shell_hooks.h"
@@ -70,12 +68,6 @@ ProjectWriteResult write_file(OpenProject& open) {
     return result;
 }
 
-/// A file that was damaged must be told of even where nobody asked for its writing.
-void tell_old_contents(const ProjectWriteResult& result, const String& path) {
-    if (!result.old_contents.empty())
-        post_error(msg_project_old_contents, path.c_str(), result.old_contents.c_str());
-}
-
 /// False when the user keeps the file as it is, or after they were told of a failure.
 bool write_open_project(Window window) {
     const OpenProject* known = find_open_project(window);
@@ -91,26 +83,18 @@ bool write_open_project(Window window) {
     const ProjectWriteResult result = write_file(*open);
     if (!failed(result.error))
         show_project_change(window);
-    if (failed(result.error))
-        post_error(msg_cannot_write_project, path.c_str(), error_text(result.error).c_str());
-    else if (result.attributes_lost)
-        xvt_dm_post_warning("%s",
-                            format_message(msg_project_attributes_lost, path.c_str()).c_str());
-    if (failed(result.directory_error))
-        xvt_dm_post_warning("%s", format_message(msg_directory_behind, path.c_str(),
-                                                 error_text(result.directory_error).c_str())
-                                      .c_str());
-    tell_old_contents(result, path);
+    tell_outcome(path, {result.error, result.directory_error, result.attributes_lost,
+                        result.old_contents.view()});
     return !failed(result.error);
 }
 
 /// Writes what the project only remembers, if it differs and the file is still the one that was
-/// read. Nobody has asked for it, so nobody is told when it fails.
+/// read. Nobody has asked for it, so nobody is told when it fails, but of a damaged file.
 void write_memory(OpenProject& open) {
     const String path = project_path(*open.project);
     if (project_image(*open.project) != open.written &&
         changed_on_disk(view(path), open.file) == DiskState::same)
-        tell_old_contents(write_file(open), path);
+        tell_old_contents(path, write_file(open).old_contents.view());
 }
 
 /// For a project that can't be written, which else could never be closed.
@@ -130,12 +114,7 @@ bool is_named_or_given_up(Window window) {
         return false;
     if (!open->project->file_name.view().empty())
         return true;
-    Question question;
-    question.kind = QuestionKind::ask;
-    question.text = format_message(msg_save_new_project);
-    question.buttons = {k_yes, k_no};
-    question.closing_is_no = false;
-    const int answer = ask(question).button;
+    const int answer = ask_carefully(format_message(msg_save_new_project), {k_yes, k_no});
     return answer == 0 ? name_project(window) : answer == 1;
 }
 

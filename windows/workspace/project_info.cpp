@@ -6,6 +6,7 @@
 #include "core/os/environment.h"
 #include "core/project/compile_arguments.h"
 #include "windows/controls/boxes.h"
+#include "windows/controls/messages.h"
 #include "windows/textview/text_output.h"
 #include "windows/toolkit/menu.h"
 #include "windows/workspace/messages.h"
@@ -54,7 +55,7 @@ void show_file(Window project, NameOf name_of) {
         error = load_output(viewer->view(), view(path));
     }
     if (failed(error))
-        post_error(msg_cannot_show_file, path.c_str(), error_text(error).c_str());
+        post_error(msg_file_unreadable, path.c_str(), error_text(error).c_str());
 }
 
 } // namespace
