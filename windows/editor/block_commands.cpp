@@ -23,17 +23,6 @@ void change_selection(TextEditing& editing, Change change) {
     select_range(editing, range.start + static_cast<ByteOffset>(text.size()), range.start);
 }
 
-/// A letter of Latin-1 beyond ASCII in the other case; the same byte where it has none there.
-char swapped_letter(char c, bool to_upper) {
-    constexpr unsigned char k_case = 0x20;
-    const auto byte = static_cast<unsigned char>(c);
-    const auto lower = static_cast<unsigned char>(byte | k_case);
-    const bool is_letter = lower >= 0xE0 && lower != 0xF7 && lower != 0xFF;
-    if (!is_letter)
-        return c;
-    return static_cast<char>(to_upper ? lower & ~k_case : lower);
-}
-
 String in_case(std::string_view text, TextEncoding encoding, bool to_upper) {
     constexpr char k_lead = '\xC3'; // of the letters of Latin-1 in UTF-8
     String changed(text);
@@ -42,11 +31,11 @@ String in_case(std::string_view text, TextEncoding encoding, bool to_upper) {
         if (static_cast<unsigned char>(c) < 0x80) {
             c = to_upper ? ascii_upper(c) : ascii_lower(c);
         } else if (encoding == TextEncoding::latin_1) {
-            c = swapped_letter(c, to_upper);
+            c = latin_1_in_case(c, to_upper);
         } else if (c == k_lead && i + 1 < changed.size()) {
             char& last = changed[++i];
             if ((last & '\xC0') == '\x80')
-                last = static_cast<char>(swapped_letter(static_cast<char>(last | 0x40), to_upper) &
+                last = static_cast<char>(latin_1_in_case(static_cast<char>(last | 0x40), to_upper) &
                                          ~0x40);
         }
     }

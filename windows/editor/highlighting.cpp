@@ -23,17 +23,14 @@ Color color_of(std::int32_t stored) {
 
 /// The letters of ASCII and Latin-1; `before` is the byte before it in the text.
 char upper_letter(char c, char before, TextEncoding encoding) {
-    constexpr unsigned char k_case = 0x20;
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 128)
+    if (static_cast<unsigned char>(c) < 128)
         return ascii_upper(c);
+    if (encoding == TextEncoding::latin_1)
+        return latin_1_in_case(c, true);
     // In UTF-8 these letters are 0xC3 and a byte that is theirs of Latin-1 less 0x40.
-    const bool is_utf8 = encoding == TextEncoding::utf_8;
-    if (is_utf8 && static_cast<unsigned char>(before) != 0xC3)
-        return c;
-    const unsigned letter = is_utf8 ? byte + 0x40U : byte;
-    const bool is_lower = letter >= 0xE0 && letter <= 0xFE && letter != 0xF7;
-    return is_lower ? static_cast<char>(byte - k_case) : c;
+    return before == '\xC3'
+               ? static_cast<char>(latin_1_in_case(static_cast<char>(c | 0x40), true) & ~0x40)
+               : c;
 }
 
 /// Draws parts of a segment one after the other.
