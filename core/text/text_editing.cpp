@@ -1,6 +1,7 @@
 #include "core/text/text_editing.h"
 
 #include "core/common/callback.h"
+#include "core/text/replaced_texts.h"
 #include "core/text/text_columns.h"
 
 #include <algorithm>
@@ -323,6 +324,20 @@ bool cut_selection(TextEditing& editing, String& text) {
     catch_up(editing);
     const TextOperation operation(editing);
     return delete_selection(editing, &text);
+}
+
+bool replace_at(TextEditing& editing, Vector<ByteOffset> places, ByteOffset bytes, String texts,
+                std::string_view text) {
+    if (!can_edit(editing) || places.empty())
+        return false;
+    catch_up(editing);
+    const TextOperation operation(editing);
+    editing.anchor.reset();
+    auto made = make_owned<ReplacedTexts>(std::move(places), bytes, std::move(texts), text);
+    made->apply_again(target_of(editing));
+    if (is_recording(editing))
+        record(editing, std::move(made));
+    return true;
 }
 
 bool undo(TextEditing& editing) {

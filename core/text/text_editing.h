@@ -84,6 +84,11 @@ bool delete_backward(TextEditing& editing);
 bool kill_to_line_end(TextEditing& editing);
 /// Answers the text of the selection, which is gone.
 bool cut_selection(TextEditing& editing, String& text);
+/// Replaces a text at many places, in the order of the text, by another one, as one step. What
+/// stands there are `texts`, one after the other, each of `bytes`; a single one stands at all of
+/// them. The caret comes behind the last.
+bool replace_at(TextEditing& editing, Vector<ByteOffset> places, ByteOffset bytes, String texts,
+                std::string_view text);
 bool undo(TextEditing& editing);
 bool redo(TextEditing& editing);
 

@@ -7,20 +7,6 @@ ByteOffset size_of(const String& text) {
     return static_cast<ByteOffset>(text.size());
 }
 
-/// How a change that one stack of records has not seen looks from below a record of it; false when
-/// it touched the record's own text, or what stood around it.
-bool move_record(UndoRecord& record, TextChange& change, bool are_undone) {
-    const ByteOffset own = record.own_bytes(are_undone);
-    if (change.at + change.removed <= record.at && (change.at < record.at || own > 0)) {
-        record.at += change.inserted - change.removed;
-        return true;
-    }
-    if (change.at < record.at + own)
-        return false;
-    change.at += record.kept_bytes(are_undone) - own;
-    return true;
-}
-
 void unlink(UndoList& list, UndoRecord& record) {
     (record.older == nullptr ? list.oldest : record.older->newer) = record.newer;
     (record.newer == nullptr ? list.newest : record.newer->older) = record.older;
@@ -56,6 +42,18 @@ ByteOffset UndoRecord::own_bytes(bool) const {
 
 ByteOffset UndoRecord::kept_bytes(bool) const {
     return 0;
+}
+
+bool UndoRecord::move(TextChange& change, bool is_undone) {
+    const ByteOffset own = own_bytes(is_undone);
+    if (change.at + change.removed <= at && (change.at < at || own > 0)) {
+        at += change.inserted - change.removed;
+        return true;
+    }
+    if (change.at < at + own)
+        return false;
+    change.at += kept_bytes(is_undone) - own;
+    return true;
 }
 
 bool TypedText::merge_typed(ByteOffset where, std::string_view character) {
@@ -154,7 +152,7 @@ void move_records(UndoList& list, const TextChange& change, bool are_undone,
                   std::uint64_t unknown) {
     TextChange seen = change;
     UndoRecord* record = list.newest;
-    while (record != nullptr && move_record(*record, seen, are_undone))
+    while (record != nullptr && record->move(seen, are_undone))
         record = record->older;
     if (record == nullptr)
         return;

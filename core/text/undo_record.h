@@ -42,6 +42,10 @@ public:
     /// How much would come back.
     [[nodiscard]] virtual ByteOffset kept_bytes(bool is_undone) const;
 
+    /// Moves along with a change that the list it is in has not seen, which then is as it looks
+    /// from below this record; false when it touched the edit's own text, or what stood around it.
+    [[nodiscard]] virtual bool move(TextChange& change, bool is_undone);
+
     UndoRecord* older = nullptr;
     UndoRecord* newer = nullptr;
     UndoRecord* group = nullptr; ///< first record of its group; null when it is that
