@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/containers.h"
+#include "core/os/system_error.h"
 
 #include <cstdint>
 #include <string_view>
@@ -32,5 +32,8 @@ public:
 private:
     XXH3_state_s* state_;
 };
+
+/// Of all bytes of a regular file; `content` stays as it is on failure.
+[[nodiscard]] SystemError sum_file(std::string_view path, ContentSum& content);
 
 } // namespace pellux

@@ -212,25 +212,9 @@ TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding f
     return load;
 }
 
-SystemError sum_file(std::string_view path, ContentSum& content) {
-    File file;
-    if (const SystemError error = open_file(file, path, OpenMode::read); failed(error))
-        return error;
-    ContentSummer summer;
-    Vector<char> buffer(k_chunk_bytes);
-    for (std::size_t got = 1; got > 0;) {
-        const SystemError error = read_some(file, std::as_writable_bytes(std::span(buffer)), got);
-        if (failed(error))
-            return error;
-        summer.add({buffer.data(), got});
-    }
-    content = summer.sum();
-    return SystemError::none;
-}
-
 SystemError write_text(const TextDocument& document, std::string_view path, SafeWriter& writer,
-                       ContentSum* content) {
-    if (const SystemError error = begin_safe_write(writer, path); failed(error))
+                       ContentSum* content, std::uint32_t permissions) {
+    if (const SystemError error = begin_safe_write(writer, path, permissions); failed(error))
         return error;
     WriteBuffer buffer(writer);
     for (const TextBlock* block = document.first; block != nullptr; block = block->next) {

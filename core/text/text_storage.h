@@ -27,14 +27,12 @@ struct TextLoad {
 [[nodiscard]] TextLoad load_text(TextDocument& document, std::string_view path,
                                  TextEncoding for_ascii);
 
-/// What `load_text` and `save_text` would sum up a file to.
-[[nodiscard]] SystemError sum_file(std::string_view path, ContentSum& content);
-
 /// Writes the text through `writer`, so that the file holds its old bytes or the new ones. The
-/// writer tells what else there is to say; `content` is what was written. Its views know nothing of
-/// it.
+/// writer tells what else there is to say; `content` is what was written, `permissions` those of a
+/// file that is new. Its views know nothing of it.
 [[nodiscard]] SystemError write_text(const TextDocument& document, std::string_view path,
-                                     SafeWriter& writer, ContentSum* content = nullptr);
+                                     SafeWriter& writer, ContentSum* content = nullptr,
+                                     std::uint32_t permissions = 0644);
 /// The same, and notes for its views that it is saved.
 [[nodiscard]] SystemError save_text(TextDocument& document, std::string_view path,
                                     SafeWriter& writer, ContentSum* content = nullptr);

@@ -1,0 +1,260 @@
+#include "core/common/run_register.h"
+
+#include "core/common/hex.h"
+#include "core/common/lexical_path.h"
+#include "core/common/text_file.h"
+#include "core/common/unsaved_copy.h"
+#include "core/os/clock.h"
+#include "core/os/environment.h"
+#include "core/os/process.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace pellux {
+namespace {
+
+constexpr std::string_view k_directory = "running";
+constexpr std::size_t k_most_bytes = std::size_t{16} << 20;
+constexpr std::size_t k_most_registers = 1000;
+
+/// The first word of each line.
+constexpr std::string_view k_open = "open";
+constexpr std::string_view k_close = "close";
+constexpr std::string_view k_text = "text";
+constexpr std::string_view k_project = "project";
+constexpr std::string_view k_drop = "drop";
+
+/// What the lines of a register come to.
+struct Noted {
+    Vector<String> open;
+    Vector<KeptCopy> copies;
+};
+
+struct OwnRegister {
+    String path;
+    File file;
+    Noted noted;
+};
+OwnRegister g_own;
+
+/// Bytes that end a line or a word become '%' and two digits.
+void append_word(String& line, std::string_view word) {
+    line += ' ';
+    for (const char c : word)
+        if (static_cast<unsigned char>(c) <= ' ' || c == '%') {
+            line += '%';
+            append_hex(line, static_cast<unsigned char>(c));
+        } else {
+            line += c;
+        }
+}
+
+/// Takes the next word off a line; empty at its end.
+String take_word(std::string_view& line) {
+    const std::size_t end = std::min(line.find(' '), line.size());
+    String word;
+    for (std::size_t i = 0; i < end; ++i) {
+        if (line[i] == '%' && i + 2 < end) {
+            word += static_cast<char>(hex_value(line[i + 1]) << 4 | (hex_value(line[i + 2]) & 15));
+            i += 2;
+        } else {
+            word += line[i];
+        }
+    }
+    line.remove_prefix(std::min(end + 1, line.size()));
+    return word;
+}
+
+void apply_line(Noted& noted, std::string_view line) {
+    const String what = take_word(line);
+    const String first = take_word(line);
+    if (view(what) == k_open) {
+        noted.open.push_back(first);
+    } else if (view(what) == k_close) {
+        std::erase(noted.open, first);
+    } else if (view(what) == k_drop) {
+        std::erase_if(noted.copies, [&](const KeptCopy& kept) { return kept.copy == first; });
+    } else if (view(what) == k_text || view(what) == k_project) {
+        const CopyKind kind = view(what) == k_text ? CopyKind::text : CopyKind::project;
+        std::erase_if(noted.copies, [&](const KeptCopy& kept) { return kept.copy == first; });
+        noted.copies.push_back({kind, take_word(line), first});
+    }
+}
+
+/// A last line that a crash has cut off has no end, and counts for nothing.
+Noted read_register(std::string_view path) {
+    String text;
+    SystemError error = SystemError::none;
+    Noted noted;
+    if (read_text_file(path, k_most_bytes, text, error) != TextFileStatus::read)
+        return noted;
+    std::string_view rest = view(text);
+    for (std::size_t end = 0; (end = rest.find('\n')) != std::string_view::npos;
+         rest.remove_prefix(end + 1))
+        apply_line(noted, rest.substr(0, end));
+    std::erase_if(noted.copies,
+                  [](const KeptCopy& kept) { return !is_place_of_copies(view(kept.copy)); });
+    return noted;
+}
+
+String registers_directory() {
+    PathBuffer directory;
+    return state_directory(directory) ? joined_path(directory.view(), k_directory) : String();
+}
+
+/// Those of the other programs, running or not.
+Vector<String> other_registers() {
+    struct Listing {
+        String directory;
+        Vector<String> paths;
+    };
+    Listing listing{registers_directory(), {}};
+    const auto visit = [](void* context, std::string_view name, FileKind kind) {
+        auto& found = *static_cast<Listing*>(context);
+        String path = joined_path(view(found.directory), name);
+        // Names that begin with a dot are not in place yet.
+        if (kind == FileKind::regular && name.front() != '.' && path != g_own.path)
+            found.paths.push_back(std::move(path));
+        return found.paths.size() < k_most_registers;
+    };
+    if (!listing.directory.empty())
+        static_cast<void>(list_directory(view(listing.directory), visit, &listing));
+    std::ranges::sort(listing.paths);
+    return std::move(listing.paths);
+}
+
+/// Holds a register that no program holds; false for one of a running program, or one that is gone.
+bool take_register(File& file, const String& path, FileLock lock) {
+    return !failed(open_file(file, view(path), OpenMode::update)) &&
+           !failed(lock_file(file, lock)) && file_exists(view(path));
+}
+
+/// Adds a line in one piece.
+void append_line(File& file, const String& line) {
+    FileStat stat;
+    if (!failed(stat_open_file(file, stat)))
+        static_cast<void>(write_at(file, stat.size, std::as_bytes(std::span(line))));
+}
+
+void note(std::string_view what, std::string_view first, std::string_view second = {}) {
+    if (!g_own.file)
+        return;
+    String line(what);
+    append_word(line, first);
+    if (!second.empty())
+        append_word(line, second);
+    apply_line(g_own.noted, view(line));
+    append_line(g_own.file, line += '\n');
+}
+
+bool has_copy(const Noted& noted, const KeptCopy& kept) {
+    return std::ranges::any_of(noted.copies, [&](const KeptCopy& each) {
+        return each.copy == kept.copy && each.file == kept.file;
+    });
+}
+
+} // namespace
+
+void begin_register() {
+    constexpr std::uint32_t k_own = 0700;
+    end_register();
+    const String directory = registers_directory();
+    if (directory.empty() || failed(make_directories(view(directory), k_own)))
+        return;
+    char name[64];
+    char* end = std::to_chars(name, name + 24, current_process_id()).ptr;
+    *end++ = '-';
+    end = std::to_chars(end, end + 24, wall_seconds()).ptr;
+    const String path = joined_path(view(directory), {name, static_cast<std::size_t>(end - name)});
+    // It is locked before others see it.
+    PathBuffer temporary;
+    File file;
+    if (failed(create_temporary(view(path), 0600, file, temporary)))
+        return;
+    if (failed(lock_file(file, FileLock::exclusive)) ||
+        failed(rename_file(temporary.view(), view(path)))) {
+        static_cast<void>(remove_file(temporary.view()));
+        return;
+    }
+    g_own = {.path = path, .file = std::move(file), .noted = {}};
+}
+
+void end_register() {
+    if (g_own.file && g_own.noted.copies.empty())
+        static_cast<void>(remove_file(view(g_own.path)));
+    g_own = {};
+}
+
+void note_opened(std::string_view file) {
+    note(k_open, file);
+}
+
+void note_closed(std::string_view file) {
+    note(k_close, file);
+}
+
+void note_copy(const KeptCopy& kept) {
+    if (!g_own.file || has_copy(g_own.noted, kept))
+        return;
+    note(kept.kind == CopyKind::text ? k_text : k_project, view(kept.copy), view(kept.file));
+    // The copy is of no use when nobody knows of it.
+    static_cast<void>(flush_file(g_own.file));
+}
+
+void note_copy_gone(std::string_view copy) {
+    const auto is_it = [copy](const KeptCopy& kept) { return view(kept.copy) == copy; };
+    if (std::ranges::any_of(g_own.noted.copies, is_it))
+        note(k_drop, copy);
+}
+
+std::int64_t find_other_program(std::string_view file) {
+    FileStat wanted;
+    if (failed(stat_file(file, wanted)))
+        wanted = {};
+    const auto is_it = [&](const String& open) {
+        FileStat stat;
+        return view(open) == file || (wanted.inode != 0 && !failed(stat_file(view(open), stat)) &&
+                                      stat.inode == wanted.inode && stat.device == wanted.device);
+    };
+    for (const String& path : other_registers()) {
+        File held;
+        if (take_register(held, path, FileLock::shared))
+            continue;
+        if (!std::ranges::any_of(read_register(view(path)).open, is_it))
+            continue;
+        std::int64_t process = 0;
+        const std::string_view name = file_name_part(view(path));
+        std::from_chars(name.data(), name.data() + name.size(), process);
+        return process;
+    }
+    return 0;
+}
+
+Vector<LeftRegister> take_left_registers() {
+    Vector<LeftRegister> left;
+    for (const String& path : other_registers()) {
+        LeftRegister found{.path = path, .file = {}, .copies = {}};
+        if (!take_register(found.file, path, FileLock::exclusive))
+            continue;
+        found.copies = read_register(view(path)).copies;
+        if (found.copies.empty())
+            static_cast<void>(remove_file(view(path)));
+        else
+            left.push_back(std::move(found));
+    }
+    return left;
+}
+
+void drop_left_copy(LeftRegister& left, std::string_view copy) {
+    std::erase_if(left.copies, [copy](const KeptCopy& kept) { return view(kept.copy) == copy; });
+    // Its last line may have been cut off.
+    String line("\n");
+    line += k_drop;
+    append_word(line, copy);
+    append_line(left.file, line += '\n');
+    if (left.copies.empty())
+        static_cast<void>(remove_file(view(left.path)));
+}
+
+} // namespace pellux
