@@ -1,3 +1,4 @@
+#include "core/text/line_differences.h"
 #include "core/text/line_reader.h"
 #include "core/text/text_columns.h"
 #include "core/text/text_compare.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -218,6 +220,60 @@ TEST(TextStorage, KeepsEveryByteAndTellsWhatItIs) {
     insert_bytes(other, 0, "ab\xC3\xA8z");
     const TextDifference difference = compare_texts(one, other);
     EXPECT_TRUE(difference.start == 2 && difference.same_end == 1) << "no half character";
+}
+
+/// Two texts of few different lines: what is said of them leads from one to the other, and nothing
+/// shorter does.
+TEST(TextStorage, TellsHowLinesDiffer) {
+    const test::Rounds rounds(300);
+    std::mt19937_64 random(rounds.seed);
+    const auto some_lines = [&] {
+        std::vector<std::string> lines(random() % 12);
+        for (std::string& line : lines)
+            line = "abc\n"[random() % 3];
+        return lines;
+    };
+    const auto fill = [](TextDocument& document, const std::vector<std::string>& lines) {
+        for (const std::string& line : lines)
+            insert_bytes(document, text_size(document), line + '\n');
+    };
+    for (int round = 0; round < rounds.count; ++round) {
+        const std::vector<std::string> from = some_lines();
+        const std::vector<std::string> to = some_lines();
+        TextDocument one;
+        TextDocument other;
+        fill(one, from);
+        fill(other, to);
+        std::vector<std::string> made;
+        std::size_t at = 0;
+        std::int64_t changed = 0;
+        for (const LineChange& change : compare_lines(one, other)) {
+            made.insert(made.end(), from.begin() + static_cast<std::ptrdiff_t>(at),
+                        from.begin() + change.first);
+            at = static_cast<std::size_t>(change.first + change.count);
+            for (std::int64_t i = 0; i < change.other_count; ++i)
+                made.push_back(to.at(static_cast<std::size_t>(change.other_first + i)));
+            changed += change.count + change.other_count;
+        }
+        made.insert(made.end(), from.begin() + static_cast<std::ptrdiff_t>(at), from.end());
+        EXPECT_EQ(made, to) << round;
+        std::vector<std::vector<std::int64_t>> common(from.size() + 1,
+                                                      std::vector<std::int64_t>(to.size() + 1));
+        for (std::size_t i = 0; i < from.size(); ++i)
+            for (std::size_t j = 0; j < to.size(); ++j)
+                common[i + 1][j + 1] = from[i] == to[j]
+                                           ? common[i][j] + 1
+                                           : std::max(common[i][j + 1], common[i + 1][j]);
+        EXPECT_EQ(changed, std::ssize(from) + std::ssize(to) - 2 * common.back().back()) << round;
+    }
+    TextDocument one;
+    TextDocument other;
+    insert_bytes(one, 0, "1\n2\n3\n4\n5\n6\n7\n8\n9");
+    insert_bytes(other, 0, "1\n2\n3\n4\nx\n6\n7\n8\n9\n");
+    EXPECT_EQ(differences_text(one, other, 1000),
+              "@ 2\n 2\n 3\n 4\n-5\n+x\n 6\n 7\n 8\n-9\n+9\n+\n");
+    EXPECT_EQ(differences_text(one, other, 12), "@ 2\n 2\n 3\n 4\n...\n");
+    EXPECT_EQ(differences_text(one, one, 12), "");
 }
 
 /// So many files of the system, loaded, walked in both directions and saved.
