@@ -193,7 +193,6 @@ TextEncoding user_encoding() {
 
 TextLoad load_text(TextDocument& document, std::string_view path, TextEncoding for_ascii) {
     TextLoad load;
-    static_cast<void>(find_interrupted_copy(path, load.interrupted_copy));
     File file;
     load.error = open_file(file, path, OpenMode::read);
     if (failed(load.error))

@@ -18,8 +18,6 @@ namespace pellux {
 struct TextLoad {
     SystemError error = SystemError::none;
     ContentSum content; ///< of the file
-    /// Holds the file's contents of before a writing that was interrupted; empty: there is none.
-    PathBuffer interrupted_copy;
 };
 /// Fills an empty document from a file, and says how it is to be read: as UTF-8 when all of it is
 /// and some of it is no ASCII, as Latin-1 when it is no UTF-8, and `for_ascii` for the rest. After

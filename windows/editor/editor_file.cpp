@@ -1,7 +1,6 @@
 #include "windows/editor/editor_file.h"
 
 #include "core/common/lexical_path.h"
-#include "windows/editor/auto_save.h"
 
 namespace pellux {
 namespace {
@@ -41,16 +40,15 @@ FileLoad read_file(EditorFile& file, TextDocument& document) {
             file.identity = before;
             file.content = load.content;
             file.refused = {};
-            return {.interrupted_copy = load.interrupted_copy};
+            return {};
         }
         erase_bytes(document, 0, text_size(document));
     }
     return {.keeps_changing = true};
 }
 
-FileLoad read_copy(EditorFile& file, TextDocument& document) {
-    const TextLoad load =
-        load_text(document, view(copy_path(view(path_of(file)))), user_encoding());
+FileLoad read_copy(EditorFile& file, TextDocument& document, std::string_view copy) {
+    const TextLoad load = load_text(document, copy, user_encoding());
     if (failed(load.error))
         return {.error = load.error};
     note_own(file);

@@ -24,8 +24,7 @@ void set_path(EditorFile& file, std::string_view path);
 
 struct FileLoad {
     SystemError error = SystemError::none;
-    bool keeps_changing = false;   ///< somebody writes it meanwhile: nothing was read
-    PathBuffer interrupted_copy{}; ///< as of `load_text`
+    bool keeps_changing = false; ///< somebody writes it meanwhile: nothing was read
 };
 [[nodiscard]] inline bool failed(const FileLoad& load) {
     return failed(load.error) || load.keeps_changing;
@@ -34,9 +33,8 @@ struct FileLoad {
 /// they were.
 [[nodiscard]] FileLoad read_file(EditorFile& file, TextDocument& document);
 
-/// The same from the copy of the file that auto-saving made; what is noted is the file's own, which
-/// may be missing.
-[[nodiscard]] FileLoad read_copy(EditorFile& file, TextDocument& document);
+/// The same from a copy of the file; what is noted is the file's own, which may be missing.
+[[nodiscard]] FileLoad read_copy(EditorFile& file, TextDocument& document, std::string_view copy);
 
 /// Has the file other contents than when it was read or written last? A file that only got another
 /// time has not, and is taken note of; nor has one that is gone or can't be looked at.

@@ -1,12 +1,13 @@
 #include "windows/editor/editor_window.h"
 
 #include "core/common/lexical_path.h"
+#include "core/common/run_register.h"
 #include "core/common/text_file.h"
 #include "core/os/files.h"
+#include "core/os/process.h"
 #include "core/text/text_compare.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/messages.h"
-#include "windows/editor/auto_save.h"
 #include "windows/editor/editor_hooks.h"
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/messages.h"
@@ -28,13 +29,29 @@ void tell_failure(const FileLoad& load, const String& path) {
         post_error(msg_file_unreadable, path.c_str(), error_text(load.error).c_str());
 }
 
-/// Is there a copy that tells of work which was lost, and shall it be read?
-bool wants_copy(const String& path) {
-    if (!has_newer_copy(view(path)))
-        return false;
-    const String text =
-        format_message(msg_copy_is_newer, String(file_name_part(view(path))).c_str());
-    return xvt_dm_post_ask(k_no, k_yes, nullptr, "%s", text.c_str()) == 1;
+enum class CopyAnswer { no, restore, compare };
+
+/// Shall the text be that of the copy?
+CopyAnswer ask_for_copy(const String& path, const OfferedCopy& copy) {
+    const String name(file_name_part(view(path)));
+    String text;
+    switch (copy.reason) {
+    case OfferReason::newer:
+        text = format_message(msg_copy_is_newer, name.c_str());
+        break;
+    case OfferReason::cut_off_writing:
+        text = format_message(msg_writing_cut_off, name.c_str(), copy.path.c_str());
+        break;
+    case OfferReason::beside_changed: {
+        text = format_message(msg_changed_since_copy, name.c_str());
+        const int answer = xvt_dm_post_ask(k_no, k_yes, "&Differences", "%s", text.c_str());
+        return answer == 1   ? CopyAnswer::restore
+               : answer == 2 ? CopyAnswer::compare
+                             : CopyAnswer::no;
+    }
+    }
+    const bool restores = xvt_dm_post_ask(k_no, k_yes, nullptr, "%s", text.c_str()) == 1;
+    return restores ? CopyAnswer::restore : CopyAnswer::no;
 }
 
 /// Takes the text of one document over into another, which is emptied.
@@ -62,19 +79,33 @@ bool EditorWindow::has_changes() {
 }
 
 void EditorWindow::auto_save() {
-    if (has_name(file_) && document().is_modified)
-        write_copy(document(), pellux::view(path_of(file_)));
+    if (document().is_modified)
+        write_copy(copy_, document(), file_);
 }
 
-/// Only a project's texts have copies.
 void EditorWindow::forget_copy() {
-    if (project != Window::none && has_name(file_))
-        remove_copy(pellux::view(path_of(file_)));
+    finish_copy(copy_, pellux::view(path_of(file_)));
+}
+
+/// Tells other programs which file is open here, and learns who has it.
+void EditorWindow::change_file(EditorFile next) {
+    const String before = path_of(file_);
+    const String now = path_of(next);
+    file_ = std::move(next);
+    if (before == now)
+        return;
+    if (!before.empty())
+        note_closed(pellux::view(before));
+    other_program_ = now.empty() ? 0 : find_other_program(pellux::view(now));
+    copy_.process = other_program_ == 0 ? 0 : current_process_id();
+    if (!now.empty())
+        note_opened(pellux::view(now));
 }
 
 /// The file is what the text is now: shows what is to be seen of it.
 void EditorWindow::note_file() {
     is_recovered_ = false;
+    note_saved_copy(copy_, file_);
     set_read_only(has_name(file_) && is_write_protected(pellux::view(path_of(file_))));
     show_title();
     show_status();
@@ -83,36 +114,87 @@ void EditorWindow::note_file() {
 }
 
 bool EditorWindow::load_file(std::string_view path) {
-    EditorFile loading;
-    set_path(loading, path);
+    // Another program's copy is that program's business.
     const String name(path);
+    if (find_other_program(path) != 0)
+        return load_text_of(name, nullptr);
+    for (const OfferedCopy& copy : find_copies(path)) {
+        const CopyAnswer answer = ask_for_copy(name, copy);
+        if (answer == CopyAnswer::restore)
+            return load_text_of(name, &copy);
+        if (answer == CopyAnswer::compare) {
+            if (!load_text_of(name, nullptr))
+                return false;
+            // It stays until the user has chosen between the two.
+            copy_.process = current_process_id();
+            others_.compare(*this, pellux::view(copy.path));
+            return true;
+        }
+    }
+    return load_text_of(name, nullptr);
+}
+
+/// Shows the text of a file, or of a copy of it.
+bool EditorWindow::load_text_of(const String& path, const OfferedCopy* copy) {
+    EditorFile loading;
+    set_path(loading, pellux::view(path));
     // A text that can't be read leaves the one that stands there.
     TextDocument& shown = document();
     const bool is_fresh = text_size(shown) == 0;
     Owned<TextDocument> other = is_fresh ? nullptr : make_owned<TextDocument>();
-    const bool restores = wants_copy(name);
-    const FileLoad load = (restores ? read_copy : read_file)(loading, is_fresh ? shown : *other);
+    TextDocument& target = is_fresh ? shown : *other;
+    const FileLoad load = copy != nullptr ? read_copy(loading, target, pellux::view(copy->path))
+                                          : read_file(loading, target);
     if (failed(load)) {
-        tell_failure(load, restores ? copy_path(path) : name);
+        tell_failure(load, copy != nullptr ? copy->path : path);
         return false;
     }
     if (other != nullptr)
         copy_document(*other, shown);
-    if (path_of(file_) != name)
+    if (path_of(file_) != path)
         forget_copy();
-    file_ = std::move(loading);
+    change_file(std::move(loading));
     note_loaded(shown);
     show_start(view());
     note_file();
-    if (restores) {
+    if (copy != nullptr) {
         is_recovered_ = true;
         set_read_only(false);
+        if (copy->reason != OfferReason::cut_off_writing)
+            take_over_copy(copy_, file_, pellux::view(copy->path));
     }
-    tell_old_contents(name, load.interrupted_copy.view());
+    tell_of_other_program();
     return true;
 }
 
 /// As one step that can be taken back, and the caret stays in its line and column.
+void EditorWindow::replace_text(const TextDocument& fresh) {
+    TextEditing& editing = view().editing;
+    const TextPlace caret{caret_line(editing), caret_column(editing)};
+    const std::int64_t top = top_line(view());
+    editing.is_read_only = false;
+    const TextDifference difference = compare_texts(document(), fresh);
+    const ByteOffset old_end = text_size(document()) - difference.same_end;
+    const ByteOffset new_end = text_size(fresh) - difference.same_end;
+    if (old_end > difference.start || new_end > difference.start) {
+        const UndoGroup group(editing);
+        select_range(editing, difference.start, old_end);
+        if (difference.start == old_end)
+            go_to_offset(editing, difference.start);
+        if (new_end > difference.start)
+            insert_text(editing, pellux::view(copy_text(fresh, difference.start,
+                                                        new_end - difference.start)));
+        else
+            delete_forward(editing);
+        select_mode(editing, SelectMode::none);
+        go_to(editing, caret);
+    }
+    document().encoding = fresh.encoding;
+    document().ends_lines_with_cr = fresh.ends_lines_with_cr;
+    redraw_all(view());
+    set_top_line(view(), top);
+}
+
 void EditorWindow::read_again() {
     const String path = path_of(file_);
     const Owned<TextDocument> fresh = make_owned<TextDocument>();
@@ -121,33 +203,32 @@ void EditorWindow::read_again() {
         tell_failure(load, path);
         return;
     }
-    TextEditing& editing = view().editing;
-    const TextPlace caret{caret_line(editing), caret_column(editing)};
-    const std::int64_t top = top_line(view());
-    editing.is_read_only = false;
-    const TextDifference difference = compare_texts(document(), *fresh);
-    const ByteOffset old_end = text_size(document()) - difference.same_end;
-    const ByteOffset new_end = text_size(*fresh) - difference.same_end;
-    if (old_end > difference.start || new_end > difference.start) {
-        const UndoGroup group(editing);
-        select_range(editing, difference.start, old_end);
-        if (difference.start == old_end)
-            go_to_offset(editing, difference.start);
-        if (new_end > difference.start)
-            insert_text(editing, pellux::view(copy_text(*fresh, difference.start,
-                                                        new_end - difference.start)));
-        else
-            delete_forward(editing);
-        select_mode(editing, SelectMode::none);
-        go_to(editing, caret);
-    }
-    document().encoding = fresh->encoding;
-    document().ends_lines_with_cr = fresh->ends_lines_with_cr;
+    replace_text(*fresh);
     note_saved(document());
-    redraw_all(view());
-    set_top_line(view(), top);
     note_file();
-    tell_old_contents(path, load.interrupted_copy.view());
+}
+
+bool EditorWindow::load_left(std::string_view path, std::string_view copy) {
+    if (!path.empty()) {
+        const OfferedCopy left{.path = String(copy)};
+        return load_text_of(String(path), &left);
+    }
+    discard();
+    return restore(copy);
+}
+
+bool EditorWindow::restore(std::string_view copy) {
+    const Owned<TextDocument> fresh = make_owned<TextDocument>();
+    const TextLoad load = load_text(*fresh, copy, user_encoding());
+    if (failed(load.error)) {
+        tell_failure({.error = load.error}, String(copy));
+        return false;
+    }
+    replace_text(*fresh);
+    is_recovered_ = true;
+    take_over_copy(copy_, file_, copy);
+    show_status();
+    return true;
 }
 
 void EditorWindow::look_at_disk() {
@@ -192,7 +273,7 @@ void EditorWindow::discard() {
     if (!may_throw_away())
         return;
     forget_copy();
-    file_ = {};
+    change_file({});
     TextDocument& shown = document();
     erase_bytes(shown, 0, text_size(shown));
     shown.encoding = user_encoding();
@@ -217,6 +298,26 @@ bool EditorWindow::may_throw_away() {
         return true;
     const String text = format_message(msg_throw_away, shown_name().c_str());
     return xvt_dm_post_ask(k_cancel, k_ok, nullptr, "%s", text.c_str()) == 1 && has_view();
+}
+
+/// Who else has the file open is told when it is opened.
+void EditorWindow::tell_of_other_program() {
+    if (other_program_ != 0)
+        xvt_dm_post_note("%s", format_message(msg_open_elsewhere, path_of(file_).c_str(),
+                                              static_cast<int>(other_program_))
+                                   .c_str());
+}
+
+/// Does the user want a file to be written that another program has open?
+bool EditorWindow::may_write_beside_other(const String& path) {
+    const std::int64_t other = find_other_program(pellux::view(path));
+    if (other == 0 || other == agreed_program_)
+        return true;
+    const String text = format_message(msg_save_elsewhere, path.c_str(), static_cast<int>(other));
+    if (ask_carefully(text, {"&Save", k_cancel}) != 0 || !has_view())
+        return false;
+    agreed_program_ = other;
+    return true;
 }
 
 /// Is what the file holds ours, or may it go? The user can also have it read instead.
@@ -266,7 +367,8 @@ bool EditorWindow::save() {
         post_error(msg_text_protected, path.c_str());
         return false;
     }
-    return may_overwrite() && write_to_disk();
+    return (other_program_ == 0 || may_write_beside_other(path)) && may_overwrite() &&
+           write_to_disk();
 }
 
 bool EditorWindow::save_as() {
@@ -289,16 +391,25 @@ bool EditorWindow::save_as() {
         if (xvt_dm_post_ask(k_cancel, k_ok, nullptr, "%s", text.c_str()) != 1 || !has_view())
             return false;
     }
-    const EditorFile old = std::exchange(file_, {});
-    set_path(file_, pellux::view(path));
+    if (!may_write_beside_other(path))
+        return false;
+    const EditorFile old = file_;
+    TextCopy old_copy = copy_;
+    EditorFile next;
+    set_path(next, pellux::view(path));
+    change_file(std::move(next));
+    if (path_of(old) != path)
+        copy_.path.clear();
     if (!write_to_disk()) {
-        file_ = old;
+        change_file(old);
+        copy_ = old_copy;
         return false;
     }
-    if (project == Window::none || !has_name(old) || path_of(old) == path)
+    if (path_of(old) == path)
         return true;
-    remove_copy(pellux::view(path_of(old)));
-    editor_hooks().rename(project, pellux::view(path_of(old)), pellux::view(path));
+    finish_copy(old_copy, pellux::view(path_of(old)));
+    if (project != Window::none && has_name(old))
+        editor_hooks().rename(project, pellux::view(path_of(old)), pellux::view(path));
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "windows/editor/editor_window.h"
 
 #include "core/common/callback.h"
+#include "core/common/run_register.h"
 #include "core/os/ascii.h"
 #include "windows/controls/help_topics.h"
 #include "windows/controls/shell_hooks.h"
@@ -13,6 +14,7 @@
 #include "windows/textview/text_keys.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/message_box.h"
+#include "windows/toolkit/timer.h"
 #include "windows/toolkit/window.h"
 
 #include <algorithm>
@@ -75,6 +77,11 @@ constexpr std::array k_edits{
 
 } // namespace
 
+EditorWindow::EditorWindow(Window of_project, const Others& others)
+    : project(of_project), others_(others) {
+    copy_.is_of_project = project != Window::none;
+}
+
 EditorWindow::~EditorWindow() {
     cancel_call(disk_look_);
 }
@@ -94,6 +101,9 @@ void EditorWindow::on_creation() {
     create_editor_bars(window());
     disk_look_ = {.call = [](void* context) { from_context<EditorWindow>(context).look_at_disk(); },
                   .context = this};
+    // A project has a timer for all of its texts.
+    if (project == Window::none)
+        xvt_timer_create(window(), k_auto_save_ms);
 }
 
 void EditorWindow::apply_settings() {
@@ -469,6 +479,9 @@ long EditorWindow::on_event(const Event& event) {
     } else if (event.get<CloseEvent>() != nullptr) {
         close();
         return 0;
+    } else if (event.get<TimerEvent>() != nullptr) {
+        auto_save();
+        return 0;
     } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {
         show_menus();
         post_call(disk_look_);
@@ -476,6 +489,7 @@ long EditorWindow::on_event(const Event& event) {
         numbers_.reset();
         cancel_call(disk_look_);
         others_.forget(*this);
+        note_closed(pellux::view(path_of(file_)));
     }
     return TextWindow::on_event(event);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "windows/editor/auto_save.h"
 #include "windows/editor/editor_bars.h"
 #include "windows/editor/editor_file.h"
 #include "windows/editor/editor_keys.h"
@@ -28,8 +29,10 @@ public:
         void (*forget)(EditorWindow& editor) = nullptr;
         /// What all editors have in common was chosen anew.
         void (*apply_settings)() = nullptr;
+        /// Shows what the copy of a text has that its file has not.
+        void (*compare)(EditorWindow& editor, std::string_view copy) = nullptr;
     };
-    EditorWindow(Window of_project, const Others& others) : project(of_project), others_(others) {}
+    EditorWindow(Window of_project, const Others& others);
     ~EditorWindow() override;
 
     const Window project; ///< that the text belongs to; none: to nobody's
@@ -39,6 +42,11 @@ public:
     /// Reads a file in the place of the text, whose changes are lost. False when it can't be read,
     /// after the user was told; the text is then as it was.
     bool load_file(std::string_view path);
+    /// The same with the text of a copy that a crash has left; the file may be missing.
+    bool load_left(std::string_view path, std::string_view copy);
+    /// Puts the text of a copy into the place of the text, as one step. False after the user was
+    /// told that it can't be read.
+    bool restore(std::string_view copy);
     /// From 1; the caret stands at its start, in sight.
     void goto_line(std::int64_t line);
     /// At the caret.
@@ -108,17 +116,25 @@ private:
     void show_title();
 
     // Files.
+    bool load_text_of(const String& path, const OfferedCopy* copy);
+    void change_file(EditorFile next);
+    void replace_text(const TextDocument& fresh);
     void read_again();
     void forget_copy();
     void revert();
     bool save_as();
     bool write_to_disk();
     [[nodiscard]] bool may_overwrite();
+    [[nodiscard]] bool may_write_beside_other(const String& path);
+    void tell_of_other_program();
     [[nodiscard]] bool may_throw_away();
     void note_file();
 
     const Others others_;
     EditorFile file_;
+    TextCopy copy_;
+    std::int64_t other_program_ = 0;  ///< that had the file open before us
+    std::int64_t agreed_program_ = 0; ///< beside which the user wants it to be saved
     Owned<Highlighter> highlighter_;
     Owned<LineNumbers> numbers_; ///< null where the project wants none
     bool is_recovered_ = false;

@@ -28,6 +28,16 @@ inline Message<const char*> msg_text_keeps_changing{
     "E2158", "Can't read '%s': another program is writing it."};
 inline Message<const char*> msg_copy_is_newer{"E2163",
                                               "Backup of '%s' is newer.  Restore from it?"};
+inline Message<const char*> msg_changed_since_copy{
+    "E2165", "'%s' has changed since its backup was made.  Restore from the backup?"};
+inline Message<const char*, const char*> msg_writing_cut_off{
+    "E2166", "The writing of '%s' was cut off.  Its old contents are in '%s'.  Restore them?"};
+inline Message<const char*, int> msg_open_elsewhere{
+    "E2167", "'%s' is open in another Pellux too (process %d).  One saving replaces the other."};
+inline Message<const char*, int> msg_save_elsewhere{
+    "E2168", "'%s' is open in another Pellux too (process %d).  Save it all the same?"};
+inline Message<const char*> msg_differences{"E2169", "Differences of '%s' and its backup"};
+inline Message<> msg_no_differences{"E2170", "There are no differences."};
 inline Message<const char*> msg_no_copy_directory{"E2164",
                                                   "Can't create auto-save directory '%s'."};
 inline Message<> msg_no_editor_window{"E2162", "Can't open window"};

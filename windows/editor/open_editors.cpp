@@ -5,6 +5,7 @@
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
 #include "windows/controls/window_places.h"
+#include "windows/editor/differences_window.h"
 #include "windows/editor/editor_menus.h"
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/keyword_table.h"
@@ -102,11 +103,23 @@ void apply_to_all() {
         editor->apply_settings();
 }
 
+bool restore_subject(const DifferencesSubject& subject) {
+    return restore_text(subject.project, view(subject.file), view(subject.copy));
+}
+
+void compare(EditorWindow& editor, std::string_view copy) {
+    show_text_differences({.project = editor.project,
+                           .file = path_of(editor.file()),
+                           .copy = String(copy),
+                           .restore = restore_subject});
+}
+
 constexpr EditorWindow::Others k_others{
     .open = [](Window project, std::string_view path) { open_editor(project, path); },
     .raise = raise,
     .forget = forget,
     .apply_settings = apply_to_all,
+    .compare = compare,
 };
 
 /// Where the file's window stood, else a little further than the one opened before.
@@ -150,6 +163,7 @@ void register_editors(const EditorHooks& hooks) {
     opened = 0;
     editor_hooks() = hooks;
     register_editor_menus();
+    register_differences_windows();
     xvt_res_register({.windows = k_windows});
     read_editor_settings();
 }
@@ -171,12 +185,32 @@ EditorWindow* open_editor(Window project, std::string_view path) {
     EditorWindow* editor = make_editor(project, stored);
     if (editor == nullptr)
         return nullptr;
+    // Loading may show another window, in front of it.
+    xvt_vobj_raise(editor->window());
     if (!editor->load_file(path)) {
         xvt_vobj_destroy(editor->window());
         return nullptr;
     }
-    xvt_vobj_raise(editor->window());
     return editor;
+}
+
+bool restore_text(Window project, std::string_view path, std::string_view copy) {
+    EditorWindow* known = path.empty() ? nullptr : find_editor(path);
+    if (known != nullptr) {
+        xvt_vobj_raise(known->window());
+        return known->restore(copy);
+    }
+    const bool has_place = project != Window::none && !path.empty();
+    EditorWindow* editor =
+        make_editor(project, has_place ? editor_hooks().place(project, path) : Rect{});
+    if (editor == nullptr)
+        return false;
+    if (!editor->load_left(path, copy)) {
+        xvt_vobj_destroy(editor->window());
+        return false;
+    }
+    xvt_vobj_raise(editor->window());
+    return true;
 }
 
 EditorWindow* open_new_editor(Window project) {
@@ -194,6 +228,7 @@ bool may_close_editors(Window project) {
 }
 
 void close_editors(Window project) {
+    close_differences_windows(project);
     for (EditorWindow* editor : editors_of(project))
         editor->close_now();
 }

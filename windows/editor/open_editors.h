@@ -17,6 +17,10 @@ void register_editors(const EditorHooks& hooks);
 EditorWindow* open_editor(Window project, std::string_view path);
 /// An empty one. Null after the user was told that there is none.
 EditorWindow* open_new_editor(Window project);
+/// Shows what a crash has left of the text of a file, or of one without a file where `path` is
+/// empty: in its editor, as one step that can be taken back, or in a new one. False after the user
+/// was told that it can't be read.
+bool restore_text(Window project, std::string_view path, std::string_view copy);
 /// Null where the file has none.
 [[nodiscard]] EditorWindow* find_editor(std::string_view path);
 

@@ -2,6 +2,7 @@
 
 #include "core/common/lexical_path.h"
 #include "core/project/source_list.h"
+#include "windows/editor/auto_save.h"
 #include "windows/editor/open_editors.h"
 #include "windows/toolkit/timer.h"
 #include "windows/workspace/list_edits.h"
@@ -37,13 +38,12 @@ bool can_compile(Window window) {
 
 /// Copies are written from the first editor on, where the project wants them.
 void update_auto_save(Window window) {
-    constexpr std::int64_t k_interval_ms = 300'000;
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return;
     const bool is_wanted = open->project->options.has(OptionFlag::auto_save);
     if (is_wanted && open->auto_save == TimerId::none)
-        open->auto_save = xvt_timer_create(window, k_interval_ms);
+        open->auto_save = xvt_timer_create(window, k_auto_save_ms);
     if (!is_wanted && open->auto_save != TimerId::none)
         xvt_timer_destroy(std::exchange(open->auto_save, TimerId::none));
 }

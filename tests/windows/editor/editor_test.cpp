@@ -1,3 +1,4 @@
+#include "core/common/run_register.h"
 #include "tests/support/file_faults.h"
 #include "tests/support/rounds.h"
 #include "tests/support/temporary_directory.h"
@@ -25,7 +26,11 @@
 #include <string>
 #include <vector>
 
+#include <csignal>
+
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace pellux {
 namespace {
@@ -61,6 +66,14 @@ protected:
         editor.run(command);
         process_events();
     }
+    /// That of copies apart from their files.
+    [[nodiscard]] std::vector<std::string> directory_of_copies() const {
+        std::vector<std::string> paths;
+        if (fs::exists(settings_.path("pellux/copies")))
+            for (const auto& entry : fs::directory_iterator(settings_.path("pellux/copies")))
+                paths.push_back(entry.path());
+        return paths;
+    }
     static std::string state(EditorWindow& editor) { return text_state(editor.view().editing); }
     static std::string status(EditorWindow& editor) {
         return xvt_vobj_get_title(xvt_win_get_ctl(editor.window(), 2)).c_str();
@@ -69,6 +82,7 @@ protected:
     test::TemporaryDirectory directory_;
     test::TemporaryDirectory settings_;
     test::ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    test::ScopedVariable state_{"XDG_STATE_HOME", settings_.path().c_str()};
     test::ScopedVariable locale_{"LC_ALL", "C.UTF-8"};
     ScriptedAnswers user_;
 };
@@ -400,6 +414,109 @@ TEST_F(Editors, OfferWhatWasNotSavedBeforeACrash) {
         fs::last_write_time(copy, fs::last_write_time(path));
         EXPECT_EQ(state(opened(path)), "|copy");
     });
+}
+
+TEST_F(Editors, KeepBothWhereACopyAndItsFileDiffer) {
+    run([&] {
+        const std::string path = directory_.write("text.vhd", "one\ntwo\n");
+        const auto age = [&](int seconds) {
+            fs::last_write_time(path, fs::last_write_time(path) + std::chrono::seconds(seconds));
+        };
+        opened(path);
+        press_key("x");
+        find_editor(path)->auto_save();
+        xvt_vobj_destroy(find_editor(path)->window());
+        // The clock was set back since the file was written.
+        age(60);
+        user_.expect_ask("Backup of 'text.vhd' is newer.  Restore from it?", "No");
+        opened(path);
+        xvt_vobj_destroy(find_editor(path)->window());
+        directory_.write("text.vhd", "one\nTWO\n");
+        age(60);
+        user_.expect_ask("'text.vhd' has changed since its backup was made.  Restore from the "
+                         "backup?",
+                         "Differences");
+        EditorWindow& editor = opened(path);
+        EXPECT_EQ(state(editor), "|one\nTWO\n");
+        EXPECT_EQ(shown_text(), "@ 1\n-one\n-TWO\n+xone\n+two\n \n");
+        editor.view().editing.is_read_only = false;
+        insert_text(editor.view().editing, "y");
+        editor.auto_save();
+        EXPECT_EQ(directory_.read("peltmp/text.vhd"), "xone\ntwo\n") << "it is still the other's";
+        click(xvt_win_get_ctl(shown_text_window(), 1), {9, 9});
+        EXPECT_EQ(state(editor), "x|one\ntwo\n");
+        choose(editor, EditorCommand::undo);
+        EXPECT_EQ(state(editor), "yone\nTWO|\n");
+        choose(editor, EditorCommand::redo);
+        press_key("Ctrl+S");
+        age(60);
+        EXPECT_EQ(directory_.read("text.vhd"), "xone\ntwo\n");
+        EXPECT_FALSE(find_copies(path).size() > 0) << "all of it is saved";
+        editor.close_now();
+        EXPECT_FALSE(fs::exists(directory_.path("peltmp")));
+        // A writing in place that was cut off.
+        directory_.write(".text.vhd.pellux-copy", "before");
+        user_.expect_ask("The writing of 'text.vhd' was cut off.  Its old contents are in *",
+                         "Yes");
+        EXPECT_EQ(state(opened(path)), "|before");
+        press_key("Ctrl+S");
+        EXPECT_FALSE(fs::exists(directory_.path(".text.vhd.pellux-copy")));
+        // A text that has no file, and none that has no project.
+        EditorWindow* fresh = open_new_editor(Window::none);
+        type_text("new");
+        begin_register();
+        save_all_copies();
+        xvt_vobj_destroy(fresh->window());
+        const auto copies = directory_of_copies();
+        ASSERT_EQ(copies.size(), 1);
+        restore_text(Window::none, {}, copies[0].c_str());
+        EXPECT_EQ(shown_text(), "new");
+        user_.expect_ask("Save new file?", "No");
+        press_key("Ctrl+W");
+        EXPECT_TRUE(directory_of_copies().empty());
+        end_register();
+    });
+}
+
+/// The other one is a copy of this program.
+TEST_F(Editors, TellOfAnotherProgramWithTheirFile) {
+    const std::string path = directory_.write("text.vhd", "old");
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t other = ::fork();
+    if (other == 0) {
+        begin_register();
+        note_opened(path);
+        static_cast<void>(!::write(ready[1], "r", 1));
+        ::pause();
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    run([&] {
+        const std::string told = "'" + path + "' is open in another Pellux too (process " +
+                                 std::to_string(other) + ").  ";
+        directory_.write("peltmp/text.vhd", "the other's");
+        user_.expect_note(told + "*");
+        EditorWindow& editor = opened(path);
+        press_key("x");
+        editor.auto_save();
+        EXPECT_EQ(directory_.read("peltmp/text.vhd." + std::to_string(::getpid())), "xold");
+        user_.expect_ask(told + "Save it all the same?", "Cancel");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("text.vhd"), "old");
+        user_.expect_ask(told + "Save it all the same?", "Save");
+        press_key("Ctrl+S");
+        press_key("y");
+        press_key("Ctrl+S");
+        EXPECT_EQ(directory_.read("text.vhd"), "xyold");
+        editor.close_now();
+        EXPECT_EQ(directory_.read("peltmp/text.vhd"), "the other's");
+        EXPECT_EQ(directory_.files("peltmp").size(), 1);
+    });
+    ::kill(other, SIGKILL);
+    ::waitpid(other, nullptr, 0);
+    ::close(ready[0]);
+    ::close(ready[1]);
 }
 
 TEST_F(Editors, AskBeforeAnythingIsLost) {

@@ -31,9 +31,30 @@ QWidget* widget_at(Window window) {
     return record == nullptr ? nullptr : record->widget.data();
 }
 
-/// The pane with a text that was made last; null while there is none.
+/// The window of the program that lies in front of all; null while none is active.
+QWidget* front_window() {
+    if (QWidget* popup = QApplication::activePopupWidget())
+        return popup;
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    return QApplication::activeWindow();
+}
+
+QWidget* focus_widget() {
+    QWidget* front = front_window();
+    if (front == nullptr)
+        return task_window();
+    return front->focusWidget() != nullptr ? front->focusWidget() : front;
+}
+
+/// The pane with a text that has the focus, else the one that was made last; null while there is
+/// none.
 const WindowRecord* last_text() {
-    const WindowRecord* last = nullptr;
+    const QWidget* focus = focus_widget();
+    const WindowRecord* last = focus == nullptr ? nullptr : find_window(window_of(*focus));
+    if (last != nullptr && last->text_access)
+        return last;
+    last = nullptr;
     if (const TaskWindow* task = task_window())
         for (const QWidget* widget : task->findChildren<QWidget*>())
             if (const WindowRecord* record = find_window(window_of(*widget));
@@ -50,22 +71,6 @@ QPoint logical(Window window, Point at) {
         record != nullptr && record->surface && record->surface->units == PixelUnits::device;
     const double ratio = is_device ? record->widget->devicePixelRatioF() : 1;
     return {static_cast<int>(at.x / ratio), static_cast<int>(at.y / ratio)};
-}
-
-/// The window of the program that lies in front of all; null while none is active.
-QWidget* front_window() {
-    if (QWidget* popup = QApplication::activePopupWidget())
-        return popup;
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal;
-    return QApplication::activeWindow();
-}
-
-QWidget* focus_widget() {
-    QWidget* front = front_window();
-    if (front == nullptr)
-        return task_window();
-    return front->focusWidget() != nullptr ? front->focusWidget() : front;
 }
 
 QAction* find_action(const QList<QAction*>& actions, int tag) {

@@ -51,7 +51,8 @@ bool choose_item(int tag);
 /// Calls `act` once, as soon as a box or dialog waits for an answer.
 void in_box(const std::function<void()>& act);
 
-/// What the text pane that was made last holds, as UTF-8, and its window.
+/// What the text pane with the focus, else the one that was made last, holds, as UTF-8, and its
+/// window.
 [[nodiscard]] std::string shown_text();
 /// Waits until it holds these words.
 bool wait_for_text(std::string_view words);

@@ -267,7 +267,9 @@ TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
             clock.advance(300'000);
             process_events();
         }
-        EXPECT_EQ(directory_.names("peltmp"), (std::set<std::string>{"a.vhd", "b.vhd", "c.vhd"}));
+        EXPECT_EQ(directory_.names("peltmp"),
+                  (std::set<std::string>{"a.vhd", "a.vhd.base", "b.vhd", "b.vhd.base", "c.vhd",
+                                         "c.vhd.base"}));
         // One refusal keeps all.
         user_.expect_ask("Quit Pellux?", "OK");
         user_.expect_ask("Save changes to '*/a.vhd'?", "Yes");
