@@ -4,7 +4,6 @@
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/common/unsaved_copy.h"
-#include "core/os/clock.h"
 #include "core/os/environment.h"
 #include "core/os/process.h"
 
@@ -162,22 +161,29 @@ void begin_register() {
     const String directory = registers_directory();
     if (directory.empty() || failed(make_directories(view(directory), k_own)))
         return;
-    char name[64];
-    char* end = std::to_chars(name, name + 24, current_process_id()).ptr;
-    *end++ = '-';
-    end = std::to_chars(end, end + 24, wall_seconds()).ptr;
-    const String path = joined_path(view(directory), {name, static_cast<std::size_t>(end - name)});
-    // It is locked before others see it.
+    // It is locked before others see it. A process of our number may have left one.
     PathBuffer temporary;
     File file;
-    if (failed(create_temporary(view(path), 0600, file, temporary)))
+    if (failed(create_temporary(view(joined_path(view(directory), "register")), 0600, file,
+                                temporary)))
         return;
-    if (failed(lock_file(file, FileLock::exclusive)) ||
-        failed(rename_file(temporary.view(), view(path)))) {
-        static_cast<void>(remove_file(temporary.view()));
-        return;
+    SystemError error = lock_file(file, FileLock::exclusive);
+    String path;
+    for (int number = 1; !failed(error); ++number) {
+        char name[64];
+        char* end = std::to_chars(name, name + 24, current_process_id()).ptr;
+        *end++ = '-';
+        end = std::to_chars(end, name + sizeof name, number).ptr;
+        path = joined_path(view(directory), {name, static_cast<std::size_t>(end - name)});
+        error = rename_to_new_name(temporary.view(), view(path));
+        if (!is_taken(error))
+            break;
+        error = SystemError::none;
     }
-    g_own = {.path = path, .file = std::move(file), .noted = {}};
+    if (failed(error))
+        static_cast<void>(remove_file(temporary.view()));
+    else
+        g_own = {.path = path, .file = std::move(file), .noted = {}};
 }
 
 void end_register() {
@@ -202,9 +208,13 @@ void note_copy(const KeptCopy& kept) {
     static_cast<void>(flush_file(g_own.file));
 }
 
+bool is_noted_copy(std::string_view copy) {
+    return std::ranges::any_of(g_own.noted.copies,
+                               [copy](const KeptCopy& kept) { return view(kept.copy) == copy; });
+}
+
 void note_copy_gone(std::string_view copy) {
-    const auto is_it = [copy](const KeptCopy& kept) { return view(kept.copy) == copy; };
-    if (std::ranges::any_of(g_own.noted.copies, is_it))
+    if (is_noted_copy(copy))
         note(k_drop, copy);
 }
 

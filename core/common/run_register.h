@@ -29,6 +29,8 @@ void note_opened(std::string_view file);
 void note_closed(std::string_view file);
 /// A copy lies there from now on.
 void note_copy(const KeptCopy& kept);
+/// Is it noted here, as somebody's work?
+[[nodiscard]] bool is_noted_copy(std::string_view copy);
 /// It has gone.
 void note_copy_gone(std::string_view copy);
 

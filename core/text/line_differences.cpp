@@ -144,6 +144,7 @@ void append_lines(String& text, const TextDocument& document, std::int64_t first
         const ByteOffset bytes =
             (is_last ? text_size(document) : line_start(document, first + 1) - 1) - start;
         text += mark;
+        text += ' ';
         text += copy_text(document, start, std::min(bytes, k_line_bytes));
         text += '\n';
     }

@@ -18,8 +18,8 @@ struct LineChange {
 /// texts that have so little in common that it would take long to find out.
 [[nodiscard]] Vector<LineChange> compare_lines(const TextDocument& one, const TextDocument& other);
 
-/// The changes to be read, with three lines around each: what one text lost begins with "-", what
-/// the other has instead with "+", and what both have with a blank. Behind so many bytes it says
+/// The changes to be read, with three lines around each: what one text lost begins with "- ", what
+/// the other has instead with "+ ", and what both have with blanks. Behind so many bytes it says
 /// that there is more.
 [[nodiscard]] String differences_text(const TextDocument& one, const TextDocument& other,
                                       std::size_t limit);

@@ -1,13 +1,14 @@
 #include "windows/app/program.h"
 
 #include "core/common/callback.h"
+#include "core/common/run_register.h"
 #include "core/os/files.h"
 #include "core/os/interruption.h"
 #include "windows/app/start_picture.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
 #include "windows/controls/controls.h"
-#include "windows/editor/open_editors.h"
+#include "windows/workspace/project_copies.h"
 #include "windows/workspace/project_windows.h"
 
 #include <cstdlib>
@@ -38,7 +39,7 @@ Shell* running = nullptr; ///< while the program runs
 
 /// Somebody ends the program and can't be asked: nothing that was typed may go with it.
 void on_interruption() {
-    save_all_copies();
+    save_all_work();
     end_application(*running);
 }
 
@@ -63,10 +64,12 @@ int run_pellux(int argument_count, char** arguments) {
     start_shell(shell, words.empty() ? words : words.subspan(1));
     running = &shell;
     notice_interruption(on_interruption);
+    begin_register();
     // Where the display goes the toolkit's library ends the program from within.
-    std::atexit(save_all_copies);
+    std::atexit(save_all_work);
     xvt_app_create(app_config(), task_handler(shell));
     xvt_app_end();
+    end_register();
     constexpr int k_status_interrupted = 128;
     return interruption() == 0 ? 0 : k_status_interrupted + interruption();
 }

@@ -11,6 +11,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/project_opening.h"
+#include "windows/workspace/recovery_window.h"
 
 #include <array>
 
@@ -64,6 +65,7 @@ void on_creation(Shell& shell, Window task) {
         open_starting_projects(shell);
     else if (show_start_picture(shell) == Window::none)
         post_error(msg_no_picture_window);
+    offer_left_work();
 }
 
 void on_destruction() {

@@ -1,6 +1,5 @@
 #include "windows/editor/auto_save.h"
 
-#include "core/common/run_register.h"
 #include "core/os/files.h"
 #include "core/os/safe_copy.h"
 #include "windows/controls/boxes.h"
@@ -16,7 +15,7 @@ namespace {
 bool has_told_directory = false;
 
 /// The places where the copy can lie, the best one first.
-Vector<String> places_of(const TextCopy& copy, const String& file) {
+Vector<String> places_of(const WorkCopy& copy, const String& file) {
     if (file.empty())
         return {copy.path.empty() ? copy_of_no_file() : copy.path};
     const String apart = copy_apart(view(file), copy.process);
@@ -36,7 +35,7 @@ bool prepare(const String& place, bool is_beside) {
 }
 
 /// It lies there from now on, and nowhere else.
-void move_to(TextCopy& copy, const String& place) {
+void move_to(WorkCopy& copy, const String& place) {
     if (!copy.path.empty() && copy.path != place) {
         remove_copy(view(copy.path));
         note_copy_gone(view(copy.path));
@@ -46,40 +45,62 @@ void move_to(TextCopy& copy, const String& place) {
     copy.path = place;
 }
 
+enum class CopyAnswer { no, restore, compare };
+
+/// Shall the text be that of the copy?
+CopyAnswer ask_for_copy(const String& path, const OfferedCopy& copy) {
+    const String name(file_name_part(view(path)));
+    String text;
+    switch (copy.reason) {
+    case OfferReason::newer:
+        text = format_message(msg_copy_is_newer, name.c_str());
+        break;
+    case OfferReason::cut_off_writing:
+        text = format_message(msg_writing_cut_off, name.c_str(), copy.path.c_str());
+        break;
+    case OfferReason::beside_changed: {
+        text = format_message(msg_changed_since_copy, name.c_str());
+        const int answer = xvt_dm_post_ask(k_no, k_yes, "&Differences", "%s", text.c_str());
+        return answer == 1   ? CopyAnswer::restore
+               : answer == 2 ? CopyAnswer::compare
+                             : CopyAnswer::no;
+    }
+    }
+    const bool restores = xvt_dm_post_ask(k_no, k_yes, nullptr, "%s", text.c_str()) == 1;
+    return restores ? CopyAnswer::restore : CopyAnswer::no;
+}
+
 } // namespace
 
-void write_copy(TextCopy& copy, const TextDocument& document, const EditorFile& file) {
-    const String path = path_of(file);
-    const Vector<String> places = places_of(copy, path);
+void write_copy(WorkCopy& copy, const Work& work) {
+    const Vector<String> places = places_of(copy, work.file);
     for (const String& place : places) {
-        const bool is_beside = copy.is_of_project && !path.empty() && &place == places.data();
+        const bool is_beside = copy.is_of_project && !work.file.empty() && &place == places.data();
         if (!prepare(place, is_beside))
             continue;
-        note_copy({CopyKind::text, path, place});
-        SafeWriter writer;
-        if (failed(
-                write_text(document, view(place), writer, nullptr, copy_permissions(view(path)))))
+        note_copy({copy.kind, work.file, place});
+        if (failed(work.write(work.context, view(place), copy_permissions(view(work.file)))))
             continue;
         move_to(copy, place);
-        if (!path.empty() && !std::exchange(copy.has_base, true))
-            write_copy_base(view(place), file.content, false);
+        if (!work.file.empty() && !std::exchange(copy.has_base, true))
+            write_copy_base(view(place), work.content, false);
         return;
     }
 }
 
-void note_saved_copy(TextCopy& copy, const EditorFile& file) {
+void note_saved_copy(WorkCopy& copy, const ContentSum& file) {
     if (!copy.path.empty())
-        write_copy_base(view(copy.path), file.content, true);
+        write_copy_base(view(copy.path), file, true);
     copy.has_base = false;
 }
 
-void take_over_copy(TextCopy& copy, const EditorFile& file, std::string_view path) {
-    note_copy({CopyKind::text, path_of(file), String(path)});
-    move_to(copy, String(path));
+void take_over_copy(WorkCopy& copy, const String& file, std::string_view place) {
+    note_copy({copy.kind, file, String(place)});
+    move_to(copy, String(place));
     copy.has_base = true;
 }
 
-void finish_copy(TextCopy& copy, std::string_view file) {
+void finish_copy(WorkCopy& copy, std::string_view file) {
     Vector<String> places{copy.path};
     if (copy.is_of_project && copy.process == 0 && !file.empty())
         places.push_back(copy_beside(file));
@@ -107,6 +128,17 @@ Vector<OfferedCopy> find_copies(std::string_view file) {
             copy.modified_ns = stat.modified_ns;
     std::ranges::stable_sort(found, std::ranges::greater(), &OfferedCopy::modified_ns);
     return found;
+}
+
+std::optional<ChosenCopy> choose_copy(std::string_view file) {
+    if (find_other_program(file) != 0)
+        return {};
+    for (const OfferedCopy& copy : find_copies(file)) {
+        const CopyAnswer answer = ask_for_copy(String(file), copy);
+        if (answer != CopyAnswer::no)
+            return ChosenCopy{copy, answer == CopyAnswer::compare};
+    }
+    return {};
 }
 
 } // namespace pellux

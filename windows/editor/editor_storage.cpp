@@ -29,31 +29,6 @@ void tell_failure(const FileLoad& load, const String& path) {
         post_error(msg_file_unreadable, path.c_str(), error_text(load.error).c_str());
 }
 
-enum class CopyAnswer { no, restore, compare };
-
-/// Shall the text be that of the copy?
-CopyAnswer ask_for_copy(const String& path, const OfferedCopy& copy) {
-    const String name(file_name_part(view(path)));
-    String text;
-    switch (copy.reason) {
-    case OfferReason::newer:
-        text = format_message(msg_copy_is_newer, name.c_str());
-        break;
-    case OfferReason::cut_off_writing:
-        text = format_message(msg_writing_cut_off, name.c_str(), copy.path.c_str());
-        break;
-    case OfferReason::beside_changed: {
-        text = format_message(msg_changed_since_copy, name.c_str());
-        const int answer = xvt_dm_post_ask(k_no, k_yes, "&Differences", "%s", text.c_str());
-        return answer == 1   ? CopyAnswer::restore
-               : answer == 2 ? CopyAnswer::compare
-                             : CopyAnswer::no;
-    }
-    }
-    const bool restores = xvt_dm_post_ask(k_no, k_yes, nullptr, "%s", text.c_str()) == 1;
-    return restores ? CopyAnswer::restore : CopyAnswer::no;
-}
-
 /// Takes the text of one document over into another, which is emptied.
 void copy_document(const TextDocument& from, TextDocument& to) {
     erase_bytes(to, 0, text_size(to));
@@ -79,8 +54,14 @@ bool EditorWindow::has_changes() {
 }
 
 void EditorWindow::auto_save() {
-    if (document().is_modified)
-        write_copy(copy_, document(), file_);
+    if (!document().is_modified)
+        return;
+    const auto write = [](const void* context, std::string_view place, std::uint32_t permissions) {
+        SafeWriter writer;
+        return write_text(*static_cast<const TextDocument*>(context), place, writer, nullptr,
+                          permissions);
+    };
+    write_copy(copy_, {path_of(file_), file_.content, write, &document()});
 }
 
 void EditorWindow::forget_copy() {
@@ -105,7 +86,7 @@ void EditorWindow::change_file(EditorFile next) {
 /// The file is what the text is now: shows what is to be seen of it.
 void EditorWindow::note_file() {
     is_recovered_ = false;
-    note_saved_copy(copy_, file_);
+    note_saved_copy(copy_, file_.content);
     set_read_only(has_name(file_) && is_write_protected(pellux::view(path_of(file_))));
     show_title();
     show_status();
@@ -114,24 +95,16 @@ void EditorWindow::note_file() {
 }
 
 bool EditorWindow::load_file(std::string_view path) {
-    // Another program's copy is that program's business.
     const String name(path);
-    if (find_other_program(path) != 0)
-        return load_text_of(name, nullptr);
-    for (const OfferedCopy& copy : find_copies(path)) {
-        const CopyAnswer answer = ask_for_copy(name, copy);
-        if (answer == CopyAnswer::restore)
-            return load_text_of(name, &copy);
-        if (answer == CopyAnswer::compare) {
-            if (!load_text_of(name, nullptr))
-                return false;
-            // It stays until the user has chosen between the two.
-            copy_.process = current_process_id();
-            others_.compare(*this, pellux::view(copy.path));
-            return true;
-        }
-    }
-    return load_text_of(name, nullptr);
+    const std::optional<ChosenCopy> choice = choose_copy(path);
+    if (!choice || !choice->is_to_compare)
+        return load_text_of(name, choice ? &choice->copy : nullptr);
+    if (!load_text_of(name, nullptr))
+        return false;
+    // It stays until the user has chosen between the two.
+    copy_.process = current_process_id();
+    others_.compare(*this, pellux::view(choice->copy.path));
+    return true;
 }
 
 /// Shows the text of a file, or of a copy of it.
@@ -161,7 +134,7 @@ bool EditorWindow::load_text_of(const String& path, const OfferedCopy* copy) {
         is_recovered_ = true;
         set_read_only(false);
         if (copy->reason != OfferReason::cut_off_writing)
-            take_over_copy(copy_, file_, pellux::view(copy->path));
+            take_over_copy(copy_, path_of(file_), pellux::view(copy->path));
     }
     tell_of_other_program();
     return true;
@@ -226,7 +199,7 @@ bool EditorWindow::restore(std::string_view copy) {
     }
     replace_text(*fresh);
     is_recovered_ = true;
-    take_over_copy(copy_, file_, copy);
+    take_over_copy(copy_, path_of(file_), copy);
     show_status();
     return true;
 }
@@ -394,7 +367,7 @@ bool EditorWindow::save_as() {
     if (!may_write_beside_other(path))
         return false;
     const EditorFile old = file_;
-    TextCopy old_copy = copy_;
+    WorkCopy old_copy = copy_;
     EditorFile next;
     set_path(next, pellux::view(path));
     change_file(std::move(next));

@@ -132,7 +132,7 @@ private:
 
     const Others others_;
     EditorFile file_;
-    TextCopy copy_;
+    WorkCopy copy_;
     std::int64_t other_program_ = 0;  ///< that had the file open before us
     std::int64_t agreed_program_ = 0; ///< beside which the user wants it to be saved
     Owned<Highlighter> highlighter_;

@@ -61,5 +61,10 @@ inline Message<> msg_setting_top{"E2095", "setting the top design"};
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};
+inline Message<> msg_left_work{"E2280", "Unsaved work of an earlier run"};
+inline Message<const char*, const char*, const char*> msg_left_copy{"E2281",
+                                                                    "%s  (backup of %s%s)"};
+inline Message<> msg_left_beside_changed{"E2282", "; the file has changed since"};
+inline Message<const char*> msg_delete_copy{"E2283", "Delete the backup of '%s'?"};
 
 } // namespace pellux

@@ -55,6 +55,8 @@ OpenProject& list_project(Owned<Project> project, Window window) {
 }
 
 void forget_project(Window window) {
+    if (const OpenProject* open = find_open_project(window))
+        note_closed(view(open->noted_file));
     std::erase_if(g_workspace.projects,
                   [window](const Owned<OpenProject>& open) { return open->window == window; });
 }

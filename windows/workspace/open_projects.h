@@ -3,6 +3,7 @@
 #include "core/project/project_state.h"
 #include "core/project/records.h"
 #include "core/project/source_history.h"
+#include "windows/editor/auto_save.h"
 #include "windows/toolkit/event.h"
 #include "windows/toolkit/geometry.h"
 #include "windows/workspace/source_looks.h"
@@ -20,7 +21,12 @@ struct OpenProject {
     /// `project_image` and `project_content` as they were last read or written; empty: never.
     Vector<std::byte> written;
     Vector<std::byte> written_content;
-    FileIdentity file;                 ///< what the file was then
+    FileIdentity file;  ///< what the file was then
+    ContentSum content; ///< of it
+    WorkCopy copy{.kind = CopyKind::project, .is_of_project = true};
+    String noted_file;                 ///< that other programs know of
+    std::int64_t other_program = 0;    ///< that had the file open before us
+    std::int64_t agreed_program = 0;   ///< beside which the user wants it to be saved
     TimerId auto_save = TimerId::none; ///< of the copies of its texts
     Rect placed; ///< where the window stood at first, its user not having moved it
     SourceLooks looks;

@@ -9,6 +9,7 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_copies.h"
 #include "windows/workspace/project_frame.h"
 
 #include <utility>
@@ -40,6 +41,7 @@ bool name_project(Window window) {
             find_open_project(view(choice.directory), view(name)) == nullptr) {
             named->project->file_name.assign(view(name));
             named->project->directory = choice.directory;
+            note_project_file(window);
             show_project_names();
             return true;
         }
@@ -65,6 +67,7 @@ ProjectWriteResult write_file(OpenProject& open) {
     if (failed(identify_file(view(project_path(*open.project)), file)))
         file = {};
     note_written(open, file);
+    note_saved_project(open);
     return result;
 }
 
@@ -74,7 +77,10 @@ bool write_open_project(Window window) {
     if (known == nullptr)
         return false;
     const String path = project_path(*known->project);
-    if (!may_replace(*known, path))
+    if (!may_write_beside_other(window))
+        return false;
+    known = find_open_project(window);
+    if (known == nullptr || !may_replace(*known, path))
         return false;
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
@@ -121,7 +127,8 @@ bool is_named_or_given_up(Window window) {
 bool close_one(Window window) {
     if (!is_named_or_given_up(window))
         return false;
-    if (!may_close_editors(window))
+    const bool is_last = workspace().projects.size() == 1;
+    if (!may_close_editors(window) || (is_last && !may_close_editors(Window::none)))
         return false;
     // Each lets the project remember where it stood.
     close_editors(window);
@@ -134,9 +141,13 @@ bool close_one(Window window) {
         write_memory(*open);
     else if (!write_open_project(window) && !agrees_to_lose(window))
         return false;
-    if (find_open_project(window) == nullptr)
+    OpenProject* closing = find_open_project(window);
+    if (closing == nullptr)
         return false;
+    finish_project(*closing);
     xvt_vobj_destroy(window);
+    if (is_last)
+        close_editors(Window::none);
     if (workspace().projects.empty())
         shell().end_application(shell().context);
     return true;
@@ -172,6 +183,8 @@ bool close_project(Window window) {
 }
 
 bool close_all_projects() {
+    if (workspace().projects.empty() && !may_close_editors(Window::none))
+        return false;
     while (!workspace().projects.empty())
         if (!close_one(workspace().projects.front()->window))
             return false;

@@ -8,6 +8,7 @@
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_compile.h"
+#include "windows/workspace/project_copies.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
@@ -36,7 +37,8 @@ bool can_compile(Window window) {
            !is_speaking({ReadingKind::compile_output, window});
 }
 
-/// Copies are written from the first editor on, where the project wants them.
+} // namespace
+
 void update_auto_save(Window window) {
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
@@ -47,6 +49,8 @@ void update_auto_save(Window window) {
     if (!is_wanted && open->auto_save != TimerId::none)
         xvt_timer_destroy(std::exchange(open->auto_save, TimerId::none));
 }
+
+namespace {
 
 /// The file's entry gets the new name, as far as the list takes it.
 void rename(Window window, std::string_view from, std::string_view to) {
@@ -107,12 +111,14 @@ void start_editors(bool (*take_key)(Window project, const CharacterEvent& key)) 
 }
 
 bool on_auto_save_timer(Window window, TimerId timer) {
-    const OpenProject* open = find_open_project(window);
+    OpenProject* open = find_open_project(window);
     if (open == nullptr || open->auto_save != timer)
         return false;
     update_auto_save(window);
-    if (open->auto_save != TimerId::none)
-        save_copies(window);
+    if (open->auto_save == TimerId::none)
+        return true;
+    save_copies(window);
+    write_project_copy(*open);
     return true;
 }
 

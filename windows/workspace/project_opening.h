@@ -14,6 +14,8 @@ namespace pellux {
 bool open_project_here(std::string_view name);
 /// The same for the file of a directory.
 bool open_project_in(std::string_view directory, std::string_view name);
+/// Opens a project with what a copy of its file says; the file may be missing.
+bool open_left_project(std::string_view path, const String& copy);
 /// Opens the project files among absolute paths, and answers the other paths.
 Vector<String> open_projects_among(std::span<const String> paths);
 /// Asks which project to open, and opens it.

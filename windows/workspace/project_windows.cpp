@@ -16,6 +16,7 @@
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
+#include "windows/workspace/recovery_window.h"
 
 #include <span>
 
@@ -95,6 +96,9 @@ void update(Window window) {
     update_project_commands(window);
     update_history_titles(window);
     update_info_commands(window);
+    const OpenProject* open = find_open_project(window);
+    if (open != nullptr && has_changed(*open))
+        update_auto_save(window);
 }
 
 void show_compile(Window window) {
@@ -117,6 +121,7 @@ void start_workspace(const ShellHooks& hooks) {
     register_reading_windows({on_text_key, show_compile});
     start_editors(on_text_key);
     register_new_project();
+    register_recovery_window();
 }
 
 } // namespace pellux

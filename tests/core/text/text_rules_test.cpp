@@ -271,8 +271,8 @@ TEST(TextStorage, TellsHowLinesDiffer) {
     insert_bytes(one, 0, "1\n2\n3\n4\n5\n6\n7\n8\n9");
     insert_bytes(other, 0, "1\n2\n3\n4\nx\n6\n7\n8\n9\n");
     EXPECT_EQ(differences_text(one, other, 1000),
-              "@ 2\n 2\n 3\n 4\n-5\n+x\n 6\n 7\n 8\n-9\n+9\n+\n");
-    EXPECT_EQ(differences_text(one, other, 12), "@ 2\n 2\n 3\n 4\n...\n");
+              "@ 2\n  2\n  3\n  4\n- 5\n+ x\n  6\n  7\n  8\n- 9\n+ 9\n+ \n");
+    EXPECT_EQ(differences_text(one, other, 12), "@ 2\n  2\n  3\n...\n");
     EXPECT_EQ(differences_text(one, one, 12), "");
 }
 

@@ -438,7 +438,7 @@ TEST_F(Editors, KeepBothWhereACopyAndItsFileDiffer) {
                          "Differences");
         EditorWindow& editor = opened(path);
         EXPECT_EQ(state(editor), "|one\nTWO\n");
-        EXPECT_EQ(shown_text(), "@ 1\n-one\n-TWO\n+xone\n+two\n \n");
+        EXPECT_EQ(shown_text(), "@ 1\n- one\n- TWO\n+ xone\n+ two\n  \n");
         editor.view().editing.is_read_only = false;
         insert_text(editor.view().editing, "y");
         editor.auto_save();

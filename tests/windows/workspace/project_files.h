@@ -54,6 +54,7 @@ protected:
     TemporaryDirectory directory_;
     TemporaryDirectory settings_;
     ScopedVariable configuration_{"XDG_CONFIG_HOME", settings_.path().c_str()};
+    ScopedVariable state_{"XDG_STATE_HOME", settings_.path().c_str()};
     ScopedDirectory here_{directory_.path()};
     ScriptedAnswers user_;
 };

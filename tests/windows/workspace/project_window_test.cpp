@@ -7,18 +7,22 @@
 #include "windows/toolkit/menu.h"
 #include "windows/toolkit/print_record.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/project_copies.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
+#include "windows/workspace/recovery_window.h"
 
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <regex>
 #include <set>
 #include <string>
 
 namespace pellux {
 namespace {
 
+namespace fs = std::filesystem;
 using test::make_project_file;
 using test::window_of_project;
 
@@ -268,8 +272,8 @@ TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
             process_events();
         }
         EXPECT_EQ(directory_.names("peltmp"),
-                  (std::set<std::string>{"a.vhd", "a.vhd.base", "b.vhd", "b.vhd.base", "c.vhd",
-                                         "c.vhd.base"}));
+                  (std::set<std::string>{"a.bpr", "a.bpr.base", "a.vhd", "a.vhd.base", "b.vhd",
+                                         "b.vhd.base", "c.vhd", "c.vhd.base"}));
         // One refusal keeps all.
         user_.expect_ask("Quit Pellux?", "OK");
         user_.expect_ask("Save changes to '*/a.vhd'?", "Yes");
@@ -311,6 +315,65 @@ TEST_F(ProjectWindow, OpensItsFilesInEditorsAndClosesWithAllOrNone) {
         user_.expect_ask("Quit Pellux?", "OK");
         EXPECT_TRUE(close_project(window()));
     });
+}
+
+/// The program is cut off twice: what it left is offered when the project is opened, and in one
+/// list.
+TEST_F(ProjectWindow, OffersWhatACrashHasLeft) {
+    constexpr int k_restore = 2;
+    constexpr int k_compare = 3;
+    constexpr int k_delete = 4;
+    Window left = Window::none;
+    const auto left_works = [&] {
+        left = offer_left_work();
+        process_events();
+        std::string works;
+        const Window list = xvt_win_get_ctl(left, 1);
+        for (int i = 0; left != Window::none && i < xvt_list_count(list); ++i)
+            works += fs::path(xvt_list_get_item(list, i).c_str()).filename().string();
+        return std::regex_replace(works, std::regex(R"( +\(backup of [-0-9: ]+\))"), "\n");
+    };
+    const auto press = [&](int button) { click(xvt_win_get_ctl(left, button), {9, 9}); };
+    const std::string path = directory_.write("b.vhd", "b");
+    begin_register();
+    run([&] {
+        command(static_cast<int>(ProjectCommand::add_all));
+        open_editor(window(), path);
+        type_text("x");
+        open_new_editor(window());
+        type_text("new");
+        save_all_work();
+    });
+    begin_register();
+    in_application([&] {
+        start_workspace({.insert_tools_menu = [](void*, Window) {}});
+        EXPECT_EQ(left_works(), "b.vhd\nuntitled\na.bpr\n");
+        press(k_compare);
+        EXPECT_EQ(shown_text(), "@ 1\n- b\n+ xb\n");
+        user_.expect_ask("Delete the backup of '" + path + "'?", "OK");
+        press(k_delete);
+        EXPECT_FALSE(fs::exists(directory_.path("peltmp/b.vhd")));
+        press(k_restore);
+        EXPECT_EQ(shown_text(), "new");
+        type_text("er ");
+        save_all_work();
+    });
+    begin_register();
+    user_.expect_ask("Backup of 'a.bpr' is newer.  Restore from it?", "Yes");
+    run([&] {
+        EXPECT_EQ(files(), "b.vhd");
+        EXPECT_TRUE(has_changed(open()));
+        EXPECT_EQ(left_works(), "untitled\n");
+        press(k_restore);
+        EXPECT_EQ(shown_text(), "er new");
+        EXPECT_EQ(left_works(), "");
+        user_.expect_ask("Quit Pellux?", "OK");
+        user_.expect_ask("Save new file?", "No");
+        EXPECT_TRUE(close_project(window()));
+    });
+    end_register();
+    EXPECT_FALSE(fs::exists(directory_.path("peltmp")));
+    EXPECT_FALSE(fs::exists(settings_.path("pellux/copies")));
 }
 
 TEST_F(ProjectWindow, KeepsItsFontAndItsPage) {
