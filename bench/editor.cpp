@@ -4,6 +4,7 @@
 #include "bench/key_times.h"
 #include "bench/large_text.h"
 #include "bench/window_program.h"
+#include "core/os/loop.h"
 #include "core/text/text_storage.h"
 #include "windows/controls/controls.h"
 #include "windows/controls/shell_hooks.h"
@@ -188,6 +189,66 @@ void measure_large_file(const Files& files, bool moment) {
         });
 }
 
+/// Copies of texts that are not saved, while the program goes on.
+void measure_copies(const Files& files, bool moment) {
+    const int count = moment ? 3 : 20;
+    const std::string text = make_text(moment ? 10'000 : 1'000'000);
+    Vector<EditorWindow*> editors;
+    for (int i = 0; i < count; ++i) {
+        editors.push_back(open(files.write(std::to_string(i).c_str(), text)));
+        insert_text(editors.back()->view().editing, "x");
+    }
+    const auto flush = [&](int i) {
+        File file;
+        const std::string path = files.directory / ("flushed" + std::to_string(i));
+        if (failed(open_file(file, path, OpenMode::truncate)) ||
+            failed(write_all(file, std::as_bytes(std::span(text)))) || failed(flush_file(file)))
+            std::abort();
+    };
+    double longest_ns = 0;
+    const auto save = [&] {
+        save_copies(xvt_win_get_task());
+        const std::filesystem::path last = files.directory / "peltmp/0";
+        const auto before = std::filesystem::exists(last) ? std::filesystem::last_write_time(last)
+                                                          : std::filesystem::file_time_type();
+        do {
+            longest_ns = std::max(longest_ns, time_of([] { run_turn(TurnWait::none); }));
+        } while (!std::filesystem::exists(last) ||
+                 std::filesystem::last_write_time(last) == before);
+    };
+    compare(
+        {.name = "copies of 20 modified texts of 1 MB",
+         .yardstick = "writing and flushing the same bytes",
+         .reach = 2,
+         .round_ms = 0},
+        moment,
+        [&] {
+            for (int i = 0; i < count; ++i)
+                flush(i);
+        },
+        save);
+    compare(
+        {.name = "the longest turn of the loop meanwhile",
+         .yardstick = "the longest writing of one",
+         .reach = 2,
+         .round_ms = 0},
+        moment,
+        [&] {
+            double ns = 0;
+            for (int i = 0; i < count; ++i)
+                ns = std::max(ns, time_of([&] { flush(i); }));
+            return ns;
+        },
+        [&] {
+            longest_ns = 0;
+            save();
+            return longest_ns;
+        });
+    for (EditorWindow* editor : editors)
+        editor->close_now();
+    show_all();
+}
+
 void run(bool moment) {
     QMdiArea* area = area_of_windows();
     if (area == nullptr) {
@@ -205,6 +266,7 @@ void run(bool moment) {
     measure_typing(*area, files, moment);
     measure_second_window(*area, files, moment);
     measure_large_file(files, moment);
+    measure_copies(files, moment);
 }
 
 } // namespace
