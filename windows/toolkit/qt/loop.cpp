@@ -97,6 +97,8 @@ void install_qt_loop() {
     };
     operations.turn = on_turn;
     install_loop(&operations);
+    // For what was posted before.
+    wake();
 }
 
 void remove_qt_loop() {
