@@ -1,100 +1,35 @@
 #include "core/common/run_register.h"
 
-#include "core/common/hex.h"
 #include "core/common/lexical_path.h"
+#include "core/common/register_lines.h"
 #include "core/common/text_file.h"
-#include "core/common/unsaved_copy.h"
 #include "core/os/environment.h"
 #include "core/os/process.h"
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace pellux {
 namespace {
 
 constexpr std::string_view k_directory = "running";
-constexpr std::size_t k_most_bytes = std::size_t{16} << 20;
+constexpr std::size_t k_most_bytes = std::size_t{64} << 20;
 constexpr std::size_t k_most_registers = 1000;
-
-/// The first word of each line.
-constexpr std::string_view k_open = "open";
-constexpr std::string_view k_close = "close";
-constexpr std::string_view k_text = "text";
-constexpr std::string_view k_project = "project";
-constexpr std::string_view k_drop = "drop";
-
-/// What the lines of a register come to.
-struct Noted {
-    Vector<String> open;
-    Vector<KeptCopy> copies;
-};
 
 struct OwnRegister {
     String path;
     File file;
-    Noted noted;
+    RegisterNotes noted;
 };
 OwnRegister g_own;
 
-/// Bytes that end a line or a word become '%' and two digits.
-void append_word(String& line, std::string_view word) {
-    line += ' ';
-    for (const char c : word)
-        if (static_cast<unsigned char>(c) <= ' ' || c == '%') {
-            line += '%';
-            append_hex(line, static_cast<unsigned char>(c));
-        } else {
-            line += c;
-        }
-}
-
-/// Takes the next word off a line; empty at its end.
-String take_word(std::string_view& line) {
-    const std::size_t end = std::min(line.find(' '), line.size());
-    String word;
-    for (std::size_t i = 0; i < end; ++i) {
-        if (line[i] == '%' && i + 2 < end) {
-            word += static_cast<char>(hex_value(line[i + 1]) << 4 | (hex_value(line[i + 2]) & 15));
-            i += 2;
-        } else {
-            word += line[i];
-        }
-    }
-    line.remove_prefix(std::min(end + 1, line.size()));
-    return word;
-}
-
-void apply_line(Noted& noted, std::string_view line) {
-    const String what = take_word(line);
-    const String first = take_word(line);
-    if (view(what) == k_open) {
-        noted.open.push_back(first);
-    } else if (view(what) == k_close) {
-        std::erase(noted.open, first);
-    } else if (view(what) == k_drop) {
-        std::erase_if(noted.copies, [&](const KeptCopy& kept) { return kept.copy == first; });
-    } else if (view(what) == k_text || view(what) == k_project) {
-        const CopyKind kind = view(what) == k_text ? CopyKind::text : CopyKind::project;
-        std::erase_if(noted.copies, [&](const KeptCopy& kept) { return kept.copy == first; });
-        noted.copies.push_back({kind, take_word(line), first});
-    }
-}
-
-/// A last line that a crash has cut off has no end, and counts for nothing.
-Noted read_register(std::string_view path) {
+std::optional<RegisterNotes> read_register(const String& path) {
     String text;
     SystemError error = SystemError::none;
-    Noted noted;
-    if (read_text_file(path, k_most_bytes, text, error) != TextFileStatus::read)
-        return noted;
-    std::string_view rest = view(text);
-    for (std::size_t end = 0; (end = rest.find('\n')) != std::string_view::npos;
-         rest.remove_prefix(end + 1))
-        apply_line(noted, rest.substr(0, end));
-    std::erase_if(noted.copies,
-                  [](const KeptCopy& kept) { return !is_place_of_copies(view(kept.copy)); });
-    return noted;
+    if (read_text_file(view(path), k_most_bytes, text, error) != TextFileStatus::read)
+        return {};
+    return parse_register(view(text));
 }
 
 String registers_directory() {
@@ -136,18 +71,15 @@ void append_line(File& file, const String& line) {
         static_cast<void>(write_at(file, stat.size, std::as_bytes(std::span(line))));
 }
 
-void note(std::string_view what, std::string_view first, std::string_view second = {}) {
+void note(RegisterWord what, std::string_view first, std::string_view second = {}) {
     if (!g_own.file)
         return;
-    String line(what);
-    append_word(line, first);
-    if (!second.empty())
-        append_word(line, second);
-    apply_line(g_own.noted, view(line));
-    append_line(g_own.file, line += '\n');
+    const String line = register_line(what, first, second);
+    apply_register_line(g_own.noted, view(line));
+    append_line(g_own.file, line);
 }
 
-bool has_copy(const Noted& noted, const KeptCopy& kept) {
+bool has_copy(const RegisterNotes& noted, const KeptCopy& kept) {
     return std::ranges::any_of(noted.copies, [&](const KeptCopy& each) {
         return each.copy == kept.copy && each.file == kept.file;
     });
@@ -193,17 +125,18 @@ void end_register() {
 }
 
 void note_opened(std::string_view file) {
-    note(k_open, file);
+    note(RegisterWord::open, file);
 }
 
 void note_closed(std::string_view file) {
-    note(k_close, file);
+    note(RegisterWord::close, file);
 }
 
 void note_copy(const KeptCopy& kept) {
     if (!g_own.file || has_copy(g_own.noted, kept))
         return;
-    note(kept.kind == CopyKind::text ? k_text : k_project, view(kept.copy), view(kept.file));
+    note(kept.kind == CopyKind::text ? RegisterWord::text : RegisterWord::project, view(kept.copy),
+         view(kept.file));
     // The copy is of no use when nobody knows of it.
     static_cast<void>(flush_file(g_own.file));
 }
@@ -215,7 +148,7 @@ bool is_noted_copy(std::string_view copy) {
 
 void note_copy_gone(std::string_view copy) {
     if (is_noted_copy(copy))
-        note(k_drop, copy);
+        note(RegisterWord::drop, copy);
 }
 
 std::int64_t find_other_program(std::string_view file) {
@@ -231,7 +164,8 @@ std::int64_t find_other_program(std::string_view file) {
         File held;
         if (take_register(held, path, FileLock::shared))
             continue;
-        if (!std::ranges::any_of(read_register(view(path)).open, is_it))
+        const std::optional<RegisterNotes> notes = read_register(path);
+        if (!notes || !std::ranges::any_of(notes->open, is_it))
             continue;
         std::int64_t process = 0;
         const std::string_view name = file_name_part(view(path));
@@ -247,7 +181,10 @@ Vector<LeftRegister> take_left_registers() {
         LeftRegister found{.path = path, .file = {}, .copies = {}};
         if (!take_register(found.file, path, FileLock::exclusive))
             continue;
-        found.copies = read_register(view(path)).copies;
+        std::optional<RegisterNotes> notes = read_register(path);
+        if (!notes)
+            continue;
+        found.copies = std::move(notes->copies);
         if (found.copies.empty())
             static_cast<void>(remove_file(view(path)));
         else
@@ -259,10 +196,7 @@ Vector<LeftRegister> take_left_registers() {
 void drop_left_copy(LeftRegister& left, std::string_view copy) {
     std::erase_if(left.copies, [copy](const KeptCopy& kept) { return view(kept.copy) == copy; });
     // Its last line may have been cut off.
-    String line("\n");
-    line += k_drop;
-    append_word(line, copy);
-    append_line(left.file, line += '\n');
+    append_line(left.file, "\n" + register_line(RegisterWord::drop, copy));
     if (left.copies.empty())
         static_cast<void>(remove_file(view(left.path)));
 }

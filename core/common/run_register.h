@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/containers.h"
+#include "core/common/register_lines.h"
 #include "core/os/files.h"
 
 #include <string_view>
@@ -11,14 +11,6 @@ namespace pellux {
 // as long as it runs, that names the files that it has open and where the copies of its unsaved
 // work lie (docs/formats.md). One that nobody locks was left by a crash. Nobody is told where there
 // can be no such file: then there are no others to know of, and nothing is offered after a crash.
-
-enum class CopyKind { text, project };
-
-struct KeptCopy {
-    CopyKind kind = CopyKind::text;
-    String file; ///< empty: of a text that has none
-    String copy;
-};
 
 /// Begins the register of this program; before, the notes below do nothing.
 void begin_register();

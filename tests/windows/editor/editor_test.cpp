@@ -71,7 +71,8 @@ protected:
         std::vector<std::string> paths;
         if (fs::exists(settings_.path("pellux/copies")))
             for (const auto& entry : fs::directory_iterator(settings_.path("pellux/copies")))
-                paths.push_back(entry.path());
+                if (entry.path().extension() != ".base")
+                    paths.push_back(entry.path());
         return paths;
     }
     static std::string state(EditorWindow& editor) { return text_state(editor.view().editing); }
@@ -461,6 +462,21 @@ TEST_F(Editors, KeepBothWhereACopyAndItsFileDiffer) {
         EXPECT_EQ(state(opened(path)), "|before");
         press_key("Ctrl+S");
         EXPECT_FALSE(fs::exists(directory_.path(".text.vhd.pellux-copy")));
+        // A disk that is full beside the file.
+        press_key("z");
+        {
+            const FileFaults faults([&](FileOperation operation, std::string_view place) {
+                const bool is_full = operation == FileOperation::open &&
+                                     place.find("peltmp") != std::string_view::npos;
+                return is_full ? SystemError{ENOSPC} : SystemError::none;
+            });
+            find_editor(path)->auto_save();
+        }
+        ASSERT_EQ(directory_of_copies().size(), 1);
+        EXPECT_EQ(directory_.read(directory_of_copies()[0]), "zbefore");
+        find_editor(path)->auto_save();
+        EXPECT_TRUE(directory_of_copies().empty());
+        EXPECT_EQ(directory_.read("peltmp/text.vhd"), "zbefore");
         // A text that has no file, and none that has no project.
         EditorWindow* fresh = open_new_editor(Window::none);
         type_text("new");
