@@ -25,6 +25,11 @@ Answer ask(const Question& question) {
     return g_seam.ask == nullptr ? closed_answer(question) : g_seam.ask(g_seam.context, question);
 }
 
+void ask_show_dialog(const Question& question, bool comes_forward) {
+    if (g_seam.show_dialog != nullptr)
+        g_seam.show_dialog(g_seam.context, question, comes_forward);
+}
+
 void ask_fatal_exit(const char* text) {
     if (g_seam.fatal_exit != nullptr)
         g_seam.fatal_exit(g_seam.context, text);

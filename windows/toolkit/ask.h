@@ -10,7 +10,8 @@ namespace pellux {
 
 // Every question to the user, and every box that is only read, is one value that is put to one
 // function and brings one answer back. On the screen a box answers; a test puts a list of the
-// questions that it expects, with the answers, in its place.
+// questions that it expects, with the answers, in its place. A modeless dialog, which nothing waits
+// for, is shown through the same seam, and its owner is called for what the user does.
 
 enum class QuestionKind {
     ask,  ///< one of up to three buttons
@@ -34,18 +35,38 @@ struct DialogRow {
     int id = 0;
     DialogRowKind kind = DialogRowKind::text;
     String label;     ///< '&' before its mnemonic, but in a text row
-    String value;     ///< of an edit field; of a list, its entries by line ends
+    String value;     ///< of a field with a text; of a list, its entries by line ends
     int selected = 0; ///< of a check box or radio button 1 or 0; of a list an index, -1 none
     int length_max = 0;
     bool is_enabled = true;
+    bool is_beside = false; ///< on the line of the row before, as check boxes that belong together
+    Vector<String> entries{}; ///< that drop down below a text, which can be typed too
+};
+
+/// What the user does to a dialog while it stands.
+struct DialogAct {
+    enum class Kind {
+        changed, ///< a row; `number` is its id
+        pressed, ///< a button of a modeless dialog; `number` is that of an answer
+        closed,  ///< Escape or the close button of a modeless dialog
+    };
+    Kind kind = Kind::changed;
+    int number = 0;
+    const Vector<DialogRow>& rows; ///< as they are now
+};
+struct DialogWatcher {
+    /// May put further questions, show the dialog anew and end it.
+    void (*on_act)(void* context, const DialogAct& act) = nullptr;
+    void* context = nullptr;
 };
 
 struct Question {
     QuestionKind kind = QuestionKind::note;
     String title;
     String text;
-    Vector<String> buttons;    ///< in the order of their numbers; the first is the default
-    bool closing_is_no = true; ///< false: where closing stands for "No" it would lose something
+    Vector<String> buttons;        ///< in the order of their numbers; the first is the default
+    unsigned disabled_buttons = 0; ///< a bit for each
+    bool closing_is_no = true;     ///< false: where closing stands for "No" it would lose something
 
     String value;             ///< the first text, or the first file name
     int length_max = 0;       ///< of the text, bytes; 0: any
@@ -56,6 +77,8 @@ struct Question {
     int help_topic = 0;       ///< of a dialog: number of the page that F1 shows; 0: none
     int image = 0;            ///< of a dialog: picture beside its rows; 0: none
     std::uint64_t dialog = 0; ///< number of a dialog that stays on the screen between two questions
+    DialogWatcher watcher;    ///< of such a dialog
+    bool is_modeless = false; ///< nothing waits for such a dialog
 };
 
 struct Answer {
@@ -72,9 +95,11 @@ inline constexpr int k_button_rows = 1000;
 
 struct AskSeam {
     Answer (*ask)(void* context, const Question& question) = nullptr;
+    /// A dialog without an answer: one that stands changes in place, else a modeless one opens.
+    void (*show_dialog)(void* context, const Question& question, bool comes_forward) = nullptr;
     /// The last box of a program that can't go on; it takes no memory of ours.
     void (*fatal_exit)(void* context, const char* text) = nullptr;
-    /// A dialog that stayed on the screen is done with.
+    /// A dialog that stayed on the screen is done with, or a modeless one is to close.
     void (*end_dialog)(void* context, std::uint64_t dialog) = nullptr;
     void* context = nullptr;
 };
@@ -83,6 +108,7 @@ struct AskSeam {
 AskSeam install_ask(const AskSeam& seam);
 /// Asks. Without a seam every question is as if it had been closed.
 [[nodiscard]] Answer ask(const Question& question);
+void ask_show_dialog(const Question& question, bool comes_forward);
 /// Without a seam the text goes to standard error.
 void ask_fatal_exit(const char* text);
 void ask_end_dialog(std::uint64_t dialog);

@@ -1,7 +1,6 @@
 #include "windows/toolkit/message_box.h"
 
 #include "windows/toolkit/error_line.h"
-#include "windows/toolkit/resource.h"
 
 #include <algorithm>
 #include <cassert>
@@ -12,7 +11,6 @@
 namespace pellux {
 namespace {
 
-constinit std::uint64_t g_last_dialog = 0;
 constinit ErrorFilter g_error_filter;
 
 struct KnownType {
@@ -155,51 +153,6 @@ bool xvt_dm_post_font_sel(Font& font) {
 
 void xvt_dm_post_fatal_exit(const char* text) {
     ask_fatal_exit(text);
-}
-
-bool xvt_dlg_create_res(Dialog& dialog, int resource) {
-    const DialogResource* found = xvt_res_get_dialog(resource);
-    if (found == nullptr)
-        return false;
-    if (dialog.question_.dialog != 0)
-        ask_end_dialog(dialog.question_.dialog);
-    Question& question = dialog.question_;
-    question = {};
-    question.kind = QuestionKind::dialog;
-    question.title = found->title;
-    question.buttons.assign(found->buttons.begin(), found->buttons.end());
-    question.help_topic = found->help_topic;
-    question.image = found->image;
-    question.dialog = ++g_last_dialog;
-    dialog.rows.clear();
-    for (const DialogRowResource& row : found->rows) {
-        DialogRow& made = dialog.rows.emplace_back();
-        made.id = row.id;
-        made.kind = row.kind;
-        made.label = row.label;
-        made.length_max = row.length_max;
-        made.selected = row.kind == DialogRowKind::list ? -1 : 0;
-    }
-    return true;
-}
-
-Dialog::~Dialog() {
-    if (question_.dialog != 0)
-        ask_end_dialog(question_.dialog);
-}
-
-int xvt_dlg_ask(Dialog& dialog) {
-    if (dialog.question_.dialog == 0)
-        return -1;
-    dialog.question_.rows = dialog.rows;
-    Answer answer = ask(dialog.question_);
-    dialog.rows = std::move(answer.rows);
-    return answer.button;
-}
-
-DialogRow* find_row(Dialog& dialog, int id) {
-    const auto found = std::ranges::find(dialog.rows, id, &DialogRow::id);
-    return found == dialog.rows.end() ? nullptr : &*found;
 }
 
 void xvt_errmsg_signal(const ToolkitError& error) {

@@ -41,30 +41,6 @@ struct FileChoice {
 /// The box of a program that ends now; takes no memory of ours.
 void xvt_dm_post_fatal_exit(const char* text);
 
-/// A modal dialog made from its resource: it stands on the screen from the first question to its
-/// end, so that a command in it may ask something else in between.
-class Dialog {
-public:
-    Dialog() = default;
-    Dialog(const Dialog&) = delete;
-    Dialog& operator=(const Dialog&) = delete;
-    ~Dialog();
-
-    Vector<DialogRow> rows;
-
-private:
-    friend bool xvt_dlg_create_res(Dialog& dialog, int resource);
-    friend int xvt_dlg_ask(Dialog& dialog);
-    Question question_;
-};
-/// False when there is no such resource.
-[[nodiscard]] bool xvt_dlg_create_res(Dialog& dialog, int resource);
-/// Shows the rows and waits for a button: its number, `k_button_rows` + the id of a button in the
-/// rows, or -1 when the dialog was closed and none of its buttons stands for that; the rows are
-/// then as the user left them.
-[[nodiscard]] int xvt_dlg_ask(Dialog& dialog);
-[[nodiscard]] DialogRow* find_row(Dialog& dialog, int id);
-
 /// What the toolkit or a control has to say about a fault of the program: its text goes to standard
 /// error as a line, unless the filter takes it.
 struct ToolkitError {

@@ -1,5 +1,6 @@
 #include "windows/toolkit/page_setup.h"
 
+#include "windows/toolkit/dialog.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
 

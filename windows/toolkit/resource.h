@@ -40,13 +40,22 @@ struct ImageResource {
     const char* name = ""; ///< file name without its extension
 };
 
-enum class DialogRowKind { text, edit, check, radio, list, button };
+enum class DialogRowKind {
+    text,
+    edit,
+    combo, ///< a field with entries that drop down
+    check,
+    radio,
+    list,
+    button,
+};
 /// A row of a dialog: a label and what stands beside it.
 struct DialogRowResource {
     int id = 0;
     DialogRowKind kind = DialogRowKind::text;
     const char* label = "";
-    int length_max = 0; ///< of an edit field's text, bytes; 0: any
+    int length_max = 0;     ///< of a field's text, bytes; 0: any
+    bool is_beside = false; ///< a check box on the line of that before
 };
 struct DialogResource {
     int number = 0;

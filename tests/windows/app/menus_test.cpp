@@ -4,8 +4,8 @@
 #include "tests/windows/app/program.h"
 #include "windows/app/messages.h"
 #include "windows/controls/help_topics.h"
+#include "windows/toolkit/dialog.h"
 #include "windows/toolkit/menu.h"
-#include "windows/toolkit/message_box.h"
 #include "windows/workspace/reading_window.h"
 
 #include <array>

@@ -5,6 +5,7 @@
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "tests/windows/toolkit/scripted_answers.h"
+#include "windows/toolkit/dialog.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
@@ -25,6 +26,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -74,6 +76,7 @@ constexpr DialogRowResource k_rows[] = {
     {6, DialogRowKind::radio, "&One"},
     {7, DialogRowKind::radio, "&Two"},
     {8, DialogRowKind::edit, "&Fixed:"},
+    {9, DialogRowKind::combo, "&Entry:", 9},
 };
 constexpr const char* k_buttons[] = {"OK", "Cancel"};
 constexpr DialogResource k_dialogs[] = {{7101, "All rows", k_rows, k_buttons}};
@@ -390,6 +393,20 @@ TEST(ModalDialog, TakesEveryRowByTheKeyboard) {
         find_row(dialog, 6)->selected = 1;
         find_row(dialog, 8)->value = "kept\xFF";
         find_row(dialog, 8)->is_enabled = false;
+        find_row(dialog, 9)->entries = {"first", "raw\xE9"};
+        // What changes is told, with the rows as they are then; what the owner makes of that is
+        // shown.
+        std::string changes;
+        dialog.calls = {.on_change =
+                            [](void* told, Dialog& changed, int row) {
+                                auto& text = *static_cast<std::string*>(told);
+                                text += std::to_string(row);
+                                if (row == 5)
+                                    changed.buttons[0] = "&Go";
+                                if (row == 9 && find_row(changed, 9)->value == "raw\xE9")
+                                    find_row(changed, 8)->value = "seen";
+                            },
+                        .context = &changes};
         at_box([](QDialog& box) {
             EXPECT_EQ(box.windowTitle(), "All rows");
             EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText(), "Where & how <b>?");
@@ -402,20 +419,25 @@ TEST(ModalDialog, TakesEveryRowByTheKeyboard) {
             toggle(box, "Two", "Alt+T");
             // The focus goes round through all that can be changed, first to last.
             QStringList round;
-            for (int i = 0; i < 7; ++i) {
+            for (int i = 0; i < 8; ++i) {
                 press_key("Tab");
                 const auto* button = qobject_cast<QAbstractButton*>(box.focusWidget());
                 round +=
                     button == nullptr ? box.focusWidget()->accessibleName() : plain_title(*button);
             }
-            EXPECT_EQ(round.join(u' '), "OK Cancel Name More... List Check Two");
+            EXPECT_EQ(round.join(u' '), "Entry Go Cancel Name More... List Check Two");
+            press_key("Alt+E");
+            type_text("x");
+            press_key("Down");
+            press_key("Down");
             press_key("Return");
         });
         EXPECT_EQ(xvt_dlg_ask(dialog), 0);
         std::string told;
         for (const DialogRow& row : dialog.rows)
             told += std::string(row.value) + "|" + std::to_string(row.selected) + " ";
-        EXPECT_EQ(told, "|0 abcde|0 |0 a\n<b>\nc|1 |1 |0 |1 kept\xFF|0 ");
+        EXPECT_EQ(told, "|0 abcde|0 |0 a\n<b>\nc|1 |1 |0 |1 seen|0 raw\xE9|0 ");
+        EXPECT_EQ(changes, "22222457999");
         at_box_press("Esc");
         EXPECT_EQ(xvt_dlg_ask(dialog), 1);
     });
@@ -454,6 +476,67 @@ TEST(ModalDialog, StaysBetweenItsQuestions) {
             EXPECT_EQ(xvt_dlg_ask(dialog), 1);
         }
         EXPECT_TRUE(!first || !first->isVisible());
+    });
+}
+
+/// The user types on in the window while a dialog stands, which tells of everything.
+TEST(ModelessDialog, StandsBesideTheWindowsUntilItIsClosed) {
+    in_application([] {
+        std::string told;
+        auto dialog = std::make_unique<Dialog>();
+        ASSERT_TRUE(xvt_dlg_create_res(*dialog, 7101));
+        dialog->calls = {
+            .on_change =
+                [](void* context, Dialog& changed, int row) {
+                    auto& acts = *static_cast<std::string*>(context);
+                    acts += std::to_string(row) + std::string(find_row(changed, 2)->value) + ' ';
+                    changed.disabled_buttons = find_row(changed, 2)->value.empty() ? 1 : 0;
+                },
+            .on_button =
+                [](void* context, Dialog& pressed, int button) {
+                    *static_cast<std::string*>(context) += "button" + std::to_string(button) + ' ';
+                    at_box_press("Return");
+                    xvt_dm_post_note("asked from within");
+                    if (button == 1)
+                        xvt_dlg_close(pressed);
+                },
+            .on_close = [](void* context, Dialog&,
+                           int) { *static_cast<std::string*>(context) += "closed "; },
+            .context = &told};
+        const auto box = [] {
+            for (QWidget* each : QApplication::topLevelWidgets())
+                if (each->isVisible() && each->windowTitle() == "All rows")
+                    return static_cast<QDialog*>(each);
+            return static_cast<QDialog*>(nullptr);
+        };
+        const auto comes_to_front = [&] {
+            xvt_dlg_open(*dialog);
+            return QTest::qWaitFor([&] { return QApplication::activeWindow() == box(); });
+        };
+        ASSERT_TRUE(comes_to_front());
+        type_text("ab");
+        press_key("Return");
+        EXPECT_TRUE(box()->isVisible());
+        // The window has the focus, and the dialog is still there.
+        QWidget* task = box()->parentWidget();
+        task->activateWindow();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == task; }));
+        find_row(*dialog, 2)->value = "cd";
+        xvt_dlg_update(*dialog);
+        EXPECT_EQ(box()->findChild<QLineEdit*>()->text(), "cd");
+        ASSERT_TRUE(comes_to_front());
+        press_key("Delete");
+        EXPECT_FALSE(button_of(*box(), "OK")->isEnabled());
+        press_key("Esc");
+        EXPECT_EQ(box(), nullptr);
+        EXPECT_FALSE(xvt_dlg_is_open(*dialog));
+        ASSERT_TRUE(comes_to_front());
+        button_of(*box(), "Cancel")->click();
+        EXPECT_EQ(box(), nullptr);
+        EXPECT_EQ(told, "2a 2ab button0 2 closed button1 ");
+        ASSERT_TRUE(comes_to_front());
+        dialog.reset();
+        EXPECT_EQ(box(), nullptr);
     });
 }
 

@@ -4,7 +4,7 @@
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/event_log.h"
 #include "tests/windows/toolkit/robot.h"
-#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/dialog.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 

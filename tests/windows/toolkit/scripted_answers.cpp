@@ -44,7 +44,7 @@ std::string plain(const String& title) {
 /// The number of the button that is shown with this title; -1 and a failure when there is none.
 int find_button(const Question& question, std::string_view title) {
     for (std::size_t i = 0; i < question.buttons.size(); ++i)
-        if (plain(question.buttons[i]) == title)
+        if (plain(question.buttons[i]) == title && (question.disabled_buttons >> i & 1) == 0)
             return static_cast<int>(i);
     for (const DialogRow& row : question.rows)
         if (row.kind == DialogRowKind::button && row.is_enabled && plain(row.label) == title)
@@ -66,7 +66,7 @@ void check_radio(Vector<DialogRow>& rows, Vector<DialogRow>::iterator row) {
 void do_edit(const RowEdit& edit, const Question& question, Vector<DialogRow>& rows) {
     const auto row = std::ranges::find(rows, edit.id, &DialogRow::id);
     bool can = row != rows.end() && row->is_enabled;
-    if (can && row->kind == DialogRowKind::edit) {
+    if (can && (row->kind == DialogRowKind::edit || row->kind == DialogRowKind::combo)) {
         can =
             row->length_max == 0 || edit.value.size() <= static_cast<std::size_t>(row->length_max);
         row->value = edit.value;
@@ -112,11 +112,18 @@ ScriptedAnswers::ScriptedAnswers() {
             [](void* self, const Question& question) {
                 return from_context<ScriptedAnswers>(self).on_ask(question);
             },
+        .show_dialog =
+            [](void* self, const Question& question, bool) {
+                from_context<ScriptedAnswers>(self).dialogs_[question.dialog] = question;
+            },
         .fatal_exit =
             [](void* self, const char* text) {
                 from_context<ScriptedAnswers>(self).on_fatal_exit(text);
             },
-        .end_dialog = nullptr,
+        .end_dialog =
+            [](void* self, std::uint64_t dialog) {
+                from_context<ScriptedAnswers>(self).dialogs_.erase(dialog);
+            },
         .context = this,
     });
 }
@@ -142,7 +149,52 @@ Answer ScriptedAnswers::on_ask(const Question& question) {
     // The reply may lead to further questions.
     const Reply reply = std::move(expected_.front().reply);
     expected_.pop_front();
+    if (question.kind == QuestionKind::dialog)
+        dialogs_[question.dialog] = question;
     return reply(question);
+}
+
+/// Does it, and tells the dialog's owner, who may show the dialog anew.
+void ScriptedAnswers::edit(std::uint64_t dialog, const RowEdit& edit) {
+    Question& question = dialogs_.at(dialog);
+    do_edit(edit, question, question.rows);
+    const DialogWatcher watcher = question.watcher;
+    if (watcher.on_act != nullptr)
+        watcher.on_act(watcher.context,
+                       {DialogAct::Kind::changed, edit.id, Vector<DialogRow>(question.rows)});
+}
+
+const Question* ScriptedAnswers::standing(std::string_view title) const {
+    for (const auto& [number, question] : dialogs_)
+        if (question.is_modeless && view(question.title) == title)
+            return &question;
+    return nullptr;
+}
+
+const Question& ScriptedAnswers::known(std::string_view title) const {
+    static const Question none;
+    const Question* found = standing(title);
+    EXPECT_NE(found, nullptr) << "no dialog '" << title << "' stands";
+    return found == nullptr ? none : *found;
+}
+
+void ScriptedAnswers::edit_standing(std::string_view title, const RowEdit& edit) {
+    if (const Question& question = known(title); question.dialog != 0)
+        this->edit(question.dialog, edit);
+}
+
+void ScriptedAnswers::press_standing(std::string_view title, std::string_view button) {
+    const Question question = known(title);
+    if (const int number = find_button(question, button); number >= 0)
+        question.watcher.on_act(question.watcher.context,
+                                {DialogAct::Kind::pressed, number, question.rows});
+}
+
+void ScriptedAnswers::close_standing(std::string_view title) {
+    const Question question = known(title);
+    if (question.dialog != 0)
+        question.watcher.on_act(question.watcher.context,
+                                {DialogAct::Kind::closed, 0, question.rows});
 }
 
 void ScriptedAnswers::on_fatal_exit(std::string_view text) {
@@ -198,10 +250,11 @@ void ScriptedAnswers::expect_font(std::string_view title, Font font) {
 void ScriptedAnswers::expect_dialog(std::string_view title, std::string_view button,
                                     std::initializer_list<RowEdit> edits) {
     expect(QuestionKind::dialog, title,
-           [button = std::string(button), edits = std::vector(edits)](const Question& question) {
+           [this, button = std::string(button), edits = std::vector(edits)](const Question& asked) {
+               for (const RowEdit& each : edits)
+                   edit(asked.dialog, each);
+               const Question& question = dialogs_.at(asked.dialog);
                Answer answer = pressed(question);
-               for (const RowEdit& edit : edits)
-                   do_edit(edit, question, answer.rows);
                answer.button = find_button(question, button);
                return answer;
            });

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,7 @@ namespace pellux {
 /// What a test's user does to a row of a dialog.
 struct RowEdit {
     int id = 0;
-    std::string value; ///< of an edit field
+    std::string value; ///< of a field with a text
     int selected = -1; ///< of the other kinds
 };
 
@@ -24,7 +25,8 @@ struct RowEdit {
 /// A question that is not the next one fails the test and is closed; one that never came fails it
 /// at the end, and so does an answer that no user could give to a button or an edit field. A
 /// pattern is compared with the text of a question, or with the title of a file box, font box or
-/// dialog; '*' in it is any text.
+/// dialog; '*' in it is any text. A modeless dialog is used as long as it stands; nobody waits for
+/// it.
 class ScriptedAnswers {
 public:
     using Reply = std::function<Answer(const Question&)>;
@@ -51,6 +53,13 @@ public:
     void expect_closed(QuestionKind kind, std::string_view pattern);
     void expect_fatal_exit(std::string_view pattern);
 
+    /// The modeless dialog of this title as it looks now; null when there is none.
+    [[nodiscard]] const Question* standing(std::string_view title) const;
+    void edit_standing(std::string_view title, const RowEdit& edit);
+    void press_standing(std::string_view title, std::string_view button);
+    /// Escape.
+    void close_standing(std::string_view title);
+
     /// Questions that are still to come.
     [[nodiscard]] std::size_t left() const { return expected_.size(); }
 
@@ -63,9 +72,12 @@ private:
     };
 
     Answer on_ask(const Question& question);
+    void edit(std::uint64_t dialog, const RowEdit& edit);
+    [[nodiscard]] const Question& known(std::string_view title) const;
     void on_fatal_exit(std::string_view text);
 
     std::deque<Expected> expected_;
+    std::map<std::uint64_t, Question> dialogs_; ///< that are asked or stand
     AskSeam before_;
 };
 

@@ -10,6 +10,7 @@
 #include "windows/controls/window_places.h"
 #include "windows/editor/open_editors.h"
 #include "windows/toolkit/control.h"
+#include "windows/toolkit/dialog.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/open_projects.h"

@@ -1,6 +1,6 @@
 #include "windows/toolkit/qt/boxes/about.h"
 
-#include "windows/toolkit/message_box.h"
+#include "windows/toolkit/dialog.h"
 
 #include <QCoreApplication>
 #include <QMenu>

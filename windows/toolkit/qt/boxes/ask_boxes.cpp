@@ -111,6 +111,11 @@ void on_fatal_exit(void*, const char* text) {
     is_shown = false;
 }
 
+void on_show_dialog(void*, const Question& question, bool comes_forward) {
+    if (QApplication::instance() != nullptr)
+        show_dialog(question, comes_forward);
+}
+
 void on_end_dialog(void*, std::uint64_t dialog) {
     close_dialog(dialog);
 }
@@ -118,7 +123,7 @@ void on_end_dialog(void*, std::uint64_t dialog) {
 } // namespace
 
 AskSeam qt_ask() {
-    return {on_ask, on_fatal_exit, on_end_dialog, nullptr};
+    return {on_ask, on_show_dialog, on_fatal_exit, on_end_dialog, nullptr};
 }
 
 } // namespace pellux

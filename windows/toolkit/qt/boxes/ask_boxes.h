@@ -14,6 +14,9 @@ namespace pellux {
 /// A dialog stays on the screen until `close_dialog` with its number; one of number 0 goes with its
 /// answer.
 [[nodiscard]] Answer ask_dialog(const Question& question);
+/// Changes one that stands, else opens a modeless one, at the upper right corner of the task window
+/// or where it stood last.
+void show_dialog(const Question& question, bool comes_forward);
 void close_dialog(std::uint64_t dialog);
 
 /// A prompt for a line of text.

@@ -75,6 +75,11 @@ void Box::set_buttons(const QStringList& titles, int escape, QString taken) {
         buttons_[i]->setText(with_mnemonic(titles[i], taken));
 }
 
+void Box::disable_buttons(unsigned which) {
+    for (qsizetype i = 0; i < buttons_.size(); ++i)
+        buttons_[i]->setEnabled((which >> i & 1) == 0);
+}
+
 QPushButton* Box::default_button() const {
     return buttons_.empty() ? nullptr : buttons_.front();
 }

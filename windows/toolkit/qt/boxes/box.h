@@ -15,7 +15,7 @@ class QVBoxLayout;
 
 namespace pellux {
 
-/// A modal box: contents, and a row of buttons below, first to last.
+/// A box: contents, and a row of buttons below, first to last. It is modal at first.
 ///
 /// It may stay on the screen between two questions. It goes with its parent, also while a question
 /// waits in it.
@@ -29,6 +29,8 @@ public:
     /// `escape` is what Escape and the close button answer. `taken` are the letters that mnemonics
     /// of the contents use; a button without one gets a letter that is free.
     void set_buttons(const QStringList& titles, int escape, QString taken = {});
+    /// A bit for each.
+    void disable_buttons(unsigned which);
     [[nodiscard]] QPushButton* default_button() const;
 
     /// Shows the box, if it is not shown yet, and waits for an answer. None when the box was
@@ -36,7 +38,7 @@ public:
     [[nodiscard]] std::optional<int> wait();
     /// Waits also when the program is told to end; for a box without a parent.
     void wait_whatever_happens();
-    void answer(int button);
+    virtual void answer(int button);
 
     void reject() override;
 

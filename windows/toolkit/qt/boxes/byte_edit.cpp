@@ -38,7 +38,7 @@ void ByteEdit::set_value(std::string_view value) {
 }
 
 String ByteEdit::value() const {
-    return text() == shown_ ? given_ : to_text(text());
+    return is_changed() ? to_text(text()) : given_;
 }
 
 QSize ByteEdit::sizeHint() const {
@@ -48,6 +48,38 @@ QSize ByteEdit::sizeHint() const {
         length_max_ > 0 ? std::min(length_max_, k_characters_wide) : k_characters_wide;
     return {usual.width() + fontMetrics().horizontalAdvance(u'x') * (characters - 17),
             usual.height()};
+}
+
+ByteCombo::ByteCombo(int length_max, QWidget* parent)
+    : QComboBox(parent), field_(new ByteEdit(length_max, this)) {
+    setEditable(true);
+    setLineEdit(field_);
+    setInsertPolicy(NoInsert);
+    // What is typed stays what it is.
+    setCompleter(nullptr);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(k_characters_wide);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void ByteCombo::set_entries(std::span<const String> entries) {
+    if (std::ranges::equal(entries, entries_))
+        return;
+    entries_.assign(entries.begin(), entries.end());
+    const String kept = field_->value();
+    clear();
+    for (const String& entry : entries_)
+        addItem(to_qstring(pellux::view(entry)));
+    setCurrentIndex(-1);
+    field_->set_value(pellux::view(kept));
+}
+
+String ByteCombo::value() const {
+    if (field_->is_changed())
+        for (const String& entry : entries_)
+            if (to_qstring(pellux::view(entry)) == field_->text())
+                return entry;
+    return field_->value();
 }
 
 } // namespace pellux

@@ -2,9 +2,11 @@
 
 #include "core/common/containers.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QValidator>
 
+#include <span>
 #include <string_view>
 
 namespace pellux {
@@ -29,6 +31,7 @@ public:
     void set_value(std::string_view value);
     /// As it was given when nobody changed it, also when it is no UTF-8.
     [[nodiscard]] String value() const;
+    [[nodiscard]] bool is_changed() const { return text() != shown_; }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -36,6 +39,20 @@ private:
     int length_max_;
     String given_;
     QString shown_; ///< what `given_` looks like
+};
+
+/// The same with entries that drop down. What is chosen there has the entry's bytes.
+class ByteCombo : public QComboBox {
+public:
+    ByteCombo(int length_max, QWidget* parent);
+
+    void set_entries(std::span<const String> entries);
+    void set_value(std::string_view value) { field_->set_value(value); }
+    [[nodiscard]] String value() const;
+
+private:
+    ByteEdit* field_;
+    Vector<String> entries_;
 };
 
 } // namespace pellux

@@ -1,24 +1,24 @@
 #include "windows/toolkit/qt/boxes/ask_boxes.h"
 
 #include "windows/toolkit/qt/boxes/box.h"
-#include "windows/toolkit/qt/boxes/byte_edit.h"
-#include "windows/toolkit/qt/boxes/plain_text.h"
+#include "windows/toolkit/qt/boxes/dialog_field.h"
 #include "windows/toolkit/qt/draw/pictures.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/item_list.h"
+#include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 #include "windows/toolkit/window.h"
 
 #include <QApplication>
 #include <QButtonGroup>
-#include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QHash>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
-#include <QRadioButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -28,32 +28,8 @@
 namespace pellux {
 namespace {
 
-constexpr int k_list_lines = 10;
-constexpr int k_list_characters = 40;
 constexpr int k_image_px = 64;
 constexpr std::array k_image_looks{ImageLook::normal};
-
-Vector<String> lines_of(std::string_view text) {
-    Vector<String> lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return lines;
-}
-
-bool has_label(const DialogRow& row) {
-    return (row.kind == DialogRowKind::edit || row.kind == DialogRowKind::list) &&
-           !row.label.empty();
-}
-
-/// What a screen reader says for a label.
-QString spoken(QString label) {
-    if (label.endsWith(u':'))
-        label.chop(1);
-    return label;
-}
 
 QFont heading_font() {
     constexpr double k_larger = 1.5;
@@ -63,23 +39,21 @@ QFont heading_font() {
     return font;
 }
 
-/// A row as it stands on the screen.
-struct ShownRow {
-    int id = 0;
-    DialogRowKind kind = DialogRowKind::text;
-    int length_max = 0;
-    QLabel* label = nullptr;
-    QWidget* field = nullptr;
-};
-
 /// Rows of labels and fields in two columns; a button row stands beside the field before it.
 class DialogBox : public Box {
 public:
-    DialogBox(QWidget* parent, const QString& title) : Box(parent, title) {}
+    DialogBox(QWidget* parent, const Question& question);
 
     /// Shows the question; what is there already is changed in place.
     void take(const Question& question);
-    void give(Vector<DialogRow>& rows) const;
+    /// The rows as the user left them.
+    [[nodiscard]] Vector<DialogRow> rows() const;
+    void come_forward();
+    /// Tells nobody any more.
+    void detach() { watcher_ = {}; }
+
+    void answer(int button) override;
+    void reject() override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -87,41 +61,91 @@ protected:
 private:
     [[nodiscard]] bool has_shape_of(const Question& question) const;
     void build(const Question& question);
-    QWidget* make_field(const DialogRow& row);
-    void add_beside(QGridLayout& grid, QPushButton* button);
-    void fill(ShownRow& shown, const DialogRow& row);
+    void add_row(QGridLayout& grid, const DialogRow& row, bool has_row_beside);
+    void add_beside(QGridLayout& grid, QWidget* button);
+    void listen(const DialogField& field);
+    void on_change(std::size_t at);
+    void tell(DialogAct::Kind kind, int number);
     void focus_first();
 
+    const bool is_modeless_;
     int help_topic_ = 0;
-    Vector<ShownRow> rows_;
+    DialogWatcher watcher_;
+    bool is_filling_ = false;
+    Vector<DialogRow> asked_;
+    Vector<DialogField> fields_;
     QWidget* body_ = nullptr;
     QButtonGroup* radio_group_ = nullptr; ///< of the radio row before, while rows are made
     QVBoxLayout* beside_ = nullptr;       ///< the buttons beside the field before
+    QHBoxLayout* line_ = nullptr;         ///< the check boxes of the line before
 };
+
+DialogBox::DialogBox(QWidget* parent, const Question& question)
+    : Box(parent, to_qstring(view(question.title))), is_modeless_(question.is_modeless) {
+    if (is_modeless_)
+        setWindowModality(Qt::NonModal);
+}
 
 void DialogBox::take(const Question& question) {
     setUpdatesEnabled(false);
+    is_filling_ = true;
     help_topic_ = question.help_topic;
+    watcher_ = question.watcher;
     const bool is_new = !has_shape_of(question);
     if (is_new)
         build(question);
+    asked_ = question.rows;
     QString mnemonics;
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        fill(rows_[i], question.rows[i]);
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        const DialogRow& row = question.rows[i];
+        fill_field(fields_[i], row);
         // A text above a field without a label is meant for it.
-        if (i > 0 && rows_[i].field->accessibleName().isEmpty() &&
-            rows_[i - 1].kind == DialogRowKind::text)
-            rows_[i].field->setAccessibleName(spoken(to_qstring(view(question.rows[i - 1].label))));
-        if (const QKeySequence used =
-                QKeySequence::mnemonic(to_qstring(view(question.rows[i].label)));
-            !used.isEmpty() && question.rows[i].kind != DialogRowKind::text)
+        if (i > 0 && fields_[i].widget->accessibleName().isEmpty() &&
+            fields_[i - 1].kind == DialogRowKind::text)
+            fields_[i].widget->setAccessibleName(
+                spoken_label(to_qstring(view(question.rows[i - 1].label))));
+        if (const QKeySequence used = QKeySequence::mnemonic(to_qstring(view(row.label)));
+            !used.isEmpty() && row.kind != DialogRowKind::text)
             mnemonics += QChar(used[0].key());
     }
     set_buttons(to_titles(question.buttons), escape_button(question), mnemonics);
+    disable_buttons(question.disabled_buttons);
     fit();
+    is_filling_ = false;
     setUpdatesEnabled(true);
     if (is_new)
         focus_first();
+}
+
+void DialogBox::come_forward() {
+    show();
+    raise();
+    activateWindow();
+    focus_first();
+}
+
+/// A modeless one answers nobody; it tells.
+void DialogBox::answer(int button) {
+    if (is_modeless_)
+        tell(DialogAct::Kind::pressed, button);
+    else
+        Box::answer(button);
+}
+
+void DialogBox::reject() {
+    if (is_modeless_)
+        tell(DialogAct::Kind::closed, 0);
+    else
+        Box::reject();
+}
+
+/// Nothing of the box may be touched afterwards.
+void DialogBox::tell(DialogAct::Kind kind, int number) {
+    if (is_filling_ || watcher_.on_act == nullptr)
+        return;
+    const Vector<DialogRow> now = rows();
+    const DialogWatcher watcher = watcher_;
+    watcher.on_act(watcher.context, {kind, number, now});
 }
 
 /// The page is the program's to show.
@@ -134,7 +158,7 @@ void DialogBox::keyPressEvent(QKeyEvent* event) {
 
 bool DialogBox::has_shape_of(const Question& question) const {
     return body_ != nullptr &&
-           std::ranges::equal(rows_, question.rows, [](const ShownRow& a, const DialogRow& b) {
+           std::ranges::equal(fields_, question.rows, [](const DialogField& a, const DialogRow& b) {
                return a.id == b.id && a.kind == b.kind && a.length_max == b.length_max &&
                       (a.label != nullptr) == has_label(b);
            });
@@ -142,9 +166,10 @@ bool DialogBox::has_shape_of(const Question& question) const {
 
 void DialogBox::build(const Question& question) {
     delete body_;
-    rows_.clear();
+    fields_.clear();
     radio_group_ = nullptr;
     beside_ = nullptr;
+    line_ = nullptr;
     body_ = new QWidget;
     contents().addWidget(body_);
     auto* halves = new QHBoxLayout(body_);
@@ -160,75 +185,75 @@ void DialogBox::build(const Question& question) {
     auto* grid = new QGridLayout;
     halves->addLayout(grid, 1);
     grid->setColumnStretch(1, 1);
-    for (const DialogRow& row : question.rows) {
-        ShownRow shown{row.id, row.kind, row.length_max, nullptr, make_field(row)};
-        if (question.image != 0 && rows_.empty())
-            shown.field->setFont(heading_font());
-        const int line = grid->rowCount();
-        if (row.kind == DialogRowKind::button) {
-            add_beside(*grid, static_cast<QPushButton*>(shown.field));
-        } else if (has_label(row)) {
-            shown.label = new QLabel;
-            shown.label->setTextFormat(Qt::PlainText);
-            shown.label->setBuddy(shown.field);
-            const bool is_list = row.kind == DialogRowKind::list;
-            grid->addWidget(shown.label, line, 0,
-                            is_list ? Qt::AlignTop | Qt::AlignLeft
-                                    : Qt::AlignVCenter | Qt::AlignLeft);
-            grid->addWidget(shown.field, line, 1);
-        } else {
-            grid->addWidget(shown.field, line, 0, 1, 2);
-        }
-        if (row.kind != DialogRowKind::button)
-            beside_ = nullptr;
-        if (row.kind == DialogRowKind::list)
-            grid->setRowStretch(line, 1);
-        rows_.push_back(shown);
+    for (std::size_t i = 0; i < question.rows.size(); ++i) {
+        const bool is_last = i + 1 == question.rows.size();
+        add_row(*grid, question.rows[i], !is_last && question.rows[i + 1].is_beside);
+        if (question.image != 0 && i == 0)
+            fields_[0].widget->setFont(heading_font());
     }
 }
 
-QWidget* DialogBox::make_field(const DialogRow& row) {
-    if (row.kind != DialogRowKind::radio)
-        radio_group_ = nullptr;
-    switch (row.kind) {
-    case DialogRowKind::text:
-        return new PlainText(QString());
-    case DialogRowKind::edit:
-        return new ByteEdit(row.length_max, body_);
-    case DialogRowKind::check:
-        return new QCheckBox(body_);
-    case DialogRowKind::radio: {
-        if (radio_group_ == nullptr)
-            radio_group_ = new QButtonGroup(body_);
-        auto* radio = new QRadioButton(body_);
-        radio_group_->addButton(radio);
-        return radio;
+void DialogBox::add_row(QGridLayout& grid, const DialogRow& row, bool has_row_beside) {
+    const DialogField field = make_field(row, body_, radio_group_);
+    const int line = grid.rowCount();
+    const bool is_list = row.kind == DialogRowKind::list;
+    if (row.kind == DialogRowKind::button) {
+        add_beside(grid, field.widget);
+    } else if (field.label != nullptr) {
+        grid.addWidget(field.label, line, 0,
+                       is_list ? Qt::AlignTop | Qt::AlignLeft : Qt::AlignVCenter | Qt::AlignLeft);
+        grid.addWidget(field.widget, line, 1);
+    } else if (row.is_beside && line_ != nullptr) {
+        line_->insertWidget(line_->count() - 1, field.widget);
+    } else if (has_row_beside) {
+        line_ = new QHBoxLayout;
+        line_->setSpacing(fontMetrics().height());
+        line_->addWidget(field.widget);
+        line_->addStretch();
+        grid.addLayout(line_, line, 1);
+    } else {
+        grid.addWidget(field.widget, line, 0, 1, 2);
     }
-    case DialogRowKind::list: {
-        auto* list = new ItemList(body_);
-        list->setMinimumSize(list->fontMetrics().averageCharWidth() * k_list_characters,
-                             list->fontMetrics().lineSpacing() * k_list_lines);
-        connect(list, &ItemList::doubleClicked, this, [this] {
+    if (row.kind != DialogRowKind::button)
+        beside_ = nullptr;
+    if (!has_row_beside)
+        line_ = nullptr;
+    if (is_list)
+        grid.setRowStretch(line, 1);
+    fields_.push_back(field);
+    listen(field);
+}
+
+void DialogBox::listen(const DialogField& field) {
+    if (field.kind == DialogRowKind::button)
+        connect(static_cast<QPushButton*>(field.widget), &QPushButton::clicked, this,
+                [this, id = field.id] { answer(k_button_rows + id); });
+    if (field.kind == DialogRowKind::list)
+        connect(static_cast<ItemList*>(field.widget), &ItemList::doubleClicked, this, [this] {
             if (QPushButton* button = default_button())
                 button->click();
         });
-        return list;
-    }
-    case DialogRowKind::button: {
-        auto* button = new QPushButton(body_);
-        connect(button, &QPushButton::clicked, this,
-                [this, id = row.id] { answer(k_button_rows + id); });
-        return button;
-    }
-    }
-    return nullptr;
+    on_field_change(field, this, [this, at = fields_.size() - 1] { on_change(at); });
 }
 
-void DialogBox::add_beside(QGridLayout& grid, QPushButton* button) {
+void DialogBox::on_change(std::size_t at) {
+    if (is_filling_)
+        return;
+    const DialogRow before = std::exchange(asked_[at], rows()[at]);
+    const DialogRow& now = asked_[at];
+    // Of two radio buttons the one tells that has the mark now.
+    const bool is_lost = now.kind == DialogRowKind::radio && now.selected == 0;
+    if (!is_lost && (now.value != before.value || now.selected != before.selected))
+        tell(DialogAct::Kind::changed, now.id);
+}
+
+void DialogBox::add_beside(QGridLayout& grid, QWidget* button) {
     if (beside_ == nullptr) {
         beside_ = new QVBoxLayout;
-        const bool follows_field = !rows_.empty() && (rows_.back().kind == DialogRowKind::edit ||
-                                                      rows_.back().kind == DialogRowKind::list);
+        const bool follows_field =
+            !fields_.empty() && (fields_.back().kind == DialogRowKind::edit ||
+                                 fields_.back().kind == DialogRowKind::combo ||
+                                 fields_.back().kind == DialogRowKind::list);
         if (follows_field)
             grid.addLayout(beside_, grid.rowCount() - 1, 2, Qt::AlignTop);
         else
@@ -237,77 +262,24 @@ void DialogBox::add_beside(QGridLayout& grid, QPushButton* button) {
     beside_->addWidget(button);
 }
 
-void DialogBox::fill(ShownRow& shown, const DialogRow& row) {
-    const QString label = to_qstring(view(row.label));
-    if (shown.label != nullptr)
-        shown.label->setText(label);
-    shown.field->setEnabled(row.is_enabled);
-    switch (row.kind) {
-    case DialogRowKind::text:
-        static_cast<PlainText*>(shown.field)->set_text(label);
-        return;
-    case DialogRowKind::edit:
-        static_cast<ByteEdit*>(shown.field)->set_value(view(row.value));
-        break;
-    case DialogRowKind::check:
-    case DialogRowKind::radio: {
-        auto* button = static_cast<QAbstractButton*>(shown.field);
-        button->setText(label);
-        button->setChecked(row.selected == 1);
-        // Tab goes to the one that is checked.
-        if (row.kind == DialogRowKind::radio && button->isChecked())
-            for (QAbstractButton* each : button->group()->buttons())
-                each->setFocusPolicy(each == button ? Qt::StrongFocus : Qt::ClickFocus);
-        break;
-    }
-    case DialogRowKind::list: {
-        auto* list = static_cast<ItemList*>(shown.field);
-        const Vector<String> items = lines_of(view(row.value));
-        if (!std::ranges::equal(items, list->model_of_items().entries(), {}, {}, &ListEntry::text))
-            list->model_of_items().set_entries(plain_entries(items));
-        if (list->selected() != row.selected)
-            list->select(row.selected);
-        break;
-    }
-    case DialogRowKind::button:
-        static_cast<QPushButton*>(shown.field)->setText(label);
-        break;
-    }
-    shown.field->setAccessibleName(spoken(without_mnemonic(label)));
-}
-
 void DialogBox::focus_first() {
-    for (const ShownRow& row : rows_) {
+    for (const DialogField& field : fields_) {
         const bool is_editable =
-            row.kind != DialogRowKind::text && row.kind != DialogRowKind::button;
-        if (!is_editable || !row.field->isEnabled())
+            field.kind != DialogRowKind::text && field.kind != DialogRowKind::button;
+        if (!is_editable || !field.widget->isEnabled())
             continue;
-        row.field->setFocus(Qt::TabFocusReason);
+        focus_field(field);
         return;
     }
     if (QPushButton* button = default_button())
         button->setFocus(Qt::TabFocusReason);
 }
 
-void DialogBox::give(Vector<DialogRow>& rows) const {
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        QWidget* field = rows_[i].field;
-        switch (rows_[i].kind) {
-        case DialogRowKind::edit:
-            rows[i].value = static_cast<ByteEdit*>(field)->value();
-            break;
-        case DialogRowKind::check:
-        case DialogRowKind::radio:
-            rows[i].selected = static_cast<QAbstractButton*>(field)->isChecked() ? 1 : 0;
-            break;
-        case DialogRowKind::list:
-            rows[i].selected = static_cast<ItemList*>(field)->selected();
-            break;
-        case DialogRowKind::text:
-        case DialogRowKind::button:
-            break;
-        }
-    }
+Vector<DialogRow> DialogBox::rows() const {
+    Vector<DialogRow> rows = asked_;
+    for (std::size_t i = 0; i < fields_.size(); ++i)
+        read_field(fields_[i], rows[i]);
+    return rows;
 }
 
 struct OpenDialog {
@@ -321,13 +293,34 @@ QPointer<DialogBox> find_dialog(std::uint64_t number) {
     return found == open_dialogs.end() ? nullptr : found->box;
 }
 
+/// Where modeless dialogs stood last, by their titles.
+QHash<QString, QPoint> last_places;
+
+/// The corner of the task window where a text's lines seldom reach.
+QPoint first_place(const QWidget& box) {
+    const TaskWindow* task = task_window();
+    if (task == nullptr)
+        return box.pos();
+    const int margin = box.fontMetrics().height() * 2;
+    const QWidget* area = task->centralWidget();
+    return area->mapToGlobal(QPoint(area->width() - box.width() - margin, margin));
+}
+
+void place(DialogBox& box) {
+    const QRect room = box.screen()->availableGeometry();
+    const QPoint wanted = last_places.value(box.windowTitle(), first_place(box));
+    const QPoint last = room.bottomRight() - QPoint(box.width(), box.height());
+    box.move(std::max(std::min(wanted.x(), last.x()), room.left()),
+             std::max(std::min(wanted.y(), last.y()), room.top()));
+}
+
 } // namespace
 
 Answer ask_dialog(const Question& question) {
     QPointer<DialogBox> box = question.dialog == 0 ? nullptr : find_dialog(question.dialog);
     if (box == nullptr) {
         close_dialog(question.dialog);
-        box = new DialogBox(box_parent(), to_qstring(view(question.title)));
+        box = new DialogBox(box_parent(), question);
         if (question.dialog != 0)
             open_dialogs.push_back({question.dialog, box});
     }
@@ -335,22 +328,43 @@ Answer ask_dialog(const Question& question) {
     Answer answer = closed_answer(question);
     answer.button = box->wait().value_or(answer.button);
     if (box != nullptr)
-        box->give(answer.rows);
+        answer.rows = box->rows();
     if (question.dialog == 0)
         delete box;
     return answer;
 }
 
+void show_dialog(const Question& question, bool comes_forward) {
+    QPointer<DialogBox> box = find_dialog(question.dialog);
+    if (box == nullptr && !question.is_modeless)
+        return;
+    const bool is_new = box == nullptr;
+    if (is_new) {
+        close_dialog(question.dialog);
+        box = new DialogBox(task_window(), question);
+        open_dialogs.push_back({question.dialog, box});
+    }
+    box->take(question);
+    if (is_new)
+        place(*box);
+    if (is_new || comes_forward)
+        box->come_forward();
+}
+
 void close_dialog(std::uint64_t dialog) {
-    std::erase_if(open_dialogs, [dialog](const OpenDialog& open) {
-        if (open.number != dialog)
-            return false;
-        if (open.box != nullptr) {
-            open.box->hide();
-            open.box->deleteLater();
-        }
-        return true;
-    });
+    const QPointer<DialogBox> box = find_dialog(dialog);
+    std::erase_if(open_dialogs, [dialog](const OpenDialog& open) { return open.number == dialog; });
+    if (box == nullptr)
+        return;
+    box->detach();
+    if (box->windowModality() == Qt::NonModal)
+        last_places[box->windowTitle()] = box->pos();
+    box->hide();
+    // What is asked over it waits for its user all the same.
+    if (Box* over = box->findChild<Box*>(QString(), Qt::FindDirectChildrenOnly))
+        QObject::connect(over, &QObject::destroyed, box, &QObject::deleteLater);
+    else
+        box->deleteLater();
 }
 
 Answer ask_string(const Question& question) {
