@@ -27,6 +27,8 @@ struct SearchPattern {
     bool ignores_case = false;
     bool backwards = false;
     bool whole_word = false;
+
+    bool operator==(const SearchPattern&) const = default;
 };
 
 /// Ready for texts of that encoding. An empty pattern, and one with a line end, match nowhere.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/text/text_editing.h"
+#include "core/text/text_pattern.h"
 #include "windows/textview/line_layout.h"
 #include "windows/toolkit/draw.h"
 
@@ -83,6 +84,7 @@ struct TextView {
     int told_widest = 0;
     TextRange drawn_selection; ///< in the text of now
     Vector<TextRange> marked;  ///< the same
+    std::optional<SearchPattern> sought;
     bool tints_caret_line = false;
     Color tint = Color::white;            ///< of that line, since all was drawn anew
     std::optional<ByteOffset> drop_place; ///< the caret is drawn there instead
@@ -115,6 +117,8 @@ void set_view_focus(TextView& view, bool has_focus);
 void set_caret_line_tint(TextView& view, bool is_tinted);
 /// These stretches of the text, ascending and apart, stand on a marked ground. Edits move them.
 void set_marked_ranges(TextView& view, std::span<const TextRange> ranges);
+/// The matches in sight stand on a ground of their own; found when their lines are drawn.
+void set_sought_pattern(TextView& view, std::optional<SearchPattern> pattern);
 void show_composition(TextView& view, std::string_view text);
 /// Where what is dragged would be put: the caret shows it there, and at its own place without one.
 void show_drop_place(TextView& view, std::optional<ByteOffset> at);

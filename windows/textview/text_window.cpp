@@ -3,6 +3,7 @@
 #include "core/common/callback.h"
 #include "windows/textview/messages.h"
 #include "windows/textview/text_keys.h"
+#include "windows/textview/text_windows.h"
 #include "windows/textview/view_access.h"
 #include "windows/textview/view_clipboard.h"
 #include "windows/toolkit/control.h"
@@ -31,6 +32,7 @@ constexpr int k_tab = 9;
 constexpr int k_enter = 13;
 constexpr int k_escape = 27;
 constexpr int k_delete = 127;
+constexpr int k_f3 = static_cast<int>(KeyCode::function_1) + 2;
 
 int to_int(std::int64_t number) {
     return static_cast<int>(std::min<std::int64_t>(number, std::numeric_limits<int>::max()));
@@ -61,7 +63,7 @@ std::optional<int> zoom_of(const CharacterEvent& key) {
 
 } // namespace
 
-/// A letter with Control, and Insert and Delete where they mean the same.
+/// A letter with Control, or another key that means the same.
 struct TextWindow::LetterKey {
     char letter;
     int code; ///< of the other key
@@ -82,12 +84,16 @@ const TextWindow::LetterKey* TextWindow::find_letter_key(const CharacterEvent& k
         LetterKey{'X', static_cast<int>(KeyCode::cut), {}, true, &TextWindow::cut},
         LetterKey{'V', static_cast<int>(KeyCode::insert), k_shift, true, &TextWindow::paste},
         LetterKey{'V', static_cast<int>(KeyCode::paste), {}, true, &TextWindow::paste},
+        LetterKey{'F', static_cast<int>(KeyCode::find), {}, false, &TextWindow::find},
+        LetterKey{'H', static_cast<int>(KeyCode::replace), {}, true, &TextWindow::replace},
+        LetterKey{0, k_f3, {}, false, &TextWindow::find_next},
+        LetterKey{0, k_f3, k_shift, false, &TextWindow::find_previous},
         LetterKey{'Y', 0, {}, true, &TextWindow::redo_last},
         LetterKey{'Z', 0, {}, true, &TextWindow::undo_last},
     };
     const auto found = std::ranges::find_if(k_keys, [&](const LetterKey& each) {
         return (!each.edits || !is_read_only) &&
-               ((key.letter == each.letter && key.with == k_control) ||
+               ((each.letter != 0 && key.letter == each.letter && key.with == k_control) ||
                 (each.code != 0 && key.code == each.code && key.with == each.with));
     });
     return found == k_keys.end() ? nullptr : &*found;
@@ -105,8 +111,11 @@ long TextWindow::on_event(const Event& event) {
     } else if (event.get<SizeEvent>() != nullptr) {
         lay_out();
     } else if (const auto* focus = event.get<FocusEvent>()) {
-        if (focus->gained)
+        if (focus->gained) {
             xvt_vobj_set_focus(pane_);
+            if (has_view())
+                note_text_window(*this, true);
+        }
     } else if (const auto* control = event.get<ControlEvent>(); control != nullptr && has_view()) {
         if (control->id == k_bar_down)
             set_top_line(*view_, xvt_sbar_get_position(bar_down_));
@@ -139,6 +148,9 @@ void TextWindow::make_view(Window pane) {
     pane_ = pane;
     view_ = make_owned<TextView>(document_, pane);
     pointer_ = make_owned<ViewPointer>(*view_);
+    shown_search_ = make_owned<ShownSearch>(
+        *view_, [](void* context) { from_context<TextWindow>(context).show_status(); }, this);
+    note_text_window(*this, false);
     set_view_font(*view_, xvt_font_get_fixed());
     set_status_callback(
         *view_, [](void* context) { from_context<TextWindow>(context).on_status(); }, this);
@@ -173,6 +185,7 @@ void TextWindow::show_scrolled() {
 
 void TextWindow::on_status() {
     offer_selection(*view_);
+    shown_search_->follow_changes();
     const bool has_selection = view_->editing.anchor != nullptr;
     TextAccessChange what = TextAccessChange::caret;
     if (told_edits_ != document_.edits)
@@ -243,6 +256,7 @@ void TextWindow::set_read_only(bool is_read_only) {
     view_->editing.is_read_only = is_read_only;
     xvt_win_set_text_access(pane_, access_to(*view_));
     show_status();
+    note_text_window(*this, false);
 }
 
 void TextWindow::copy() {
@@ -344,6 +358,8 @@ long TextWindow::on_pane_key(const CharacterEvent& key) {
     }
     if ((key.code == k_escape && pointer_->cancel_drop()) || take_scroll_key(*view_, key))
         return 0;
+    if (key.code == k_escape)
+        shown_search_->on_escape();
     if (!take_key(key))
         return 1;
     if (has_view()) {
@@ -394,6 +410,8 @@ long TextWindow::on_pane_event(Window pane, const Event& event) {
     } else if (event.get<DropEvent>() != nullptr) {
         return on_event(event);
     } else if (event.get<DestructionEvent>() != nullptr) {
+        forget_text_window(*this);
+        shown_search_.reset();
         pointer_.reset();
         view_.reset();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "windows/textview/shown_search.h"
 #include "windows/textview/text_view.h"
 #include "windows/textview/view_pointer.h"
 
@@ -27,15 +28,16 @@ public:
     virtual void hook() {}
     /// Shows that a key waits for a second one: 27 or 24; 0 for none.
     virtual void show_prefix(int) {}
-    // What a kind has not got does nothing.
+    // What a kind has not got does nothing; a text that can't be changed is only searched.
     virtual void discard() {}
     virtual void open() {}
     virtual bool save() { return false; }
-    virtual void find() {}
+    virtual void find();
     virtual void go_to_line() {}
-    virtual void find_next() {}
-    virtual void replace() {}
-    virtual void replace_selection() {}
+    virtual void find_next();
+    virtual void replace();
+    virtual void replace_selection();
+    void find_previous();
     /// The text becomes larger by so many points, or smaller; 0: as it was before.
     virtual void zoom(int steps);
 
@@ -48,7 +50,11 @@ public:
     [[nodiscard]] bool has_view() const { return view_ != nullptr; }
     [[nodiscard]] TextView& view() { return *view_; }
 
+    /// What is searched for in the view.
+    [[nodiscard]] ShownSearch& shown_search() { return *shown_search_; }
+
     void set_read_only(bool is_read_only);
+    [[nodiscard]] bool is_read_only() const { return view_->editing.is_read_only; }
     void copy();
     void cut();
     void paste();
@@ -100,6 +106,7 @@ private:
     TextDocument document_;
     Owned<TextView> view_;
     Owned<ViewPointer> pointer_;
+    Owned<ShownSearch> shown_search_;
     int plain_size_ = 0; ///< of the font, points, before it became `zoomed_size_`
     int zoomed_size_ = 0;
     int wheel_rest_ = 0; ///< with Control, not used yet

@@ -1,5 +1,6 @@
 #include "windows/textview/view_drawing.h"
 
+#include "core/text/text_search.h"
 #include "windows/controls/control_looks.h"
 
 #include <algorithm>
@@ -36,6 +37,12 @@ Color highlight_part(int percent) {
 Color marked_ground() {
     constexpr int k_percent = 40;
     return highlight_part(k_percent);
+}
+
+Color match_ground() {
+    constexpr Color k_amber = make_color(0xFF, 0xB4, 0x00);
+    constexpr int k_percent = 40;
+    return mix_colors(xvt_scr_get_color(ThemeColor::base), k_amber, k_percent);
 }
 
 int to_pixel(std::int64_t x) {
@@ -143,6 +150,38 @@ bool draw_marked(TextView& view, const Row& row, const RowPart& columns) {
     return true;
 }
 
+/// Where in a line matches may begin that are seen.
+TextRange places_seen(TextView& view, const Row& row, const RowPart& columns) {
+    constexpr ByteOffset k_long = 4096;
+    if (row.end - row.start <= k_long)
+        return {row.start, row.end};
+    const auto offset_at = [&](int x) {
+        const std::int64_t in_line = std::int64_t{x} - view.margin + view.hscroll;
+        return offset_near(view.layout, row.start, std::max<std::int64_t>(in_line, 0));
+    };
+    constexpr auto k_character = static_cast<ByteOffset>(k_character_bytes);
+    const auto length = static_cast<ByteOffset>(view.sought->bytes.size());
+    return {std::max(offset_at(columns.left) - length - k_character, row.start),
+            std::min(offset_at(columns.right) + k_character, row.end)};
+}
+
+bool draw_matches(TextView& view, const Row& row, const RowPart& columns) {
+    if (!view.sought)
+        return true;
+    const auto length = static_cast<ByteOffset>(view.sought->bytes.size());
+    const Vector<ByteOffset> found =
+        find_all(view.editing.document, *view.sought, places_seen(view, row, columns));
+    for (std::size_t i = 0; i < found.size();) {
+        TextRange range{found[i], found[i] + length};
+        // Those that touch are one stretch.
+        while (++i < found.size() && found[i] <= range.end)
+            range.end = found[i] + length;
+        if (!draw_over(view, row, range, columns, match_ground(), false))
+            return false;
+    }
+    return true;
+}
+
 /// What an input method composes stands over the text behind the caret.
 void draw_composition(TextView& view, const Rect& at, Color ground) {
     xvt_dwin_set_encoding(view.target, TextEncoding::utf_8);
@@ -229,8 +268,8 @@ bool draw_rows(TextView& view, RowPart part) {
             continue;
         row.end = line_end(document, row.line);
         xvt_dwin_set_back_color(view.target, paper);
-        if (!draw_runs(view, row, part.left, part.right, false) || !draw_marked(view, row, part) ||
-            !draw_over(view, row, selected, part, highlight, true))
+        if (!draw_runs(view, row, part.left, part.right, false) || !draw_matches(view, row, part) ||
+            !draw_marked(view, row, part) || !draw_over(view, row, selected, part, highlight, true))
             return false;
         if (row.line == caret) {
             xvt_dwin_set_clip(view.target, area);

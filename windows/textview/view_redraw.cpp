@@ -105,7 +105,7 @@ bool draw_changed(TextView& view) {
         // What stands before a change in its line is drawn as it was, but for the character that
         // may end there.
         if (first == last && first >= 0 && first < rows && delta == 0 && view.drawn_top == top &&
-            view.draw_callback == nullptr)
+            view.draw_callback == nullptr && !view.sought)
             part.left = place_of(view, std::max(previous_character(document, region.first),
                                                 line_start(document, top + first)))
                             .left -
@@ -232,6 +232,19 @@ void set_marked_ranges(TextView& view, std::span<const TextRange> ranges) {
         return;
     erase_caret(view);
     if (draw_marked(view, before))
+        draw_caret(view);
+}
+
+void set_sought_pattern(TextView& view, std::optional<SearchPattern> pattern) {
+    const DrawGuard guard(view);
+    refresh(view);
+    if (guard.is_gone())
+        return;
+    view.sought = std::move(pattern);
+    if (is_undrawn(view))
+        return;
+    erase_caret(view);
+    if (draw_rows(view, whole_rows(view, 0, row_count(view))))
         draw_caret(view);
 }
 

@@ -1,11 +1,8 @@
 #include "core/os/clock.h"
+#include "core/text/text_search.h"
 #include "tests/support/rounds.h"
-#include "tests/windows/textview/text_state.h"
-#include "tests/windows/toolkit/application.h"
-#include "tests/windows/toolkit/event_log.h"
-#include "tests/windows/toolkit/robot.h"
+#include "tests/windows/textview/page.h"
 #include "windows/textview/text_output.h"
-#include "windows/textview/text_window.h"
 #include "windows/textview/view_redraw.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
@@ -21,32 +18,6 @@
 
 namespace pellux {
 namespace {
-
-/// A window with a text, and the words that it has for its user.
-class Page : public TextWindow {
-public:
-    explicit Page(std::string_view text = {}, TextEncoding encoding = TextEncoding::utf_8) {
-        document().encoding = encoding;
-        insert_bytes(document(), 0, text);
-        xvt_win_create_res(k_test_window, {handle, this});
-        process_events();
-    }
-    ~Page() override { xvt_vobj_destroy(window()); }
-
-    [[nodiscard]] TextEditing& editing() { return view().editing; }
-    [[nodiscard]] std::string state() { return text_state(editing()); }
-    [[nodiscard]] Window pane() { return view().target; }
-    /// The middle of the left edge of a character.
-    [[nodiscard]] Point at(ByteOffset offset) {
-        const Rect place = place_of(view(), offset);
-        return {place.left, (place.top + place.bottom) / 2};
-    }
-
-    std::string words;
-
-protected:
-    void show_words(std::string_view told) override { words = told; }
-};
 
 void colour_digits(void*, TextView& view, const TextSegment& segment) {
     if (!segment.is_seen)
@@ -107,6 +78,8 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
                 std::string text(random() % 200, ' ');
                 std::ranges::generate(
                     text, [&] { return "abc 123\t\n\n"[random() % (step % 8 == 0 ? 8 : 10)]; });
+                for (int i = 0; i < step % 3 * 4; ++i)
+                    text += "long match";
                 const ByteOffset at = below(600);
                 const TextRange marks[] = {{at, at + below(99)}, {at + 99, at + 99 + below(300)}};
                 const std::function<void()> steps[] = {
@@ -126,6 +99,22 @@ TEST(TextViews, ShowAfterEachChangeWhatTheyWouldShowDrawnAnew) {
                     [&] { show_composition(view, at % 4 == 0 ? "\xC3\xA9?" : ""); },
                     [&] { set_caret_line_tint(view, at % 4 != 0); },
                     [&] { set_marked_ranges(view, marks); },
+                    [&] {
+                        const char* const sought[] = {"bc", "long match", "3 a", "", "ng match"};
+                        const SearchPattern pattern = compile_search({.pattern = sought[at % 5],
+                                                                      .ignores_case = at % 3 == 0,
+                                                                      .whole_word = at % 4 == 0},
+                                                                     TextEncoding::utf_8);
+                        if (&view == other.get())
+                            set_sought_pattern(view, pattern);
+                        else
+                            page.shown_search().keep_showing(pattern);
+                        const ByteOffset top = line_start(editing.document, top_line(view));
+                        if (const auto match = find_from(editing.document, pattern, top)) {
+                            go_to_offset(editing, match->end - 1);
+                            insert_char(editing, U'7');
+                        }
+                    },
                     [&] {
                         xvt_vobj_move(pane, {0, 0, 99 + step % 50, 199 - step % 50});
                     },
@@ -210,11 +199,12 @@ TEST(TextWindows, SelectWithThePointerByCharactersWordsAndLines) {
         };
         set_caret_line_tint(page.view(), true);
         set_marked_ranges(page.view(), std::array{TextRange{0, 3}});
+        set_sought_pattern(page.view(), compile_search({.pattern = "e"}, TextEncoding::utf_8));
         std::set<std::uint32_t> grounds;
-        for (const ByteOffset at : {1, 10, 20})
+        for (const ByteOffset at : {2, 10, 15, 20})
             grounds.insert(
                 shown_pixel(page.pane(), {page.at(at).x, place_of(page.view(), at).top}));
-        EXPECT_EQ(grounds.size(), 3U) << "marked, tinted, bare";
+        EXPECT_EQ(grounds.size(), 4U) << "marked, tinted, sought, bare";
         press_pointer(page.pane(), page.at(2));
         move_pointer(page.pane(), page.at(6));
         EXPECT_EQ(selected(), "e tw");
