@@ -529,6 +529,7 @@ TEST(ModelessDialog, StandsBesideTheWindowsUntilItIsClosed) {
         EXPECT_FALSE(button_of(*box(), "OK")->isEnabled());
         press_key("Esc");
         EXPECT_EQ(box(), nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == task; }));
         EXPECT_FALSE(xvt_dlg_is_open(*dialog));
         ASSERT_TRUE(comes_to_front());
         button_of(*box(), "Cancel")->click();

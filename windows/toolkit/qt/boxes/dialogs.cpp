@@ -359,7 +359,11 @@ void close_dialog(std::uint64_t dialog) {
     box->detach();
     if (box->windowModality() == Qt::NonModal)
         last_places[box->windowTitle()] = box->pos();
+    const bool was_active = box->isActiveWindow();
     box->hide();
+    // Not every window manager gives the focus back.
+    if (was_active && box->parentWidget() != nullptr)
+        box->parentWidget()->activateWindow();
     // What is asked over it waits for its user all the same.
     if (Box* over = box->findChild<Box*>(QString(), Qt::FindDirectChildrenOnly))
         QObject::connect(over, &QObject::destroyed, box, &QObject::deleteLater);
