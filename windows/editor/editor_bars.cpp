@@ -67,9 +67,8 @@ constexpr struct {
     {move_lines_down, Need::change},
     {smart_compile, Need::project},
     {print, Need::never},
-    {find, Need::never},
-    {replace, Need::never},
-    {find_next, Need::never},
+    {replace, Need::change},
+    {replace_selection, Need::selected_change},
 };
 
 bool is_met(Need need, const EditorState& state) {
@@ -123,6 +122,8 @@ void show_editor_status(Window window, const EditorStatus& status) {
                                  status.undos, String(status.state).c_str());
     if (!status.instead.empty())
         text.replace(0, text.find('\t'), status.instead);
+    if (!status.matches.empty())
+        text.insert(text.find('\t'), "\t" + String(status.matches));
     (text += '\t') += format_message(msg_status_column, to_int(status.column));
     (text += '\t') += status.encoding;
     (text += '\t') += status.line_end;

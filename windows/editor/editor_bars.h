@@ -35,6 +35,7 @@ struct EditorStatus {
     std::string_view state;
     std::string_view encoding;
     std::string_view line_end;
+    std::string_view matches; ///< of what is searched for; empty: nothing is
     std::string_view instead; ///< of the line: a key that waits, or words
 };
 void show_editor_status(Window window, const EditorStatus& status);

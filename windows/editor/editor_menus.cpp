@@ -66,11 +66,11 @@ constexpr std::array k_edit{
     item("&Keep indentation", keep_indentation),
 };
 constexpr std::array k_search{
-    without_command("&Find...", find),
-    without_command("Find &next", find_next),
-    without_command("Find &previous", find_previous),
-    without_command("&Replace...", replace),
-    without_command("Replace &selection", replace_selection),
+    item("&Find...", find),
+    item("Find &next", find_next),
+    item("Find &previous", find_previous),
+    item("&Replace...", replace),
+    item("Replace &selection", replace_selection),
     k_separator,
     item("&Go to line...", go_to_line),
 };

@@ -218,6 +218,7 @@ void EditorWindow::show_status() {
                       : editing.is_read_only ? msg_write_protected
                                              : msg_unchanged;
     const String state_word = format_message(word);
+    const String matches = shown_search().words();
     show_editor_status(
         window(), {.line = caret_line(editing) + 1,
                    .lines = line_count(document()),
@@ -226,6 +227,7 @@ void EditorWindow::show_status() {
                    .state = pellux::view(state_word),
                    .encoding = document().encoding == TextEncoding::utf_8 ? "UTF-8" : "Latin-1",
                    .line_end = document().ends_lines_with_cr ? "CR LF" : "LF",
+                   .matches = pellux::view(matches),
                    .instead = pellux::view(words_)});
 }
 
@@ -378,6 +380,7 @@ void EditorWindow::run(EditorCommand command) {
         Row{Command::go_to_line, [](EditorWindow& editor) { editor.go_to_line(); }},
         Row{Command::find, [](EditorWindow& editor) { editor.find(); }},
         Row{Command::find_next, [](EditorWindow& editor) { editor.find_next(); }},
+        Row{Command::find_previous, [](EditorWindow& editor) { editor.find_previous(); }},
         Row{Command::replace, [](EditorWindow& editor) { editor.replace(); }},
         Row{Command::replace_selection, [](EditorWindow& editor) { editor.replace_selection(); }},
         Row{Command::smart_compile, [](EditorWindow& editor) { editor.compile(); }},

@@ -194,6 +194,10 @@ TEST_F(Editors, ShowTheirTextAndItsLines) {
                 [&] { set_top_line(view, top_line(view) + below(60) - 30); },
                 [&] { editor.zoom(below(3) - 1); },
                 [&] {
+                    editor.shown_search().keep_showing(compile_search(
+                        {.pattern = step % 2 == 0 ? "end" : "x"}, TextEncoding::utf_8));
+                },
+                [&] {
                     go_to(view.editing, {99'930 + below(90), 0});
                 },
                 [&] {
@@ -361,6 +365,15 @@ TEST_F(Editors, OpenWhatIsATextAndRefuseTheRest) {
         EXPECT_EQ(state(protected_one), "|text");
         EXPECT_EQ(status(protected_one),
                   "Line 1 of 1\tUndos:  0\tWrite-protected\tCol 1\tUTF-8\tLF");
+        // It is searched all the same.
+        EXPECT_FALSE(choose_item(static_cast<int>(EditorCommand::replace)));
+        EXPECT_TRUE(choose_item(static_cast<int>(EditorCommand::find)));
+        user_.edit_standing("Find", {1, "t"});
+        choose(protected_one, EditorCommand::find_next);
+        choose(protected_one, EditorCommand::find_next);
+        EXPECT_EQ(status(protected_one),
+                  "Line 1 of 1\t2 of 2\tUndos:  0\tWrite-protected\tCol 4\tUTF-8\tLF");
+        user_.close_standing("Find");
         const std::string dropped = directory_.write("dropped.vhd", "\xE9\r\n");
         EXPECT_TRUE(drop_files(protected_one.view().target, {9, 9}, std::vector{dropped}));
         ASSERT_NE(find_editor(dropped), nullptr);

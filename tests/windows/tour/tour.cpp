@@ -166,6 +166,17 @@ void visit_editor(Tour& tour, Window project) {
     press_key("Esc");
     editor->run(EditorCommand::undo);
     process_events();
+    press_key("Ctrl+Shift+F");
+    type_text("signed");
+    press_key("Return");
+    tour.front("find");
+    tour.picture(task, "found");
+    editor->run(EditorCommand::replace);
+    process_events();
+    press_key("Tab");
+    type_text("unsigned");
+    tour.front("replace");
+    press_key("Esc");
     press_key("Ctrl+W");
 }
 
