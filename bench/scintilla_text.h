@@ -34,8 +34,8 @@ enum class Sci : unsigned {
     allocate = 2446,
 };
 
-/// An empty text of Scintilla in a widget that is not shown, told by its direct function: no undo,
-/// and nobody hears of changes.
+/// An empty text of Scintilla in a widget that is not shown at first, told by its direct function:
+/// no undo, and nobody hears of changes.
 class ScintillaText {
 public:
 #ifdef PELLUX_HAS_SCINTILLA
@@ -49,6 +49,10 @@ public:
         tell(Sci::set_code_page, k_utf8);
         tell(Sci::set_event_mask);
         tell(Sci::set_undo_collection);
+    }
+    void show(int width, int height) {
+        widget_.resize(width, height);
+        widget_.show();
     }
     std::intptr_t tell(Sci what, std::uintptr_t number = 0, const char* text = nullptr) {
         return function_(pointer_, static_cast<unsigned>(what), number,
@@ -64,6 +68,7 @@ private:
 #else
     static constexpr bool k_is_installed = false;
 
+    void show(int, int) {}
     std::intptr_t tell(Sci, std::uintptr_t = 0, const char* = nullptr) {
         return 0;
     }

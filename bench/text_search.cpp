@@ -1,11 +1,11 @@
-// Finding in a large text and replacing all that is found, against an editor's text.
+// Finding in a large text and replacing all that is found, until it is painted, against an editor.
 
 #include "bench/large_text.h"
+#include "bench/window_program.h"
 #include "core/text/text_replace.h"
+#include "windows/textview/text_window.h"
 
 #include <benchmark/benchmark.h>
-
-#include <QApplication>
 
 #include <cstdlib>
 #include <string>
@@ -21,6 +21,15 @@ struct Scale {
 };
 constexpr Scale k_full{100'000'000, 10'000'000, 100'000};
 constexpr Scale k_moment{2'000'000, 100'000, 1'000};
+
+constexpr int k_width = 640;
+constexpr int k_height = 600;
+constexpr WindowResource k_windows[] = {
+    {.number = 1, .title = "text", .width = k_width, .height = k_height}};
+
+void show_all() {
+    xvt_app_process_pending_events();
+}
 
 constexpr std::uintptr_t k_match_case = 4; ///< a search flag of Scintilla
 
@@ -61,12 +70,14 @@ void measure_replacing(const Scale& scale, bool moment) {
     const auto units = static_cast<double>(scale.words);
     const SearchPattern pattern = compile_search({.pattern = word}, TextEncoding::utf_8);
     compare_with_scintilla(
-        {.name = "words replaced, with undo", .units = units, .reach = 0.4}, moment,
+        {.name = "words replaced and painted, with undo", .units = units, .reach = 0.4}, moment,
         [&] {
             ScintillaText text;
             fill(text, edited);
             text.tell(Sci::set_undo_collection, 1);
             text.tell(Sci::set_search_flags, k_match_case);
+            text.show(k_width, k_height);
+            show_all();
             return time_of([&] {
                 text.tell(Sci::begin_undo);
                 for (std::intptr_t at = 0; (at = find(text, word, at)) >= 0;) {
@@ -74,28 +85,37 @@ void measure_replacing(const Scale& scale, bool moment) {
                     at = text.tell(Sci::get_target_end);
                 }
                 text.tell(Sci::end_undo);
+                show_all();
             });
         },
         [&] {
-            TextDocument document;
-            fill(document, edited);
-            TextEditing editing(document);
+            TextWindow window;
+            fill(window.document(), edited);
+            xvt_win_create_res(1, {TextWindow::handle, &window});
+            show_all();
             std::int64_t count = 0;
-            const double time = time_of([&] { count = replace_all(editing, pattern, other); });
+            const double time = time_of([&] {
+                count = replace_all(window.view().editing, pattern, other);
+                show_caret(window.view());
+                show_all();
+            });
+            xvt_vobj_destroy(window.window());
+            show_all();
             if (count != static_cast<std::int64_t>(scale.words))
                 std::abort();
             return time;
         });
 }
 
-} // namespace
-
-int main(int argument_count, char** arguments) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    const QApplication application(argument_count, arguments);
-    const bool moment = is_moment(argument_count, arguments);
+void run(bool moment) {
     const Scale& scale = moment ? k_moment : k_full;
     measure_finding(scale, moment);
     measure_replacing(scale, moment);
-    return 0;
+}
+
+} // namespace
+
+int main(int argument_count, char** arguments) {
+    WindowProgram program{.title = "text", .windows = k_windows, .run = run};
+    return program.main(argument_count, arguments);
 }
