@@ -135,50 +135,5 @@ TEST_F(SearchAgainstString, FindsAndReplacesTheSame) {
     }
 }
 
-/// The caret is at the start of the selection. -1: not found.
-TEST(Finding, FollowsTheRules) {
-    struct Row {
-        std::string text;
-        ByteOffset caret;
-        ByteOffset selected;
-        SearchRules rules;
-        ByteOffset found;
-    };
-    const std::string line(9'000'000, '-');
-    const std::string word = std::string(300, '\xFF') + "end";
-    const SearchRules whole{.pattern = "end", .whole_word = true};
-    for (const Row& row :
-         {Row{"an end, end", 3, 0, {"end"}, 3},
-          {"an end, end", 3, 3, {"end"}, 8},
-          {"endif x_end", 0, 0, whole, 8},
-          {"end", 0, 0, {""}, -1},
-          {"@[`{", 0, 0, {.pattern = "{", .ignores_case = true}, 3},
-          {"\xC3\x97\xC3\x9F", 0, 0, {.pattern = "\xC3\xB7", .ignores_case = true}, -1},
-          {"\xC3\x97\xC3\x9F", 0, 0, {.pattern = "\xC3\xBF", .ignores_case = true}, -1},
-          {"end end", 4, 3, {.pattern = "end", .backwards = true}, 0},
-          {line + word + line, 0, 0, {word}, 9'000'000}}) {
-        TextDocument document;
-        TextEditing editing(document);
-        insert_bytes(document, 0, row.text);
-        select_match(editing, {row.caret, row.caret + row.selected});
-        const auto match = find_from_caret(editing, compile_search(row.rules, document.encoding));
-        EXPECT_EQ(match ? match->start : -1, row.found) << row.text.substr(0, 30);
-    }
-    // Replacing the selection, too, is one step.
-    TextDocument document;
-    TextEditing editing(document);
-    insert_text(editing, "a b");
-    const SearchPattern pattern = compile_search({"a"}, document.encoding);
-    EXPECT_FALSE(replace_match(editing, pattern, "aa")) << "it is not selected";
-    select_match(editing, {0, 1});
-    editing.is_read_only = true;
-    EXPECT_FALSE(replace_match(editing, pattern, "c") || replace_all(editing, pattern, "c") > 0);
-    editing.is_read_only = false;
-    static int told = 0;
-    editing.status_callback = [](void*) { ++told; };
-    EXPECT_TRUE(replace_match(editing, pattern, "aa") && !find_from_caret(editing, pattern));
-    EXPECT_TRUE(replace_all(editing, pattern, "c") == 0 && told == 1 && undo_count(editing) == 2);
-}
-
 } // namespace
 } // namespace pellux

@@ -59,6 +59,11 @@ TEST_F(Finding, KeepsToTheRulesOfTheDialogs) {
         {"|Entity entity", "entity", "", "Find next", "Entity |entity^"},
         {"|Entity entity", "entity", "i", "Find next", "|Entity^ entity"},
         {"|\xC3\x89", "\xC3\xA9", "i", "Find next", "|\xC3\x89^"},
+        {"|@[`{", "{", "i", "Find next", "@[`|{^"},
+        {"|\xC3\x97\xC3\x9F", "\xC3\xB7", "i", "Find next", "|\xC3\x97\xC3\x9F",
+         "'\xC3\xB7' not found."},
+        {"|\xC3\x97\xC3\x9F", "\xC3\xBF", "i", "Find next", "|\xC3\x97\xC3\x9F",
+         "'\xC3\xBF' not found."},
         {"|a\nb", "a\nb", "", "Find next", "|a\nb", "'a\nb' not found."},
         {"|100%", "%s%n", "", "Find next", "|100%", "'%s%n' not found."},
         {"x|y", "", "", "Find next", "x|y", "No search text given."},
@@ -91,21 +96,39 @@ TEST_F(Finding, KeepsToTheRulesOfTheDialogs) {
             user_.press_standing("Replace", row.button);
             EXPECT_EQ(page.state(), row.after);
             EXPECT_EQ(user_.left(), 0U);
+            const auto text_of = [](std::string state) {
+                std::erase_if(state, [](char c) { return c == '|' || c == '^'; });
+                return state;
+            };
+            if (text_of(row.after) != text_of(row.before))
+                undo(page.editing());
+            EXPECT_EQ(text_of(page.state()), text_of(row.before)) << "taken back as one";
             EXPECT_EQ(user_.standing("Replace") != nullptr,
                       std::string_view(row.note).find("made") == std::string_view::npos);
         }
-        undo(page.editing());
         set_text_state(page.editing(), "x x|");
         search_settings().text = "x";
         EXPECT_TRUE(find(page, true));
         EXPECT_EQ(page.state(), "|x^ x");
-        search_settings().text = "\xE2\x82\xAC";
-        search_settings().replacement = "\xE2\x82\xAC";
-        page.document().encoding = TextEncoding::latin_1;
-        user_.expect_note("'\xE2\x82\xAC' not found.");
-        EXPECT_FALSE(find(page, false));
+        const std::string line(9'000'000, '-');
+        const std::string word = std::string(300, '\xFF') + "end";
+        Page long_line(line + word + line);
+        search_settings() = {.text = String(word)};
+        EXPECT_TRUE(find(long_line, false));
+        EXPECT_EQ(selection(long_line.editing()), (TextRange{9'000'000, 9'000'303}));
+        // What a Latin-1 text can hold is found in it.
+        Page latin_1("-\xE9-", TextEncoding::latin_1);
+        search_settings() = {
+            .text = "\xC3\x89", .replacement = "\xE2\x82\xAC", .ignores_case = true};
+        EXPECT_TRUE(find(latin_1, false));
+        EXPECT_EQ(latin_1.state(), "-|\xE9^-");
         user_.expect_note("The replacement text has characters that a Latin-1 text has not.");
-        page.replace_selection();
+        latin_1.replace_selection();
+        latin_1.set_read_only(true);
+        EXPECT_FALSE(replace_selection(latin_1, false) || replace_all(latin_1));
+        search_settings().text = "\xE2\x82\xAC";
+        user_.expect_note("'\xE2\x82\xAC' not found.");
+        EXPECT_FALSE(find(latin_1, false));
     });
 }
 

@@ -29,23 +29,5 @@ TEST(SearchSettings, KeepTheLastTwentyTextsAsTheyWere) {
     EXPECT_EQ(search_settings().recent, kept);
 }
 
-TEST(SearchSettings, LookForCharactersInBothEncodings) {
-    const struct {
-        const char* text;
-        const char* in_latin_1;
-        bool ignores_case;
-        bool is_found;
-    } rows[] = {{"\xC3\xA9t\xC3\xA9", "\xE9t\xE9", false, true},
-                {"\xC3\x89T\xC3\x89", "\xE9t\xE9", true, true},
-                {"\xE2\x82\xAC", "\xE2\x82\xAC", false, false},
-                {"a\xE9", "a\xE9", false, true}};
-    for (const auto& row : rows) {
-        const SearchSettings settings{.text = row.text, .ignores_case = row.ignores_case};
-        const SearchPattern pattern = search_pattern(settings, TextEncoding::latin_1);
-        EXPECT_EQ(find_match(row.in_latin_1, pattern, 0) == 0, row.is_found) << row.text;
-        EXPECT_EQ(find_match(row.text, search_pattern(settings, TextEncoding::utf_8), 0), 0U);
-    }
-}
-
 } // namespace
 } // namespace pellux
