@@ -190,22 +190,12 @@ std::size_t find_bytes(std::string_view text, const SearchPattern& pattern, std:
 
 std::size_t find_match(std::string_view text, const SearchPattern& pattern, std::size_t from) {
     const std::size_t length = pattern.bytes.size();
-    if (length == 0 || text.size() < length || (pattern.backwards && from < length))
+    if (length == 0 || text.size() < length)
         return std::string_view::npos;
-    const auto is_found = [&](std::size_t at) {
-        return !pattern.whole_word || is_whole_word(text, pattern, at);
-    };
     const std::size_t places = text.size() - length + 1;
-    if (!pattern.backwards) {
-        for (; (from = find_bytes(text, pattern, from, places)) < places; ++from)
-            if (is_found(from))
-                return from;
-        return std::string_view::npos;
-    }
-    const std::size_t last = std::min(from - length, places - 1);
-    for (std::size_t at = last + 1; at-- > 0;)
-        if (begins_with(text.substr(at), pattern) && is_found(at))
-            return at;
+    for (; (from = find_bytes(text, pattern, from, places)) < places; ++from)
+        if (!pattern.whole_word || is_whole_word(text, pattern, from))
+            return from;
     return std::string_view::npos;
 }
 

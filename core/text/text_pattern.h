@@ -44,8 +44,7 @@ struct SearchPattern {
 [[nodiscard]] std::size_t find_bytes(std::string_view text, const SearchPattern& pattern,
                                      std::size_t from, std::size_t end);
 
-/// Where the first match begins in a text that stands alone, as a line of a file: at `from` or
-/// behind it. Backwards, where the last match begins that ends at `from` or before it. npos: none.
+/// Where the first match begins in a text that stands alone, at `from` or behind it. npos: none.
 [[nodiscard]] std::size_t find_match(std::string_view text, const SearchPattern& pattern,
                                      std::size_t from);
 

@@ -1,4 +1,5 @@
 #include "core/common/ascii_case.h"
+#include "core/text/file_search.h"
 #include "core/text/text_replace.h"
 #include "tests/support/rounds.h"
 
@@ -61,7 +62,61 @@ protected:
         return -1;
     }
     void replace_all_in(TextEditing& editing, const SearchPattern& pattern);
+    void find_lines_of(const TextDocument& document, bool in_file);
 };
+
+/// Of the document, or of its bytes as a file has them, in pieces of any size.
+void SearchAgainstString::find_lines_of(const TextDocument& document, bool in_file) {
+    rules_.backwards = false;
+    String bytes = encoded(text_);
+    String pattern = encoded(pattern_);
+    const auto length = static_cast<ByteOffset>(pattern.size());
+    if (encoding_ == TextEncoding::latin_1)
+        pattern = latin_1_to_utf_8(view(pattern));
+    SearchedText source = searched_document(document);
+    if (in_file)
+        source = {[](void* context, ByteOffset at, std::span<char> into, std::size_t& got) {
+                      const auto& file = *static_cast<const String*>(context);
+                      got = file.copy(into.data(), into.size(), static_cast<std::size_t>(at));
+                      return SystemError::none;
+                  },
+                  &bytes};
+    SearchRules rules = rules_;
+    rules.pattern = view(pattern);
+    LineSearch search(compile_file_pattern(rules), 1 + below(500));
+    search.begin(source);
+    Vector<LineMatch> found;
+    while (search.step(found)) {
+    }
+    const LineMatch* match = nullptr;
+    std::size_t lines = 0;
+    std::size_t shown = 0;
+    std::int64_t left = 0;
+    const auto size = static_cast<int>(pattern_.size());
+    for (int from = 0; (from = find(from)) >= 0; from += size) {
+        if (left == 0) {
+            ASSERT_LT(lines, found.size());
+            match = &found[lines++];
+            ASSERT_EQ(match->line, std::count(text_.begin(), text_.begin() + from, '\n'));
+            const ByteOffset start = line_start(document, match->line);
+            ASSERT_EQ(start + match->column, offset(from));
+            const auto text_size = static_cast<ByteOffset>(match->text.size());
+            ASSERT_EQ(copy_text(document, start + match->text_column, text_size), match->text);
+            ASSERT_EQ(start + match->text_column + text_size < line_end(document, match->line),
+                      match->is_cut);
+            ASSERT_TRUE(match->length == length && text_size <= length + 360);
+            left = match->matches;
+            shown = 0;
+        }
+        const ByteOffset place =
+            offset(from) - line_start(document, match->line) - match->text_column;
+        if (place < static_cast<ByteOffset>(match->text.size())) {
+            ASSERT_EQ(match->shown.at(shown++).start, place);
+        }
+        --left;
+    }
+    ASSERT_TRUE(left == 0 && lines == found.size());
+}
 
 /// Then another view inserts something behind a new text, and all is taken back around it.
 void SearchAgainstString::replace_all_in(TextEditing& editing, const SearchPattern& pattern) {
@@ -107,6 +162,8 @@ TEST_F(SearchAgainstString, FindsAndReplacesTheSame) {
             SCOPED_TRACE(testing::Message() << "round " << round << " step " << step);
             pattern_ = some_text(1 + below(below(8) == 0 ? 300 : 3));
             text_ = some_text(1400);
+            if (below(4) == 0)
+                std::ranges::replace(text_, '\n', '_');
             TextDocument document(round % 4 < 2 ? 16 : k_block_bytes);
             document.encoding = encoding_;
             insert_bytes(document, 0, view(encoded(text_)));
@@ -126,11 +183,10 @@ TEST_F(SearchAgainstString, FindsAndReplacesTheSame) {
             const ByteOffset expected = find(from) < 0 ? -1 : offset(find(from));
             const auto match = find_from(document, pattern, offset(from));
             ASSERT_EQ(match ? match->start : -1, expected);
-            const std::size_t at = find_match(view(encoded(text_)), pattern, offset(from));
-            ASSERT_EQ(static_cast<ByteOffset>(at), expected);
             ASSERT_NO_FATAL_FAILURE(replace_all_in(editing, pattern));
             ASSERT_EQ(copy_text(document, 0, k_all), encoded(text_));
             ASSERT_TRUE(check_document(document));
+            ASSERT_NO_FATAL_FAILURE(find_lines_of(document, step % 2 == 0));
         }
     }
 }
