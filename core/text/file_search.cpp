@@ -78,14 +78,15 @@ void LineSearch::begin(const SearchedText& text) {
 }
 
 bool LineSearch::step(Vector<LineMatch>& found) {
-    if (!read_on())
-        return false;
-    if (!is_known_ && !find_encoding())
+    const bool has_read = read_on();
+    if (has_read && !is_known_ && !find_encoding())
         return true;
-    search_held(found);
-    if (!is_at_end_) {
-        drop_searched();
-        return true;
+    if (has_read) {
+        search_held(found);
+        if (!is_at_end_) {
+            drop_searched();
+            return true;
+        }
     }
     if (match_)
         found.push_back(*std::exchange(match_, {}));

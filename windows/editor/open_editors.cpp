@@ -175,6 +175,13 @@ EditorWindow* find_editor(std::string_view path) {
     return found == editors.end() ? nullptr : found->get();
 }
 
+Vector<EditorWindow*> open_editors() {
+    Vector<EditorWindow*> all;
+    for (const Owned<EditorWindow>& editor : editors)
+        all.push_back(editor.get());
+    return all;
+}
+
 EditorWindow* open_editor(Window project, std::string_view path) {
     if (EditorWindow* known = find_editor(path)) {
         xvt_vobj_raise(known->window());

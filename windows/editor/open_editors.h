@@ -23,6 +23,8 @@ EditorWindow* open_new_editor(Window project);
 bool restore_text(Window project, std::string_view path, std::string_view copy);
 /// Null where the file has none.
 [[nodiscard]] EditorWindow* find_editor(std::string_view path);
+/// All of them, in the order in which they were opened.
+[[nodiscard]] Vector<EditorWindow*> open_editors();
 
 /// Asks the editors of a project, in the order in which they were opened, about what is not saved;
 /// false at the first that must stay. None is closed yet.
