@@ -10,6 +10,7 @@ enum class HelpTopic : int {
     new_project = 21,
     project_window = 24,
     reports = 25,
+    project_search = 26,
     messages = 31,
     editor = 41,
 };

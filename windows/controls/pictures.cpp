@@ -47,6 +47,11 @@ constexpr std::array k_pictures{
     ImageResource{339, "compile_all"},
     ImageResource{340, "compile_selected"},
     ImageResource{341, "libraries"},
+    // Search window.
+    ImageResource{342, "search_again"},
+    ImageResource{343, "go_to_result"},
+    ImageResource{344, "previous_result"},
+    ImageResource{345, "next_result"},
     // Lists, and the program.
     ImageResource{number_of(Picture::vhdl_file), "vhdl_file"},
     ImageResource{number_of(Picture::pla_file), "pla_file"},

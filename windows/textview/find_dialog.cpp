@@ -3,6 +3,7 @@
 #include "core/text/text_characters.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
+#include "windows/controls/messages.h"
 #include "windows/textview/find_replace.h"
 #include "windows/textview/messages.h"
 #include "windows/textview/search_settings.h"
@@ -134,18 +135,6 @@ void on_button(void*, Dialog& dialog, int button) {
     find_row(dialog, k_text)->entries = search_settings().recent;
 }
 
-/// The selected text of a window, as far as it serves as a search text; empty without a selection.
-String text_to_find(TextWindow& window) {
-    constexpr ByteOffset k_taken_max = 200;
-    const TextDocument& document = window.document();
-    const TextRange range = selection(window.view().editing);
-    const ByteOffset end = range.end - range.start > k_taken_max
-                               ? character_start(document, range.start + k_taken_max)
-                               : range.end;
-    const String text = copy_text(document, range.start, end - range.start);
-    return document.encoding == TextEncoding::utf_8 ? text : latin_1_to_utf_8(view(text));
-}
-
 void fill_rows(Dialog& dialog, TextWindow* window) {
     const SearchSettings& settings = search_settings();
     DialogRow& text = *find_row(dialog, k_text);
@@ -187,6 +176,17 @@ void open(int resource, TextWindow* window) {
 }
 
 } // namespace
+
+String text_to_find(TextWindow& window) {
+    constexpr ByteOffset k_taken_max = 200;
+    const TextDocument& document = window.document();
+    const TextRange range = selection(window.view().editing);
+    const ByteOffset end = range.end - range.start > k_taken_max
+                               ? character_start(document, range.start + k_taken_max)
+                               : range.end;
+    const String text = copy_text(document, range.start, end - range.start);
+    return document.encoding == TextEncoding::utf_8 ? text : latin_1_to_utf_8(view(text));
+}
 
 void open_find_dialog(TextWindow* window) {
     open(k_find_dialog, window);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/common/containers.h"
+
 namespace pellux {
 
 class TextWindow;
@@ -11,5 +13,8 @@ class TextWindow;
 /// null: for none, so that it only takes settings.
 void open_find_dialog(TextWindow* window);
 void open_replace_dialog(TextWindow* window);
+
+/// The selected text of a window, as far as it serves as a search text; empty without a selection.
+[[nodiscard]] String text_to_find(TextWindow& window);
 
 } // namespace pellux

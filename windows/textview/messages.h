@@ -11,7 +11,6 @@ inline Message<const char*> msg_not_selected{"E2113", "'%s' not selected."};
 inline Message<const char*> msg_last_occurrence{"E2114", "Last occurrence of '%s'."};
 inline Message<> msg_one_replacement{"E2115", "1 replacement made."};
 inline Message<int> msg_replacements{"E2116", "'%d' replacements made."};
-inline Message<> msg_no_dialog{"E2117", "Can't open dialog"};
 inline Message<> msg_replacement_lacks{
     "E2118", "The replacement text has characters that a Latin-1 text has not."};
 inline Message<const char*> msg_encoding_lacks{"E2120", "A Latin-1 text has no '%s'."};

@@ -295,6 +295,8 @@ void TextWindow::redo_last() {
 }
 
 void TextWindow::press(const PointerDownEvent& down) {
+    if (take_press(down))
+        return;
     if (down.button != PointerButton::middle) {
         pointer_->on_down(down);
         return;

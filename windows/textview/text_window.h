@@ -65,6 +65,8 @@ protected:
     virtual long on_event(const Event& event);
     /// A key that the text has; false for one that is not for it.
     virtual bool take_key(const CharacterEvent& key);
+    /// A button was pressed in the text; false when it does there what it does in every text.
+    virtual bool take_press(const PointerDownEvent&) { return false; }
     /// Is that key the text's, although it is a shortcut of the menus?
     [[nodiscard]] virtual bool claims_key(const CharacterEvent& key) const;
     /// Something was refused or failed: words for a status line.

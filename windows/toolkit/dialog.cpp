@@ -23,7 +23,7 @@ bool xvt_dlg_create_res(Dialog& dialog, int resource) {
     Question& question = dialog.question_;
     question = {};
     question.kind = QuestionKind::dialog;
-    question.title = found->title;
+    dialog.title = found->title;
     question.help_topic = found->help_topic;
     question.image = found->image;
     question.dialog = ++g_last_dialog;
@@ -51,6 +51,7 @@ Dialog::~Dialog() {
 }
 
 const Question& Dialog::shown_question() {
+    question_.title = title;
     question_.rows = rows;
     question_.buttons = buttons;
     question_.disabled_buttons = disabled_buttons;

@@ -29,6 +29,7 @@ public:
     Dialog& operator=(const Dialog&) = delete;
     ~Dialog();
 
+    String title;
     Vector<DialogRow> rows;
     Vector<String> buttons;
     unsigned disabled_buttons = 0; ///< a bit for each

@@ -13,7 +13,6 @@ inline Message<> msg_choose_project_name{"E2045", "Choose new project name."};
 inline Message<const char*> msg_cannot_create_directory{"E2046", "Can't create directory '%s'."};
 inline Message<const char*> msg_project_exists{"E2047", "Project '%s' already exists."};
 inline Message<> msg_no_project_window{"E2048", "Can't open window."};
-inline Message<> msg_no_dialog{"E2049", "Can't open dialog"};
 inline Message<const char*> msg_close_unsaved{"E2053", "Close project '%s' without saving it?"};
 inline Message<const char*, const char*> msg_project_status{"E2054", "Top design: %s\tDevice: %s"};
 inline Message<> msg_holds_pla{"E2055", "Project contains a PLA file."};
@@ -61,6 +60,21 @@ inline Message<> msg_setting_top{"E2095", "setting the top design"};
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};
+inline Message<const char*> msg_search_project{"E2220", "Search project '%s'"};
+inline Message<> msg_search_selected{"E2221", "Search selected files"};
+inline Message<const char*> msg_search_files{"E2222", "Search '%s'"};
+inline Message<const char*> msg_project_empty{"E2223", "Project '%s' is empty."};
+inline Message<const char*> msg_no_vhdl_files{"E2224", "No VHDL files in '%s'."};
+inline Message<> msg_one_match{"E2226", "1 match"};
+inline Message<int> msg_many_matches{"E2227", "%d matches"};
+inline Message<int, int, const char*> msg_searching{"E2228", "Searching... %d of %d files, %s"};
+inline Message<const char*, int, int> msg_searched{"E2229", "%s in %d of %d files"};
+inline Message<const char*, int, int> msg_search_stopped{
+    "E2230", "Stopped: %s, %d of %d files were searched"};
+inline Message<int> msg_not_searched{"E2231", "%d can't be read"};
+inline Message<int> msg_search_full{"E2232", "%d lines were found. The search ended there."};
+inline Message<> msg_ignores_case{"E2233", "Ignore case"};
+inline Message<> msg_whole_word{"E2234", "Whole word"};
 inline Message<> msg_left_work{"E2280", "Unsaved work of an earlier run"};
 inline Message<const char*, const char*, const char*> msg_left_copy{"E2281",
                                                                     "%s  (backup of %s%s)"};

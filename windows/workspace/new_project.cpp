@@ -5,6 +5,7 @@
 #include "core/os/files.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
+#include "windows/controls/messages.h"
 #include "windows/toolkit/dialog.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"

@@ -16,6 +16,7 @@
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_settings.h"
 #include "windows/workspace/project_view.h"
+#include "windows/workspace/search_commands.h"
 
 #include <array>
 
@@ -61,6 +62,9 @@ constexpr std::array k_commands{
     CommandRow{tag_of(control_file), 0, Need::nothing, show_control_file},
     CommandRow{tag_of(source_file), 0, Need::selection, open_selected_files},
     CommandRow{tag_of(tool_versions), 0, Need::nothing, [](Window) { show_tool_versions(); }},
+    CommandRow{tag_of(search_project), 0, Need::nothing, search_project_files},
+    CommandRow{tag_of(search_selected), 0, Need::selection, search_selected_files},
+    CommandRow{tag_of(search_vhdl), 0, Need::nothing, search_vhdl_files},
     CommandRow{tag_of(select_font), 0, Need::nothing, choose_list_font},
     CommandRow{tag_of(help_contents), 0, Need::nothing,
                [](Window) { shell().show_help_contents(shell().context); }},
@@ -159,7 +163,9 @@ bool run_project_key(Window window, const CharacterEvent& key) {
         tag = tag_of(key.with.shift ? redo : undo);
     else if (key.code == k_control_y)
         tag = tag_of(redo);
-    return tag == 0 ? run_compile_key(window, key) : run_project_command(window, tag);
+    if (tag != 0)
+        return run_project_command(window, tag);
+    return run_search_key(window, key) || run_compile_key(window, key);
 }
 
 void update_project_commands(Window window) {

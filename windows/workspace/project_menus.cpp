@@ -57,9 +57,9 @@ constexpr std::array k_info{
     item("&Tool versions...", tool_versions),
 };
 constexpr std::array k_search{
-    without_command("All &project files...", search_project),
-    without_command("&Selected files...", search_selected),
-    without_command("All &VHDL files...", search_vhdl),
+    item("All &project files...", search_project),
+    item("&Selected files...", search_selected),
+    item("All &VHDL files...", search_vhdl),
 };
 constexpr std::array k_font{item("&Select...", select_font)};
 constexpr std::array k_help{item("&Contents", help_contents, "F1")};

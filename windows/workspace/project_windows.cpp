@@ -17,6 +17,9 @@
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
 #include "windows/workspace/recovery_window.h"
+#include "windows/workspace/search_commands.h"
+#include "windows/workspace/search_question.h"
+#include "windows/workspace/search_window.h"
 
 #include <span>
 
@@ -86,6 +89,7 @@ long on_event(void*, Window window, const Event& event) {
         close_project(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
         close_reading_windows(window);
+        close_search_windows(window);
         forget_project(window);
         show_project_names();
     }
@@ -108,7 +112,7 @@ void show_compile(Window window) {
 
 bool on_text_key(Window project, const CharacterEvent& key) {
     enter_project(project);
-    return run_compile_key(project, key);
+    return run_search_key(project, key) || run_compile_key(project, key);
 }
 
 } // namespace
@@ -119,6 +123,8 @@ void start_workspace(const ShellHooks& hooks) {
     workspace().hooks = {{on_event, nullptr}, update};
     register_project_window();
     register_reading_windows({on_text_key, show_compile});
+    register_search_windows(on_text_key);
+    register_search_question();
     start_editors(on_text_key);
     register_new_project();
     register_recovery_window();

@@ -180,6 +180,28 @@ void visit_editor(Tour& tour, Window project) {
     press_key("Ctrl+W");
 }
 
+/// A search beside the list of its project.
+void visit_search(Tour& tour, Window project) {
+    xvt_vobj_raise(project);
+    in_box([&tour] {
+        type_text("reset");
+        tour.front("search_question");
+        press_key("Enter");
+    });
+    xvt_win_dispatch_event(project,
+                           Event{CommandEvent{static_cast<int>(ProjectCommand::search_project)}});
+    // The dialog was in front of it.
+    xvt_vobj_raise(xvt_win_get_task());
+    tour.keep(wait_for_text("reset"), "search");
+    process_events();
+    put_side_by_side(project, shown_text_window());
+    xvt_vobj_raise(shown_text_window());
+    process_events();
+    press_key("Down");
+    tour.picture(xvt_win_get_task(), "search");
+    press_key("Esc");
+}
+
 void visit_project(Tour& tour) {
     const Window task = xvt_win_get_task();
     const Window project = workspace().projects.front()->window;
@@ -204,6 +226,7 @@ void visit_project(Tour& tour) {
     read(ProjectCommand::tool_versions, "GHDL ", "versions");
     visit_text(tour, project);
     visit_editor(tour, project);
+    visit_search(tour, project);
     xvt_vobj_raise(project);
     process_events();
     press_key("Alt+W");

@@ -11,6 +11,9 @@
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/recovery_window.h"
+#include "windows/workspace/search_window.h"
+
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <functional>
@@ -376,6 +379,121 @@ TEST_F(ProjectWindow, OffersWhatACrashHasLeft) {
     end_register();
     EXPECT_FALSE(fs::exists(directory_.path("peltmp")));
     EXPECT_FALSE(fs::exists(settings_.path("pellux/copies")));
+}
+
+TEST_F(ProjectWindow, SearchesItsFiles) {
+    const int all = static_cast<int>(ProjectCommand::search_project);
+    const auto search = [&]() -> SearchWindow& { return *find_search_window(window(), all); };
+    const auto searched = [&] {
+        while (search().is_running())
+            process_events();
+        return std::string(xvt_vobj_get_title(xvt_win_get_ctl(search().window(), 2)));
+    };
+    const auto found = [&] { return std::string(view(copy_text(search().document(), 0, 300))); };
+    run([&] {
+        const int in_directory = static_cast<int>(ProjectCommand::search_vhdl);
+        const std::string title = "Search project 'a.bpr'";
+        user_.expect_error("Project 'a.bpr' is empty.");
+        command(all);
+        user_.expect_error("No VHDL files in '*'.");
+        command(in_directory);
+        EXPECT_FALSE(can(static_cast<int>(ProjectCommand::search_selected)));
+
+        directory_.write("a.vhd", "  signal Count\n\tcount + count\n");
+        directory_.write("b.vhd", std::string(500, '-') + "R\xC9"
+                                                          "count\xE9 counter\r\n\r\nCOUNT\r\n");
+        for (const char* name : {"c.vhd", "pipe.vhd", "sub.vhd"})
+            directory_.write(name, "");
+        command(1106);
+        for (const char* name : {"c.vhd", "pipe.vhd", "sub.vhd"})
+            std::filesystem::remove(name);
+        std::filesystem::create_directory("sub.vhd");
+        ASSERT_EQ(mkfifo("pipe.vhd", 0600), 0);
+        EditorWindow* editor = open_editor(window(), directory_.path("a.vhd"));
+        const auto chosen = [&](std::int64_t line, std::string_view text) {
+            const TextEditing& editing = editor->view().editing;
+            return caret_line(editing) == line && view(selected_text(editing)) == text;
+        };
+        type_text("count");
+        press_key("Shift+Home");
+        user_.expect(QuestionKind::dialog, title, [](const Question& question) {
+            EXPECT_EQ(question.rows.at(0).value, "count");
+            Answer answer = closed_answer(question);
+            answer.button = 0;
+            answer.rows = question.rows;
+            return answer;
+        });
+        command(all);
+        EXPECT_EQ(searched(), "5 matches in 2 of 5 files, 3 can't be read\t'count'");
+        user_.expect_dialog(title, "Search", {{1, ""}});
+        user_.expect_note("No search text given.");
+        user_.expect_dialog(title, "Search", {{1, "count"}, {2, "", 1}, {3, "", 1}});
+        command(all);
+        EXPECT_EQ(searched(), "5 matches in 2 of 5 files, 3 can't be read\t'count'"
+                              "\tIgnore case\tWhole word");
+        EXPECT_EQ(found(), "a.vhd\n     1\tcount  signal Count\n     2\tcount + count\n"
+                           "b.vhd\n     3\tCOUNT\n"
+                           "Can't read 'c.vhd': No such file or directory.\n"
+                           "Can't read 'pipe.vhd': Operation not supported.\n"
+                           "Can't read 'sub.vhd': Is a directory.\n");
+        const Window list = search().window();
+        press_key("Ctrl+Home");
+        press_key("Return");
+        EXPECT_TRUE(chosen(0, "count")) << "from the name of the file";
+        xvt_vobj_raise(list);
+        process_events();
+        const int row = search().view().line_height;
+        double_click(xvt_win_get_ctl(list, 9001), {9 * row, 5 * row / 2});
+        EXPECT_TRUE(chosen(1, "count"));
+        press_key("Ctrl+Home");
+        press_key("Return");
+        press_key("Shift+F4");
+        press_key("F4");
+        EXPECT_TRUE(chosen(2, "count")) << "its line has moved";
+        xvt_vobj_raise(list);
+        press_key("F5");
+        searched();
+        EXPECT_EQ(found().substr(0, 20), "a.vhd\n     2\tcount  ");
+
+        press_key("Escape");
+        EXPECT_FALSE(xvt_vobj_is_valid(list));
+
+        // Many files, and a large text that changes while it is searched.
+        for (int i = 0; i < 3000; ++i)
+            directory_.write("f" + std::to_string(i) + ".vhd", "count\n");
+        command(1106);
+        insert_bytes(editor->document(), 0, std::string(20'000'000, '-'));
+        static int stats = 0;
+        set_file_fault_hook(
+            [](void*, FileOperation operation, std::string_view path, std::size_t&) {
+                stats += operation == FileOperation::stat && path.ends_with("/a.vhd") ? 1 : 0;
+                return SystemError::none;
+            },
+            nullptr);
+        user_.expect_dialog(title, "Search");
+        xvt_win_dispatch_event(window(), Event{CommandEvent{all}});
+        for (int i = 0; i < 3; ++i) {
+            run_turn(TurnWait::none);
+            insert_bytes(editor->document(), 0, "count\n");
+        }
+        EXPECT_EQ(searched().substr(0, 28), "3008 matches in 3002 of 3005");
+        set_file_fault_hook(nullptr, nullptr);
+        EXPECT_LT(stats, 300);
+        EXPECT_EQ(found().substr(0, 20), "a.vhd\n     1\tcount\n ");
+        // One that is stopped, and one whose editor and project go meanwhile.
+        std::filesystem::resize_file("f0.vhd", 10'000'000'000);
+        const auto press = [pane = xvt_win_get_ctl(search().window(), 9001)](int code) {
+            xvt_win_dispatch_event(pane, Event{CharacterEvent{.code = code}});
+            run_turn(TurnWait::none);
+        };
+        press(405);
+        press(27);
+        EXPECT_EQ(searched().substr(0, 8), "Stopped:");
+        press(405);
+        editor->close_now();
+        run_turn(TurnWait::none);
+        xvt_vobj_destroy(window());
+    });
 }
 
 TEST_F(ProjectWindow, KeepsItsFontAndItsPage) {
