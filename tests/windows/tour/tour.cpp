@@ -1,7 +1,9 @@
 #include "core/common/containers.h"
 #include "core/common/lexical_path.h"
+#include "core/common/run_register.h"
 #include "core/os/files.h"
 #include "core/os/safe_write.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/windows/toolkit/application.h"
 #include "tests/windows/toolkit/robot.h"
 #include "windows/app/program.h"
@@ -18,6 +20,7 @@
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/project_view.h"
+#include "windows/workspace/recovery_window.h"
 
 #include <array>
 #include <cstdio>
@@ -241,6 +244,8 @@ void visit_project(Tour& tour) {
     arrange("C", "cascade");
     arrange("T", "tiled");
     arrange("A", "tabs");
+    press_key("Alt+W");
+    press_key("A");
 }
 
 /// A second project of the same name, with a file that can't be compiled.
@@ -262,6 +267,32 @@ void visit_failure(Tour& tour, const String& directory) {
     tour.keep(wait_for_text("\nCompilation "), "failed");
     put_side_by_side(project, shown_text_window());
     tour.picture(task, "failed");
+}
+
+/// Texts that are not saved when the program ends.
+void leave_work() {
+    OpenProject& open = *workspace().projects.front();
+    for (const std::size_t index : {0, 3, 12}) {
+        const String path = absolute_path(view(open.project->directory),
+                                          open.project->sources[index]->file_name.view());
+        if (EditorWindow* editor = open_editor(open.window, view(path))) {
+            editor->goto_line(9);
+            type_text("  -- two lines that were typed,\n");
+            editor->goto_line(30);
+            type_text("  -- and never saved\n");
+        }
+    }
+    save_all_copies();
+}
+
+/// What was left is offered in the next run.
+void visit_left_work(Tour& tour) {
+    constexpr int k_compare = 3;
+    const Window left = offer_left_work();
+    press_key("Down");
+    click(xvt_win_get_ctl(left, k_compare), {9, 9});
+    put_side_by_side(left, shown_text_window());
+    tour.picture(xvt_win_get_task(), "left_work");
 }
 
 void run(std::span<const char* const> words, const std::function<void()>& script) {
@@ -289,10 +320,18 @@ int main(int argument_count, char** arguments) {
     const std::array<const char*, 1> second{arguments[2]};
     PathBuffer here;
     tour.keep(!failed(current_directory(here)), "here");
+    // Not what the user's own runs have left.
+    const test::TemporaryDirectory state;
+    const test::ScopedVariable state_home("XDG_STATE_HOME", state.path().c_str());
+    begin_register();
     run(second, [&] {
         visit_project(tour);
         visit_failure(tour, String(here.view()));
+        leave_work();
     });
+    begin_register();
+    run(second, [&] { visit_left_work(tour); });
+    end_register();
     xvt_app_end();
     return tour.missing == 0 ? 0 : 1;
 }
