@@ -92,10 +92,13 @@ ListEntry entry_of(const LeftWork& work) {
     const String changed = work.state == CopyState::beside_changed
                                ? format_message(msg_left_beside_changed)
                                : String();
+    const std::string_view file = view(work.kept.file);
+    const String name = file.empty() ? name_of(work) : String(file_name_part(file));
     ListEntry entry;
     entry.text = format_message(
-        msg_left_copy, name_of(work).c_str(),
+        msg_left_copy, name.c_str(),
         is_dated ? local_time_text(stat.modified_ns / k_second_ns, time) : "", changed.c_str());
+    (entry.text += "  ") += directory_part(file);
     entry.tip = work.kept.copy;
     return entry;
 }
