@@ -3,6 +3,7 @@
 #include "core/common/lexical_path.h"
 #include "core/common/register_lines.h"
 #include "core/common/text_file.h"
+#include "core/common/unsaved_copy.h"
 #include "core/os/environment.h"
 #include "core/os/process.h"
 
@@ -137,8 +138,9 @@ void note_copy(const KeptCopy& kept) {
         return;
     note(kept.kind == CopyKind::text ? RegisterWord::text : RegisterWord::project, view(kept.copy),
          view(kept.file));
-    // The copy is of no use when nobody knows of it.
-    static_cast<void>(flush_file(g_own.file));
+    // Beside its file it is found when that is opened, anywhere else only by this note.
+    if (!is_beside_file(view(kept.copy)))
+        static_cast<void>(flush_file(g_own.file));
 }
 
 bool is_noted_copy(std::string_view copy) {
@@ -164,13 +166,14 @@ std::int64_t find_other_program(std::string_view file) {
         File held;
         if (take_register(held, path, FileLock::shared))
             continue;
-        const std::optional<RegisterNotes> notes = read_register(path);
-        if (!notes || !std::ranges::any_of(notes->open, is_it))
-            continue;
         std::int64_t process = 0;
         const std::string_view name = file_name_part(view(path));
         std::from_chars(name.data(), name.data() + name.size(), process);
-        return process;
+        // One that was left may be held by who offers its copies.
+        const std::optional<RegisterNotes> notes =
+            process_exists(process) ? read_register(path) : std::nullopt;
+        if (notes && std::ranges::any_of(notes->open, is_it))
+            return process;
     }
     return 0;
 }

@@ -127,8 +127,8 @@ bool prepare_copy(std::string_view copy) {
     constexpr std::uint32_t k_own = 0700;
     const std::string_view directory = directory_part(copy);
     // Whether it is there now decides.
-    static_cast<void>(file_name_part(directory) == k_beside ? make_directory(directory)
-                                                            : make_directories(directory, k_own));
+    static_cast<void>(is_beside_file(copy) ? make_directory(directory)
+                                           : make_directories(directory, k_own));
     if (!lies_in_directory(copy))
         return false;
     FileStat stat;
@@ -178,10 +178,13 @@ CopyState look_at_copy(std::string_view file, std::string_view copy) {
     return base->is_saved ? CopyState::old : CopyState::newer;
 }
 
+bool is_beside_file(std::string_view copy) {
+    return file_name_part(directory_part(copy)) == k_beside;
+}
+
 bool is_place_of_copies(std::string_view copy) {
-    const std::string_view directory = directory_part(copy);
     return is_absolute(copy) && !file_name_part(copy).empty() &&
-           (file_name_part(directory) == k_beside || directory == view(directory_apart()));
+           (is_beside_file(copy) || directory_part(copy) == view(directory_apart()));
 }
 
 void remove_copy(std::string_view copy) {
@@ -190,7 +193,8 @@ void remove_copy(std::string_view copy) {
     static_cast<void>(remove_file(copy));
     if (read_base(copy))
         static_cast<void>(remove_file(view(base_path(copy))));
-    static_cast<void>(remove_directory(directory_part(copy)));
+    if (is_beside_file(copy))
+        static_cast<void>(remove_directory(directory_part(copy)));
 }
 
 } // namespace pellux

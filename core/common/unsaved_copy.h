@@ -41,11 +41,13 @@ enum class CopyState {
 /// A file that can't be looked at is older than any copy. Reads both where their times don't tell.
 [[nodiscard]] CopyState look_at_copy(std::string_view file, std::string_view copy);
 
+/// Does it lie where `copy_beside` says?
+[[nodiscard]] bool is_beside_file(std::string_view copy);
 /// Is that where our copies lie? What is read from a file may say anything.
 [[nodiscard]] bool is_place_of_copies(std::string_view copy);
 
-/// Removes it with its base, and their directory when nothing else lies in it. What is not there is
-/// removed already.
+/// Removes it with its base, and with their directory beside the file when nothing else lies in it.
+/// What is not there is removed already.
 void remove_copy(std::string_view copy);
 
 } // namespace pellux

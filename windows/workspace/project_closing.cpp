@@ -183,8 +183,11 @@ bool close_project(Window window) {
 }
 
 bool close_all_projects() {
-    if (workspace().projects.empty() && !may_close_editors(Window::none))
-        return false;
+    if (workspace().projects.empty()) {
+        if (!may_close_editors(Window::none))
+            return false;
+        close_editors(Window::none);
+    }
     while (!workspace().projects.empty())
         if (!close_one(workspace().projects.front()->window))
             return false;
