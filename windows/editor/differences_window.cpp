@@ -1,7 +1,6 @@
 #include "windows/editor/differences_window.h"
 
 #include "core/common/text_file.h"
-#include "core/os/loop.h"
 #include "core/text/line_differences.h"
 #include "core/text/text_storage.h"
 #include "windows/controls/boxes.h"
@@ -9,6 +8,7 @@
 #include "windows/controls/messages.h"
 #include "windows/editor/messages.h"
 #include "windows/textview/text_output.h"
+#include "windows/textview/window_list.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
@@ -48,19 +48,7 @@ private:
     char mark_ = ' '; ///< of the line that is being drawn
 };
 
-Vector<Owned<DifferencesWindow>> windows;
-/// Those that have gone, until what runs in them has returned.
-Vector<Owned<DifferencesWindow>> gone_windows;
-PostedCall free_gone_windows{.call = [](void*) { gone_windows.clear(); }};
-
-void forget(DifferencesWindow& window) {
-    const auto found = std::ranges::find(windows, &window, &Owned<DifferencesWindow>::get);
-    if (found == windows.end())
-        return;
-    gone_windows.push_back(std::move(*found));
-    windows.erase(found);
-    post_call(free_gone_windows);
-}
+WindowList<DifferencesWindow> windows;
 
 void DifferencesWindow::make_buttons() {
     restore_ = xvt_ctl_create({.parent = window(), .id = k_restore});
@@ -130,15 +118,14 @@ long DifferencesWindow::on_event(const Event& event) {
         return 0;
     }
     if (event.get<DestructionEvent>() != nullptr)
-        forget(*this);
+        windows.forget(*this);
     return TextWindow::on_event(event);
 }
 
 DifferencesWindow* make_window(const DifferencesSubject& subject) {
-    windows.push_back(make_owned<DifferencesWindow>(subject));
-    DifferencesWindow* made = windows.back().get();
+    DifferencesWindow* made = &windows.add(subject);
     if (xvt_win_create_res(k_window, {TextWindow::handle, made}) == Window::none) {
-        forget(*made);
+        windows.forget(*made);
         post_error(msg_no_editor_window);
         return nullptr;
     }
@@ -156,7 +143,7 @@ DifferencesWindow* make_window(const DifferencesSubject& subject) {
 } // namespace
 
 void register_differences_windows() {
-    windows.clear();
+    windows.all.clear();
     xvt_res_register({.windows = k_windows});
 }
 
@@ -164,8 +151,8 @@ void show_differences(const DifferencesSubject& subject, const TextDocument& fil
                       const TextDocument& copy) {
     constexpr std::size_t k_most_bytes = std::size_t{4} << 20;
     const auto found = std::ranges::find_if(
-        windows, [&](const auto& each) { return each->subject.copy == subject.copy; });
-    DifferencesWindow* window = found != windows.end() ? found->get() : make_window(subject);
+        windows.all, [&](const auto& each) { return each->subject.copy == subject.copy; });
+    DifferencesWindow* window = found != windows.all.end() ? found->get() : make_window(subject);
     if (window == nullptr)
         return;
     const String text = differences_text(file, copy, k_most_bytes);
@@ -188,7 +175,7 @@ void show_text_differences(const DifferencesSubject& subject) {
 
 void close_differences_windows(Window project) {
     Vector<Window> closed;
-    for (const Owned<DifferencesWindow>& each : windows)
+    for (const Owned<DifferencesWindow>& each : windows.all)
         if (each->subject.project == project)
             closed.push_back(each->window());
     for (const Window window : closed)

@@ -10,6 +10,7 @@
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/keyword_table.h"
 #include "windows/editor/messages.h"
+#include "windows/textview/window_list.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
@@ -27,16 +28,13 @@ constexpr std::array k_windows{WindowResource{.number = k_editor_window,
                                               .height = height(k_first_place),
                                               .menu_bar = k_editor_menu_bar}};
 
-Vector<Owned<EditorWindow>> editors;
-/// Those that have gone, until what runs in them has returned.
-Vector<Owned<EditorWindow>> gone_editors;
-PostedCall free_gone_editors{.call = [](void*) { gone_editors.clear(); }};
+WindowList<EditorWindow> editors;
 int opened = 0; ///< in this run
 
 /// In the order in which they were opened.
 Vector<EditorWindow*> editors_of(Window project) {
     Vector<EditorWindow*> found;
-    for (const Owned<EditorWindow>& editor : editors)
+    for (const Owned<EditorWindow>& editor : editors.all)
         if (editor->project == project)
             found.push_back(editor.get());
     return found;
@@ -69,8 +67,8 @@ void write_next_copy(void*) {
         const Window window = waiting_copies.back();
         waiting_copies.pop_back();
         const auto found = std::ranges::find_if(
-            editors, [window](const auto& each) { return each->window() == window; });
-        if (found == editors.end())
+            editors.all, [window](const auto& each) { return each->window() == window; });
+        if (found == editors.all.end())
             continue;
         (*found)->auto_save();
         post_call(write_copies);
@@ -79,15 +77,11 @@ void write_next_copy(void*) {
 }
 
 void forget(EditorWindow& editor) {
-    const auto found = std::ranges::find(editors, &editor, &Owned<EditorWindow>::get);
-    if (found == editors.end())
+    if (!editors.forget(editor))
         return;
     keep_place(editor);
     if (editor_settings().has_news)
         write_editor_settings();
-    gone_editors.push_back(std::move(*found));
-    editors.erase(found);
-    post_call(free_gone_editors);
 }
 
 bool raise(std::string_view path) {
@@ -99,7 +93,7 @@ bool raise(std::string_view path) {
 }
 
 void apply_to_all() {
-    for (const Owned<EditorWindow>& editor : editors)
+    for (const Owned<EditorWindow>& editor : editors.all)
         editor->apply_settings();
 }
 
@@ -139,8 +133,7 @@ void place(const EditorWindow& editor, const Rect& stored) {
 }
 
 EditorWindow* make_editor(Window project, const Rect& stored) {
-    editors.push_back(make_owned<EditorWindow>(project, k_others));
-    EditorWindow* editor = editors.back().get();
+    EditorWindow* editor = &editors.add(project, k_others);
     if (xvt_win_create_res(k_editor_window, {TextWindow::handle, editor}) == Window::none) {
         forget(*editor);
         post_error(msg_no_editor_window);
@@ -159,7 +152,7 @@ EditorWindow* make_editor(Window project, const Rect& stored) {
 } // namespace
 
 void register_editors(const EditorHooks& hooks) {
-    editors.clear();
+    editors.all.clear();
     opened = 0;
     editor_hooks() = hooks;
     register_editor_menus();
@@ -169,15 +162,15 @@ void register_editors(const EditorHooks& hooks) {
 }
 
 EditorWindow* find_editor(std::string_view path) {
-    const auto found = std::ranges::find_if(editors, [&](const auto& editor) {
+    const auto found = std::ranges::find_if(editors.all, [&](const auto& editor) {
         return has_name(editor->file()) && is_same_file(view(path_of(editor->file())), path);
     });
-    return found == editors.end() ? nullptr : found->get();
+    return found == editors.all.end() ? nullptr : found->get();
 }
 
 Vector<EditorWindow*> open_editors() {
     Vector<EditorWindow*> all;
-    for (const Owned<EditorWindow>& editor : editors)
+    for (const Owned<EditorWindow>& editor : editors.all)
         all.push_back(editor.get());
     return all;
 }
@@ -241,7 +234,7 @@ void close_editors(Window project) {
 }
 
 void save_all_copies() {
-    for (const Owned<EditorWindow>& editor : editors)
+    for (const Owned<EditorWindow>& editor : editors.all)
         if (editor->has_view())
             editor->auto_save();
 }

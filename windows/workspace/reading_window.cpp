@@ -2,10 +2,10 @@
 
 #include "core/common/callback.h"
 #include "core/os/argument_vector.h"
-#include "core/os/loop.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
 #include "windows/textview/text_output.h"
+#include "windows/textview/window_list.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
@@ -23,19 +23,15 @@ constexpr std::array k_windows{resource(ReadingKind::compile_output, 640, 300),
                                resource(ReadingKind::tool_versions, 640, 120),
                                resource(ReadingKind::file, 680, 400)};
 
-Vector<Owned<ReadingWindow>> texts;
+WindowList<ReadingWindow> texts;
 ReadingHooks g_hooks;
 
-/// Windows that have gone, until what runs in them has returned.
-Vector<Owned<ReadingWindow>> gone_texts;
-PostedCall free_gone_texts{.call = [](void*) { gone_texts.clear(); }};
-
 ReadingWindow* find_text(const ReadingSubject& subject) {
-    const auto found = std::ranges::find_if(texts, [&](const auto& text) {
+    const auto found = std::ranges::find_if(texts.all, [&](const auto& text) {
         return text->kind == subject.kind && text->project == subject.project &&
                view(text->path) == subject.path;
     });
-    return found == texts.end() ? nullptr : found->get();
+    return found == texts.all.end() ? nullptr : found->get();
 }
 
 /// Says in the title, and to the project, whether a program runs.
@@ -48,13 +44,9 @@ void show_program(const ReadingWindow& text) {
 }
 
 void forget(ReadingWindow& text) {
-    const auto found = std::ranges::find(texts, &text, &Owned<ReadingWindow>::get);
-    if (found == texts.end())
+    if (!texts.forget(text))
         return;
     text.program.reset();
-    gone_texts.push_back(std::move(*found));
-    texts.erase(found);
-    post_call(free_gone_texts);
     if (text.project != Window::none)
         g_hooks.show_program(text.project);
 }
@@ -111,7 +103,7 @@ bool ReadingWindow::take_key(const CharacterEvent& key) {
 }
 
 void register_reading_windows(const ReadingHooks& hooks) {
-    texts.clear();
+    texts.all.clear();
     g_hooks = hooks;
     xvt_res_register({.windows = k_windows});
 }
@@ -119,9 +111,7 @@ void register_reading_windows(const ReadingHooks& hooks) {
 ReadingWindow* open_reading_window(const ReadingSubject& subject, std::string_view title) {
     ReadingWindow* text = find_text(subject);
     if (text == nullptr) {
-        auto made = make_owned<ReadingWindow>(subject);
-        text = made.get();
-        texts.push_back(std::move(made));
+        text = &texts.add(subject);
         if (xvt_win_create_res(static_cast<int>(subject.kind), {TextWindow::handle, text}) ==
             Window::none) {
             forget(*text);
@@ -154,7 +144,7 @@ void raise_reading_window(const ReadingSubject& subject) {
 
 void close_reading_windows(Window project) {
     Vector<Window> windows;
-    for (const Owned<ReadingWindow>& text : texts)
+    for (const Owned<ReadingWindow>& text : texts.all)
         if (text->project == project)
             windows.push_back(text->window());
     for (const Window window : windows)

@@ -13,6 +13,7 @@
 #include "windows/controls/window_places.h"
 #include "windows/editor/open_editors.h"
 #include "windows/textview/text_output.h"
+#include "windows/textview/window_list.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 
@@ -47,25 +48,14 @@ constexpr int k_enter = 13;
 constexpr int k_escape = 27;
 constexpr int k_f5 = static_cast<int>(KeyCode::function_1) + 4;
 
-Vector<Owned<SearchWindow>> searches; ///< the one that was used last at the end
-/// Windows that have gone, until what runs in them has returned.
-Vector<Owned<SearchWindow>> gone_searches;
-PostedCall free_gone_searches{.call = [](void*) { gone_searches.clear(); }};
+WindowList<SearchWindow> searches; ///< the one that was used last at the end
 bool (*take_project_key)(Window project, const CharacterEvent& key) = nullptr;
 
-void forget(SearchWindow& search) {
-    const auto found = std::ranges::find(searches, &search, &Owned<SearchWindow>::get);
-    if (found == searches.end())
-        return;
-    gone_searches.push_back(std::move(*found));
-    searches.erase(found);
-    post_call(free_gone_searches);
-}
-
 void note_used(const SearchWindow& search) {
-    const auto found = std::ranges::find(searches, &search, &Owned<SearchWindow>::get);
-    if (found != searches.end())
-        std::rotate(found, found + 1, searches.end());
+    Vector<Owned<SearchWindow>>& all = searches.all;
+    const auto found = std::ranges::find(all, &search, &Owned<SearchWindow>::get);
+    if (found != all.end())
+        std::rotate(found, found + 1, all.end());
 }
 
 int to_int(std::int64_t number) {
@@ -324,7 +314,7 @@ long SearchWindow::on_event(const Event& event) {
         return take_project_key(subject_.project, *key) ? 0 : 1;
     } else if (event.get<DestructionEvent>() != nullptr) {
         run_.stop();
-        forget(*this);
+        searches.forget(*this);
     }
     return TextWindow::on_event(event);
 }
@@ -371,24 +361,24 @@ bool SearchWindow::take_press(const PointerDownEvent& down) {
 }
 
 void register_search_windows(bool (*take_key)(Window project, const CharacterEvent& key)) {
-    searches.clear();
+    searches.all.clear();
     take_project_key = take_key;
     xvt_res_register({.windows = k_windows});
 }
 
 SearchWindow* find_search_window(Window project, int command) {
-    const auto found = std::ranges::find_if(searches, [&](const auto& search) {
+    const auto found = std::ranges::find_if(searches.all, [&](const auto& search) {
         return search->project() == project && search->command() == command;
     });
-    return found == searches.end() ? nullptr : found->get();
+    return found == searches.all.end() ? nullptr : found->get();
 }
 
 void open_search_window(SearchSubject subject, SearchWords words) {
     SearchWindow* search = find_search_window(subject.project, subject.command);
     if (search == nullptr) {
-        search = searches.emplace_back(make_owned<SearchWindow>(subject)).get();
+        search = &searches.add(subject);
         if (xvt_win_create_res(k_window, {TextWindow::handle, search}) == Window::none) {
-            forget(*search);
+            searches.forget(*search);
             post_error(msg_no_project_window);
             return;
         }
@@ -400,7 +390,7 @@ void open_search_window(SearchSubject subject, SearchWords words) {
 
 void close_search_windows(Window project) {
     Vector<Window> windows;
-    for (const Owned<SearchWindow>& search : searches)
+    for (const Owned<SearchWindow>& search : searches.all)
         if (search->project() == project)
             windows.push_back(search->window());
     for (const Window window : windows)
@@ -409,9 +399,9 @@ void close_search_windows(Window project) {
 
 bool go_to_next_result(Window project, bool backwards) {
     const auto last =
-        std::find_if(searches.rbegin(), searches.rend(),
+        std::find_if(searches.all.rbegin(), searches.all.rend(),
                      [project](const auto& search) { return search->project() == project; });
-    if (last == searches.rend())
+    if (last == searches.all.rend())
         return false;
     (*last)->go_to_next(backwards);
     return true;
