@@ -73,9 +73,12 @@ String directory_apart() {
     return state_directory(directory) ? joined_path(directory.view(), k_apart) : String();
 }
 
-std::int64_t modified_ns(std::string_view path) {
+/// A file that can't be looked at is older than any.
+FileStat stat_of(std::string_view path) {
     FileStat stat;
-    return failed(stat_file(path, stat)) ? -1 : stat.modified_ns;
+    if (failed(stat_file(path, stat)))
+        stat.modified_ns = -1;
+    return stat;
 }
 
 /// What a link leads to is not ours.
@@ -161,16 +164,20 @@ void write_copy_base(std::string_view copy, const ContentSum& file, bool is_save
 }
 
 CopyState look_at_copy(std::string_view file, std::string_view copy) {
-    const std::int64_t copied = modified_ns(copy);
-    const std::int64_t written = modified_ns(file);
-    if (copied < 0 || !lies_in_directory(copy))
+    const FileStat copied = stat_of(copy);
+    const FileStat written = stat_of(file);
+    if (copied.modified_ns < 0 || !lies_in_directory(copy))
         return CopyState::none;
-    if (written < copied)
+    if (written.modified_ns < copied.modified_ns)
         return CopyState::newer;
-    const std::optional<CopyBase> base = written == copied ? std::nullopt : read_base(copy);
+    const std::optional<CopyBase> base =
+        written.modified_ns == copied.modified_ns ? std::nullopt : read_base(copy);
     ContentSum now;
     ContentSum kept;
-    if (!base || failed(sum_file(file, now)) || failed(sum_file(copy, kept)) || kept == now)
+    if (!base || failed(sum_file(file, now)))
+        return CopyState::old;
+    // A copy of any size may lie there: it is read only where it may be the same.
+    if (copied.size == written.size && (failed(sum_file(copy, kept)) || kept == now))
         return CopyState::old;
     if (now != base->file)
         return CopyState::beside_changed;

@@ -468,8 +468,16 @@ TEST_F(Editors, KeepBothWhereACopyAndItsFileDiffer) {
         EXPECT_FALSE(find_copies(path).size() > 0) << "all of it is saved";
         editor.close_now();
         EXPECT_FALSE(fs::exists(directory_.path("peltmp")));
-        // A writing in place that was cut off.
+        // A writing in place that was cut off, after the copy was made.
+        directory_.write("peltmp/text.vhd", "copy");
         directory_.write(".text.vhd.pellux-copy", "before");
+        fs::last_write_time(directory_.path("peltmp/text.vhd"),
+                            fs::last_write_time(path) + std::chrono::seconds(1));
+        fs::last_write_time(directory_.path(".text.vhd.pellux-copy"),
+                            fs::last_write_time(path) + std::chrono::seconds(2));
+        user_.expect_ask("The writing of 'text.vhd' was cut off.  Its old contents are in *", "No");
+        user_.expect_ask("Backup of 'text.vhd' is newer.  Restore from it?", "No");
+        opened(path).close_now();
         user_.expect_ask("The writing of 'text.vhd' was cut off.  Its old contents are in *",
                          "Yes");
         EXPECT_EQ(state(opened(path)), "|before");
