@@ -99,10 +99,10 @@ ProjectWriteResult write_project(const Project& project) {
 }
 
 ProjectWriteResult write_project_as(const Project& project, std::string_view path,
-                                    const ProjectHeader& header) {
+                                    const ProjectHeader& header, std::uint32_t permissions) {
     SafeWriter writer;
     ProjectWriteResult result;
-    result.error = begin_safe_write(writer, path);
+    result.error = begin_safe_write(writer, path, permissions);
     if (failed(result.error))
         return result;
     const ByteSink sink{+[](void* context, std::span<const std::byte> bytes) {

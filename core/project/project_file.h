@@ -39,8 +39,10 @@ struct ProjectWriteResult {
 /// file name is not written and that is no failure.
 [[nodiscard]] ProjectWriteResult write_project(const Project& project);
 /// Writes a file of the layout that `header` names; what an older one lacks is left out.
+/// `permissions` are those of a file that is new.
 [[nodiscard]] ProjectWriteResult write_project_as(const Project& project, std::string_view path,
-                                                  const ProjectHeader& header);
+                                                  const ProjectHeader& header,
+                                                  std::uint32_t permissions = 0644);
 /// The file's bytes into a sink.
 [[nodiscard]] bool write_project_to(const Project& project, ByteSink sink,
                                     const ProjectHeader& header);

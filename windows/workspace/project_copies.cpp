@@ -84,19 +84,8 @@ void write_project_copy(OpenProject& open) {
     if (!is_named(*open.project) || !has_changed(open))
         return;
     const auto write = [](const void* context, std::string_view place, std::uint32_t permissions) {
-        Vector<std::byte> bytes;
-        const auto sink = [](void* to, std::span<const std::byte> part) {
-            auto& all = *static_cast<Vector<std::byte>*>(to);
-            all.insert(all.end(), part.begin(), part.end());
-            return true;
-        };
-        if (!write_project_to(*static_cast<const Project*>(context), {sink, &bytes}, {}))
-            return refuse(Refusal::too_large);
-        SafeWriter writer;
-        SystemError error = begin_safe_write(writer, place, permissions);
-        if (!failed(error))
-            error = safe_append(writer, bytes);
-        return failed(error) ? error : commit_safe_write(writer);
+        return write_project_as(*static_cast<const Project*>(context), place, {}, permissions)
+            .error;
     };
     write_copy(open.copy, {project_path(*open.project), open.content, write, open.project.get()});
 }
