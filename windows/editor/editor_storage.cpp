@@ -11,6 +11,7 @@
 #include "windows/editor/editor_hooks.h"
 #include "windows/editor/editor_settings.h"
 #include "windows/editor/messages.h"
+#include "windows/editor/other_program.h"
 #include "windows/textview/text_output.h"
 #include "windows/toolkit/message_box.h"
 #include "windows/toolkit/window.h"
@@ -136,7 +137,7 @@ bool EditorWindow::load_text_of(const String& path, const OfferedCopy* copy) {
         if (copy->reason != OfferReason::cut_off_writing)
             take_over_copy(copy_, path_of(file_), pellux::view(copy->path));
     }
-    tell_of_other_program();
+    tell_of_other_program(path, other_program_);
     return true;
 }
 
@@ -273,23 +274,12 @@ bool EditorWindow::may_throw_away() {
     return xvt_dm_post_ask(k_cancel, k_ok, nullptr, "%s", text.c_str()) == 1 && has_view();
 }
 
-/// Who else has the file open is told when it is opened.
-void EditorWindow::tell_of_other_program() {
-    if (other_program_ != 0)
-        xvt_dm_post_note("%s", format_message(msg_open_elsewhere, path_of(file_).c_str(),
-                                              static_cast<int>(other_program_))
-                                   .c_str());
-}
-
 /// Does the user want a file to be written that another program has open?
 bool EditorWindow::may_write_beside_other(const String& path) {
-    const std::int64_t other = find_other_program(pellux::view(path));
-    if (other == 0 || other == agreed_program_)
-        return true;
-    const String text = format_message(msg_save_elsewhere, path.c_str(), static_cast<int>(other));
-    if (ask_carefully(text, {"&Save", k_cancel}) != 0 || !has_view())
+    const auto agreed = ask_to_write_beside_other(path, agreed_program_);
+    if (!agreed || !has_view())
         return false;
-    agreed_program_ = other;
+    agreed_program_ = *agreed;
     return true;
 }
 

@@ -126,7 +126,6 @@ private:
     bool write_to_disk();
     [[nodiscard]] bool may_overwrite();
     [[nodiscard]] bool may_write_beside_other(const String& path);
-    void tell_of_other_program();
     [[nodiscard]] bool may_throw_away();
     void note_file();
 

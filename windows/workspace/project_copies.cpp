@@ -4,8 +4,8 @@
 #include "core/project/project_file.h"
 #include "core/text/text_document.h"
 #include "windows/controls/boxes.h"
-#include "windows/editor/messages.h"
 #include "windows/editor/open_editors.h"
+#include "windows/editor/other_program.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
@@ -55,29 +55,20 @@ void note_project_file(Window window) {
     open->noted_file = path;
     open->other_program = path.empty() ? 0 : find_other_program(view(path));
     open->copy.process = open->other_program == 0 ? 0 : current_process_id();
-    if (path.empty())
-        return;
-    note_opened(view(path));
-    if (open->other_program != 0)
-        xvt_dm_post_note("%s", format_message(msg_open_elsewhere, path.c_str(),
-                                              static_cast<int>(open->other_program))
-                                   .c_str());
+    if (!path.empty())
+        note_opened(view(path));
+    tell_of_other_program(path, open->other_program);
 }
 
 bool may_write_beside_other(Window window) {
     const OpenProject* open = find_open_project(window);
     if (open == nullptr || open->other_program == 0)
         return true;
-    const String path = project_path(*open->project);
-    const std::int64_t other = find_other_program(view(path));
-    if (other == 0 || other == open->agreed_program)
-        return true;
-    const String text = format_message(msg_save_elsewhere, path.c_str(), static_cast<int>(other));
-    if (ask_carefully(text, {"&Save", k_cancel}) != 0)
-        return false;
-    if (OpenProject* still = find_open_project(window))
-        still->agreed_program = other;
-    return true;
+    const auto agreed =
+        ask_to_write_beside_other(project_path(*open->project), open->agreed_program);
+    if (OpenProject* still = find_open_project(window); still != nullptr && agreed)
+        still->agreed_program = *agreed;
+    return agreed.has_value();
 }
 
 void write_project_copy(OpenProject& open) {
