@@ -5,6 +5,7 @@
 #include "core/common/text_file.h"
 #include "core/os/files.h"
 #include "core/os/process.h"
+#include "core/os/safe_copy.h"
 #include "core/text/text_compare.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/messages.h"
@@ -180,6 +181,8 @@ void EditorWindow::read_again() {
     replace_text(*fresh);
     note_saved(document());
     note_file();
+    if (PathBuffer left; find_interrupted_copy(pellux::view(path), left))
+        tell_old_contents(path, left.view());
 }
 
 bool EditorWindow::load_left(std::string_view path, std::string_view copy) {

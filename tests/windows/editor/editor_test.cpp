@@ -477,7 +477,10 @@ TEST_F(Editors, KeepBothWhereACopyAndItsFileDiffer) {
                             fs::last_write_time(path) + std::chrono::seconds(2));
         user_.expect_ask("The writing of 'text.vhd' was cut off.  Its old contents are in *", "No");
         user_.expect_ask("Backup of 'text.vhd' is newer.  Restore from it?", "No");
-        opened(path).close_now();
+        EditorWindow& damaged = opened(path);
+        user_.expect_error("The old contents of '" + path + "' lie in '*");
+        choose(damaged, EditorCommand::revert);
+        damaged.close_now();
         user_.expect_ask("The writing of 'text.vhd' was cut off.  Its old contents are in *",
                          "Yes");
         EXPECT_EQ(state(opened(path)), "|before");
