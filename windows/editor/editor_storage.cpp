@@ -186,12 +186,8 @@ void EditorWindow::read_again() {
 }
 
 bool EditorWindow::load_left(std::string_view path, std::string_view copy) {
-    if (!path.empty()) {
-        const OfferedCopy left{.path = String(copy)};
-        return load_text_of(String(path), &left);
-    }
-    discard();
-    return restore(copy);
+    const OfferedCopy left{.path = String(copy)};
+    return load_text_of(String(path), &left);
 }
 
 bool EditorWindow::restore(std::string_view copy) {

@@ -132,6 +132,11 @@ void place(const EditorWindow& editor, const Rect& stored) {
     move_frame(editor.window(), moved_into(shifted, area));
 }
 
+/// Where the project remembers that a file's window stood.
+Rect stored_place(Window project, std::string_view path) {
+    return project == Window::none ? Rect{} : editor_hooks().place(project, path);
+}
+
 EditorWindow* make_editor(Window project, const Rect& stored) {
     EditorWindow* editor = &editors.add(project, k_others);
     if (xvt_win_create_res(k_editor_window, {TextWindow::handle, editor}) == Window::none) {
@@ -181,8 +186,7 @@ EditorWindow* open_editor(Window project, std::string_view path) {
         known->look_at_disk();
         return known;
     }
-    const Rect stored = project == Window::none ? Rect{} : editor_hooks().place(project, path);
-    EditorWindow* editor = make_editor(project, stored);
+    EditorWindow* editor = make_editor(project, stored_place(project, path));
     if (editor == nullptr)
         return nullptr;
     // Loading may show another window, in front of it.
@@ -194,30 +198,28 @@ EditorWindow* open_editor(Window project, std::string_view path) {
     return editor;
 }
 
-bool restore_text(Window project, std::string_view path, std::string_view copy) {
-    EditorWindow* known = path.empty() ? nullptr : find_editor(path);
-    if (known != nullptr) {
-        xvt_vobj_raise(known->window());
-        return known->restore(copy);
-    }
-    const bool has_place = project != Window::none && !path.empty();
-    EditorWindow* editor =
-        make_editor(project, has_place ? editor_hooks().place(project, path) : Rect{});
-    if (editor == nullptr)
-        return false;
-    if (!editor->load_left(path, copy)) {
-        xvt_vobj_destroy(editor->window());
-        return false;
-    }
-    xvt_vobj_raise(editor->window());
-    return true;
-}
-
 EditorWindow* open_new_editor(Window project) {
     EditorWindow* editor = make_editor(project, {});
     if (editor != nullptr)
         editor->discard();
     return editor;
+}
+
+bool restore_text(Window project, std::string_view path, std::string_view copy) {
+    if (EditorWindow* known = path.empty() ? nullptr : find_editor(path)) {
+        xvt_vobj_raise(known->window());
+        return known->restore(copy);
+    }
+    EditorWindow* editor =
+        path.empty() ? open_new_editor(project) : make_editor(project, stored_place(project, path));
+    if (editor == nullptr)
+        return false;
+    if (path.empty() ? editor->restore(copy) : editor->load_left(path, copy)) {
+        xvt_vobj_raise(editor->window());
+        return true;
+    }
+    xvt_vobj_destroy(editor->window());
+    return false;
 }
 
 bool may_close_editors(Window project) {

@@ -45,7 +45,6 @@ constexpr std::array k_buttons{ButtonRow{k_restore, "&Restore"},
 struct LeftWork {
     KeptCopy kept;
     CopyState state = CopyState::none;
-    std::size_t owner = 0; ///< which register it is noted in
 };
 
 /// One for the process.
@@ -68,12 +67,11 @@ CopyState state_of(const KeptCopy& kept) {
 /// Finds out what there is to offer; what is not is nobody's any more.
 void look() {
     g_recovery.works.clear();
-    for (std::size_t i = 0; i < g_recovery.registers.size(); ++i) {
-        LeftRegister& left = g_recovery.registers[i];
+    for (LeftRegister& left : g_recovery.registers) {
         for (const KeptCopy& kept : Vector<KeptCopy>(left.copies)) {
             const CopyState state = state_of(kept);
             if (state == CopyState::newer || state == CopyState::beside_changed)
-                g_recovery.works.push_back({kept, state, i});
+                g_recovery.works.push_back({kept, state});
             else
                 drop_left_copy(left, view(kept.copy));
         }
