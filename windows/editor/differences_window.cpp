@@ -4,12 +4,12 @@
 #include "core/text/line_differences.h"
 #include "core/text/text_storage.h"
 #include "windows/controls/boxes.h"
+#include "windows/controls/button_row.h"
 #include "windows/controls/help_topics.h"
 #include "windows/controls/messages.h"
 #include "windows/editor/messages.h"
 #include "windows/textview/text_output.h"
 #include "windows/textview/window_list.h"
-#include "windows/toolkit/control.h"
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 
@@ -24,6 +24,7 @@ constexpr std::array k_windows{WindowResource{.number = k_window, .width = 720, 
 
 constexpr int k_restore = 1;
 constexpr int k_close = 2;
+constexpr std::array k_buttons{RowButton{k_restore, "&Restore"}, RowButton{k_close, "&Close"}};
 constexpr int k_escape = 27;
 
 class DifferencesWindow final : public TextWindow {
@@ -40,36 +41,15 @@ protected:
     bool take_key(const CharacterEvent& key) override;
 
 private:
-    void make_buttons();
     void run(int button);
 
-    Window restore_ = Window::none;
-    Window close_ = Window::none;
     char mark_ = ' '; ///< of the line that is being drawn
 };
 
 WindowList<DifferencesWindow> windows;
 
-void DifferencesWindow::make_buttons() {
-    restore_ = xvt_ctl_create({.parent = window(), .id = k_restore});
-    xvt_vobj_set_title(restore_, "&Restore");
-    close_ = xvt_ctl_create({.parent = window(), .id = k_close});
-    xvt_vobj_set_title(close_, "&Close");
-}
-
 void DifferencesWindow::lay_out() {
-    constexpr int k_button_width = 96;
-    constexpr int k_button_height = 28;
-    constexpr int k_gap = 8;
-    Rect area = xvt_vobj_get_client_rect(window());
-    const int top = area.bottom - k_gap - k_button_height;
-    int right = area.right - k_gap;
-    for (const Window button : {close_, restore_}) {
-        xvt_vobj_move(button, {top, right - k_button_width, top + k_button_height, right});
-        right -= k_button_width + k_gap;
-    }
-    area.bottom = std::max(area.top, top - k_gap);
-    place_text(area);
+    place_text(lay_out_button_row(window(), k_buttons));
 }
 
 /// What was lost and what is new differ in their colours as in their marks.
@@ -107,7 +87,7 @@ bool DifferencesWindow::take_key(const CharacterEvent& key) {
 
 long DifferencesWindow::on_event(const Event& event) {
     if (event.get<CreationEvent>() != nullptr)
-        make_buttons();
+        create_button_row(window(), k_buttons);
     if (const auto* control = event.get<ControlEvent>();
         control != nullptr && (control->id == k_restore || control->id == k_close)) {
         run(control->id);

@@ -5,6 +5,7 @@
 #include "core/os/clock.h"
 #include "core/project/source_list.h"
 #include "windows/controls/boxes.h"
+#include "windows/controls/button_row.h"
 #include "windows/controls/help_topics.h"
 #include "windows/editor/differences_window.h"
 #include "windows/editor/messages.h"
@@ -34,13 +35,9 @@ constexpr int k_compare = 3;
 constexpr int k_delete = 4;
 constexpr int k_later = 5;
 
-struct ButtonRow {
-    int id;
-    const char* title;
-};
-constexpr std::array k_buttons{ButtonRow{k_restore, "&Restore"},
-                               ButtonRow{k_compare, "&Differences"}, ButtonRow{k_delete, "De&lete"},
-                               ButtonRow{k_later, "La&ter"}};
+constexpr std::array k_buttons{RowButton{k_restore, "&Restore"},
+                               RowButton{k_compare, "&Differences"}, RowButton{k_delete, "De&lete"},
+                               RowButton{k_later, "La&ter"}};
 
 struct LeftWork {
     KeptCopy kept;
@@ -173,25 +170,15 @@ void run(int button) {
 }
 
 void lay_out(Window window) {
-    constexpr int k_button_width = 104;
-    constexpr int k_button_height = 28;
     constexpr int k_gap = 8;
-    const Rect area = xvt_vobj_get_client_rect(window);
-    const int top = area.bottom - k_gap - k_button_height;
-    xvt_vobj_move(list(), {area.top + k_gap, area.left + k_gap, top - k_gap, area.right - k_gap});
-    int right = area.right - k_gap;
-    for (auto row = k_buttons.rbegin(); row != k_buttons.rend(); ++row) {
-        xvt_vobj_move(xvt_win_get_ctl(window, row->id),
-                      {top, right - k_button_width, top + k_button_height, right});
-        right -= k_button_width + k_gap;
-    }
+    const Rect area = lay_out_button_row(window, k_buttons);
+    xvt_vobj_move(list(), {area.top + k_gap, area.left + k_gap, area.bottom, area.right - k_gap});
 }
 
 void create(Window window) {
     g_recovery.window = window;
     xvt_ctl_create({.parent = window, .kind = ControlKind::list, .id = k_list});
-    for (const ButtonRow& row : k_buttons)
-        xvt_vobj_set_title(xvt_ctl_create({.parent = window, .id = row.id}), row.title);
+    create_button_row(window, k_buttons);
     xvt_vobj_set_title(window, view(format_message(msg_left_work)));
     associate_help({.window = window}, HelpTopic::editor);
     lay_out(window);
