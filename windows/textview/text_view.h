@@ -5,6 +5,7 @@
 #include "windows/textview/line_layout.h"
 #include "windows/toolkit/draw.h"
 
+#include <array>
 #include <limits>
 #include <optional>
 #include <span>
@@ -32,6 +33,10 @@ enum RedrawFlag : unsigned {
     k_redraw_same_lines = 2,  ///< an edit left the number of lines as it was
     k_redraw_moved_lines = 4, ///< an edit changed it
 };
+
+/// On which ground marked stretches of a text stand.
+enum class MarkGround : std::uint8_t { plain, alarm };
+inline constexpr std::size_t k_mark_grounds = 2;
 
 /// What must be drawn again of a text that changed: the lines that hold a range, and by how many
 /// the lines behind it were moved. -1: nothing.
@@ -77,13 +82,14 @@ struct TextView {
     TextWatcher watcher;
     int ascent = 0;
     int margin = 0;              ///< left of the text
+    int margin_columns = 0;      ///< of it, for marks
     int widest = 0;              ///< of the lines seen so far
     Vector<RowGround> grounds;   ///< of the rows, as they were drawn
     std::int64_t drawn_top = 0;  ///< number of the line in the first row, when it was drawn
     std::int64_t told_lines = 0; ///< by the scroll callback
     int told_widest = 0;
-    TextRange drawn_selection; ///< in the text of now
-    Vector<TextRange> marked;  ///< the same
+    TextRange drawn_selection;                            ///< in the text of now
+    std::array<Vector<TextRange>, k_mark_grounds> marked; ///< the same, by their grounds
     std::optional<SearchPattern> sought;
     bool tints_caret_line = false;
     Color tint = Color::white;            ///< of that line, since all was drawn anew
@@ -109,14 +115,18 @@ void set_scroll_callback(TextView& view, TextView::Callback callback, void* cont
 // How it is seen. Each draws what it changes, or asks for an update event.
 
 void set_view_font(TextView& view, Font font);
+/// Room for marks left of the text, as wide as so many blanks, which who draws the text fills.
+void set_margin_columns(TextView& view, int columns);
 /// Columns, 1 at least.
 void set_tab_width(TextView& view, int columns);
 void set_view_size(TextView& view, int width, int height);
 void set_view_focus(TextView& view, bool has_focus);
 /// The line that holds the caret stands on a ground of its own; at first none does.
 void set_caret_line_tint(TextView& view, bool is_tinted);
-/// These stretches of the text, ascending and apart, stand on a marked ground. Edits move them.
-void set_marked_ranges(TextView& view, std::span<const TextRange> ranges);
+/// These stretches of the text, ascending and apart, stand on a ground of their own. Edits move
+/// them.
+void set_marked_ranges(TextView& view, std::span<const TextRange> ranges,
+                       MarkGround ground = MarkGround::plain);
 /// The matches in sight stand on a ground of their own; found when their lines are drawn.
 void set_sought_pattern(TextView& view, std::optional<SearchPattern> pattern);
 void show_composition(TextView& view, std::string_view text);

@@ -34,9 +34,12 @@ Color highlight_part(int percent) {
     return mix_colors(paper, xvt_scr_get_color(ThemeColor::text), k_ink_percent);
 }
 
-Color marked_ground() {
+Color marked_ground(MarkGround ground) {
+    constexpr Color k_alarm = make_color(0xD6, 0x45, 0x45);
     constexpr int k_percent = 40;
-    return highlight_part(k_percent);
+    return ground == MarkGround::plain
+               ? highlight_part(k_percent)
+               : mix_colors(xvt_scr_get_color(ThemeColor::base), k_alarm, k_percent);
 }
 
 Color match_ground() {
@@ -144,9 +147,11 @@ bool draw_over(TextView& view, const Row& row, TextRange range, const RowPart& c
 }
 
 bool draw_marked(TextView& view, const Row& row, const RowPart& columns) {
-    for (const TextRange range : ranges_in(view.marked, {row.start, row.end}))
-        if (!draw_over(view, row, range, columns, marked_ground(), false))
-            return false;
+    for (const MarkGround ground : {MarkGround::plain, MarkGround::alarm})
+        for (const TextRange range :
+             ranges_in(view.marked[static_cast<std::size_t>(ground)], {row.start, row.end}))
+            if (!draw_over(view, row, range, columns, marked_ground(ground), false))
+                return false;
     return true;
 }
 

@@ -31,8 +31,9 @@ void take_change(TextView& view, const TextChange& change) {
         k_redraw_edited | (change.lines_inserted == change.lines_removed ? k_redraw_same_lines
                                                                          : k_redraw_moved_lines);
     view.drawn_selection = moved(view.drawn_selection, change);
-    for (TextRange& range : view.marked)
-        range = moved(range, change);
+    for (Vector<TextRange>& ranges : view.marked)
+        for (TextRange& range : ranges)
+            range = moved(range, change);
     forget_places(view.layout, change.at, change.removed, change.inserted);
 }
 
@@ -63,14 +64,15 @@ bool draw_differing(TextView& view, TextRange before, TextRange now) {
 }
 
 /// Draws the rows where other ranges are marked than before.
-bool draw_marked(TextView& view, std::span<const TextRange> before) {
+bool draw_marked(TextView& view, std::span<const TextRange> before,
+                 std::span<const TextRange> now) {
     const TextDocument& document = view.editing.document;
     const std::int64_t top = top_line(view);
     const std::int64_t end = std::min(top + row_count(view), line_count(document));
     TextRange row{.start = line_start(document, top)};
     for (std::int64_t line = top; line < end; ++line, row.start = row.end + 1) {
         row.end = line_end(document, line);
-        if (!std::ranges::equal(ranges_in(before, row), ranges_in(view.marked, row)) &&
+        if (!std::ranges::equal(ranges_in(before, row), ranges_in(now, row)) &&
             !draw_lines(view, line, line))
             return false;
     }
@@ -219,19 +221,20 @@ void refresh(TextView& view) {
     tell_scrolled(view, false);
 }
 
-void set_marked_ranges(TextView& view, std::span<const TextRange> ranges) {
+void set_marked_ranges(TextView& view, std::span<const TextRange> ranges, MarkGround ground) {
     take_changes(view);
-    if (std::ranges::equal(view.marked, ranges))
+    Vector<TextRange>& marked = view.marked[static_cast<std::size_t>(ground)];
+    if (std::ranges::equal(marked, ranges))
         return;
     const DrawGuard guard(view);
     refresh(view);
     if (guard.is_gone())
         return;
-    const Vector<TextRange> before = std::exchange(view.marked, {ranges.begin(), ranges.end()});
+    const Vector<TextRange> before = std::exchange(marked, {ranges.begin(), ranges.end()});
     if (is_undrawn(view))
         return;
     erase_caret(view);
-    if (draw_marked(view, before))
+    if (draw_marked(view, before, marked))
         draw_caret(view);
 }
 

@@ -70,9 +70,15 @@ void set_view_font(TextView& view, Font font) {
     view.ascent = metrics.ascent;
     view.line_height = std::max(1, metrics.ascent + metrics.descent + metrics.leading);
     measure_font(view.layout, view.editing.tab_width);
-    view.margin = std::max(1, view.layout.advances[' '] / 2);
+    const int blank = view.layout.advances[' '];
+    view.margin = std::max(1, blank / 2) + view.margin_columns * blank;
     view.widest = 0;
     redraw_all(view);
+}
+
+void set_margin_columns(TextView& view, int columns) {
+    view.margin_columns = columns;
+    set_view_font(view, xvt_dwin_get_font(view.target));
 }
 
 void set_tab_width(TextView& view, int columns) {
