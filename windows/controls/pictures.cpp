@@ -35,6 +35,7 @@ constexpr std::array k_pictures{
     ImageResource{323, "go_to_error"},
     ImageResource{324, "halt"},
     ImageResource{325, "close"},
+    ImageResource{326, "open_waveform"},
     // Project window.
     ImageResource{331, "new_project"},
     ImageResource{332, "open_project"},
@@ -58,6 +59,10 @@ constexpr std::array k_pictures{
     ImageResource{number_of(Picture::missing_file), "missing_file"},
     ImageResource{number_of(Picture::top_file), "top_file"},
     ImageResource{number_of(Picture::program), "program"},
+    // Margins.
+    ImageResource{number_of(Picture::error_mark), "error_mark"},
+    ImageResource{number_of(Picture::warning_mark), "warning_mark"},
+    ImageResource{number_of(Picture::note_mark), "note_mark"},
 };
 
 constexpr bool is_ascending() {

@@ -13,6 +13,9 @@ enum class Picture {
     missing_file = 353,
     top_file = 354,
     program = 361,
+    error_mark = 371,
+    warning_mark = 372,
+    note_mark = 373,
 };
 
 /// The pictures of all toolbars and lists, by their numbers.

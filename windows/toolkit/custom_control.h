@@ -31,7 +31,7 @@ Window xvt_cxo_create(const CustomControlSpec& spec);
 
 /// What a control is to assistive technology, which says it with the control's name. A press from
 /// there comes as a blank typed.
-enum class ControlRole { pane, tool_bar, button, check_box, status_bar, text };
+enum class ControlRole { pane, tool_bar, button, check_box, status_bar, progress_bar, text };
 struct ControlAccess {
     ControlRole role = ControlRole::pane;
     bool is_pressed = false; ///< held down

@@ -25,6 +25,8 @@ QAccessible::Role role_of(ControlRole role) {
         return QAccessible::CheckBox;
     case ControlRole::status_bar:
         return QAccessible::StatusBar;
+    case ControlRole::progress_bar:
+        return QAccessible::ProgressBar;
     case ControlRole::text:
         return QAccessible::EditableText;
     case ControlRole::pane:
