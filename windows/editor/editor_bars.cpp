@@ -66,6 +66,7 @@ constexpr struct {
     {move_lines_up, Need::change},
     {move_lines_down, Need::change},
     {smart_compile, Need::project},
+    {compile_file, Need::project},
     {print, Need::never},
     {replace, Need::change},
     {replace_selection, Need::selected_change},

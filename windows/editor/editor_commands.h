@@ -50,6 +50,7 @@ enum class EditorCommand : int {
     help_contents = 240,
     first_recent = 241, ///< and so on to `last_recent`
     last_recent = 249,
+    compile_file = 250,
 
     // Of keys alone.
     character_left = 251,

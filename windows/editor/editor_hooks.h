@@ -16,7 +16,10 @@ struct EditorHooks {
     };
     /// Can its files be compiled, and does no compile run?
     bool (*can_compile)(Window project) = [](Window) { return false; };
+    /// After all of its changed texts were saved.
     void (*compile)(Window project) = [](Window) {};
+    /// The same of one file alone.
+    void (*compile_file)(Window project, std::string_view path) = [](Window, std::string_view) {};
     /// A key that the editor has no use for; false when the project has none either.
     bool (*take_key)(Window project, const CharacterEvent& key) =
         [](Window, const CharacterEvent&) { return false; };

@@ -37,6 +37,7 @@ constexpr std::array k_file{
     without_command("&Print...", print),
     k_separator,
     item("Smart &compile project", smart_compile),
+    item("Compile &this file", compile_file),
     k_separator,
     item("C&lose", EditorCommand::close),
     item("&Quit", quit),
@@ -108,9 +109,9 @@ struct CommonKey {
     std::string_view written;
 };
 constexpr std::array k_common_keys{
-    CommonKey{help_contents, "F1"},   CommonKey{smart_compile, "F7"},
-    CommonKey{larger_font, "Ctrl++"}, CommonKey{smaller_font, "Ctrl+-"},
-    CommonKey{usual_font, "Ctrl+0"},
+    CommonKey{help_contents, "F1"},    CommonKey{smart_compile, "F7"},
+    CommonKey{compile_file, "F8"},     CommonKey{larger_font, "Ctrl++"},
+    CommonKey{smaller_font, "Ctrl+-"}, CommonKey{usual_font, "Ctrl+0"},
 };
 
 std::string_view written_key(EditorCommand command, KeyScheme scheme) {

@@ -77,6 +77,7 @@ void EditorWindow::change_file(EditorFile next) {
     file_ = std::move(next);
     if (before == now)
         return;
+    forget_messages();
     if (!before.empty())
         note_closed(pellux::view(before));
     other_program_ = now.empty() ? 0 : find_other_program(pellux::view(now));

@@ -75,6 +75,12 @@ constexpr std::array k_edits{
             [](TextEditing& editing) { select_mode(editing, SelectMode::none); }},
 };
 
+/// Where a message's place is in a text, as far as there is so much of it.
+ByteOffset named_offset(const TextDocument& document, const MessageLine& message) {
+    return offset_at(document, {std::max<std::int64_t>(message.line, 1) - 1,
+                                std::max<std::int64_t>(message.column, 1) - 1});
+}
+
 } // namespace
 
 EditorWindow::EditorWindow(Window of_project, const Others& others)
@@ -200,6 +206,8 @@ void EditorWindow::mark_parentheses() {
 void EditorWindow::show_status() {
     if (!has_view())
         return;
+    if (!message_words_.empty() && message_edits_ != document().edits)
+        drop_message();
     mark_parentheses();
     follow_numbers();
     const TextEditing& editing = view().editing;
@@ -228,7 +236,7 @@ void EditorWindow::show_status() {
                    .encoding = document().encoding == TextEncoding::utf_8 ? "UTF-8" : "Latin-1",
                    .line_end = document().ends_lines_with_cr ? "CR LF" : "LF",
                    .matches = pellux::view(matches),
-                   .instead = pellux::view(words_)});
+                   .instead = pellux::view(words_.empty() ? message_words_ : words_)});
 }
 
 void EditorWindow::hook() {
@@ -248,6 +256,46 @@ void EditorWindow::goto_line(std::int64_t line) {
     go_to(view().editing, {std::max<std::int64_t>(line, 1) - 1, 0});
     show_caret(view());
     hook();
+}
+
+void EditorWindow::note_message(std::int64_t number, const MessageLine& message) {
+    noted_.note(document(), number, named_offset(document(), message));
+}
+
+void EditorWindow::forget_messages() {
+    noted_.forget();
+    drop_message();
+}
+
+void EditorWindow::show_message(std::int64_t number, const MessageLine& message) {
+    const ByteOffset at = noted_.find(number).value_or(named_offset(document(), message));
+    select_mode(view().editing, SelectMode::none);
+    go_to_offset(view().editing, at);
+    const ByteOffset line = line_start(document(), caret_line(view().editing));
+    const ByteOffset end = line_end(document(), caret_line(view().editing));
+    TextRange range = word_at(document(), at);
+    if (message.column == 0)
+        range = {line, end};
+    else if (range.end <= at)
+        range = {at, std::min(next_character(document(), at), end)};
+    set_marked_ranges(view(), std::span(&range, 1), MarkGround::alarm);
+    message_words_ = message.words;
+    message_edits_ = document().edits;
+    // What stands around the place belongs to it.
+    const std::int64_t place = caret_line(view().editing);
+    const int rows = full_rows(view());
+    if (place <= top_line(view()) || place + 1 >= top_line(view()) + rows)
+        set_top_line(view(), place - rows / 3);
+    show_caret(view());
+    hook();
+    show_status();
+}
+
+/// What a message said of the text holds no longer.
+void EditorWindow::drop_message() {
+    message_words_.clear();
+    if (has_view())
+        set_marked_ranges(view(), {}, MarkGround::alarm);
 }
 
 void EditorWindow::go_to_line() {
@@ -384,6 +432,7 @@ void EditorWindow::run(EditorCommand command) {
         Row{Command::replace, [](EditorWindow& editor) { editor.replace(); }},
         Row{Command::replace_selection, [](EditorWindow& editor) { editor.replace_selection(); }},
         Row{Command::smart_compile, [](EditorWindow& editor) { editor.compile(); }},
+        Row{Command::compile_file, [](EditorWindow& editor) { editor.compile_file(); }},
         Row{Command::select_font, [](EditorWindow& editor) { editor.choose_font(); }},
         Row{Command::larger_font, [](EditorWindow& editor) { editor.zoom(1); }},
         Row{Command::smaller_font, [](EditorWindow& editor) { editor.zoom(-1); }},
@@ -409,7 +458,7 @@ void EditorWindow::run_tag(int tag) {
     clear_words();
     if (recent >= 0 && static_cast<std::size_t>(recent) < texts.size())
         others_.open(project, pellux::view(String(texts[static_cast<std::size_t>(recent)])));
-    else if (tag > 0 && tag <= static_cast<int>(Command::last_recent))
+    else if (tag > 0 && tag <= static_cast<int>(Command::compile_file))
         run(static_cast<EditorCommand>(tag));
     else
         shell().run_tool(shell().context, tag);
@@ -418,6 +467,11 @@ void EditorWindow::run_tag(int tag) {
 void EditorWindow::compile() {
     if (state_.can_compile)
         editor_hooks().compile(project);
+}
+
+void EditorWindow::compile_file() {
+    if (state_.can_compile && has_name(file_))
+        editor_hooks().compile_file(project, pellux::view(String(path_of(file_))));
 }
 
 void EditorWindow::close() {
@@ -486,6 +540,8 @@ long EditorWindow::on_event(const Event& event) {
         auto_save();
         return 0;
     } else if (const auto* focus = event.get<FocusEvent>(); focus != nullptr && focus->gained) {
+        static std::uint64_t last_focused = 0;
+        focused = ++last_focused;
         show_menus();
         post_call(disk_look_);
     } else if (event.get<DestructionEvent>() != nullptr) {

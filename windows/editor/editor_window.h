@@ -6,8 +6,10 @@
 #include "windows/editor/editor_keys.h"
 #include "windows/editor/highlighting.h"
 #include "windows/editor/line_numbers.h"
+#include "windows/editor/noted_places.h"
 #include "windows/textview/text_window.h"
 
+#include "core/launch/message_line.h"
 #include "core/os/loop.h"
 #include "core/project/records.h"
 
@@ -35,8 +37,9 @@ public:
     EditorWindow(Window of_project, const Others& others);
     ~EditorWindow() override;
 
-    const Window project; ///< that the text belongs to; none: to nobody's
-    Rect placed;          ///< where the window stood at first, its user not having moved it
+    const Window project;      ///< that the text belongs to; none: to nobody's
+    std::uint64_t focused = 0; ///< counts up over all editors when one gets the focus
+    Rect placed;               ///< where the window stood at first, its user not having moved it
 
     [[nodiscard]] const EditorFile& file() const { return file_; }
     /// Reads a file in the place of the text, whose changes are lost. False when it can't be read,
@@ -49,6 +52,18 @@ public:
     bool restore(std::string_view copy);
     /// From 1; the caret stands at its start, in sight.
     void goto_line(std::int64_t line);
+    // Messages of a compiler, by their numbers in its run.
+
+    /// One came that names a place of the text, which from now on is followed through all edits.
+    void note_message(std::int64_t number, const MessageLine& message);
+    /// Another run begins.
+    void forget_messages();
+    /// Goes to the place of a message. It is marked, and the message stands in the status line,
+    /// until the text is edited.
+    void show_message(std::int64_t number, const MessageLine& message);
+    /// What can be done with the project is another now.
+    void follow_project() { show_status(); }
+
     /// At the caret.
     void insert_template(std::string_view text);
     /// Asks about changes that are not saved; false when the window must stay.
@@ -102,6 +117,8 @@ private:
     bool run_edit(EditorCommand command);
     void move(EditorCommand command, bool selects);
     void compile();
+    void compile_file();
+    void drop_message();
     void close();
     void choose_keys(KeyScheme scheme);
     void choose_font();
@@ -138,6 +155,9 @@ private:
     Owned<LineNumbers> numbers_; ///< null where the project wants none
     bool is_recovered_ = false;
     KeyPrefix prefix_ = KeyPrefix::none;
+    NotedPlaces noted_;
+    String message_words_; ///< of the message whose place is marked; empty: none is
+    std::uint64_t message_edits_ = 0;
     String words_; ///< in the status line, until the next key or command
     std::optional<ShownMenus> shown_menus_;
     EditorState state_;

@@ -205,6 +205,14 @@ EditorWindow* open_new_editor(Window project) {
     return editor;
 }
 
+EditorWindow* front_editor(Window project) {
+    EditorWindow* front = nullptr;
+    for (EditorWindow* editor : editors_of(project))
+        if (editor->has_view() && (front == nullptr || editor->focused > front->focused))
+            front = editor;
+    return front;
+}
+
 bool restore_text(Window project, std::string_view path, std::string_view copy) {
     if (EditorWindow* known = path.empty() ? nullptr : find_editor(path)) {
         xvt_vobj_raise(known->window());

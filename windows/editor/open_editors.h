@@ -23,6 +23,8 @@ EditorWindow* open_new_editor(Window project);
 bool restore_text(Window project, std::string_view path, std::string_view copy);
 /// Null where the file has none.
 [[nodiscard]] EditorWindow* find_editor(std::string_view path);
+/// The project's one that had the focus last; null where it has none.
+[[nodiscard]] EditorWindow* front_editor(Window project);
 /// All of them, in the order in which they were opened.
 [[nodiscard]] Vector<EditorWindow*> open_editors();
 
