@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/launch/command_line.h"
+#include "core/launch/messages.h"
 #include "core/launch/response_file.h"
 #include "core/os/argument_vector.h"
 
@@ -186,6 +187,11 @@ void Spawner::halt() {
         start_timer(grace_, k_close_grace_ms);
 }
 
+void Spawner::wait_until_connected(std::int64_t timeout_ms) {
+    if (running_ && child_window_ == 0)
+        wait_for_connection(*server_, timeout_ms);
+}
+
 int Spawner::wait() {
     while (running_)
         if (run_turn(TurnWait::until_event) == TurnResult::quit)
@@ -309,6 +315,17 @@ void Spawner::complete_if_gone() {
             complete(1);
             return;
         }
+}
+
+String end_cause_text(const SpawnerEnd& end, const char* program) {
+    if (end.has_told)
+        return {};
+    if (!end.process)
+        return format_message(msg_program_given_up, program);
+    if (end.process->by_signal)
+        return format_message(msg_program_crashed, program, end.process->code);
+    return format_message(end.has_spoken ? msg_program_broke_off : msg_program_never_spoke, program,
+                          end.process->code);
 }
 
 } // namespace pellux

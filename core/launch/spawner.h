@@ -18,6 +18,9 @@ struct SpawnerEnd {
     std::optional<ProcessEnd> process; ///< none of a child that was given up
 };
 
+/// Why a program that has ended told no result; empty where it has told one.
+[[nodiscard]] String end_cause_text(const SpawnerEnd& end, const char* program);
+
 /// Starts one child program at a time and relays what it sends over its text channel.
 ///
 /// Text comes as `(text, 0, 0)`, possibly several lines in one; the end once as `(null, 1,
@@ -54,6 +57,9 @@ public:
     /// Asks the child to close; one that does not within two seconds, or that was never heard of,
     /// is ended with all that it started.
     void halt();
+    /// Waits for the child's channel alone, so long at most, until the child has connected; what it
+    /// says meanwhile is handed over.
+    void wait_until_connected(std::int64_t timeout_ms);
     /// Turns the loop until the child has ended and answers its status; -1 when the loop is told
     /// to quit.
     int wait();

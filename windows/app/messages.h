@@ -15,5 +15,7 @@ inline Message<> msg_picture_line{"E2028", "Write, compile and simulate VHDL des
 inline Message<const char*, const char*> msg_tool_missing{
     "E2029", "Can't run '%s'.\nTo have it, install the package '%s'."};
 inline Message<const char*, const char*> msg_cannot_read_tools{"E2030", "Can't read '%s': %s."};
+inline Message<> msg_no_waveform_viewer{
+    "E2031", "The Tools menu has no tool with \"waveform\" in its label, to show it."};
 
 } // namespace pellux

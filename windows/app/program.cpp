@@ -28,6 +28,9 @@ ShellHooks shell_hooks(Shell& shell) {
     hooks.insert_tools_menu = [](void* context, Window window) {
         insert_tools_menu(from_context<Shell>(context).tools, window);
     };
+    hooks.open_waveform = [](void* context, std::string_view path) {
+        open_waveform(from_context<Shell>(context).tools, path);
+    };
     hooks.run_tool = [](void* context, int tag) {
         run_tool(from_context<Shell>(context).tools, tag);
     };

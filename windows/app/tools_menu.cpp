@@ -4,6 +4,7 @@
 #include "core/devices/device_catalogue.h"
 #include "core/launch/spawner.h"
 #include "core/os/argument_vector.h"
+#include "core/os/ascii.h"
 #include "core/os/environment.h"
 #include "windows/app/messages.h"
 #include "windows/controls/boxes.h"
@@ -82,12 +83,23 @@ void tell_failure(const LaunchResult& result) {
         tell_launch_failure(result);
 }
 
-LaunchResult start_tool(const ToolLine& tool, const String& program) {
-    if (program.empty())
-        return {LaunchStatus::cannot_run, SystemError::none, program};
-    // The program stands for the first word.
-    const auto words = argument_vector<Vector<const char*>>(tool.words);
-    return Spawner::run(program.c_str(), words.data());
+/// Tells the user why it can't be run.
+void start(const ToolLine& tool) {
+    const String program = tool.words.empty() ? String() : expand_environment(view(tool.words[0]));
+    LaunchResult result{LaunchStatus::cannot_run, SystemError::none, program};
+    if (!program.empty()) {
+        // The program stands for the first word.
+        const auto words = argument_vector<Vector<const char*>>(tool.words);
+        result = Spawner::run(program.c_str(), words.data());
+    }
+    if (!result)
+        tell_failure(result);
+}
+
+bool is_waveform_viewer(const ToolLine& tool) {
+    constexpr std::string_view k_word = "waveform";
+    return std::search(tool.label.begin(), tool.label.end(), k_word.begin(), k_word.end(),
+                       [](char x, char y) { return ascii_lower(x) == y; }) != tool.label.end();
 }
 
 } // namespace
@@ -104,11 +116,20 @@ bool run_tool(ToolsMenu& menu, int tag) {
     const Vector<ToolLine>& tools = tools_of(menu);
     if (tag < k_first_tool || static_cast<std::size_t>(tag - k_first_tool) >= tools.size())
         return false;
-    const ToolLine& tool = tools[static_cast<std::size_t>(tag - k_first_tool)];
-    const String program = tool.words.empty() ? String() : expand_environment(view(tool.words[0]));
-    if (const LaunchResult result = start_tool(tool, program); !result)
-        tell_failure(result);
+    start(tools[static_cast<std::size_t>(tag - k_first_tool)]);
     return true;
+}
+
+void open_waveform(ToolsMenu& menu, std::string_view path) {
+    const Vector<ToolLine>& tools = tools_of(menu);
+    const auto viewer = std::find_if(tools.rbegin(), tools.rend(), is_waveform_viewer);
+    if (viewer == tools.rend()) {
+        post_error(msg_no_waveform_viewer);
+        return;
+    }
+    ToolLine tool = *viewer;
+    tool.words.emplace_back(path);
+    start(tool);
 }
 
 } // namespace pellux

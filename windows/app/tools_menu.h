@@ -22,5 +22,8 @@ struct ToolsMenu {
 void insert_tools_menu(ToolsMenu& menu, Window window);
 /// Runs the tool of a tag in the current directory; false when the tag is no tool's.
 bool run_tool(ToolsMenu& menu, int tag);
+/// Runs the waveform viewer with a file: the tool whose label says "waveform", of which the user's
+/// own goes first.
+void open_waveform(ToolsMenu& menu, std::string_view path);
 
 } // namespace pellux

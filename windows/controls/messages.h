@@ -4,6 +4,7 @@
 
 namespace pellux {
 
+inline Message<const char*> msg_text_runs{"E2078", "%s - running"};
 inline Message<> msg_no_dialog{"E2049", "Can't open dialog"};
 inline Message<const char*, const char*> msg_file_unwritten{"E2050", "Can't write '%s': %s."};
 inline Message<const char*, const char*> msg_file_old_contents{

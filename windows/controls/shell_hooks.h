@@ -2,6 +2,8 @@
 
 #include "windows/toolkit/event.h"
 
+#include <string_view>
+
 namespace pellux {
 
 /// What windows of all kinds want of the program around them, which fills it in.
@@ -17,6 +19,8 @@ struct ShellHooks {
     void (*insert_tools_menu)(void* context, Window window) = nullptr;
     /// Runs the tool of a menu's tag, when it is one's.
     void (*run_tool)(void* context, int tag) = nullptr;
+    /// Shows a waveform in the viewer that the Tools menu has.
+    void (*open_waveform)(void* context, std::string_view path) = nullptr;
     void* context = nullptr;
 };
 

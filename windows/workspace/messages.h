@@ -31,18 +31,15 @@ inline Message<int> msg_more_refused{"E2065", "%d more files can't be added."};
 inline Message<const char*, const char*> msg_cannot_list{"E2066", "Can't read directory '%s': %s."};
 inline Message<> msg_no_project_files{"E2067", "The clipboard holds no files of a project."};
 inline Message<> msg_too_much_to_copy{"E2068", "These files can't be put on the clipboard."};
-inline Message<> msg_compile_succeeded{"E2069", "Compilation successful."};
-inline Message<> msg_compile_failed{"E2070", "Compilation failed."};
 inline Message<const char*> msg_compile_title{"E2071", "Compile:%s"};
+inline Message<const char*> msg_simulation_title{"E2117", "Simulate:%s"};
+inline Message<const char*> msg_save_before_compile{"E2119", "Save the changed texts first?\n%s"};
+inline Message<const char*> msg_not_in_project{"E2083", "'%s' is not in the project's list."};
+inline Message<> msg_last_compiles{"E2099", "Last compiles"};
 inline Message<> msg_compile_runs{"E2076", "Compiling"};
+inline Message<> msg_simulation_runs{"E2101", "Simulating"};
 inline Message<const char*> msg_compiles_already{"E2077", "'%s' is being compiled already."};
-inline Message<const char*> msg_text_runs{"E2078", "%s - running"};
-inline Message<const char*, int> msg_program_crashed{"E2079", "'%s' crashed (signal %d)."};
-inline Message<const char*, int> msg_program_never_spoke{
-    "E2084", "'%s' ended with status %d and has said nothing."};
-inline Message<const char*, int> msg_program_broke_off{
-    "E2085", "'%s' ended with status %d and has told no result."};
-inline Message<const char*> msg_program_given_up{"E2098", "'%s' says nothing and was given up."};
+inline Message<const char*> msg_simulates_already{"E2102", "'%s' is being simulated already."};
 inline Message<const char*> msg_project_changed{
     "E2073", "Project '%s' has changed on disk.\nWrite it all the same?"};
 inline Message<> msg_tool_versions{"E2080", "Tool versions"};

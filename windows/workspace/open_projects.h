@@ -8,12 +8,19 @@
 #include "windows/toolkit/geometry.h"
 #include "windows/workspace/source_looks.h"
 
+#include <optional>
 #include <string_view>
 
 namespace pellux {
 
 // The program's list of open projects, and what is known of each. A project is named by its window,
 // since a question to the user may outlive it.
+
+/// What is compiled.
+struct CompileRequest {
+    bool is_all = true;
+    Vector<String> names{}; ///< else: the sources' names
+};
 
 struct OpenProject {
     Owned<Project> project;
@@ -31,6 +38,8 @@ struct OpenProject {
     Rect placed; ///< where the window stood at first, its user not having moved it
     SourceLooks looks;
     SourceHistory history;
+    std::optional<CompileRequest> last_compile;
+    bool walks_errors = false; ///< F4 goes to errors, else to what a search has found
 };
 
 /// What those who change a project want of its window, whose commands call them.

@@ -3,6 +3,7 @@
 #include "core/common/lexical_path.h"
 #include "core/os/files.h"
 #include "core/project/project_file.h"
+#include "windows/compile/compile_window.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/shell_hooks.h"
 #include "windows/editor/open_editors.h"
@@ -71,6 +72,13 @@ ProjectWriteResult write_file(OpenProject& open) {
     return result;
 }
 
+/// Those of the project's window and of its compile window.
+void store_places(OpenProject& open) {
+    store_place(open);
+    if (CompileWindow* output = find_compile_window(open.window))
+        output->keep_place();
+}
+
 /// False when the user keeps the file as it is, or after they were told of a failure.
 bool write_open_project(Window window) {
     const OpenProject* known = find_open_project(window);
@@ -85,7 +93,7 @@ bool write_open_project(Window window) {
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return false;
-    store_place(*open);
+    store_places(*open);
     const ProjectWriteResult result = write_file(*open);
     if (!failed(result.error))
         show_project_change(window);
@@ -127,6 +135,8 @@ bool is_named_or_given_up(Window window) {
 bool close_one(Window window) {
     if (!is_named_or_given_up(window))
         return false;
+    if (CompileWindow* output = find_compile_window(window); output != nullptr && !output->halt())
+        return false;
     const bool is_last = workspace().projects.size() == 1;
     if (!may_close_editors(window) || (is_last && !may_close_editors(Window::none)))
         return false;
@@ -135,7 +145,7 @@ bool close_one(Window window) {
     OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return false;
-    store_place(*open);
+    store_places(*open);
     const bool is_gone = !file_exists(view(project_path(*open->project)));
     if (!is_gone && !has_changed(*open))
         write_memory(*open);

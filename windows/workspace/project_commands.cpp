@@ -1,6 +1,7 @@
 #include "windows/workspace/project_commands.h"
 
 #include "core/project/source_clipboard.h"
+#include "windows/compile/compile_menus.h"
 #include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
@@ -18,15 +19,31 @@
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/search_commands.h"
 
+#include <algorithm>
 #include <array>
 
 namespace pellux {
 namespace {
 
 /// What a command needs to be of use.
-enum class Need { nothing, selection, one_selected, files, clipboard, past, future };
+enum class Need {
+    nothing,
+    selection,
+    one_selected,
+    files,
+    clipboard,
+    past,
+    future,
+    editor,
+    top_design,
+    run,
+    former_run,
+    messages,
+    waveform,
+};
 
-constexpr int tag_of(ProjectCommand command) {
+template <typename Command>
+constexpr int tag_of(Command command) {
     return static_cast<int>(command);
 }
 
@@ -69,10 +86,20 @@ constexpr std::array k_commands{
     CommandRow{tag_of(help_contents), 0, Need::nothing,
                [](Window) { shell().show_help_contents(shell().context); }},
     CommandRow{tag_of(toggle_top), 238, Need::one_selected, toggle_top_design},
-    CommandRow{tag_of(compile_all), 239, Need::files,
-               [](Window window) { compile_project(window, true); }},
-    CommandRow{tag_of(compile_selected), 240, Need::selection,
-               [](Window window) { compile_project(window, false); }},
+    CommandRow{tag_of(CompileCommand::all), 239, Need::files, compile_all_files},
+    CommandRow{tag_of(CompileCommand::selected), 240, Need::selection, compile_selected_files},
+    CommandRow{tag_of(CompileCommand::smart), 0, Need::files, compile_smartly},
+    CommandRow{tag_of(CompileCommand::file), 0, Need::editor, compile_front_file},
+    CommandRow{tag_of(CompileCommand::again), 0, Need::former_run, compile_again},
+    CommandRow{tag_of(CompileCommand::halt), 0, Need::run, halt_compile},
+    CommandRow{tag_of(CompileCommand::simulate), 0, Need::top_design, simulate},
+    CommandRow{tag_of(CompileCommand::open_waveform), 0, Need::waveform, open_waveform},
+    CommandRow{tag_of(CompileCommand::go_to_next), 0, Need::messages,
+               [](Window window) { go_to_next_place(window, false); }},
+    CommandRow{tag_of(CompileCommand::go_to_previous), 0, Need::messages,
+               [](Window window) { go_to_next_place(window, true); }},
+    CommandRow{tag_of(CompileCommand::last_compiles), 0, Need::nothing,
+               [](Window) { show_last_compiles(); }},
     CommandRow{tag_of(undo), 0, Need::past, undo_list_change},
     CommandRow{tag_of(redo), 0, Need::future, redo_list_change},
 };
@@ -84,15 +111,21 @@ struct ListState {
     bool can_paste = false;
     bool has_past = false;
     bool has_future = false;
+    bool has_top = false;
+    CompileState compile{};
 };
 
 ListState state_of(Window window) {
     const OpenProject* open = find_open_project(window);
     if (open == nullptr)
         return {};
-    return {open->project->sources.size(), selected_sources(window).size(),
-            xvt_cb_has(k_source_clipboard_format), !open->history.past.empty(),
-            !open->history.future.empty()};
+    return {open->project->sources.size(),
+            selected_sources(window).size(),
+            xvt_cb_has(k_source_clipboard_format),
+            !open->history.past.empty(),
+            !open->history.future.empty(),
+            open->project->top_design != nullptr,
+            compile_state(window)};
 }
 
 bool is_met(Need need, const ListState& state) {
@@ -111,6 +144,18 @@ bool is_met(Need need, const ListState& state) {
         return state.has_past;
     case Need::future:
         return state.has_future;
+    case Need::editor:
+        return state.compile.has_editor;
+    case Need::top_design:
+        return state.has_top && !state.compile.runs;
+    case Need::run:
+        return state.compile.runs;
+    case Need::former_run:
+        return state.compile.has_run && !state.compile.runs;
+    case Need::messages:
+        return state.compile.has_messages;
+    case Need::waveform:
+        return state.compile.has_waveform;
     }
     return false;
 }
@@ -139,6 +184,13 @@ bool run_project_command(Window window, int tag) {
     return false;
 }
 
+bool can_run_project_command(Window window, int tag) {
+    const ListState state = state_of(window);
+    return std::ranges::any_of(k_commands, [&](const CommandRow& row) {
+        return row.tag == tag && is_met(row.need, state);
+    });
+}
+
 int command_of_button(int button) {
     for (const CommandRow& row : k_commands)
         if (row.button == button && button != 0)
@@ -147,9 +199,16 @@ int command_of_button(int button) {
 }
 
 bool run_compile_key(Window window, const CharacterEvent& key) {
-    constexpr int k_f7 = static_cast<int>(KeyCode::function_1) + 6;
-    return key.code == k_f7 &&
-           run_project_command(window, tag_of(key.with.control ? compile_selected : compile_all));
+    constexpr int k_f1 = static_cast<int>(KeyCode::function_1);
+    constexpr int k_f4 = k_f1 + 3;
+    constexpr int k_f7 = k_f1 + 6;
+    constexpr int k_f8 = k_f1 + 7;
+    if (key.code == k_f4 && !key.with.control && !key.with.alt)
+        return go_to_next_place(window, key.with.shift);
+    if (key.code == k_f7)
+        return run_project_command(
+            window, tag_of(key.with.control ? CompileCommand::selected : CompileCommand::all));
+    return key.code == k_f8 && run_project_command(window, tag_of(CompileCommand::file));
 }
 
 bool run_project_key(Window window, const CharacterEvent& key) {
@@ -165,7 +224,7 @@ bool run_project_key(Window window, const CharacterEvent& key) {
         tag = tag_of(redo);
     if (tag != 0)
         return run_project_command(window, tag);
-    return run_search_key(window, key) || run_compile_key(window, key);
+    return run_compile_key(window, key);
 }
 
 void update_project_commands(Window window) {
@@ -205,8 +264,9 @@ void show_list_menu(Window window, Point at) {
     items.push_back(menu_item("Ed&it", tag_of(source_file), "Enter", state));
     items.push_back(
         menu_item(is_top ? "No top &design" : "Set as top &design", tag_of(toggle_top), "", state));
-    items.push_back(menu_item("Co&mpile all", tag_of(compile_all), "F7", state));
-    items.push_back(menu_item("Compile s&elected", tag_of(compile_selected), "Ctrl+F7", state));
+    items.push_back(menu_item("Co&mpile all", tag_of(CompileCommand::all), "F7", state));
+    items.push_back(
+        menu_item("Compile s&elected", tag_of(CompileCommand::selected), "Ctrl+F7", state));
     items.push_back(separator);
     items.push_back(menu_item(undo_title(open->history, *open->project).c_str(), tag_of(undo),
                               "Ctrl+Z", state));

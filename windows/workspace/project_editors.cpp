@@ -2,6 +2,7 @@
 
 #include "core/common/lexical_path.h"
 #include "core/project/source_list.h"
+#include "windows/compile/compile_window.h"
 #include "windows/editor/auto_save.h"
 #include "windows/editor/open_editors.h"
 #include "windows/toolkit/timer.h"
@@ -12,7 +13,6 @@
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
-#include "windows/workspace/reading_window.h"
 
 #include <utility>
 
@@ -33,8 +33,7 @@ const Source_options* options_of(Window window) {
 
 bool can_compile(Window window) {
     const Project* project = find_project(window);
-    return project != nullptr && !project->sources.empty() &&
-           !is_speaking({ReadingKind::compile_output, window});
+    return project != nullptr && !project->sources.empty() && !is_compiling(window);
 }
 
 } // namespace
@@ -101,7 +100,8 @@ void keep_place(Window window, std::string_view path, const Rect& place) {
 void start_editors(bool (*take_key)(Window project, const CharacterEvent& key)) {
     register_editors({.options = options_of,
                       .can_compile = can_compile,
-                      .compile = [](Window window) { compile_project(window, true); },
+                      .compile = compile_smartly,
+                      .compile_file = compile_file,
                       .take_key = take_key,
                       .opened = update_auto_save,
                       .rename = rename,

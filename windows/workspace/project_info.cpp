@@ -5,6 +5,7 @@
 #include "core/diagnostics/reporter.h"
 #include "core/os/environment.h"
 #include "core/project/compile_arguments.h"
+#include "windows/compile/last_compiles.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/messages.h"
 #include "windows/textview/text_output.h"
@@ -71,6 +72,12 @@ void show_report_file(Window project) {
 
 void show_control_file(Window project) {
     show_file(project, control_file_name);
+}
+
+void show_last_compiles() {
+    if (ReadingWindow* list = open_reading_window({ReadingKind::last_compiles},
+                                                  view(format_message(msg_last_compiles))))
+        set_text(*list, view(last_compiles_text()));
 }
 
 void show_tool_versions() {

@@ -12,6 +12,8 @@ void update_info_commands(Window project);
 void show_report_file(Window project);
 /// The top design's control file.
 void show_control_file(Window project);
+/// Of this run of the program.
+void show_last_compiles();
 /// What runs here, and where it lies: this program, the compiler and GHDL.
 void show_tool_versions();
 

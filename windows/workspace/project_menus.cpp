@@ -1,5 +1,6 @@
 #include "windows/workspace/project_menus.h"
 
+#include "windows/compile/compile_menus.h"
 #include "windows/controls/shell_hooks.h"
 
 #include <algorithm>
@@ -67,6 +68,7 @@ constexpr std::array k_help{item("&Contents", help_contents, "F1")};
 constexpr std::array k_menus{
     MenuResource{1020, "&Project", k_project, nullptr, true},
     MenuResource{k_files_menu, "&Files", k_files, nullptr, true},
+    MenuResource{k_compile_menu, "&Compile", k_compile_menu_items, nullptr, true},
     MenuResource{1095, "&Info", k_info, nullptr, true},
     MenuResource{1097, "&Search", k_search, nullptr, true},
     MenuResource{32050, "Fon&t", k_font, nullptr, true},
@@ -74,7 +76,7 @@ constexpr std::array k_menus{
 };
 
 constexpr bool tags_differ() {
-    std::array<int, 64> tags{};
+    std::array<int, 96> tags{};
     auto end = tags.begin();
     for (const MenuResource& menu : k_menus) {
         *end++ = menu.tag;

@@ -43,8 +43,6 @@ enum class ProjectCommand : int {
     select_font = 32051,
     help_contents = 1063,
     toggle_top = 1150,
-    compile_all = 1151,
-    compile_selected = 1152,
 };
 
 [[nodiscard]] std::span<const MenuBarResource> project_menu_bars();

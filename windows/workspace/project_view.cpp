@@ -1,5 +1,6 @@
 #include "windows/workspace/project_view.h"
 
+#include "windows/compile/compile_window.h"
 #include "windows/controls/status_bar.h"
 #include "windows/controls/toggle_button.h"
 #include "windows/controls/toolbar.h"
@@ -9,7 +10,6 @@
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
-#include "windows/workspace/reading_window.h"
 
 #include <algorithm>
 #include <array>
@@ -86,8 +86,10 @@ void show_project_status(Window window, const Project& project) {
     String text =
         format_message(msg_project_status, top == nullptr ? "<none>" : top->file_name.c_str(),
                        project.options.device.c_str());
-    if (is_speaking({ReadingKind::compile_output, window}))
-        (text += '\t') += format_message(msg_compile_runs);
+    if (const CompileWindow* output = find_compile_window(window);
+        output != nullptr && output->is_running())
+        (text += '\t') +=
+            format_message(output->is_simulation() ? msg_simulation_runs : msg_compile_runs);
     show_status(window, view(text));
 }
 

@@ -1,5 +1,6 @@
 #include "windows/workspace/project_windows.h"
 
+#include "windows/compile/compile_window.h"
 #include "windows/controls/help_topics.h"
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
@@ -8,6 +9,7 @@
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_commands.h"
+#include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_editors.h"
 #include "windows/workspace/project_files.h"
 #include "windows/workspace/project_frame.h"
@@ -17,7 +19,6 @@
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
 #include "windows/workspace/recovery_window.h"
-#include "windows/workspace/search_commands.h"
 #include "windows/workspace/search_question.h"
 #include "windows/workspace/search_window.h"
 
@@ -89,6 +90,7 @@ long on_event(void*, Window window, const Event& event) {
         close_project(window);
     } else if (event.get<DestructionEvent>() != nullptr) {
         close_reading_windows(window);
+        destroy_compile_window(window);
         close_search_windows(window);
         forget_project(window);
         show_project_names();
@@ -105,14 +107,9 @@ void update(Window window) {
         update_auto_save(window);
 }
 
-void show_compile(Window window) {
-    if (const Project* project = find_project(window))
-        show_project_status(window, *project);
-}
-
 bool on_text_key(Window project, const CharacterEvent& key) {
     enter_project(project);
-    return run_search_key(project, key) || run_compile_key(project, key);
+    return run_compile_key(project, key);
 }
 
 } // namespace
@@ -122,7 +119,10 @@ void start_workspace(const ShellHooks& hooks) {
     workspace() = {};
     workspace().hooks = {{on_event, nullptr}, update};
     register_project_window();
-    register_reading_windows({on_text_key, show_compile});
+    register_reading_windows(on_text_key);
+    start_compiling({.run_command = run_project_command,
+                     .can_run = can_run_project_command,
+                     .take_key = on_text_key});
     register_search_windows(on_text_key);
     register_search_question();
     start_editors(on_text_key);

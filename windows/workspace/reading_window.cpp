@@ -4,6 +4,7 @@
 #include "core/os/argument_vector.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
+#include "windows/controls/messages.h"
 #include "windows/textview/text_output.h"
 #include "windows/textview/window_list.h"
 #include "windows/toolkit/resource.h"
@@ -19,12 +20,12 @@ namespace {
 constexpr WindowResource resource(ReadingKind kind, int width, int height) {
     return {.number = static_cast<int>(kind), .width = width, .height = height};
 }
-constexpr std::array k_windows{resource(ReadingKind::compile_output, 640, 300),
-                               resource(ReadingKind::tool_versions, 640, 120),
+constexpr std::array k_windows{resource(ReadingKind::tool_versions, 640, 120),
+                               resource(ReadingKind::last_compiles, 760, 200),
                                resource(ReadingKind::file, 680, 400)};
 
 WindowList<ReadingWindow> texts;
-ReadingHooks g_hooks;
+bool (*take_project_key)(Window project, const CharacterEvent& key) = nullptr;
 
 ReadingWindow* find_text(const ReadingSubject& subject) {
     const auto found = std::ranges::find_if(texts.all, [&](const auto& text) {
@@ -34,36 +35,16 @@ ReadingWindow* find_text(const ReadingSubject& subject) {
     return found == texts.all.end() ? nullptr : found->get();
 }
 
-/// Says in the title, and to the project, whether a program runs.
+/// Says in the title whether a program runs.
 void show_program(const ReadingWindow& text) {
     const bool runs = text.program != nullptr && text.program->running();
     xvt_vobj_set_title(text.window(), runs ? view(format_message(msg_text_runs, text.title.c_str()))
                                            : view(text.title));
-    if (text.project != Window::none)
-        g_hooks.show_program(text.project);
 }
 
 void forget(ReadingWindow& text) {
-    if (!texts.forget(text))
-        return;
-    text.program.reset();
-    if (text.project != Window::none)
-        g_hooks.show_program(text.project);
-}
-
-/// Why there is no result, of a program that has not told it.
-void append_cause(ReadingWindow& text, const char* program) {
-    const SpawnerEnd& end = text.program->end();
-    if (end.has_told)
-        return;
-    if (!end.process)
-        append_line(text, view(format_message(msg_program_given_up, program)));
-    else if (end.process->by_signal)
-        append_line(text, view(format_message(msg_program_crashed, program, end.process->code)));
-    else
-        append_line(text, view(format_message(end.has_spoken ? msg_program_broke_off
-                                                             : msg_program_never_spoke,
-                                              program, end.process->code)));
+    if (texts.forget(text))
+        text.program.reset();
 }
 
 void on_words(void* context, const char* words, int done, int status) {
@@ -72,7 +53,9 @@ void on_words(void* context, const char* words, int done, int status) {
         append_text(text, words);
         return;
     }
-    append_cause(text, text.name.c_str());
+    const String cause = end_cause_text(text.program->end(), text.name.c_str());
+    if (!cause.empty())
+        append_line(text, view(cause));
     show_program(text);
     text.ended(text, status);
 }
@@ -88,7 +71,7 @@ long ReadingWindow::on_event(const Event& event) {
         return 0;
     }
     if (const auto* key = event.get<CharacterEvent>())
-        return project != Window::none && g_hooks.take_key(project, *key) ? 0 : 1;
+        return project != Window::none && take_project_key(project, *key) ? 0 : 1;
     if (event.get<DestructionEvent>() != nullptr)
         forget(*this);
     return TextWindow::on_event(event);
@@ -102,9 +85,9 @@ bool ReadingWindow::take_key(const CharacterEvent& key) {
     return true;
 }
 
-void register_reading_windows(const ReadingHooks& hooks) {
+void register_reading_windows(bool (*take_key)(Window project, const CharacterEvent& key)) {
     texts.all.clear();
-    g_hooks = hooks;
+    take_project_key = take_key;
     xvt_res_register({.windows = k_windows});
 }
 
@@ -120,9 +103,7 @@ ReadingWindow* open_reading_window(const ReadingSubject& subject, std::string_vi
         }
         text->set_read_only(true);
         text->view().editing.undo_limit = 0;
-        associate_help({.window = text->window()}, subject.kind == ReadingKind::compile_output
-                                                       ? HelpTopic::messages
-                                                       : HelpTopic::reports);
+        associate_help({.window = text->window()}, HelpTopic::reports);
     }
     text->program.reset();
     text->title = title;
@@ -130,16 +111,6 @@ ReadingWindow* open_reading_window(const ReadingSubject& subject, std::string_vi
     set_text(*text, {});
     xvt_vobj_raise(text->window());
     return text;
-}
-
-bool is_speaking(const ReadingSubject& subject) {
-    const ReadingWindow* text = find_text(subject);
-    return text != nullptr && text->program != nullptr && text->program->running();
-}
-
-void raise_reading_window(const ReadingSubject& subject) {
-    if (const ReadingWindow* text = find_text(subject))
-        xvt_vobj_raise(text->window());
 }
 
 void close_reading_windows(Window project) {

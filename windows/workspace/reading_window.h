@@ -10,7 +10,7 @@ namespace pellux {
 // Windows that hold one text to read. Escape and Ctrl+W close them.
 
 /// Its number is that of the window's resource.
-enum class ReadingKind : int { compile_output = 109, tool_versions = 110, file = 112 };
+enum class ReadingKind : int { tool_versions = 2003, last_compiles = 2004, file = 112 };
 
 /// What a text is about; there is one window for it.
 struct ReadingSubject {
@@ -37,23 +37,14 @@ protected:
     bool take_key(const CharacterEvent& key) override;
 };
 
-/// What the windows about a project want of it.
-struct ReadingHooks {
-    /// A key that the text has no use for; false when the project has none either.
-    bool (*take_key)(Window project, const CharacterEvent& key) = nullptr;
-    /// A program has begun or ended to speak about it.
-    void (*show_program)(Window project) = nullptr;
-};
-/// Makes the resources of the windows known; there is none.
-void register_reading_windows(const ReadingHooks& hooks);
+/// Makes the resources of the windows known; there is none. `take_key` is offered what a text has
+/// no use for; false when its project has none either.
+void register_reading_windows(bool (*take_key)(Window project, const CharacterEvent& key));
 
 /// The subject's window, empty and in front, with no program. Null after the user was told that
 /// there is none.
 [[nodiscard]] ReadingWindow* open_reading_window(const ReadingSubject& subject,
                                                  std::string_view title);
-/// Does a program still speak there?
-[[nodiscard]] bool is_speaking(const ReadingSubject& subject);
-void raise_reading_window(const ReadingSubject& subject);
 /// Closes the windows about a project.
 void close_reading_windows(Window project);
 

@@ -98,11 +98,4 @@ void search_vhdl_files(Window window) {
                 .list = list_vhdl});
 }
 
-bool run_search_key(Window project, const CharacterEvent& key) {
-    constexpr int k_f4 = static_cast<int>(KeyCode::function_1) + 3;
-    constexpr Modifiers k_back{.shift = true};
-    return key.code == k_f4 && (key.with == Modifiers{} || key.with == k_back) &&
-           go_to_next_result(project, key.with == k_back);
-}
-
 } // namespace pellux

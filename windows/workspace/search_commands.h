@@ -12,8 +12,5 @@ void search_project_files(Window project);
 void search_selected_files(Window project);
 /// All VHDL files of the project's directory.
 void search_vhdl_files(Window project);
-/// F4 and Shift+F4 go to the next result of the last search and to the one before; false when it is
-/// another key, or there is no search.
-bool run_search_key(Window project, const CharacterEvent& key);
 
 } // namespace pellux

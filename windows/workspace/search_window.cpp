@@ -16,6 +16,7 @@
 #include "windows/textview/window_list.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/messages.h"
+#include "windows/workspace/open_projects.h"
 
 #include <algorithm>
 #include <array>
@@ -56,6 +57,8 @@ void note_used(const SearchWindow& search) {
     const auto found = std::ranges::find(all, &search, &Owned<SearchWindow>::get);
     if (found != all.end())
         std::rotate(found, found + 1, all.end());
+    if (OpenProject* open = find_open_project(search.project()))
+        open->walks_errors = false;
 }
 
 int to_int(std::int64_t number) {

@@ -3,6 +3,7 @@
 #include "tests/support/running.h"
 #include "tests/windows/app/program.h"
 #include "windows/app/messages.h"
+#include "windows/compile/compile_window.h"
 #include "windows/controls/help_topics.h"
 #include "windows/toolkit/dialog.h"
 #include "windows/toolkit/menu.h"
@@ -145,9 +146,8 @@ TEST_F(HelpHooksTest, F1OpensThePageOfTheWindow) {
         };
         EXPECT_EQ(page(), "windows.html#files");
         const Window project = workspace().projects.front()->window;
-        const ReadingSubject output{.kind = ReadingKind::compile_output, .project = project};
-        EXPECT_NE(open_reading_window(output, "Output"), nullptr);
-        EXPECT_EQ(page(), "messages.html");
+        EXPECT_NE(open_compile_window(project), nullptr);
+        EXPECT_EQ(page(), "compile_window.html");
         EXPECT_NE(open_reading_window({.kind = ReadingKind::tool_versions}, "Versions"), nullptr);
         EXPECT_EQ(page(), "windows.html#reports");
         int topic = 0;

@@ -243,7 +243,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
             {"starting", "starting.html 'Starting' Some pages. Hit 1 of all."},
             {"startingx", "starting.html '' No page has these words."},
             {"\" * -", "starting.html '' "},
-            {"compil", "compiling.html 'Compil' Some pages. Hit 1 of all."},
+            {"compil", "compile_window.html 'compil' Some pages. Hit 1 of all."},
         };
         for (const auto& [typed, expected] : rows) {
             panel->findChild<QLineEdit*>()->clear();
@@ -260,7 +260,7 @@ TEST(HelpWindow, IsReadWithKeysAlone) {
         press_key("Down");
         press_key("Down");
         const std::string second = shown_help_page();
-        EXPECT_NE(second, "compiling.html");
+        EXPECT_NE(second, "compile_window.html");
         press_key("Return");
         EXPECT_TRUE(viewer->hasFocus());
 

@@ -85,6 +85,8 @@ protected:
             .show_help_contents = [](void* self) { say(self, "help"); },
             .insert_tools_menu = [](void* self, Window) { say(self, "tools"); },
             .run_tool = [](void* self, int tag) { say(self, std::to_string(tag)); },
+            .open_waveform = [](void* self,
+                                std::string_view path) { say(self, std::string(path)); },
             .context = this,
         };
         in_application([&] {
