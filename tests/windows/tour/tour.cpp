@@ -9,6 +9,8 @@
 #include "windows/app/program.h"
 #include "windows/app/startup.h"
 #include "windows/app/task_window.h"
+#include "windows/compile/compile_menus.h"
+#include "windows/compile/compile_window.h"
 #include "windows/controls/window_places.h"
 #include "windows/editor/open_editors.h"
 #include "windows/toolkit/control.h"
@@ -26,9 +28,10 @@
 #include <cstdio>
 #include <string_view>
 
-// tour DIRECTORY PROJECT: plays a short visit to the program in the current directory, a project's,
-// and to the project file PROJECT, and leaves pictures of what it shows in DIRECTORY. Status 1 when
-// one is missing.
+// tour DIRECTORY PROJECT BROKEN: plays a short visit to the program in the current directory, a
+// project's, and to the project file PROJECT, repairs the project in the directory BROKEN, and
+// leaves pictures of what it shows in DIRECTORY. Status 1 when one is missing or all is not as it
+// should be.
 
 namespace {
 
@@ -211,7 +214,9 @@ void visit_project(Tour& tour) {
     xvt_list_set_selected(project_list(project), std::array{9, 10, 11});
     process_events();
     press_key("F7");
-    tour.keep(wait_for_text("\nCompilation "), "compiling");
+    while (is_compiling(project))
+        run_turn(TurnWait::until_event);
+    process_events();
     put_side_by_side(project, shown_text_window());
     xvt_vobj_raise(project);
     process_events();
@@ -248,25 +253,60 @@ void visit_project(Tour& tour) {
     press_key("A");
 }
 
-/// A second project of the same name, with a file that can't be compiled.
-void visit_failure(Tour& tour, const String& directory) {
+/// A second project of the same name, with three planted errors, which are repaired.
+void visit_errors(Tour& tour, const String& directory) {
     const Window task = xvt_win_get_task();
-    tour.keep(open_project_in(view(directory), "brix.bpr"), "failed");
+    tour.keep(open_project_in(view(directory), "brix.bpr"), "errors");
     const Window project = workspace().projects.back()->window;
-    PathBuffer path(view(directory));
-    constexpr std::string_view k_text = "entity broken is\n  port (clk : in bit)\nend;\n";
-    tour.keep(path.join("broken.vhd") &&
-                  !failed(safe_write_file(path.view(), std::as_bytes(std::span(k_text)))),
-              "failed");
-    add_dropped_files(project, std::array{String(path.view())});
-    process_events();
-    press_key("Alt+F");
-    tour.front("files_menu");
+    const auto wait = [&](std::string_view verdict, std::string_view name) {
+        while (is_compiling(project))
+            run_turn(TurnWait::until_event);
+        process_events();
+        const Window output = find_compile_window(project)->window();
+        const String status = xvt_vobj_get_title(xvt_win_get_ctl(output, 2));
+        tour.keep(view(status).starts_with(verdict), name);
+        tour.picture(task, name);
+    };
+    press_key("Alt+C");
+    tour.front("compile_menu");
+    press_key("Esc");
     press_key("F7");
     tour.picture(task, "compiling");
-    tour.keep(wait_for_text("\nCompilation "), "failed");
-    put_side_by_side(project, shown_text_window());
-    tour.picture(task, "failed");
+    wait("Compilation failed.", "errors");
+    const struct {
+        std::string_view picture;
+        std::array<std::string_view, 2> keys; ///< from the place of the error
+        int deleted;
+        std::string_view typed;
+    } repairs[] = {
+        {"error_1", {}, 7, "enable"},
+        {"error_2", {"End", "Left"}, 0, " ns"},
+        {"error_3", {}, 3, "down"},
+    };
+    for (const auto& repair : repairs) {
+        press_key("F4");
+        tour.picture(task, repair.picture);
+        for (const std::string_view key : repair.keys)
+            if (!key.empty())
+                press_key(key);
+        for (int i = 0; i < repair.deleted; ++i)
+            press_key("Del");
+        type_text(repair.typed);
+    }
+    EditorWindow* editor = front_editor(project);
+    if (editor == nullptr) {
+        tour.keep(false, "repaired");
+        return;
+    }
+    editor->run(EditorCommand::smart_compile);
+    wait("Compilation successful.", "repaired");
+    tour.keep(choose_item(static_cast<int>(CompileCommand::simulate)), "waveform");
+    wait("Simulation successful.", "waveform");
+    tour.keep(!find_compile_window(project)->waveform().empty(), "waveform");
+    xvt_win_dispatch_event(project,
+                           Event{CommandEvent{static_cast<int>(CompileCommand::last_compiles)}});
+    process_events();
+    tour.picture(task, "last_compiles");
 }
 
 /// Texts that are not saved when the program ends.
@@ -304,8 +344,8 @@ void run(std::span<const char* const> words, const std::function<void()>& script
 } // namespace
 
 int main(int argument_count, char** arguments) {
-    if (argument_count != 3) {
-        std::fputs("usage: tour DIRECTORY PROJECT\n", stderr);
+    if (argument_count != 4) {
+        std::fputs("usage: tour DIRECTORY PROJECT BROKEN\n", stderr);
         return 2;
     }
     Tour tour{arguments[1]};
@@ -318,15 +358,13 @@ int main(int argument_count, char** arguments) {
     const std::array<const char*, 1> first{"brix.bpr"};
     run(first, [&] { visit_program(tour); });
     const std::array<const char*, 1> second{arguments[2]};
-    PathBuffer here;
-    tour.keep(!failed(current_directory(here)), "here");
     // Not what the user's own runs have left.
     const test::TemporaryDirectory state;
     const test::ScopedVariable state_home("XDG_STATE_HOME", state.path().c_str());
     begin_register();
     run(second, [&] {
         visit_project(tour);
-        visit_failure(tour, String(here.view()));
+        visit_errors(tour, arguments[3]);
         leave_work();
     });
     begin_register();
