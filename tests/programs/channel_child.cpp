@@ -171,21 +171,48 @@ void play_orphan(const char*) {
     static_cast<void>(!::read(g_parent[1], &byte, 1));
 }
 
-/// Lines of 80 characters, batched by the channel's own client.
-void play_flood(const char* lines) {
-    ChannelClient client;
-    std::uint64_t address = 0;
-    check(leading_number(g_topic, address) &&
-              !failed(connect_channel(client, address, std::to_string(current_process_id()))),
-          "no connection");
-    std::string packet = "0";
-    for (long left = std::atol(lines); left > 0; --left) {
-        packet += k_line;
-        if (left == 1 || packet.size() + k_line.size() > 1023)
-            check(poke_channel(client, bytes(std::exchange(packet, "0"))), "no channel");
+/// Lines in packets as full as may be, batched by the channel's own client.
+class LineFlood {
+public:
+    LineFlood() {
+        std::uint64_t address = 0;
+        check(leading_number(g_topic, address) &&
+                  !failed(connect_channel(client_, address, std::to_string(current_process_id()))),
+              "no connection");
     }
-    check(poke_channel(client, bytes("1" + word(0, 4))), "no channel");
-    wait_for_completion_seen(client);
+    void add(const std::string& line) {
+        if (packet_.size() + line.size() > 1023)
+            flush();
+        packet_ += line;
+    }
+    void end() {
+        flush();
+        check(poke_channel(client_, bytes("1" + word(0, 4))), "no channel");
+        wait_for_completion_seen(client_);
+    }
+
+private:
+    void flush() { check(poke_channel(client_, bytes(std::exchange(packet_, "0"))), "no channel"); }
+
+    ChannelClient client_;
+    std::string packet_ = "0";
+};
+
+/// Of 80 characters each.
+void play_flood(const char* lines) {
+    LineFlood flood;
+    for (long left = std::atol(lines); left > 0; --left)
+        flood.add(k_line);
+    flood.end();
+}
+
+/// Those of a file.
+void play_flood_file(const char* path) {
+    LineFlood flood;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);)
+        flood.add(line += '\n');
+    flood.end();
 }
 
 /// The same lines to the standard output, in large pieces.
@@ -247,6 +274,7 @@ constexpr Verb k_verbs[] = {
     {"leave", [](const char*) { check(::setsid() > 0, "no session"); }},
     {"words", play_words},
     {"flood", play_flood},
+    {"flood_file", play_flood_file},
     {"pipe_flood", play_pipe_flood},
     {"meet", play_meet},
     {"invite", play_invite},
