@@ -64,6 +64,7 @@ long on_event(void*, Window window, const Event& event) {
         if (OpenProject* open = find_open_project(window))
             look_at_sources(project_list(window), *open->project, open->looks);
         update_info_commands(window);
+        update_project_commands(window);
         xvt_vobj_set_focus(project_list(window));
     } else if (const auto* timer = event.get<TimerEvent>()) {
         OpenProject* open = find_open_project(window);
