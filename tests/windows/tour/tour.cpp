@@ -253,6 +253,20 @@ void visit_project(Tour& tour) {
     press_key("A");
 }
 
+/// A project and an editor side by side above what the compiler says.
+void put_above(Window project, EditorWindow* editor, Window output) {
+    if (editor == nullptr)
+        return;
+    put_side_by_side(project, editor->window());
+    for (const Window window : {project, editor->window()}) {
+        Rect rect = xvt_vobj_get_outer_rect(window);
+        rect.bottom = xvt_vobj_get_outer_rect(output).top;
+        move_frame(window, rect);
+    }
+    show_caret(editor->view());
+    process_events();
+}
+
 /// A second project of the same name, with three planted errors, which are repaired.
 void visit_errors(Tour& tour, const String& directory) {
     const Window task = xvt_win_get_task();
@@ -285,6 +299,7 @@ void visit_errors(Tour& tour, const String& directory) {
     };
     for (const auto& repair : repairs) {
         press_key("F4");
+        put_above(project, front_editor(project), find_compile_window(project)->window());
         tour.picture(task, repair.picture);
         for (const std::string_view key : repair.keys)
             if (!key.empty())
