@@ -1,5 +1,6 @@
 #include "core/common/blanks.h"
 #include "core/common/callback.h"
+#include "core/common/installed_file.h"
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/devices/simulator_lines.h"
@@ -26,6 +27,15 @@ namespace {
 
 constexpr std::size_t k_seconds_word = 4; ///< of a source's words
 constexpr std::int64_t k_second_ms = 1000;
+
+/// A program of the installation; where that has none of the name, the name.
+String installed_program(const String& name) {
+    PathBuffer path;
+    const bool is_bare = name.find('/') == String::npos;
+    return is_bare && find_installed_file(view(name), path) && file_exists(path.view())
+               ? String(path.view())
+               : name;
+}
 
 /// "13:02:45", of now.
 String time_of_day() {
@@ -108,7 +118,8 @@ bool CompileWindow::launch(const Vector<String>& words) {
     constexpr std::int64_t k_connection_ms = 1000;
     program_ = words.front();
     const auto arguments = argument_vector<Vector<const char*>>(words);
-    const LaunchResult result = spawner_->launch(arguments.front(), arguments.data());
+    const String program = installed_program(program_);
+    const LaunchResult result = spawner_->launch(program.c_str(), arguments.data());
     if (result) {
         spawner_->wait_until_connected(k_connection_ms);
         return true;

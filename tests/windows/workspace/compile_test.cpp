@@ -19,8 +19,6 @@ using enum CompileCommand;
 
 class Compiling : public test::Projects {
 protected:
-    const test::ScopedVariable path_{"PATH", PELLUX_BINARY_DIR "/velmora/bin:/usr/bin:/bin"};
-
     static CompileWindow& output() { return *find_compile_window(window()); }
     static std::string bar_of(Window of, int id) {
         return xvt_vobj_get_title(xvt_win_get_ctl(of, id)).c_str();
