@@ -1,5 +1,6 @@
 // Stands in for GHDL: the base name of the source or unit that it is called for is its role.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -134,10 +135,15 @@ int main(int count, char** words) {
     const std::string command = words[1];
     const char* subject = words[count - 1];
     if (command == "-a") {
-        const int status = analyse(subject);
-        if (status == 0 && role_of(subject) != "forgetful")
-            record(subject, count, words);
-        return status;
+        const auto is_option = [](const char* word) { return word[0] == '-'; };
+        char** const first = std::find_if_not(words + 2, words + count, is_option);
+        for (char** file = first; file != words + count; ++file)
+            if (const int status = analyse(*file); status != 0)
+                return status;
+        for (char** file = first; file != words + count; ++file)
+            if (role_of(*file) != "forgetful")
+                record(*file, count, words);
+        return 0;
     }
     if (command == "-r") {
         int unit = count - 1;

@@ -32,8 +32,9 @@ struct SessionSource {
     Digest content{};
     SourceScan scan;
 
-    GhdlSource before; ///< what the library held of it at the start; without units: nothing
-    GhdlSource entry;  ///< what it holds now
+    GhdlSource before;       ///< what the library held of it at the start; without units: nothing
+    GhdlSource entry;        ///< what it holds now
+    bool has_record = false; ///< of an earlier success, as far as it was asked for
     SourceRecord old_record;
     SourceRecord record;         ///< of this run, once it has succeeded
     bool record_differs = false; ///< from what its ".bde" holds

@@ -3,8 +3,10 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
+#include "core/os/clock.h"
 #include "core/os/interruption.h"
 #include "core/vhdl/source_scan.h"
+#include "tools/driver/compile/analysis_batch.h"
 #include "tools/driver/compile/commit_session.h"
 #include "tools/driver/compile/open_session.h"
 #include "tools/driver/compile/plan.h"
@@ -17,10 +19,19 @@
 #include "tools/driver/messages.h"
 #include "tools/driver/reporting.h"
 
+#include <algorithm>
+#include <optional>
+#include <span>
 #include <utility>
 
 namespace pellux {
 namespace {
+
+/// What GHDL says in a call for many sources, until it is known to be theirs.
+struct HeldMessages {
+    Vector<Diagnostic> diagnostics;
+    bool is_refused = false; ///< what it says shows that the call is of no use
+};
 
 struct Runner {
     Output& output;
@@ -32,6 +43,9 @@ struct Runner {
     SourceNames names;
     Translator translator;
     RunReport report;
+    AnalysisBatch batch; ///< of what is to be analysed next
+    CallSize call_size;
+    std::optional<HeldMessages> held; ///< while a call for many sources runs
     std::size_t source = k_no_source; ///< that is being analysed
     bool anything_done = false;
     Failure unrunnable; ///< GHDL can't be started at all
@@ -73,12 +87,22 @@ void on_ending_run(void* context, int) {
     end_run(runner.output);
 }
 
-void on_diagnostic(void*, const Diagnostic& diagnostic) {
-    report_diagnostic(diagnostic, NoteOutput::report_file);
+void on_diagnostic(void* context, const Diagnostic& diagnostic) {
+    auto& runner = from_context<Runner>(context);
+    if (!runner.held) {
+        report_diagnostic(diagnostic, NoteOutput::report_file);
+        return;
+    }
+    runner.held->is_refused |= diagnostic.level == GhdlLevel::error;
+    runner.held->diagnostics.push_back(diagnostic);
 }
 
 void on_plain_line(void* context, std::string_view line) {
-    print_lines(from_context<Runner>(context).output, line);
+    auto& runner = from_context<Runner>(context);
+    if (runner.held)
+        runner.held->is_refused = true;
+    else
+        print_lines(runner.output, line);
 }
 
 void on_ghdl_line(void* context, std::string_view line) {
@@ -89,20 +113,34 @@ void on_piece_read(void* context) {
     flush_output(from_context<Runner>(context).output);
 }
 
-bool on_stop_question(void* context) {
-    return must_stop(from_context<Runner>(context).output) || interruption() != 0;
+bool is_asked_to_stop(const Runner& runner) {
+    return must_stop(runner.output) || interruption() != 0;
 }
 
-/// True when GHDL calls it a success.
-bool call_ghdl(Runner& runner, const Vector<String>& words) {
+bool on_stop_question(void* context) {
+    const auto& runner = from_context<Runner>(context);
+    const bool has_failed =
+        runner.held &&
+        (runner.held->is_refused ||
+         (runner.translator.open && runner.translator.current.level == GhdlLevel::error));
+    return has_failed || is_asked_to_stop(runner);
+}
+
+GhdlEnd run_to_end(Runner& runner, const Vector<String>& words) {
     flush_output(runner.output);
-    const int errors_before = reporter().error_count;
     const GhdlEnd end = run_ghdl(runner.process, runner.ghdl.c_str(), words,
                                  {.line = on_ghdl_line,
                                   .piece_read = on_piece_read,
                                   .stop = on_stop_question,
                                   .context = &runner});
     end_translation(runner.translator);
+    return end;
+}
+
+/// True when GHDL calls it a success.
+bool call_ghdl(Runner& runner, const Vector<String>& words) {
+    const int errors_before = reporter().error_count;
+    const GhdlEnd end = run_to_end(runner, words);
     if (end.stopped)
         return false;
     if (failed(end.not_started)) {
@@ -125,51 +163,221 @@ bool call_ghdl(Runner& runner, const Vector<String>& words) {
     return end.process.code == 0;
 }
 
-/// A failure of the run; one of the source alone is told.
-Failure analyse(Runner& runner, std::size_t number) {
-    CompileSession& session = runner.session;
-    const SessionSource& source = session.sources[number];
-    SourceDecision decision;
-    const Failure failed_reading = decide_source(session, number, decision);
-    if (!failed_reading)
-        report_source(runner.report, source,
-                      view(session.targets[source.library].library.place.name), decision,
-                      !session.only_changed);
-    if (decision.reason == CompileReason::up_to_date && !failed_reading)
-        return {};
+std::string_view library_of(const Runner& runner, std::size_t number) {
+    const CompileSession& session = runner.session;
+    return view(session.targets[session.sources[number].library].library.place.name);
+}
+
+void report_entry(const Runner& runner, const BatchEntry& entry) {
+    report_source(runner.report, runner.session.sources[entry.source],
+                  library_of(runner, entry.source), entry.decision, !runner.session.only_changed);
+}
+
+void tell_begin(Runner& runner, std::size_t number) {
     runner.anything_done = true;
     tell_warnings(runner);
-    const String line = format_message(msg_compiling, source.name.c_str());
+    const String line = format_message(msg_compiling, runner.session.sources[number].name.c_str());
     // The environment shows each file as soon as its packet comes.
     send_pending(runner.output.packets);
     print_lines(runner.output, view(line));
-    if (failed_reading) {
+}
+
+Vector<String> call_words(Runner& runner, std::span<const BatchEntry> entries) {
+    Vector<String> files;
+    for (const BatchEntry& entry : entries) {
+        if (!entry.is_analysed)
+            continue;
+        const String& file = runner.session.sources[entry.source].ghdl_name;
+        runner.names.names[entry.source].ghdl = file;
+        files.push_back(file);
+    }
+    return analysis_words(runner.calls, library_of(runner, entries.front().source), files);
+}
+
+/// A failure of the run; one of the source alone is told.
+Failure analyse_one(Runner& runner, const BatchEntry& entry) {
+    CompileSession& session = runner.session;
+    const std::size_t number = entry.source;
+    report_entry(runner, entry);
+    tell_begin(runner, number);
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    begin_source(runner.translator);
+    runner.source = number;
+    const std::int64_t start_ms = real_monotonic_ms();
+    const std::size_t bytes = session.sources[number].text.size();
+    const bool success = call_ghdl(runner, call_words(runner, {&entry, 1}));
+    runner.source = Runner::k_no_source;
+    if (!success) {
+        runner.call_size.note_failure();
+        // What could not be tried stays as it was.
+        if (runner.unrunnable)
+            return std::move(runner.unrunnable);
+        take_failed(session, number);
+        return {};
+    }
+    runner.call_size.note_success(bytes, real_monotonic_ms() - start_ms);
+    CompiledLibrary made;
+    if (Failure failure = read_made(session, session.sources[number].library, made))
+        return failure;
+    return take_compiled(session, number, made);
+}
+
+/// Whose is each message? False where one is no source's of these.
+bool sort_messages(const Runner& runner, std::span<const BatchEntry> entries,
+                   const HeldMessages& held, Vector<std::size_t>& owners) {
+    for (const Diagnostic& each : held.diagnostics) {
+        const auto owner = std::ranges::find_if(entries, [&](const BatchEntry& entry) {
+            return entry.is_analysed && runner.session.sources[entry.source].name == each.file;
+        });
+        if (owner == entries.end())
+            return false;
+        owners.push_back(owner->source);
+    }
+    return true;
+}
+
+enum class ManyResult { taken, refused, stopped };
+
+/// Analyses the sources in one call, of which nothing is told unless it is a success.
+Failure analyse_many(Runner& runner, std::span<const BatchEntry> entries, ManyResult& result) {
+    CompileSession& session = runner.session;
+    if (Failure failure = expose_libraries(session))
+        return failure;
+    begin_source(runner.translator);
+    std::size_t bytes = 0;
+    for (const BatchEntry& entry : entries)
+        bytes += session.sources[entry.source].text.size();
+    runner.held.emplace();
+    const std::int64_t start_ms = real_monotonic_ms();
+    const GhdlEnd end = run_to_end(runner, call_words(runner, entries));
+    const HeldMessages held = *std::exchange(runner.held, std::nullopt);
+    if (is_asked_to_stop(runner)) {
+        result = ManyResult::stopped;
+        return {};
+    }
+    Vector<std::size_t> owners;
+    if (end.stopped || failed(end.not_started) || end.process.by_signal || end.process.code != 0 ||
+        held.is_refused || !sort_messages(runner, entries, held, owners)) {
+        session.exposed = false;
+        runner.call_size.note_failure();
+        result = ManyResult::refused;
+        return {};
+    }
+    runner.call_size.note_success(bytes, real_monotonic_ms() - start_ms);
+    CompiledLibrary made;
+    if (Failure failure = read_made(session, session.sources[entries.front().source].library, made))
+        return failure;
+    for (const BatchEntry& entry : entries) {
+        report_entry(runner, entry);
+        if (!entry.is_analysed)
+            continue;
+        // A limit that is met ends the run: this source has failed, and those behind it wait.
+        runner.source = entry.source;
+        reporter().current_source = session.sources[entry.source].name.c_str();
+        tell_begin(runner, entry.source);
+        for (std::size_t i = 0; i < owners.size(); ++i)
+            if (owners[i] == entry.source)
+                report_diagnostic(held.diagnostics[i], NoteOutput::report_file);
+        runner.source = Runner::k_no_source;
+        if (Failure failure = take_compiled(session, entry.source, made))
+            return failure;
+    }
+    flush_output(runner.output);
+    result = ManyResult::taken;
+    return {};
+}
+
+/// The source that messages without a place are about is afterwards the one of before.
+struct CurrentSource {
+    const char* const before = reporter().current_source;
+
+    CurrentSource() = default;
+    CurrentSource(const CurrentSource&) = delete;
+    CurrentSource& operator=(const CurrentSource&) = delete;
+    ~CurrentSource() { reporter().current_source = before; }
+};
+
+/// Analyses what waits, in as few calls as come to the same as one for each source.
+Failure analyse_batch(Runner& runner) {
+    const CurrentSource restored;
+    const AnalysisBatch batch = std::exchange(runner.batch, {});
+    const std::span<const BatchEntry> entries(batch.entries);
+    for (std::size_t i = 0; i < entries.size() && !is_asked_to_stop(runner);) {
+        if (!entries[i].is_analysed) {
+            report_entry(runner, entries[i++]);
+            continue;
+        }
+        std::size_t end = i;
+        for (std::size_t count = 0; end < entries.size() && count < runner.call_size.sources_max();
+             ++end)
+            count += entries[end].is_analysed ? 1 : 0;
+        const std::span<const BatchEntry> some = entries.subspan(i, end - i);
+        const bool is_one = std::ranges::count(some, true, &BatchEntry::is_analysed) == 1;
+        ManyResult result = ManyResult::taken;
+        reporter().current_source = runner.session.sources[entries[i].source].name.c_str();
+        const Failure failure =
+            is_one ? analyse_one(runner, entries[i]) : analyse_many(runner, some, result);
+        if (failure || result == ManyResult::stopped)
+            return failure;
+        if (is_one)
+            ++i;
+        else if (result == ManyResult::taken)
+            i = end;
+    }
+    return {};
+}
+
+/// Decides on a source, which waits for the call that analyses it. A failure of the run; one of the
+/// source alone is told.
+Failure analyse(Runner& runner, std::size_t number) {
+    CompileSession& session = runner.session;
+    AnalysisBatch& batch = runner.batch;
+    const SessionSource& source = session.sources[number];
+    if (const Failure failed_reading = read_source(session, number)) {
+        if (Failure failure = analyse_batch(runner))
+            return failure;
+        tell_begin(runner, number);
         report_failure(failed_reading);
         take_failed(session, number);
         return {};
     }
-    if (Failure failure = expose_libraries(session))
-        return failure;
-    runner.names.names[number].ghdl = source.ghdl_name;
-    begin_source(runner.translator);
-    runner.source = number;
-    const bool success =
-        call_ghdl(runner, analysis_words(runner.calls,
-                                         view(session.targets[source.library].library.place.name),
-                                         view(source.ghdl_name)));
-    runner.source = Runner::k_no_source;
-    if (success)
-        return take_compiled(session, number);
-    // What could not be tried stays as it was.
-    if (runner.unrunnable)
-        return std::move(runner.unrunnable);
-    take_failed(session, number);
-    return {};
+    BatchEntry entry{number, decide_source(session, number)};
+    const auto may_be_up_to_date = [&] {
+        return entry.decision.reason == CompileReason::up_to_date ||
+               entry.decision.reason == CompileReason::uses;
+    };
+    if (may_be_up_to_date() && hangs_on(batch, source.scan)) {
+        if (Failure failure = analyse_batch(runner))
+            return failure;
+        entry.decision = decide_source(session, number);
+    }
+    if (entry.decision.reason == CompileReason::up_to_date) {
+        entry.is_analysed = false;
+        if (!may_overtake(batch, session, number))
+            if (Failure failure = analyse_batch(runner))
+                return failure;
+        take_up_to_date(session, number);
+        if (batch.count == 0)
+            report_entry(runner, entry);
+        else
+            join_batch(batch, session, std::move(entry));
+        return {};
+    }
+    const bool is_alone = takes_a_unit(session, number);
+    if (is_alone || !may_join(batch, session, number) ||
+        batch.bytes + source.text.size() > runner.call_size.bytes_max())
+        if (Failure failure = analyse_batch(runner))
+            return failure;
+    join_batch(batch, session, std::move(entry));
+    return is_alone ? analyse_batch(runner) : Failure();
 }
 
 Failure elaborate(Runner& runner, std::size_t number) {
     CompileSession& session = runner.session;
-    if (reporter().error_count > 0)
+    if (Failure failure = analyse_batch(runner))
+        return failure;
+    if (reporter().error_count > 0 || on_stop_question(&runner))
         return {};
     const SessionSource& source = session.sources[number];
     const Digest digest = elaboration_digest(session, number);
@@ -211,6 +419,10 @@ ExitStatus run_steps(Runner& runner) {
         if (on_stop_question(&runner))
             return ExitStatus::errors;
     }
+    if (const Failure failure = analyse_batch(runner))
+        return report_failure(failure);
+    if (on_stop_question(&runner))
+        return ExitStatus::errors;
     if (!runner.anything_done && reporter().error_count == 0) {
         const String line = format_message(msg_up_to_date);
         print_lines(runner.output, view(line));

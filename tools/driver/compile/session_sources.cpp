@@ -31,7 +31,7 @@ bool is_found_again(const CompileSession& session, const SessionSource& source) 
     return make_readable(entry, view(session.targets[source.library].library.directory));
 }
 
-Failure read_source(CompileSession& session, SessionSource& source) {
+Failure read_text(CompileSession& session, SessionSource& source) {
     source.ghdl_name = ghdl_file_name(view(source.name));
     SystemError error = SystemError::none;
     const TextFileStatus status =
@@ -141,23 +141,29 @@ Vector<UnitStamp> checked_uses(CompileSession& session, const SourceScan& scan,
 
 } // namespace
 
-Failure decide_source(CompileSession& session, std::size_t number, SourceDecision& decision) {
+Failure read_source(CompileSession& session, std::size_t number) {
     SessionSource& source = session.sources[number];
-    if (Failure failure = read_source(session, source))
+    if (Failure failure = read_text(session, source))
         return failure;
     source.content = digest_of(view(source.text));
     scan_source(view(source.text), source.scan);
-    decision = {CompileReason::never_compiled, {}};
+    source.has_record = session.only_changed && read_record(session, source);
+    return {};
+}
+
+SourceDecision decide_source(CompileSession& session, std::size_t number) {
+    const SessionSource& source = session.sources[number];
     if (!session.only_changed)
-        return {};
-    const bool has_record = read_record(session, source);
+        return {CompileReason::never_compiled, {}};
+    return decide(source.has_record ? &source.old_record : nullptr,
+                  source.before.units.empty() ? nullptr : &source.before,
+                  view(session.targets[source.library].library.place.name), source.content,
+                  session.settings, checked_uses(session, source.scan, source.old_record.units));
+}
+
+void take_up_to_date(CompileSession& session, std::size_t number) {
+    SessionSource& source = session.sources[number];
     const std::string_view library = view(session.targets[source.library].library.place.name);
-    decision =
-        decide(has_record ? &source.old_record : nullptr,
-               source.before.units.empty() ? nullptr : &source.before, library, source.content,
-               session.settings, checked_uses(session, source.scan, source.old_record.units));
-    if (decision.reason != CompileReason::up_to_date)
-        return {};
     source.state = SessionSource::State::up_to_date;
     source.record = source.old_record;
     place_entry(session, source, source.before);
@@ -168,7 +174,6 @@ Failure decide_source(CompileSession& session, std::size_t number, SourceDecisio
     session.time_stamps[number] = source.entry.time_stamp;
     session.exposed = false;
     forget_text(source);
-    return {};
 }
 
 Failure expose_libraries(CompileSession& session) {
@@ -182,27 +187,36 @@ Failure expose_libraries(CompileSession& session) {
     return {};
 }
 
-Failure take_compiled(CompileSession& session, std::size_t number) {
-    SessionSource& source = session.sources[number];
-    const SessionTarget& target = session.targets[source.library];
-    CompiledLibrary copy;
-    copy.place = {target.library.place.name, session.run.path};
-    const LibraryState state = read_library(copy, session.plan->standard);
+namespace {
+
+// GHDL takes no notice of a disk that is full and calls the analysis a success.
+Failure not_written(const SessionTarget& target) {
+    return {ExitStatus::no_room,
+            format_message(msg_library_not_written, target.library.place.name.c_str())};
+}
+
+} // namespace
+
+Failure read_made(const CompileSession& session, std::size_t target, CompiledLibrary& made) {
+    made.place = {session.targets[target].library.place.name, session.run.path};
+    const LibraryState state = read_library(made, session.plan->standard);
     if (state == LibraryState::other_format)
         return {ExitStatus::no_ghdl, format_message(msg_unknown_format)};
-    GhdlSource* made = nullptr;
-    for (GhdlSource& entry : copy.sources) {
-        if (file_name_part(view(entry.name)) == view(source.file))
-            made = &entry;
-    }
-    // GHDL takes no notice of a disk that is full and calls the analysis a success.
-    if (state != LibraryState::read || made == nullptr)
-        return {ExitStatus::no_room,
-                format_message(msg_library_not_written, target.library.place.name.c_str())};
+    return state == LibraryState::read ? Failure() : not_written(session.targets[target]);
+}
+
+Failure take_compiled(CompileSession& session, std::size_t number, CompiledLibrary& made) {
+    SessionSource& source = session.sources[number];
+    const SessionTarget& target = session.targets[source.library];
+    const auto entry = std::ranges::find_if(made.sources, [&](const GhdlSource& each) {
+        return file_name_part(view(each.name)) == view(source.file);
+    });
+    if (entry == made.sources.end())
+        return not_written(target);
     source.state = SessionSource::State::compiled;
     // GHDL would not read again what it has just written.
-    session.exposed = is_readable_by_ghdl(view(made->directory));
-    place_entry(session, source, std::move(*made));
+    session.exposed = session.exposed && is_readable_by_ghdl(view(entry->directory));
+    place_entry(session, source, std::move(*entry));
     claim_units(session, number);
     session.time_stamps[number] = source.entry.time_stamp;
     const std::string_view library = view(target.library.place.name);

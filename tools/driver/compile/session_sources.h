@@ -6,16 +6,23 @@
 
 namespace pellux {
 
-/// Reads a source and tells whether it must be compiled. One that is up to date is done with that.
-/// A failure is about this source alone.
-[[nodiscard]] Failure decide_source(CompileSession& session, std::size_t source,
-                                    SourceDecision& decision);
+/// Reads a source and its record. A failure is about this source alone.
+[[nodiscard]] Failure read_source(CompileSession& session, std::size_t source);
+/// Tells whether a source that was read must be compiled, with what is visible now.
+[[nodiscard]] SourceDecision decide_source(CompileSession& session, std::size_t source);
+/// What the library holds of the source is what an analysis would make.
+void take_up_to_date(CompileSession& session, std::size_t source);
 
 /// Puts in the run's directory what the source may see; the last one sees all.
 [[nodiscard]] Failure expose_libraries(CompileSession& session);
 
-/// Takes what GHDL has made of the source after an analysis that it calls a success.
-[[nodiscard]] Failure take_compiled(CompileSession& session, std::size_t source);
+/// Reads what GHDL has written into the copy of a library, after an analysis that it calls a
+/// success.
+[[nodiscard]] Failure read_made(const CompileSession& session, std::size_t target,
+                                CompiledLibrary& made);
+/// Takes what GHDL has made of the source; its entry of `made` is moved away.
+[[nodiscard]] Failure take_compiled(CompileSession& session, std::size_t source,
+                                    CompiledLibrary& made);
 void take_failed(CompileSession& session, std::size_t source);
 
 /// What an elaboration of the source's units depends on.

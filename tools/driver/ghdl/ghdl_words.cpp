@@ -76,9 +76,9 @@ const char* standard_directory(VhdlStandard standard) {
 }
 
 Vector<String> analysis_words(const GhdlCalls& calls, std::string_view library,
-                              std::string_view file) {
+                              std::span<const String> files) {
     Vector<String> words = common_words(calls, "-a", library);
-    words.emplace_back(file);
+    words.insert(words.end(), files.begin(), files.end());
     return words;
 }
 

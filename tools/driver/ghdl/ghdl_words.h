@@ -2,6 +2,7 @@
 
 #include "core/common/containers.h"
 
+#include <span>
 #include <string_view>
 
 namespace pellux {
@@ -25,9 +26,9 @@ struct GhdlCalls {
     Vector<String> search; ///< directories of further libraries
 };
 
-// Words of the GHDL calls, its program name first. `file` is named as GHDL is given it.
+// Words of the GHDL calls, its program name first. `files` are named as GHDL is given them.
 [[nodiscard]] Vector<String> analysis_words(const GhdlCalls& calls, std::string_view library,
-                                            std::string_view file);
+                                            std::span<const String> files);
 [[nodiscard]] Vector<String> elaboration_words(const GhdlCalls& calls, std::string_view library,
                                                std::string_view unit);
 

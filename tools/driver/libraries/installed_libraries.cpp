@@ -143,7 +143,7 @@ bool analyse(const InstalledLibraryRun& run, const GhdlCalls& calls, const Libra
     if (file.empty())
         return false;
     const GhdlEnd end =
-        run_ghdl(run.process, run.ghdl, analysis_words(calls, view(cache.name), view(file)),
+        run_ghdl(run.process, run.ghdl, analysis_words(calls, view(cache.name), {&file, 1}),
                  {.line = [](void*, std::string_view) {},
                   .piece_read = [](void*) {},
                   .stop = run.guard.stop,
