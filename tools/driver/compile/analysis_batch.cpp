@@ -39,25 +39,23 @@ bool may_overtake(const AnalysisBatch& batch, const CompileSession& session, std
 bool may_join(const AnalysisBatch& batch, const CompileSession& session, std::size_t source) {
     return batch.count == 0 ||
            (batch.library == session.sources[source].library &&
-            std::ranges::none_of(declared_units(view(session.sources[source].text)),
-                                 [&](const DeclaredUnit& unit) {
-                                     return contains(batch.units, view(key_of(unit)));
-                                 }));
+            std::ranges::none_of(session.sources[source].declared, [&](const DeclaredUnit& unit) {
+                return contains(batch.units, view(key_of(unit)));
+            }));
 }
 
 bool takes_a_unit(const CompileSession& session, std::size_t source) {
     const std::string_view library =
         view(session.targets[session.sources[source].library].library.place.name);
-    return std::ranges::any_of(
-        declared_units(view(session.sources[source].text)), [&](const DeclaredUnit& declared) {
-            GhdlUnit unit;
-            unit.kind = declared.kind;
-            unit.name = declared.name;
-            unit.entity = declared.entity;
-            const auto found = session.visible.by_key.find(unit_key(library, unit));
-            return found != session.visible.by_key.end() &&
-                   session.visible.units[found->second].source != source;
-        });
+    return std::ranges::any_of(session.sources[source].declared, [&](const DeclaredUnit& declared) {
+        GhdlUnit unit;
+        unit.kind = declared.kind;
+        unit.name = declared.name;
+        unit.entity = declared.entity;
+        const auto found = session.visible.by_key.find(unit_key(library, unit));
+        return found != session.visible.by_key.end() &&
+               session.visible.units[found->second].source != source;
+    });
 }
 
 void join_batch(AnalysisBatch& batch, const CompileSession& session, BatchEntry entry) {
@@ -66,7 +64,7 @@ void join_batch(AnalysisBatch& batch, const CompileSession& session, BatchEntry 
         batch.library = source.library;
         batch.bytes += source.text.size();
         ++batch.count;
-        for (const DeclaredUnit& unit : declared_units(view(source.text))) {
+        for (const DeclaredUnit& unit : source.declared) {
             batch.units.insert(key_of(unit));
             batch.names.emplace(found_by(unit.kind, unit.name, unit.entity));
         }

@@ -31,6 +31,7 @@ struct SessionSource {
     String text;      ///< what GHDL reads; gone once the source is done
     Digest content{};
     SourceScan scan;
+    Vector<DeclaredUnit> declared; ///< units that it seems to declare; of one that is compiled
 
     GhdlSource before;       ///< what the library held of it at the start; without units: nothing
     GhdlSource entry;        ///< what it holds now

@@ -364,6 +364,7 @@ Failure analyse(Runner& runner, std::size_t number) {
             join_batch(batch, session, std::move(entry));
         return {};
     }
+    session.sources[number].declared = declared_units(view(source.text));
     const bool is_alone = takes_a_unit(session, number);
     if (is_alone || !may_join(batch, session, number) ||
         batch.bytes + source.text.size() > runner.call_size.bytes_max())

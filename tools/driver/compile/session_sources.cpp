@@ -71,6 +71,7 @@ bool read_record(CompileSession& session, SessionSource& source) {
 
 void forget_text(SessionSource& source) {
     source.text = {};
+    source.declared = {};
 }
 
 /// What GHDL would write for the source if it analysed it now, but for the time.
