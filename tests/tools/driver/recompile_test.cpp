@@ -87,5 +87,24 @@ TEST(Recompile, CompilesWhatAChangeHasAnEffectOn) {
     }
 }
 
+/// Two projects in one directory, with a package that both have.
+TEST(Recompile, LeavesWhatAnotherProjectHasCompiledValid) {
+    const Scratch scratch;
+    fs::create_directory("tree");
+    SmallDesign first;
+    first.list = "-aalib types.vhd -aalib types_body.vhd leaf.vhd middle.vhd -b top.vhd";
+    first.write("tree");
+    std::ofstream("tree/bench.vhd")
+        << "library alib; use alib.types.all; entity bench is end;\n"
+           "architecture a of bench is begin u : entity work.leaf; end;";
+    const auto second = test::words_of("-aalib types.vhd -aalib types_body.vhd -b bench.vhd");
+    for (const char* change : {"", "-- why\n"}) {
+        std::ofstream("tree/types.vhd", std::ios::app) << change;
+        EXPECT_EQ(compile("tree", first.words(), true).status, 0);
+        for (const bool only_changed : {true, false, true})
+            EXPECT_EQ(compile("tree", second, only_changed).errors, "");
+    }
+}
+
 } // namespace
 } // namespace pellux

@@ -16,30 +16,6 @@
 namespace pellux {
 namespace {
 
-bool is_unchanged(const SessionSource& source) {
-    return source.state == SessionSource::State::up_to_date ||
-           (!source.before.units.empty() && source.record.units == source.old_record.units);
-}
-
-/// A source whose units mean what they meant keeps its time, so that what uses it stays valid
-/// elsewhere too; but no source is older than what it uses.
-void set_time_stamps(CompileSession& session) {
-    for (std::size_t i = 0; i < session.sources.size(); ++i) {
-        SessionSource& source = session.sources[i];
-        if (source.state != SessionSource::State::up_to_date &&
-            source.state != SessionSource::State::compiled)
-            continue;
-        String& stamp = session.time_stamps[i];
-        stamp = is_unchanged(source) ? source.before.time_stamp : source.entry.time_stamp;
-        for (const UnitStamp& use : source.record.uses) {
-            const auto found = session.visible.by_key.find(use.unit);
-            if (found != session.visible.by_key.end())
-                stamp = std::max(stamp,
-                                 session.time_stamps[session.visible.units[found->second].source]);
-        }
-    }
-}
-
 /// Keeps where the source lies by a path that survives a move of the tree.
 SystemError write_vif(const CompileSession& session, const SessionSource& source) {
     const String& directory = session.targets[source.library].library.directory;
@@ -107,7 +83,6 @@ void record_sources(CompileSession& session) {
 } // namespace
 
 Failure commit_session(CompileSession& session) {
-    set_time_stamps(session);
     for (std::size_t i = 0; i < session.targets.size(); ++i) {
         if (Failure failure = commit_target(session, i))
             return failure;

@@ -9,10 +9,6 @@
 namespace pellux {
 namespace {
 
-const String& latest_stamp(const CompileSession& session) {
-    return *std::max_element(session.time_stamps.begin(), session.time_stamps.end());
-}
-
 /// Ascending in the order of a compilation of all, by which GHDL chooses among
 /// several architectures of an entity.
 void number_units(GhdlLibrary& library) {
@@ -31,8 +27,6 @@ GhdlLibrary contents(const CompileSession& session, std::size_t target, Moment m
         if (!source.units.empty())
             library.sources.push_back(source);
     }
-    // GHDL wants each source to be analysed no earlier than what it uses.
-    const String now = moment == Moment::next_source ? latest_stamp(session) : String();
     for (std::size_t i = 0; i < session.sources.size(); ++i) {
         const SessionSource& source = session.sources[i];
         if (source.library != target)
@@ -43,8 +37,7 @@ GhdlLibrary contents(const CompileSession& session, std::size_t target, Moment m
             continue;
         library.sources.push_back(entry);
         if (!is_waiting)
-            library.sources.back().time_stamp =
-                moment == Moment::next_source ? now : session.time_stamps[i];
+            library.sources.back().time_stamp = session.time_stamps[i];
     }
     number_units(library);
     return library;

@@ -62,7 +62,7 @@ bool read_record(CompileSession& session, SessionSource& source) {
     }
     if (has_record)
         return true;
-    if (status != BdeStatus::read)
+    if (status != BdeStatus::read && session.only_changed)
         session.warnings.push_back(
             format_message(status == BdeStatus::newer ? msg_newer_record : msg_record_damaged,
                            bde_name(view(source.name)).c_str(), source.name.c_str()));
@@ -140,6 +140,26 @@ Vector<UnitStamp> checked_uses(CompileSession& session, const SourceScan& scan,
     return uses;
 }
 
+bool is_unchanged(const SessionSource& source) {
+    return source.state == SessionSource::State::up_to_date ||
+           (!source.before.units.empty() && source.record.units == source.old_record.units);
+}
+
+/// A source whose units mean what they meant keeps its time, so that what uses it stays valid
+/// elsewhere too; but no source is older than what it uses, or GHDL would refuse it.
+void set_time_stamp(CompileSession& session, std::size_t number) {
+    const SessionSource& source = session.sources[number];
+    String stamp = is_unchanged(source) ? source.before.time_stamp : source.entry.time_stamp;
+    for (const UnitStamp& use : source.record.uses) {
+        const auto found = session.visible.by_key.find(use.unit);
+        if (found != session.visible.by_key.end())
+            stamp =
+                std::max(stamp, session.time_stamps[session.visible.units[found->second].source]);
+    }
+    session.exposed = session.exposed && stamp == source.entry.time_stamp;
+    session.time_stamps[number] = std::move(stamp);
+}
+
 } // namespace
 
 Failure read_source(CompileSession& session, std::size_t number) {
@@ -148,7 +168,10 @@ Failure read_source(CompileSession& session, std::size_t number) {
         return failure;
     source.content = digest_of(view(source.text));
     scan_source(view(source.text), source.scan);
-    source.has_record = session.only_changed && read_record(session, source);
+    // What others have compiled stays valid only if what it uses is known to be the same.
+    const bool has_others = std::ranges::any_of(
+        session.foreign, [](const ForeignSource& foreign) { return foreign.source != nullptr; });
+    source.has_record = (session.only_changed || has_others) && read_record(session, source);
     return {};
 }
 
@@ -172,7 +195,7 @@ void take_up_to_date(CompileSession& session, std::size_t number) {
     for (std::size_t i = 0; i < source.entry.units.size(); ++i)
         add_visible(session.visible, library, source.entry.units[i], source.record.units[i].stamp,
                     number);
-    session.time_stamps[number] = source.entry.time_stamp;
+    set_time_stamp(session, number);
     session.exposed = false;
     forget_text(source);
 }
@@ -219,7 +242,6 @@ Failure take_compiled(CompileSession& session, std::size_t number, CompiledLibra
     session.exposed = session.exposed && is_readable_by_ghdl(view(entry->directory));
     place_entry(session, source, std::move(*entry));
     claim_units(session, number);
-    session.time_stamps[number] = source.entry.time_stamp;
     const std::string_view library = view(target.library.place.name);
     Vector<UnitStamp> own = stamp_units(session.visible, library, source.entry, view(source.text),
                                         session.settings, number);
@@ -227,6 +249,7 @@ Failure take_compiled(CompileSession& session, std::size_t number, CompiledLibra
     source.record.settings = session.settings;
     source.record.uses = checked_uses(session, source.scan, own);
     source.record.units = std::move(own);
+    set_time_stamp(session, number);
     // A source that changed while it was compiled is one that nothing is known of.
     source.record_differs = source.entry.checksum == source.content;
     forget_text(source);
