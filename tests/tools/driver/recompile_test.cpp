@@ -55,6 +55,7 @@ const Change k_changes[] = {
     {"middle.vhd", "end;", "generic (g : bit := '0'); end;", "middle.vhd top.vhd "},
     {nullptr, "alone.vhd ", "", ""},
     {nullptr, "alone.vhd", "other.vhd", "other.vhd "},
+    {nullptr, "alone.vhd", "-aalib alone.vhd", "alone.vhd "},
     // An order counts where the sources meet.
     {nullptr, "alone.vhd leaf.vhd", "leaf.vhd alone.vhd", ""},
     {nullptr, "leaf.vhd middle.vhd", "middle.vhd leaf.vhd", "middle.vhd top.vhd "},

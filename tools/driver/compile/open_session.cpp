@@ -75,16 +75,33 @@ TextMap<std::size_t> sources_of(const CompileSession& session, std::size_t targe
     return numbers;
 }
 
+/// Where the plan's sources lie.
+TextSet paths_of(const CompileSession& session) {
+    TextSet paths;
+    for (const SessionSource& source : session.sources)
+        paths.insert(absolute_path(view(session.current), view(source.name)));
+    return paths;
+}
+
+/// Was the source of the library's compiled into another one of late? Its units here are its no
+/// longer.
+bool has_moved(const TextSet& paths, const CompiledLibrary& library, const GhdlSource& source) {
+    return paths.contains(
+        view(absolute_path(view(library.place.directory), view(source_path(source)))));
+}
+
 /// Sorts what the library holds into the plan's sources and those from elsewhere, of which those
 /// that are gone are dropped: GHDL reads a unit from its source whenever the unit is used.
 void sort_sources(CompileSession& session, std::size_t number) {
     SessionTarget& target = session.targets[number];
     const TextMap<std::size_t> own = sources_of(session, number);
+    const TextSet paths = paths_of(session);
     for (GhdlSource& source : target.library.sources) {
         const auto found = own.find(file_name_part(view(source.name)));
         if (found != own.end())
             session.sources[found->second].before = std::move(source);
-        else if (is_there(source, view(target.library.directory)))
+        else if (is_there(source, view(target.library.directory)) &&
+                 !has_moved(paths, target.library, source))
             target.foreign.push_back(std::move(source));
         else
             target.gone.emplace_back(file_name_part(view(source.name)));
