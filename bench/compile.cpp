@@ -1,9 +1,8 @@
 // `bpr compile` of the example of 24 files, all of them or what was changed, against GHDL called by
 // hand on the same files.
 
+#include "bench/child_runs.h"
 #include "bench/ratio.h"
-#include "core/os/argument_vector.h"
-#include "core/os/process.h"
 #include "core/project/project_file.h"
 
 #include <benchmark/benchmark.h>
@@ -25,29 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* k_tree = PELLUX_BINARY_DIR "/velmora";
 
-/// Runs a program to its end without its output; its exit status.
-int run(const std::vector<std::string>& words) {
-    OwnedHandle read_end;
-    OwnedHandle write_end;
-    const auto pointers = argument_vector<std::vector<const char*>>(words);
-    Process process;
-    if (failed(make_pipe(read_end, write_end)) ||
-        failed(start_process(process, {.program = pointers[0],
-                                       .arguments = pointers.data(),
-                                       .output = write_end.get(),
-                                       .errors = write_end.get()})))
-        return -1;
-    write_end.reset();
-    std::byte buffer[4096];
-    std::size_t got = 0;
-    bool would_wait = false;
-    while (!failed(read_handle(read_end.get(), buffer, got, would_wait)) && got > 0) {
-    }
-    return wait_for_process(process).code;
-}
-
-using Words = std::vector<std::string>;
-
 Words ghdl_words(const char* mode, const std::string& library, const std::string& what) {
     return {"ghdl-mcode",
             mode,
@@ -58,11 +34,6 @@ Words ghdl_words(const char* mode, const std::string& library, const std::string
             "-Pblocks",
             "-fno-caret-diagnostics",
             what};
-}
-
-void expect_success(const Words& words) {
-    if (run(words) != 0)
-        std::printf("%s failed\n", words.front().c_str());
 }
 
 void analyse_by_hand(const VHDL_source& source) {
