@@ -365,9 +365,12 @@ Failure analyse(Runner& runner, std::size_t number) {
         return {};
     }
     session.sources[number].declared = declared_units(view(source.text));
-    const bool is_alone = takes_a_unit(session, number);
-    if (is_alone || !may_join(batch, session, number) ||
+    if (!may_join(batch, session, number) ||
         batch.bytes + source.text.size() > runner.call_size.bytes_max())
+        if (Failure failure = analyse_batch(runner))
+            return failure;
+    const bool is_alone = takes_a_unit(session, number);
+    if (is_alone)
         if (Failure failure = analyse_batch(runner))
             return failure;
     join_batch(batch, session, std::move(entry));
