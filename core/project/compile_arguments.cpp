@@ -100,6 +100,11 @@ bool is_pla_project(const Project& project) {
            has_extension(project.sources.front()->file_name.view(), "pla");
 }
 
+String source_argument(std::string_view name) {
+    const bool is_guarded = name.starts_with('-') || name.starts_with('@');
+    return (is_guarded ? "./" : "") + String(name);
+}
+
 Vector<String> build_arguments(const Project& project, std::span<const CompileEntry> entries,
                                bool all) {
     Vector<String> arguments;
@@ -116,12 +121,12 @@ Vector<String> build_arguments(const Project& project, std::span<const CompileEn
             continue;
         }
         arguments.push_back(format_text("-a%s", entry.source->options.library.c_str()));
-        arguments.emplace_back(name.c_str());
+        arguments.push_back(source_argument(name.view()));
     }
     if (top != nullptr) {
         add_text("-a", top->options.library, arguments);
         arguments.emplace_back("-b");
-        arguments.emplace_back(top->file_name.c_str());
+        arguments.push_back(source_argument(top->file_name.view()));
     }
     return arguments;
 }

@@ -21,6 +21,9 @@ struct CompileEntry {
 /// Does the project hold exactly one file, and is that a PLA file?
 [[nodiscard]] bool is_pla_project(const Project& project);
 
+/// A source's name as a word that no program takes for a switch or a response file: "./-x.vhd".
+[[nodiscard]] String source_argument(std::string_view name);
+
 /// The compiler's arguments, element 0 apart, for all entries or the selected ones. The top design
 /// comes last, after "-b".
 [[nodiscard]] Vector<String> build_arguments(const Project& project,

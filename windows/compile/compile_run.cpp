@@ -7,6 +7,7 @@
 #include "core/os/argument_vector.h"
 #include "core/os/clock.h"
 #include "core/os/files.h"
+#include "core/project/compile_arguments.h"
 #include "core/project/source_list.h"
 #include "windows/compile/compile_bars.h"
 #include "windows/compile/compile_hooks.h"
@@ -64,7 +65,7 @@ NamedSources sources_among(const Project* project, const Vector<String>& words) 
         return sources;
     for (const String& word : words) {
         const auto found = std::ranges::find_if(project->sources, [&](const auto& each) {
-            return each->file_name.view() == view(word);
+            return source_argument(each->file_name.view()) == word;
         });
         if (found == project->sources.end())
             continue;
@@ -328,7 +329,7 @@ bool CompileWindow::begin_simulation() {
     const auto simulator = find_simulator(reader, of->options.simulator.view());
     if (!simulator)
         return false;
-    const String design(of->top_design->file_name.view());
+    const String design = source_argument(of->top_design->file_name.view());
     append(pellux::view(simulator->command + " " + design + "\n"));
     Vector<String> words;
     std::string_view rest = pellux::view(simulator->command);

@@ -220,7 +220,7 @@ void simulate(Window project) {
     if (of.options.text_12.present() && !of.options.text_12.view().empty())
         words.push_back("-u" + String(of.options.text_12.view()));
     words.push_back("-o" + waveform_name(of));
-    words.emplace_back(of.top_design->file_name.view());
+    words.push_back(source_argument(of.top_design->file_name.view()));
     const String title = format_message(msg_simulation_title, project_label(of).c_str());
     if (CompileWindow* output = open_compile_window(project))
         output->startCompile(words, false, view(title), RunKind::simulation);

@@ -96,17 +96,17 @@ TEST(CompileArguments, ALonePlaFileTakesNoVhdlSwitches) {
 }
 
 TEST(CompileArguments, LibrariesGoBeforeTheirFileAndTheTopDesignComesLast) {
-    const Owned<Project> project = project_of({"a.vhd", "top.vhd", "b.vhd"});
+    const Owned<Project> project = project_of({"a.vhd", "top.vhd", "-b.vhd"});
     project->sources[2]->options.library.assign("mylib");
     project->top_design = project->sources[1].get();
-    EXPECT_EQ(arguments(*project), "-m -yga -fP -a a.vhd -amylib b.vhd -b top.vhd");
-    EXPECT_EQ(arguments(*project, false, {0, 2}), "-yga -fP -a a.vhd -amylib b.vhd");
+    EXPECT_EQ(arguments(*project), "-m -yga -fP -a a.vhd -amylib ./-b.vhd -b top.vhd");
+    EXPECT_EQ(arguments(*project, false, {0, 2}), "-yga -fP -a a.vhd -amylib ./-b.vhd");
     project->sources[1]->options.library.assign("own");
     EXPECT_EQ(arguments(*project, false, {1}), "-yga -fP -aown -b top.vhd");
     Vector<CompileEntry> entries = rows(*project);
     entries[0].source = nullptr;
     EXPECT_EQ(joined(build_arguments(*project, entries, true)),
-              "-m -yga -fP -amylib b.vhd -aown -b top.vhd");
+              "-m -yga -fP -amylib ./-b.vhd -aown -b top.vhd");
 }
 
 class FindCompiler : public testing::Test, protected CapturedReports {

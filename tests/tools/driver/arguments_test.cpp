@@ -66,8 +66,8 @@ TEST(Arguments, OfTheCompilerAreTakenOrRefused) {
          "-m work:one.vhd lib:two.vhd work:three.vhd lib:four.vhd ()"},
         {"-alib|-m|-b|t.vhd|a.vhd", "-m work:a.vhd (lib:t.vhd)"},
         // After its library or as top a file may look like a switch.
-        {"-a|-x.vhd|-a|@y.vhd|-a|-a.vhd|/c.vhd|-b|-q",
-         "work:-x.vhd work:@y.vhd work:-a.vhd work:/c.vhd (-q)"},
+        {"-a|-x.vhd|-a|@y.vhd|-a|-a.vhd|./-m|./@z|/c.vhd|-b|-q",
+         "work:-x.vhd work:@y.vhd work:-a.vhd work:-m work:@z work:/c.vhd (-q)"},
         {"@a.rsp|@a.rsp", "work:a.vhd work:a.vhd ()"},
         {"@r.rsp", "-q alib:my file.vhd work:a\nb work:c:\\x work:c:\\x work:\\ (a\"b\\c.vhd) "
                    "-dEP 20x"},

@@ -20,8 +20,8 @@ struct Row {
 
 const Row k_rows[] = {
     {"", "gone.vhd", 1, "gone.vhd:  Can't read 'gone.vhd': No such file or directory\n"},
-    {"echo bad >-x.vhd", "-a -x.vhd", 1,
-     "-x.vhd (line 1, col 1):  missing entity, architecture, package or configuration\n"},
+    {"echo bad >-m.vhd; echo 'entity x is end;' >@x.vhd", "./-m.vhd -a @x.vhd", 1,
+     "-m.vhd (line 1, col 1):  missing entity, architecture, package or configuration\n"},
     {"mkdir x.vhd", "x.vhd", 1, "x.vhd:  Can't read 'x.vhd': Is a directory\n"},
     {"mkfifo x.vhd", "x.vhd", 1, "x.vhd:  Can't read 'x.vhd': Operation not supported\n"},
     {"ln -s /dev/zero x.vhd", "x.vhd", 1, "x.vhd:  Can't read 'x.vhd': Operation not supported\n"},

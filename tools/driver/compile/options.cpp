@@ -154,6 +154,12 @@ bool is_file_of_library(const Parser& parser, std::string_view word) {
     return row->kind == SwitchKind::library && !operand.empty() && !is_library_name(operand);
 }
 
+/// The name as a project lists it: what guards it from being a switch is no part of it.
+String listed_name(std::string_view word) {
+    const bool is_guarded = word.starts_with("./-") || word.starts_with("./@");
+    return String(is_guarded ? word.substr(2) : word);
+}
+
 /// Of the `-a` that stands before a file or `-b`, which ends its reach.
 String take_library(Parser& parser) {
     parser.library_switch.clear();
@@ -168,7 +174,7 @@ Failure take_word(Parser& parser, std::string_view word) {
     if (parser.awaits_top) {
         if (!options.top.empty())
             return bad(format_message(msg_second_top, String(word).c_str()));
-        options.top = word;
+        options.top = listed_name(word);
         options.top_library = take_library(parser);
         parser.awaits_top = false;
         return {};
@@ -187,7 +193,7 @@ Failure take_word(Parser& parser, std::string_view word) {
             return take_switch(parser, *row, word);
         }
     }
-    options.files.push_back({String(word), take_library(parser)});
+    options.files.push_back({listed_name(word), take_library(parser)});
     return {};
 }
 

@@ -13,7 +13,8 @@ namespace pellux {
 
 /// A source file and the library that it goes into.
 struct SourceArgument {
-    String name;    ///< as it stands in the argument vector; every message uses this spelling
+    String name;    ///< as in the argument vector, but for a "./" in front of '-' or '@'; every
+                    ///< message uses this spelling
     String library; ///< as given, "work" without a name
 };
 

@@ -91,7 +91,7 @@ Vector<String> elaboration_words(const GhdlCalls& calls, std::string_view librar
 
 String ghdl_file_name(std::string_view file) {
     String name(file);
-    if (name.starts_with('-'))
+    if (name.starts_with('-') || name.starts_with('@'))
         name.insert(0, "./");
     return name;
 }

@@ -32,7 +32,7 @@ struct GhdlCalls {
 [[nodiscard]] Vector<String> elaboration_words(const GhdlCalls& calls, std::string_view library,
                                                std::string_view unit);
 
-/// The file's name as GHDL is given it, so that it is never taken for a switch.
+/// The file's name as GHDL is given it, so that it is never taken for a switch or a response file.
 [[nodiscard]] String ghdl_file_name(std::string_view file);
 
 } // namespace pellux

@@ -109,7 +109,8 @@ bool write_differences(LibraryIndex& index, const SourceUnits& before, const Sou
     }
     for (const auto& [file, units] : now) {
         const auto found = before.find(file);
-        if ((found == before.end() || !same_units(units, found->second)) &&
+        // Of a file whose name cannot be recorded there are no units here.
+        if (!units.empty() && (found == before.end() || !same_units(units, found->second)) &&
             !insert_source(index, view(file), units))
             return false;
     }
