@@ -85,6 +85,9 @@ inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 inline Message<const char*, const char*> msg_ghdl_version{"E2008", "%s, %s"};
 inline Message<const char*> msg_ghdl_speechless{"E2009", "'%s' doesn't tell its version."};
 
+inline Message<const char*, int> msg_rule_allows{
+    "E2010", "The project's option %s (bit %d of its flags) allows it."};
+
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
 inline Message<const char*, const char*> msg_record_damaged{
     "E2007", "'%s' is damaged; '%s' is compiled again."};
@@ -136,7 +139,8 @@ inline Message<> msg_reason_all{"E1991", "compiled, as every file is"};
 inline Message<> msg_reason_never_compiled{"E1992", "compiled for the first time"};
 inline Message<> msg_reason_not_in_library{"E1993", "compiled, as its library does not hold it"};
 inline Message<> msg_reason_changed{"E1994", "compiled, as its text was changed"};
-inline Message<> msg_reason_settings{"E1995", "compiled, as the standard or GHDL is another"};
+inline Message<> msg_reason_settings{"E1995",
+                                     "compiled, as the standard, its rules or GHDL is another"};
 inline Message<const char*> msg_reason_uses{"E1996",
                                             "compiled, as it may use what was changed: %s"};
 inline Message<const char*> msg_report_units{"E1997", "Library '%s':"};

@@ -166,18 +166,24 @@ TEST_F(RealSimulations, EachEndHasItsStatus) {
         const char* told; ///< behind the first line, up to the waveform's
     };
     const Row rows[] = {
-        {"report \"bang\" severity failure; wait", 1,
-         "e.vhd (line 3, col 1):  failure at 0ms: bang\n    in process .e(a).P0\n"
+        {"begin report \"bang\" severity failure; wait", 1,
+         "e.vhd (line 3, col 7):  failure at 0ms: bang\n    in process .e(a).P0\n"
          "    from: process work.e(a).P0 at e.vhd:3\n"},
-        {"std.env.stop(3); wait", 1, "BRIXSIM:  simulation stopped @0ms with status 3\n"},
-        {"std.env.stop(0); wait", 0, "simulation stopped @0ms with status 0\n"},
-        {"std.env.finish; wait", 0, "simulation finished @0ms\n"},
+        {"begin std.env.stop(3); wait", 1, "BRIXSIM:  simulation stopped @0ms with status 3\n"},
+        {"begin std.env.stop(0); wait", 0, "simulation stopped @0ms with status 0\n"},
+        {"begin std.env.finish; wait", 0, "simulation finished @0ms\n"},
+        // What only the project's options allow, and more than GHDL's own limit of a variable.
+        {"impure function f return natural is\nvariable v : bit_vector(1 to conv_integer("
+         "std_logic_vector'(X\"100000\")));\nbegin return 1; end; begin assert f = 1; wait",
+         0, ""},
     };
+    write_project("e.bpr", {"e.vhd"}, "e.vhd", "", 8, "", k_new_project_flags | 1 << 24 | 1 << 18);
     for (const Row& row : rows) {
-        scratch.write(
-            "e.vhd", std::string("entity e is end;\narchitecture a of e is begin process begin\n") +
-                         row.body + "; end process; end;\n");
-        ASSERT_EQ(run_brix({"-q", "e.vhd"}).status, 0);
+        scratch.write("e.vhd", "library ieee; use ieee.std_logic_1164.all, "
+                               "ieee.std_logic_unsigned.all; entity e is end;\n"
+                               "architecture a of e is shared variable s : bit; begin process\n" +
+                                   std::string(row.body) + "; end process; end;\n");
+        ASSERT_EQ(run_brix({"-q", "-yu", "-yv2", "-b", "e.vhd"}).status, 0);
         const ToolRun run = run_brixsim("e.vhd");
         EXPECT_EQ(run.text,
                   "Simulating 'e'\n" + std::string(row.told) + "Waveform of 'e' in 'e.vcd'.\n");

@@ -122,7 +122,8 @@ struct Environment {
 
 /// Writes a project; `top` and the unit may be empty.
 inline void write_project(const char* file, std::vector<const char*> sources, const char* top,
-                          const char* unit, int standard, const char* top_library = "") {
+                          const char* unit, int standard, const char* top_library = "",
+                          std::int32_t flags = k_new_project_flags) {
     Project project;
     project.file_name.assign(file);
     for (const char* name : sources) {
@@ -134,6 +135,7 @@ inline void write_project(const char* file, std::vector<const char*> sources, co
         }
         project.sources.push_back(std::move(source));
     }
+    project.options.flags = flags;
     project.options.text_12.assign(unit);
     project.options.vhdl_standard = static_cast<std::int16_t>(standard);
     EXPECT_FALSE(failed(write_project_as(project, file, {}).error));

@@ -59,6 +59,7 @@ const Change k_changes[] = {
     // An order counts where the sources meet.
     {nullptr, "alone.vhd leaf.vhd", "leaf.vhd alone.vhd", ""},
     {nullptr, "leaf.vhd middle.vhd", "middle.vhd leaf.vhd", "middle.vhd top.vhd "},
+    {nullptr, "", "-yu ", "types.vhd types_body.vhd alone.vhd leaf.vhd middle.vhd top.vhd "},
     {nullptr, "", "-v93 ", "types.vhd types_body.vhd alone.vhd leaf.vhd middle.vhd top.vhd "},
 };
 

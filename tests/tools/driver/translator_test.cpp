@@ -80,8 +80,11 @@ TEST_F(Translation, EachMessageComesOnceWithWhatExplainsIt) {
          {"E a.vhd(2,1) twice", "E a.vhd(3,1) other"}},
         {"a.vhd:2:1:warning: doubt [-Wspecs]\na.vhd:2:1: certainty\na.vhd:2:1: (found: x)",
          {"W a.vhd(2,1) doubt [-Wspecs]", "E a.vhd(2,1) certainty\n    (found: x)"}},
-        {"a.vhd:2:1: bad\na.vhd:2:1:note: (you can use -frelaxed)\na.vhd:2:1: worse",
-         {"E a.vhd(2,1) bad", "N a.vhd(2,1) (you can use -frelaxed)", "E a.vhd(2,1) worse"}},
+        {"a.vhd:2:1: bad\na.vhd:2:1:note: (you can use -frelaxed)\na.vhd:2:1: needs -fsynopsys",
+         {"E a.vhd(2,1) bad\n    The project's option -yu (bit 24 of its flags) allows it.",
+          "N a.vhd(2,1) (you can use -frelaxed)",
+          "E a.vhd(2,1) needs -fsynopsys\n"
+          "    The project's option -yv2 (bit 18 of its flags) allows it."}},
         {"ghdl-mcode: cannot open x.vhd\n/usr/bin/ghdl-mcode:warning: directory missing [-Wlibrary]"
          "\nghdl:error: bound check failure at e.vhd:10\n  from: work.top(a)\nerror: bare word",
          {"E cannot open x.vhd", "W directory missing [-Wlibrary]",

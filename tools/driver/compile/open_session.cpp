@@ -184,7 +184,7 @@ Failure open_session(CompileSession& session, const Plan& plan, bool only_change
                      std::string_view ghdl, const WaitGuard& guard) {
     session.plan = &plan;
     session.only_changed = only_changed;
-    session.settings = settings_digest(plan.standard, ghdl);
+    session.settings = settings_digest(plan.standard, ghdl, plan.rules);
     PathBuffer current;
     if (const SystemError error = current_directory(current); failed(error))
         return {ExitStatus::errors,

@@ -118,6 +118,7 @@ Failure take_switch(Parser& parser, const SwitchRow& row, std::string_view word)
     case SwitchKind::fitting:
         if (row.operand == Operand::number && !number_of<int>(operand))
             return bad(format_message(msg_switch_needs_number, String(word).c_str()));
+        take_rule(word, options.rules);
         options.fitting.emplace_back(word);
         return {};
     }

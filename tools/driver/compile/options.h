@@ -24,13 +24,14 @@ struct Options {
     String top;                   ///< the top design's file; empty without one
     String top_library{k_work_library};
     VhdlStandard standard = VhdlStandard::vhdl_2008;
+    VhdlRules rules;
     int error_limit = 0; ///< 0: none
     int warning_limit = 0;
     bool banner = true;
     bool only_changed = false;
     bool version = false;      ///< only what runs is asked for; there may be no file then
     std::uint64_t channel = 0; ///< the environment's address; 0: standard output
-    Vector<String> fitting;    ///< switches about devices, as given; no part of the compilation
+    Vector<String> fitting;    ///< switches for the report, as given; those of `rules` among them
 };
 
 /// Reads the words that follow the program's name. The first fault ends it; `options` then holds

@@ -63,6 +63,7 @@ bool is_target(const Plan& plan, const LibraryPlace& place) {
 Plan make_plan(const Options& options, const FoundLibraries& found) {
     Plan plan;
     plan.standard = options.standard;
+    plan.rules = options.rules;
     TextMap<std::size_t> steps;
     for (const SourceArgument& source : options.files) {
         const std::size_t library = target_of(plan, view(source.library), found);

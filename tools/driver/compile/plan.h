@@ -24,6 +24,7 @@ struct Step {
 struct Plan {
     Failure failure;
     VhdlStandard standard = VhdlStandard::vhdl_2008;
+    VhdlRules rules;
     Vector<LibraryPlace> targets;   ///< libraries that are written, each once
     Vector<LibraryPlace> others;    ///< further ones that may be read
     Vector<LibraryPlace> installed; ///< ones that may be read once they fit GHDL

@@ -52,7 +52,7 @@ enum class CompileReason {
     never_compiled,
     not_in_library, ///< or in another form than its record says
     changed,
-    settings, ///< another standard or GHDL
+    settings, ///< another standard, rules or GHDL
     uses,     ///< a unit that it may depend on came, went, or changed
 };
 

@@ -464,7 +464,7 @@ Vector<String> analysed_files(const Plan& plan) {
 
 void set_up_calls(Runner& runner) {
     runner.calls = {String(runner.ghdl.view()), runner.plan.standard, runner.session.run.path,
-                    runner.session.search};
+                    runner.session.search, runner.plan.rules};
     runner.translator.program = runner.ghdl.view();
     runner.translator.names = &runner.names;
     runner.translator.diagnostic = on_diagnostic;

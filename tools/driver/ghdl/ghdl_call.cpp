@@ -92,12 +92,16 @@ bool find_ghdl(PathBuffer& path) {
     return false;
 }
 
-Digest settings_digest(VhdlStandard standard, std::string_view ghdl) {
+Digest settings_digest(VhdlStandard standard, std::string_view ghdl, const VhdlRules& rules) {
     FileStat stat;
     static_cast<void>(stat_file(ghdl, stat));
-    const String text =
+    String text =
         format_text("%d %s %lld %lld", static_cast<int>(standard), String(ghdl).c_str(),
                     static_cast<long long>(stat.size), static_cast<long long>(stat.modified_ns));
+    Vector<String> options;
+    add_rule_options(rules, options);
+    for (const String& option : options)
+        (text += ' ') += option;
     return digest_of(view(text));
 }
 

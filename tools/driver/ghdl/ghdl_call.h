@@ -13,7 +13,8 @@ namespace pellux {
 [[nodiscard]] bool find_ghdl(PathBuffer& path);
 
 /// Everything about GHDL and the way it is called that a library's contents may hang on.
-[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl);
+[[nodiscard]] Digest settings_digest(VhdlStandard standard, std::string_view ghdl,
+                                     const VhdlRules& rules = {});
 
 /// Takes GHDL's output, standard output and errors in the order written, line by line without line
 /// ends; `piece_read` after each burst of lines.

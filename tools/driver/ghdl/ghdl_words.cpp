@@ -43,6 +43,7 @@ Vector<String> common_words(const GhdlCalls& calls, const char* command, std::st
     words.push_back(calls.program);
     words.emplace_back(command);
     words.emplace_back(words_of(calls.standard).option);
+    add_rule_options(calls.rules, words);
     words.push_back("--work=" + String(library));
     words.push_back("--workdir=" + calls.directory);
     words.push_back("-P" + calls.directory);

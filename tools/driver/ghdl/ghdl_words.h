@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "tools/driver/ghdl/vhdl_rules.h"
 
 #include <span>
 #include <string_view>
@@ -24,6 +25,7 @@ struct GhdlCalls {
     VhdlStandard standard = VhdlStandard::vhdl_2008;
     String directory;      ///< where it reads and writes the libraries of the run
     Vector<String> search; ///< directories of further libraries
+    VhdlRules rules{};
 };
 
 // Words of the GHDL calls, its program name first. `files` are named as GHDL is given them.

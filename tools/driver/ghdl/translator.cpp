@@ -1,6 +1,7 @@
 #include "tools/driver/ghdl/translator.h"
 
 #include "core/diagnostics/reporter.h"
+#include "tools/driver/ghdl/vhdl_rules.h"
 #include "tools/driver/messages.h"
 
 #include <array>
@@ -49,6 +50,18 @@ bool is_follow_up(const Translator& translator, const GhdlLine& line) {
     return repeats_place(translator, line) || explains(translator, line);
 }
 
+/// What GHDL says of an option of its own, a note perhaps, which only the report has, is told in
+/// the error as the project's option.
+void add_rule_advice(Translator& translator, std::string_view text) {
+    const String advice = rule_advice(text);
+    if (advice.empty() || translator.current.level != GhdlLevel::error)
+        return;
+    translator.plain_start = 0;
+    translator.current.text += '\n';
+    translator.current.text += k_indent;
+    translator.current.text += advice;
+}
+
 int column_of(Translator& translator, const GhdlLine& line) {
     if (line.column <= 1)
         return line.column;
@@ -77,6 +90,8 @@ void add_follow_up(Translator& translator, const GhdlLine& line) {
 }
 
 void begin_diagnostic(Translator& translator, const GhdlLine& line) {
+    if (translator.open && line.level == GhdlLevel::note && repeats_place(translator, line))
+        add_rule_advice(translator, line.text);
     end_translation(translator);
     Diagnostic& current = translator.current;
     current.level = line.level;
@@ -90,6 +105,7 @@ void begin_diagnostic(Translator& translator, const GhdlLine& line) {
     translator.path = line.file;
     translator.ghdl_column = line.column;
     translator.open = true;
+    add_rule_advice(translator, line.text);
 }
 
 /// A quoted source line and the caret under it say what the place says already.

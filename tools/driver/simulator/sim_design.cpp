@@ -76,6 +76,7 @@ void take_project(const Project& project, SimDesign& design) {
             !library.empty())
             design.library = library;
     }
+    design.rules = rules_of(project.options);
     const String number = format_text("%d", int{project.options.vhdl_standard});
     // The compiler's default stays for a number that is none.
     static_cast<void>(find_standard(view(number), design.standard));

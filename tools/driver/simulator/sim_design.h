@@ -12,6 +12,7 @@ namespace pellux {
 /// What the command line's design comes to.
 struct SimDesign {
     VhdlStandard standard = VhdlStandard::vhdl_2008;
+    VhdlRules rules;                ///< the project's
     String unit;                    ///< named by somebody; empty: the top unit of `file`
     String file;                    ///< the top design
     String library{k_work_library}; ///< that the top design is compiled into

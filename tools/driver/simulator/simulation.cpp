@@ -115,7 +115,8 @@ Vector<String> simulation_words(const Simulation& simulation) {
     const GhdlCalls calls{String(simulation.ghdl.view()),
                           simulation.design.standard,
                           libraries.run.path,
-                          {libraries.run.path}};
+                          {libraries.run.path},
+                          simulation.design.rules};
     Vector<String> words =
         elaboration_words(calls, view(libraries.work().place.name), view(simulation.unit));
     words[1] = "-r";
@@ -128,6 +129,8 @@ Vector<String> simulation_words(const Simulation& simulation) {
         break;
     }
     words.back() += simulation.waveform.temporary.view();
+    // A test bench may keep large data in its subprograms.
+    words.emplace_back("--max-stack-alloc=0");
     // Before the first values arrive, arithmetic on them complains for nothing.
     words.emplace_back("--ieee-asserts=disable-at-0");
     if (!simulation.options.stop_time.empty())
