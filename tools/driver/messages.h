@@ -104,10 +104,10 @@ inline Message<const char*> msg_unknown_waveform{
     "E1966", "Unknown format '%s' of a waveform; there are vcd and ghw."};
 inline Message<const char*> msg_no_top_design{
     "E1967", "Project '%s' has no top design and names no test bench unit."};
-inline Message<const char*> msg_not_compiled{
-    "E1968", "Library 'work' holds nothing of '%s'; compile it first."};
-inline Message<const char*> msg_no_such_unit{
-    "E1969", "Library 'work' holds no entity or configuration '%s'."};
+inline Message<const char*, const char*> msg_not_compiled{
+    "E1968", "Library '%s' holds nothing of '%s'; compile it first."};
+inline Message<const char*, const char*> msg_no_such_unit{
+    "E1969", "Library '%s' holds no entity or configuration '%s'."};
 inline Message<const char*> msg_no_top_unit{"E1970", "'%s' has no unit that could be simulated."};
 inline Message<const char*, const char*> msg_several_top_units{
     "E1971", "'%s' has several units to simulate: %s. Name one with -u."};

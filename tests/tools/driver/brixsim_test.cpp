@@ -74,6 +74,11 @@ TEST_F(FakeSimulations, ADesignIsAProjectOrItsTop) {
     EXPECT_EQ(unit_of("good.bpr"), "Simulating 'run_good'");
     EXPECT_EQ(unit_of("bench.bpr"), "Simulating 'run_good'");
     EXPECT_EQ(unit_of("-urun_hang -l0.1 bench.bpr"), "Simulating 'run_hang'");
+    // Another library than `work` is looked into, and named.
+    write_project("lib.bpr", {"run_good.vhd"}, "run_good.vhd", "", -1, "Alib");
+    const std::string holds = "BRIXSIM:  Library 'alib' holds no";
+    EXPECT_EQ(unit_of("lib.bpr"), holds + "thing of 'run_good.vhd'; compile it first.");
+    EXPECT_EQ(unit_of("-urun_hang lib.bpr"), holds + " entity or configuration 'run_hang'.");
     EXPECT_TRUE(std::filesystem::exists("good.vcd"));
     // A source stands for itself unless one project has it as its top.
     EXPECT_EQ(unit_of("run_twice.vhd"), "Simulating 'run_twice'");

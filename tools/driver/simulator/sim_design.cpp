@@ -104,13 +104,15 @@ Failure find_named_unit(const SimDesign& design, const CompiledLibrary& work, St
                 return {};
         }
     }
-    return in_design(format_message(msg_no_such_unit, design.unit.c_str()));
+    return in_design(
+        format_message(msg_no_such_unit, work.place.name.c_str(), design.unit.c_str()));
 }
 
 Failure find_top_unit(const SimDesign& design, const CompiledLibrary& work, String& unit) {
     const GhdlSource* source = find_compiled(work, view(design.file));
     if (source == nullptr)
-        return in_design(format_message(msg_not_compiled, design.file.c_str()));
+        return in_design(
+            format_message(msg_not_compiled, work.place.name.c_str(), design.file.c_str()));
     String text;
     SystemError error = SystemError::none;
     const String path = absolute_path(view(work.directory), view(source_path(*source)));
