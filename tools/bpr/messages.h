@@ -43,14 +43,15 @@ inline Message<const char*> msg_library_unused{
 inline Message<const char*, const char*> msg_same_file{
     "E1877", "Can't write '%s': it is the same file as '%s'."};
 
+inline Message<const char*, const char*, const char*> msg_bpr_command_usage{"E1883",
+                                                                            "usage: %s %s %s"};
 inline Message<> msg_help_show{"E1878", "  show     prints the project FILE as JSON"};
 inline Message<> msg_help_make{"E1879", "  make     makes the project FILE from JSON"};
 inline Message<> msg_help_compile{
     "E1880", "  compile  compiles all sources of the project FILE, or those of each NAME"};
 inline Message<> msg_help_status{
-    "E1881", "Exit status: 0 done, 2 a wrong command line or a file that can't be used; compile:"};
+    "E1881", "Exit status: 0 done, 2 a wrong command line or a file that can't be used"};
 inline Message<> msg_help_compiler_status{
-    "E1882",
-    "0 no error, 1 errors, 3 no GHDL, 4 no right or room on the disk, 5 a library's fault"};
+    "E1882", "compile: 1 errors, 3 no GHDL, 4 no right or room on the disk, 5 a library's fault"};
 
 } // namespace pellux

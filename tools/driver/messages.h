@@ -85,6 +85,35 @@ inline Message<> msg_up_to_date{"E1956", "All files are up to date."};
 inline Message<const char*, const char*> msg_ghdl_version{"E2008", "%s, %s"};
 inline Message<const char*> msg_ghdl_speechless{"E2009", "'%s' doesn't tell its version."};
 
+inline Message<> msg_compiler_help{
+    "E2013", "usage: BRIX.EXE [SWITCH | FILE | @RESPONSE]...\n"
+             "  -a[LIBRARY] FILE       compiles the file into the library, 'work' without a name\n"
+             "  [-aLIBRARY] -b FILE    compiles the top design, last, and elaborates it\n"
+             "  -m                     compiles only what a change can have an effect on\n"
+             "  -v87, -v93, -v2, -v8   the VHDL standard: 8, VHDL-2008, without it\n"
+             "  -yu                    relaxed rules: errors that GHDL can bear become warnings\n"
+             "  -yv2                   allows std_logic_arith, std_logic_unsigned and so on\n"
+             "  -eN, -wN               ends the run when there are more than N errors, warnings\n"
+             "  -d -p -o -f -y -xor2   about the device: for the report alone\n"
+             "  -q                     no banner\n"
+             "  --version              tells the versions of the compiler and of GHDL\n"
+             "  --help                 tells this\n"
+             "A response file holds arguments. \"./\" before a name that begins with '-' or '@'.\n"
+             "Exit status: 0 no error, 1 errors, 2 a wrong command line, 3 no GHDL,\n"
+             "4 no right or room on the disk, 5 a library's fault"};
+inline Message<> msg_simulator_help{
+    "E2014", "usage: brixsim [SWITCH]... DESIGN\n"
+             "Runs the test bench of a compiled project, or a compiled source.\n"
+             "  -uUNIT        runs this entity or configuration\n"
+             "  -lSECONDS     ends the run after that time on the clock, 60 without it\n"
+             "  -sTIME        ends the run after that simulated time: -s10us\n"
+             "  -wvcd, -wghw  format of the waveform\n"
+             "  -oFILE        where the waveform goes\n"
+             "  -vSTANDARD    87, 93, 2 or 8; the project's without it\n"
+             "  -q            no banner\n"
+             "  --help        tells this\n"
+             "Exit status: 0 no error, 1 errors, 2 a wrong command line, 3 no GHDL,\n"
+             "4 no right or room on the disk, 5 a library's fault"};
 inline Message<const char*, int> msg_rule_allows{
     "E2010", "The project's option %s (bit %d of its flags) allows it."};
 

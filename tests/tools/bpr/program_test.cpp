@@ -177,6 +177,7 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
         {"compile none.bpr", "Error reading 'none.bpr'. There is no such file.\n"},
         {"show", nullptr},
         {"frobnicate x", nullptr},
+        {"frobnicate --help", nullptr},
         {"compile x.bpr --selected", nullptr},
     };
     for (const auto& row : rows) {
@@ -187,10 +188,16 @@ TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
     }
     EXPECT_FALSE(fs::exists("a.bpr"));
     EXPECT_EQ(directory_.read("good.json"), "{}");
-    const ToolRun help = bpr("--help");
-    EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(help.text.starts_with(bpr("").text)) << help.text;
-    EXPECT_EQ(count(help.text, "\n"), 6U);
+    const std::tuple<std::string, std::string, std::size_t> helps[] = {
+        {"", bpr("").text, 6},
+        {"show ", "usage: bpr show FILE\n  show ", 3},
+        {"make ", "usage: bpr make JSON FILE\n  make ", 3},
+        {"compile ", "usage: bpr compile FILE [--selected NAME...]\n  compile ", 4}};
+    for (const auto& [command, start, lines] : helps) {
+        EXPECT_EQ(std::system((k_tree + "/bin/bpr " + command + "--help >help").c_str()), 0);
+        const std::string text = directory_.read("help");
+        EXPECT_TRUE(text.starts_with(start) && count(text, "\n") == lines) << text;
+    }
 }
 
 } // namespace

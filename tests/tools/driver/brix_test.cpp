@@ -87,6 +87,10 @@ TEST_F(Brix, TellsWhatRunsWithoutAFile) {
     const ToolRun run = run_brix({"--version"});
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.text, banner + "BRIX:  " + msg_no_ghdl.text() + "\n");
+    for (const std::string program : {"BRIX.EXE", "brixsim"}) {
+        EXPECT_EQ(std::system((k_bin + program + " -q --help >help").c_str()), 0);
+        EXPECT_TRUE(scratch.read("help").starts_with("usage: " + program + " [SWITCH"));
+    }
 }
 
 TEST_F(Brix, LimitsEndTheRunAndGhdl) {

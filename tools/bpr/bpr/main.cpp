@@ -14,21 +14,50 @@ namespace {
 
 constexpr const char* k_program = "bpr";
 
-int help() {
-    String text = format_message(msg_bpr_usage, k_program) + "\n";
-    for (Message<>* line : {&msg_help_show, &msg_help_make, &msg_help_compile, &msg_help_status,
-                            &msg_help_compiler_status})
-        text += format_message(*line) + "\n";
-    Terminal(standard_output()).write(view(text));
-    return k_status_done;
+struct CommandHelp {
+    std::string_view name;
+    const char* arguments;
+    Message<>& line;
+    Message<>* more_statuses; ///< null: none
+};
+
+const CommandHelp k_commands[] = {
+    {"show", "FILE", msg_help_show, nullptr},
+    {"make", "JSON FILE", msg_help_make, nullptr},
+    {"compile", "FILE [--selected NAME...]", msg_help_compile, &msg_help_compiler_status},
+};
+
+/// Prints the help of one command, or of all without a name; false when there is no such command.
+bool help(std::string_view command) {
+    String text;
+    String statuses = format_message(msg_help_status) + "\n";
+    if (command.empty())
+        text = format_message(msg_bpr_usage, k_program) + "\n";
+    for (const CommandHelp& row : k_commands) {
+        if (row.name == command)
+            text =
+                format_message(msg_bpr_command_usage, k_program, row.name.data(), row.arguments) +
+                "\n";
+        else if (!command.empty())
+            continue;
+        text += format_message(row.line) + "\n";
+        if (row.more_statuses != nullptr)
+            statuses += format_message(*row.more_statuses) + "\n";
+    }
+    if (text.empty())
+        return false;
+    Terminal(standard_output()).write(view(text + statuses));
+    return true;
 }
 
 int run(std::span<const char* const> arguments) {
     const auto is = [&](std::size_t at, const char* word) {
         return at < arguments.size() && std::strcmp(arguments[at], word) == 0;
     };
-    if ((is(0, "--help") || is(0, "-h")) && arguments.size() == 1)
-        return help();
+    const auto is_help = [&](std::size_t at) { return is(at, "--help") || is(at, "-h"); };
+    if ((arguments.size() == 1 && is_help(0) && help({})) ||
+        (arguments.size() == 2 && is_help(1) && help(arguments[0])))
+        return k_status_done;
     if (is(0, "show") && arguments.size() == 2)
         return show_project(arguments[1]);
     if (is(0, "make") && arguments.size() == 3)

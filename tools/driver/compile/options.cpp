@@ -16,6 +16,7 @@ enum class SwitchKind {
     only_changed,
     no_banner,
     version,
+    help,
     standard,
     error_limit,
     warning_limit,
@@ -38,6 +39,7 @@ constexpr std::array k_switches{
     SwitchRow{"-m", Operand::none, SwitchKind::only_changed},
     SwitchRow{"-q", Operand::none, SwitchKind::no_banner},
     SwitchRow{"--version", Operand::none, SwitchKind::version},
+    SwitchRow{"--help", Operand::none, SwitchKind::help},
     SwitchRow{"-v", Operand::number, SwitchKind::standard},
     SwitchRow{"-e", Operand::number, SwitchKind::error_limit},
     SwitchRow{"-w", Operand::number, SwitchKind::warning_limit},
@@ -102,6 +104,9 @@ Failure take_switch(Parser& parser, const SwitchRow& row, std::string_view word)
         return {};
     case SwitchKind::version:
         options.version = true;
+        return {};
+    case SwitchKind::help:
+        options.help = true;
         return {};
     case SwitchKind::standard:
         if (!find_standard(operand, options.standard))
@@ -210,7 +215,7 @@ Failure parse_arguments(std::span<const char* const> words, Options& options) {
         return bad(format_message(msg_switch_needs_file, "-b"));
     if (!parser.library_switch.empty())
         return bad(format_message(msg_switch_needs_file, parser.library_switch.c_str()));
-    if (options.files.empty() && options.top.empty() && !options.version)
+    if (options.files.empty() && options.top.empty() && !options.version && !options.help)
         return bad(format_message(msg_nothing_to_compile));
     return {};
 }

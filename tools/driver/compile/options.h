@@ -30,6 +30,7 @@ struct Options {
     bool banner = true;
     bool only_changed = false;
     bool version = false;      ///< only what runs is asked for; there may be no file then
+    bool help = false;         ///< only the help is asked for; there may be no file then
     std::uint64_t channel = 0; ///< the environment's address; 0: standard output
     Vector<String> fitting;    ///< switches for the report, as given; those of `rules` among them
 };

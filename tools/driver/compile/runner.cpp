@@ -496,6 +496,10 @@ ExitStatus tell_version(Runner& runner) {
 } // namespace
 
 ExitStatus run_compiler(const Options& options, Output& output) {
+    if (options.help) {
+        print_lines(output, msg_compiler_help.text());
+        return ExitStatus::nothing_failed;
+    }
     reporter().error_limit = options.error_limit;
     reporter().warning_limit = options.warning_limit;
     if (options.banner) {

@@ -205,6 +205,10 @@ ExitStatus simulate(Simulation& simulation) {
 } // namespace
 
 ExitStatus run_simulation(const SimulationOptions& options, Output& output) {
+    if (options.help) {
+        print_lines(output, msg_simulator_help.text());
+        return ExitStatus::nothing_failed;
+    }
     if (options.banner)
         print_lines(output, view(format_message(msg_simulator_banner, PELLUX_VERSION)));
     Simulation simulation(options, output);

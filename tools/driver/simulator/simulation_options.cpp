@@ -13,7 +13,17 @@
 namespace pellux {
 namespace {
 
-enum class SwitchKind { channel, unit, limit, stop_time, format, output, standard, no_banner };
+enum class SwitchKind {
+    channel,
+    unit,
+    limit,
+    stop_time,
+    format,
+    output,
+    standard,
+    no_banner,
+    help
+};
 
 struct SwitchRow {
     std::string_view letters;
@@ -25,6 +35,7 @@ constexpr std::array k_switches{
     SwitchRow{"-l", SwitchKind::limit},        SwitchRow{"-s", SwitchKind::stop_time},
     SwitchRow{"-w", SwitchKind::format},       SwitchRow{"-o", SwitchKind::output},
     SwitchRow{"-v", SwitchKind::standard},     SwitchRow{"-q", SwitchKind::no_banner},
+    SwitchRow{"--help", SwitchKind::help},
 };
 
 /// Names of the formats, by their number, which are the extensions of their files too.
@@ -96,7 +107,8 @@ bool is_time(std::string_view text) {
 
 Failure take_switch(SimulationOptions& options, const SwitchRow& row, const String& word) {
     const std::string_view operand = view(word).substr(row.letters.size());
-    if ((row.kind == SwitchKind::no_banner) != operand.empty())
+    const bool is_alone = row.kind == SwitchKind::no_banner || row.kind == SwitchKind::help;
+    if (is_alone != operand.empty())
         return bad(format_message(msg_unknown_switch, word.c_str()));
     switch (row.kind) {
     case SwitchKind::channel:
@@ -131,6 +143,9 @@ Failure take_switch(SimulationOptions& options, const SwitchRow& row, const Stri
         break;
     case SwitchKind::no_banner:
         options.banner = false;
+        break;
+    case SwitchKind::help:
+        options.help = true;
         break;
     }
     return {};
@@ -185,6 +200,8 @@ Failure take_words(SimulationOptions& options, std::span<const char* const> word
 Failure parse_simulation(std::span<const char* const> words, SimulationOptions& options) {
     if (Failure failure = take_words(options, words))
         return failure;
+    if (options.help)
+        return {};
     if (options.design.empty())
         return bad(format_message(msg_no_design));
     if (options.output.empty()) {

@@ -23,6 +23,7 @@ struct SimulationOptions {
     WaveformFormat format = WaveformFormat::vcd;
     String output; ///< the waveform's file; never empty
     bool banner = true;
+    bool help = false; ///< only the help is asked for; there may be no design and output then
     std::uint64_t channel = 0; ///< the environment's address; 0: standard output
 };
 
