@@ -26,8 +26,6 @@ TEST_F(Brix, EachFileIsCompiledThoughOthersAreBad) {
                                    "Compiling 'good.vhd'\nCompiling 'top.vhd'\n"))
         << run.text;
     EXPECT_EQ(calls(), "-a errors.vhd; -a good.vhd; -a top.vhd; ");
-    EXPECT_TRUE(std::filesystem::is_directory("alib"));
-    EXPECT_TRUE(std::filesystem::is_directory("work"));
     // GHDL works on copies of the libraries.
     EXPECT_NE(scratch.read("calls.log").find("--work=alib --workdir=" + scratch.path("work/run-")),
               std::string::npos);
@@ -39,7 +37,6 @@ TEST_F(Brix, UnusedUnitsOfTheTopAreElaborated) {
     const ToolRun run = run_brix({"good.vhd", "-b", "top.vhd"});
     EXPECT_EQ(calls(), "-a good.vhd top.vhd; -e top; -e other; ");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.text.starts_with("BRIX"));
     EXPECT_TRUE(run.text.ends_with("Compiling 'top.vhd'\n"
                                    "/nowhere/x.vhd (line 3, col 2):  unit is missing\n"))
         << run.text;
@@ -78,11 +75,8 @@ TEST_F(Brix, TalksToTheEnvironmentAsToStandardOutput) {
 
 TEST_F(Brix, TellsWhatRunsWithoutAFile) {
     const std::string banner = "BRIX, the VHDL compiler of Pellux, version " PELLUX_VERSION "\n";
-    Environment environment;
-    environment.run({"--version"}, 0);
-    EXPECT_EQ(environment.text,
+    EXPECT_EQ(run_brix({"errors.vhd", "--version"}).text,
               banner + "GHDL 0.0 (stand-in), " PELLUX_BINARY_DIR "/tests/fake_ghdl/ghdl-mcode\n");
-    EXPECT_EQ(run_brix({"errors.vhd", "--version"}).text, environment.text);
     const test::ScopedVariable no_path("PATH", scratch.path().c_str());
     const ToolRun run = run_brix({"--version"});
     EXPECT_EQ(run.status, 3);
@@ -100,11 +94,6 @@ TEST_F(Brix, LimitsEndTheRunAndGhdl) {
                                        "endless.vhd:  Abort:  (E46) Error limit (2) exceeded\n"))
         << limited.text;
     EXPECT_FALSE(ghdl_still_runs());
-    const ToolRun warnings = run_brix({"-q", "-w1", "warnings.vhd", "good.vhd"});
-    EXPECT_EQ(warnings.status, 1);
-    EXPECT_TRUE(
-        warnings.text.ends_with("warnings.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"))
-        << warnings.text;
     EXPECT_EQ(run_brix({"-q", "-w3", "warnings.vhd"}).status, 0);
 }
 

@@ -17,30 +17,27 @@ struct ProgramEnds : testing::Test, FakeGhdl {
 };
 
 TEST_F(ProgramEnds, WhoeverEndsItEndsGhdlAndLeavesNothing) {
-    const struct {
-        const char* tool;
-        const char* file;
-        const char* running; ///< said when GHDL runs
-    } rows[] = {{"BRIX.EXE", "endless.vhd", "(line 4"}, {"brixsim", "run_hang.vhd", "runs"}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"BRIX.EXE", "endless.vhd", "(line 4"}, {"brixsim", "run_hang.vhd", "runs"}};
+    for (const auto& [tool, file, running] : rows) {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
             Process process;
-            const OwnedHandle output = start_program(process, row.tool, {row.file});
-            const std::string text = read_until(output, row.running);
+            const OwnedHandle output = start_program(process, tool, {file});
+            const std::string text = read_until(output, running);
             ::kill(static_cast<pid_t>(process.id), signal);
             EXPECT_EQ(status_of(wait_for_process(process)), 1) << text;
             expect_nothing_left();
         }
-        Environment closing{row.tool};
-        closing.close_at = row.running;
+        Environment closing{tool};
+        closing.close_at = running;
         closing.answers = false;
-        closing.run({row.file}, 1);
+        closing.run({file}, 1);
         expect_nothing_left();
         Process process;
         {
-            Environment lost{row.tool};
-            lost.start(process, {row.file});
-            while (lost.text.find(row.running) == std::string::npos)
+            Environment lost{tool};
+            lost.start(process, {file});
+            while (lost.text.find(running) == std::string::npos)
                 run_turn(TurnWait::until_event);
         }
         EXPECT_EQ(status_of(wait_for_process(process)), 1);
