@@ -45,7 +45,7 @@ const Row k_rows[] = {
     {"printf 'v 4\nfile' >work/work-obj08.cf", "e.vhd", 0,
      "BRIX:  Warning: Library 'work' is damaged; it is made anew.\n"},
     {"echo 1 nonsense >work/lock", "e.vhd", 0, ""},
-    {"sed -i 's/bde 1/bde 2/' e.bde", "e.vhd", 0,
+    {"sed -i 's/bde 2/bde 3/' e.bde", "e.vhd", 0,
      "e.vhd:  Warning: 'e.bde' was written by a newer version; 'e.vhd' is compiled again.\n"},
     {"sed -i 's/content ./content z/' e.bde", "e.vhd", 0,
      "e.vhd:  Warning: 'e.bde' is damaged; 'e.vhd' is compiled again.\n"},
@@ -99,6 +99,11 @@ TEST_F(BadInput, IsToldInOneLineAndHarmsNoLibrary) {
         const ToolRun run = run_brix({"-q", "-m", "@words"});
         EXPECT_EQ(run.status, row.status) << run.text;
         EXPECT_EQ(told(run), row.told);
+        // What is wrong with a file stands under its name.
+        const std::string file = row.told.substr(0, row.told.find_first_of(": "));
+        EXPECT_TRUE(file.empty() || file == "BRIX" ||
+                    run.text.find("Compiling '" + file + "'\n" + row.told) != file.npos)
+            << run.text;
         // One bad file hides no good one.
         EXPECT_EQ(run.text.find("Compiling 'good.vhd'\n") != run.text.npos, row.status < 2)
             << run.text;
@@ -106,13 +111,47 @@ TEST_F(BadInput, IsToldInOneLineAndHarmsNoLibrary) {
     }
 }
 
-TEST_F(BadInput, AnotherGhdlCompilesAllAgain) {
+/// One after the other, each after a shell has changed something.
+TEST_F(BadInput, WhatIsUpToDateIsNotCompiledAndWarnsAgain) {
     begin();
-    EXPECT_EQ(run_brix({"-q", "-m", "e.vhd"}).text, "All files are up to date.\n");
-    scratch.write("bin/ghdl-mcode", "#!/bin/sh\nexec ghdl \"$@\"\n");
-    fs::permissions("bin/ghdl-mcode", fs::perms::owner_all);
-    EXPECT_EQ(run_brix({"-q", "-m", "e.vhd"}).text, "Compiling 'e.vhd'\n");
-    EXPECT_EQ(run_brix({"-q", "-m", "e.vhd"}).text, "All files are up to date.\n");
+    scratch.write("w.vhd", "package w is constant \\c n\\ : natural range 0 to 3 := 4; end;\n");
+    scratch.write("leaf.vhd", "entity leaf is end;\narchitecture a of leaf is\n"
+                              "component \\c n\\ is end component; begin u : \\c n\\; end;\n");
+    scratch.write("top.vhd", "entity top is end;\n"
+                             "architecture a of top is begin u : entity work.leaf; end;\n");
+    const std::string of_w = "w.vhd (line 1, col 55):  Warning: static expression violates bounds "
+                             "[-Wruntime-error]\n";
+    const std::string bound = ", col 41):  Warning: instance \"u\" of component \"\\c n\\\" is not "
+                              "bound [-Wbinding]\n    (in default configuration of leaf(a)) (line ";
+    const std::string of_leaf = "leaf.vhd (line 3" + bound + "2, col 14)\n";
+    const std::string moved_leaf = "leaf.vhd (line 4" + bound + "3, col 14)\n";
+    const std::string compiling = "Compiling '", done = "All files are up to date.\n";
+    const struct {
+        const char* change;
+        std::string words;
+        int status;
+        std::string told;
+    } rows[] = {
+        {"", "w.vhd leaf.vhd -b top.vhd", 0,
+         compiling + "w.vhd'\n" + of_w + compiling + "leaf.vhd'\n" + compiling + "top.vhd'\n" +
+             of_leaf},
+        {"", "w.vhd leaf.vhd -b top.vhd", 0, of_w + of_leaf + done},
+        {"mkdir sub; mv w.* sub", "sub/w.vhd leaf.vhd -b top.vhd", 0,
+         "sub/" + of_w + of_leaf + done},
+        {"sed -i '1i-- why' leaf.vhd", "sub/w.vhd leaf.vhd -b top.vhd", 0,
+         "sub/" + of_w + compiling + "leaf.vhd'\n" + moved_leaf},
+        {"sed -i 's/bde 2/bde 1/' e.bde", "-w1 e.vhd sub/w.vhd leaf.vhd -b top.vhd", 1,
+         "sub/" + of_w + moved_leaf + "leaf.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"},
+        {"echo 'exec ghdl \"$@\"' >>bin/ghdl-mcode; chmod +x bin/*", "e.vhd", 0,
+         compiling + "e.vhd'\n"},
+        {"", "e.vhd", 0, done},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(std::system(row.change), 0) << row.change;
+        const ToolRun run = run_brix(test::words_of("-q -m " + row.words));
+        EXPECT_EQ(run.text, row.told) << row.change;
+        EXPECT_EQ(run.status, row.status) << row.change;
+    }
 }
 
 TEST_F(BadInput, AHeldLibraryIsNamedWithItsHolder) {

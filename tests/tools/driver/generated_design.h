@@ -179,11 +179,12 @@ private:
     }
 
     [[nodiscard]] std::string text(const File& file, const Part& one) const {
-        // By kind. @: the number, #: the value, $: the value and what is used, *: the components,
-        // !: their instances.
+        // By kind; the first body warns of the value 1. @: the number, #: the value, $: the value
+        // and what is used, *: the components, !: their instances.
         constexpr const char* k_texts[] = {
             "package p@ is\n  constant c@ : integer := $;\n  function g@ return integer;\nend;\n",
-            "package body p@ is\n  function g@ return integer is begin return #; end;\nend;\n",
+            "package body p@ is\n  function g@ return integer is\n"
+            "  variable v : integer range 2 to 9 := #; begin return v; end;\nend;\n",
             "entity e@ is generic (n : integer := $); end;\n",
             "architecture rtl of e@ is\n*  signal s : integer := $;\nbegin\n!end;\n",
             "configuration k@ of e@ is for rtl end for; end;\n",

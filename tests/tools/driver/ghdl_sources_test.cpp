@@ -162,8 +162,12 @@ TEST(GhdlSources, AreCompiledOnceAndTheFirstMessageAboutAPlantedFaultIsGhdlsOwn)
             const test::ScopedDirectory inside("bare");
             all = accepted_sources(standard);
             EXPECT_GT(all.size(), 12u) << k_sources << " holds less than GHDL brings";
-            EXPECT_EQ(brix(standard, all).status, 0) << standard;
-            EXPECT_EQ(brix(standard, all).text, "All files are up to date.\n") << standard;
+            const ToolRun first = brix(standard, all);
+            EXPECT_EQ(first.status, 0) << standard;
+            std::string warnings;
+            for (const std::string& line : test::words_of(first.text, '\n'))
+                warnings += line.starts_with("Compiling '") ? "" : line + "\n";
+            EXPECT_EQ(brix(standard, all).text, warnings + "All files are up to date.\n");
             fs::remove_all(scratch.path("bare"));
             fs::create_directory(scratch.path("bare"));
         }

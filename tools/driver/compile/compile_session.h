@@ -37,7 +37,8 @@ struct SessionSource {
     GhdlSource entry;        ///< what it holds now
     bool has_record = false; ///< of an earlier success, as far as it was asked for
     SourceRecord old_record;
-    SourceRecord record;         ///< of this run, once it has succeeded
+    String doubt;        ///< why there is no `old_record` though there is a ".bde", to be told
+    SourceRecord record; ///< of this run, once it has succeeded
     bool record_differs = false; ///< from what its ".bde" holds
 };
 

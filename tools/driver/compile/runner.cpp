@@ -8,6 +8,7 @@
 #include "core/vhdl/source_scan.h"
 #include "tools/driver/compile/analysis_batch.h"
 #include "tools/driver/compile/commit_session.h"
+#include "tools/driver/compile/kept_warnings.h"
 #include "tools/driver/compile/open_session.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/compile/run_report.h"
@@ -47,6 +48,7 @@ struct Runner {
     CallSize call_size;
     std::optional<HeldMessages> held; ///< while a call for many sources runs
     std::size_t source = k_no_source; ///< that is being analysed
+    std::size_t top = k_no_source;    ///< that is being elaborated
     bool anything_done = false;
     Failure unrunnable; ///< GHDL can't be started at all
 
@@ -87,10 +89,22 @@ void on_ending_run(void* context, int) {
     end_run(runner.output);
 }
 
+/// Tells what GHDL says of the source that it works on.
+void tell(Runner& runner, const Diagnostic& diagnostic) {
+    if (runner.source != Runner::k_no_source) {
+        SessionSource& source = runner.session.sources[runner.source];
+        keep_warning(source.record.warnings, source, diagnostic);
+    } else if (runner.top != Runner::k_no_source) {
+        SessionSource& source = runner.session.sources[runner.top];
+        keep_warning(source.record.elaboration_warnings, source, diagnostic);
+    }
+    report_diagnostic(diagnostic, NoteOutput::report_file);
+}
+
 void on_diagnostic(void* context, const Diagnostic& diagnostic) {
     auto& runner = from_context<Runner>(context);
     if (!runner.held) {
-        report_diagnostic(diagnostic, NoteOutput::report_file);
+        tell(runner, diagnostic);
         return;
     }
     runner.held->is_refused |= diagnostic.level == GhdlLevel::error;
@@ -174,12 +188,21 @@ void report_entry(const Runner& runner, const BatchEntry& entry) {
 }
 
 void tell_begin(Runner& runner, std::size_t number) {
+    const SessionSource& source = runner.session.sources[number];
     runner.anything_done = true;
-    tell_warnings(runner);
-    const String line = format_message(msg_compiling, runner.session.sources[number].name.c_str());
+    const String line = format_message(msg_compiling, source.name.c_str());
     // The environment shows each file as soon as its packet comes.
     send_pending(runner.output.packets);
     print_lines(runner.output, view(line));
+    if (!source.doubt.empty())
+        warning(-1, msg_as_it_stands, source.doubt.c_str());
+}
+
+void tell_up_to_date(Runner& runner, const BatchEntry& entry) {
+    const SessionSource& source = runner.session.sources[entry.source];
+    report_entry(runner, entry);
+    reporter().current_source = source.name.c_str();
+    tell_kept_warnings(source.record.warnings);
 }
 
 Vector<String> call_words(Runner& runner, std::span<const BatchEntry> entries) {
@@ -269,16 +292,18 @@ Failure analyse_many(Runner& runner, std::span<const BatchEntry> entries, ManyRe
     if (Failure failure = read_made(session, session.sources[entries.front().source].library, made))
         return failure;
     for (const BatchEntry& entry : entries) {
-        report_entry(runner, entry);
-        if (!entry.is_analysed)
+        if (!entry.is_analysed) {
+            tell_up_to_date(runner, entry);
             continue;
+        }
+        report_entry(runner, entry);
         // A limit that is met ends the run: this source has failed, and those behind it wait.
         runner.source = entry.source;
         reporter().current_source = session.sources[entry.source].name.c_str();
         tell_begin(runner, entry.source);
         for (std::size_t i = 0; i < owners.size(); ++i)
             if (owners[i] == entry.source)
-                report_diagnostic(held.diagnostics[i], NoteOutput::report_file);
+                tell(runner, held.diagnostics[i]);
         runner.source = Runner::k_no_source;
         if (Failure failure = take_compiled(session, entry.source, made))
             return failure;
@@ -305,7 +330,7 @@ Failure analyse_batch(Runner& runner) {
     const std::span<const BatchEntry> entries(batch.entries);
     for (std::size_t i = 0; i < entries.size() && !is_asked_to_stop(runner);) {
         if (!entries[i].is_analysed) {
-            report_entry(runner, entries[i++]);
+            tell_up_to_date(runner, entries[i++]);
             continue;
         }
         std::size_t end = i;
@@ -359,7 +384,7 @@ Failure analyse(Runner& runner, std::size_t number) {
                 return failure;
         take_up_to_date(session, number);
         if (batch.count == 0)
-            report_entry(runner, entry);
+            tell_up_to_date(runner, entry);
         else
             join_batch(batch, session, std::move(entry));
         return {};
@@ -383,10 +408,11 @@ Failure elaborate(Runner& runner, std::size_t number) {
         return failure;
     if (reporter().error_count > 0 || on_stop_question(&runner))
         return {};
-    const SessionSource& source = session.sources[number];
-    const Digest digest = elaboration_digest(session, number);
-    if (source.record.elaborated == digest)
+    SessionSource& source = session.sources[number];
+    if (source.record.elaborated == elaboration_digest(session, number)) {
+        tell_kept_warnings(source.record.elaboration_warnings);
         return {};
+    }
     String text;
     SystemError system_error = SystemError::none;
     const TextFileStatus status =
@@ -398,6 +424,8 @@ Failure elaborate(Runner& runner, std::size_t number) {
     if (Failure failure = expose_libraries(session))
         return failure;
     runner.anything_done = true;
+    source.record.elaboration_warnings.clear();
+    runner.top = number;
     for (const String& unit : elaborated_units(source.entry, view(text))) {
         if (!call_ghdl(runner,
                        elaboration_words(runner.calls,
@@ -405,8 +433,9 @@ Failure elaborate(Runner& runner, std::size_t number) {
                                          view(unit))))
             return std::move(runner.unrunnable);
     }
+    runner.top = Runner::k_no_source;
     if (reporter().error_count == 0)
-        take_elaborated(session, number, digest);
+        take_elaborated(session, number);
     return {};
 }
 

@@ -63,9 +63,9 @@ bool read_record(CompileSession& session, SessionSource& source) {
     if (has_record)
         return true;
     if (status != BdeStatus::read && session.only_changed)
-        session.warnings.push_back(
+        source.doubt =
             format_message(status == BdeStatus::newer ? msg_newer_record : msg_record_damaged,
-                           bde_name(view(source.name)).c_str(), source.name.c_str()));
+                           bde_name(view(source.name)).c_str(), source.name.c_str());
     return false;
 }
 
@@ -264,10 +264,14 @@ void take_failed(CompileSession& session, std::size_t number) {
 Digest elaboration_digest(const CompileSession& session, std::size_t number) {
     Vector<std::size_t> needed{number};
     Digester digester;
+    // Where there are warnings to tell again their places count too.
+    const bool has_places = !session.sources[number].record.elaboration_warnings.empty();
     for (std::size_t i = 0; i < needed.size(); ++i) {
         if (needed[i] >= session.sources.size())
             continue;
         const SessionSource& source = session.sources[needed[i]];
+        if (has_places)
+            digester.update(bytes_of(source.record.content));
         for (const UnitStamp& unit : source.record.units)
             digester.update(bytes_of(unit.stamp));
         add_needed_sources(session.visible, source.scan, needed);
@@ -286,9 +290,9 @@ Digest elaboration_digest(const CompileSession& session, std::size_t number) {
     return digester.finish();
 }
 
-void take_elaborated(CompileSession& session, std::size_t number, const Digest& digest) {
+void take_elaborated(CompileSession& session, std::size_t number) {
     SessionSource& source = session.sources[number];
-    source.record.elaborated = digest;
+    source.record.elaborated = elaboration_digest(session, number);
     // A compiled source whose record is worth nothing stays without one.
     if (source.state == SessionSource::State::up_to_date)
         source.record_differs = true;

@@ -27,7 +27,7 @@ void take_failed(CompileSession& session, std::size_t source);
 
 /// What an elaboration of the source's units depends on.
 [[nodiscard]] Digest elaboration_digest(const CompileSession& session, std::size_t source);
-/// Records that the units were elaborated with success.
-void take_elaborated(CompileSession& session, std::size_t source, const Digest& digest);
+/// Records that the units were elaborated with success and with the warnings in the record.
+void take_elaborated(CompileSession& session, std::size_t source);
 
 } // namespace pellux

@@ -2,9 +2,12 @@
 
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
+#include "core/diagnostics/message.h"
 #include "tools/driver/libraries/derived_file.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <utility>
 
 namespace pellux {
@@ -14,7 +17,14 @@ namespace {
 constexpr std::ptrdiff_t k_settings_max = 4;
 constexpr std::size_t k_bde_max = std::size_t{64} << 20;
 constexpr std::string_view k_magic = "pellux bde ";
-constexpr std::string_view k_first_line = "pellux bde 1\n";
+constexpr std::string_view k_first_line = "pellux bde 2\n";
+/// Has no warnings, and is the same otherwise.
+constexpr std::string_view k_first_line_before = "pellux bde 1\n";
+/// Of one compilation.
+constexpr std::size_t k_warnings_max = 1000;
+constexpr std::size_t k_warning_bytes_max = std::size_t{256} << 10;
+/// In the place of a warning's file: the source itself.
+constexpr std::string_view k_own_file = ".";
 
 /// Takes a line off `rest`, without its end; false when there is none that ends.
 bool next_line(std::string_view& rest, std::string_view& line) {
@@ -43,6 +53,59 @@ bool read_stamp(std::string_view line, Vector<UnitStamp>& stamps) {
     return true;
 }
 
+struct Escape {
+    char letter; ///< behind a backslash
+    char byte;
+};
+constexpr std::array k_escapes{Escape{'\\', '\\'}, Escape{'n', '\n'}, Escape{'s', ' '}};
+
+/// In one line; a name in one word.
+String escaped(std::string_view text, bool is_name) {
+    String line;
+    for (const char c : text) {
+        const auto escape = std::ranges::find(k_escapes, c, &Escape::byte);
+        if (escape == k_escapes.end() || (c == ' ' && !is_name))
+            line += c;
+        else
+            (line += '\\') += escape->letter;
+    }
+    return line;
+}
+
+bool read_escaped(std::string_view line, String& text) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] != '\\') {
+            text += line[i];
+            continue;
+        }
+        const char letter = ++i < line.size() ? line[i] : '\0';
+        const auto escape = std::ranges::find(k_escapes, letter, &Escape::letter);
+        if (escape == k_escapes.end())
+            return false;
+        text += escape->byte;
+    }
+    return true;
+}
+
+bool read_number(std::string_view word, int& number) {
+    const char* end = word.data() + word.size();
+    const auto read = std::from_chars(word.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end && number >= 0;
+}
+
+bool read_warning(std::string_view line, Vector<RecordedWarning>& warnings) {
+    RecordedWarning warning;
+    if (!read_number(next_word(line), warning.line) ||
+        !read_number(next_word(line), warning.column))
+        return false;
+    const std::string_view file = next_word(line);
+    if (file.empty() || (file != k_own_file && !read_escaped(file, warning.file)) ||
+        !read_escaped(line, warning.text))
+        return false;
+    add_warning(warnings, std::move(warning));
+    return true;
+}
+
 bool read_field(std::string_view line, BdePart& part) {
     const std::string_view name = next_word(line);
     SourceRecord& record = part.record;
@@ -56,6 +119,9 @@ bool read_field(std::string_view line, BdePart& part) {
         return read_stamp(line, record.uses);
     if (name == "elaborated")
         return parse_hex(line, record.elaborated);
+    if (name == "warning")
+        return read_warning(line, record.elaborated == Digest{} ? record.warnings
+                                                                : record.elaboration_warnings);
     return false;
 }
 
@@ -91,6 +157,16 @@ void add_stamps(String& text, std::string_view name, const Vector<UnitStamp>& st
         add_line(text, name, view(hex(stamp.stamp) + " " + stamp.unit));
 }
 
+void add_warnings(String& text, const Vector<RecordedWarning>& warnings) {
+    for (const RecordedWarning& warning : warnings) {
+        const String file =
+            warning.file.empty() ? String(k_own_file) : escaped(view(warning.file), true);
+        const String told = escaped(view(warning.text), false);
+        add_line(text, "warning",
+                 view(format_text("%d %d ", warning.line, warning.column) + file + " " + told));
+    }
+}
+
 bool is_one_line(const Vector<UnitStamp>& stamps) {
     return std::all_of(stamps.begin(), stamps.end(), [](const UnitStamp& stamp) {
         return stamp.unit.find('\n') == String::npos;
@@ -105,8 +181,11 @@ void add_part(String& text, const BdePart& part) {
     add_line(text, "settings", view(hex(record.settings)));
     add_stamps(text, "unit", record.units);
     add_stamps(text, "use", record.uses);
-    if (record.elaborated != Digest{})
+    add_warnings(text, record.warnings);
+    if (record.elaborated != Digest{}) {
         add_line(text, "elaborated", view(hex(record.elaborated)));
+        add_warnings(text, record.elaboration_warnings);
+    }
     add_line(text, "end", view(hex(digest_of(view(text).substr(start)))));
 }
 
@@ -117,8 +196,18 @@ bool is_of(const BdePart& a, const BdePart& b) {
 
 } // namespace
 
+void add_warning(Vector<RecordedWarning>& warnings, RecordedWarning warning) {
+    if (warnings.size() >= k_warnings_max)
+        return;
+    std::size_t bytes = warning.file.size() + warning.text.size();
+    for (const RecordedWarning& other : warnings)
+        bytes += other.file.size() + other.text.size();
+    if (bytes <= k_warning_bytes_max)
+        warnings.push_back(std::move(warning));
+}
+
 BdeStatus parse_bde(std::string_view text, Vector<BdePart>& parts) {
-    if (!text.starts_with(k_first_line))
+    if (!text.starts_with(k_first_line) && !text.starts_with(k_first_line_before))
         return text.starts_with(k_magic) ? BdeStatus::newer : BdeStatus::damaged;
     std::string_view rest = text.substr(k_first_line.size());
     while (!rest.empty()) {

@@ -18,13 +18,28 @@ struct UnitStamp {
     bool operator==(const UnitStamp&) const = default;
 };
 
+/// What GHDL warned of, to be told again while nothing is compiled.
+struct RecordedWarning {
+    String file;  ///< as it was told; empty: the source that the record is of
+    int line = 0; ///< 0: no place
+    int column = 0;
+    String text; ///< further lines follow line ends
+
+    bool operator==(const RecordedWarning&) const = default;
+};
+
+/// Adds a warning to those of one compilation, of which the first 1000 are kept, and 256 KB.
+void add_warning(Vector<RecordedWarning>& warnings, RecordedWarning warning);
+
 /// A source's last success in one library.
 struct SourceRecord {
     Digest content{};  ///< the bytes that GHDL read
     Digest settings{}; ///< standard, GHDL
     Vector<UnitStamp> units;
     Vector<UnitStamp> uses; ///< units of other sources that it may depend on, ascending
-    Digest elaborated{};    ///< what its units were last elaborated with; zeros: never
+    Vector<RecordedWarning> warnings;
+    Digest elaborated{}; ///< what its units were last elaborated with; zeros: never
+    Vector<RecordedWarning> elaboration_warnings;
 };
 
 /// What is known of one library and one standard and GHDL; several sources may share a file
