@@ -20,9 +20,14 @@ inline constexpr int k_status_interrupted = 128;
 /// Makes the project file from JSON; the two must not be one.
 [[nodiscard]] int make_project(const char* json_file, const char* file);
 /// Compiles the project file: all of its sources, or those named in `selected` when that is not
-/// null. What the compiler says goes to standard output. The status is the compiler's once it runs.
+/// null. What the compiler says goes to standard output. The status is the compiler's once it runs,
+/// but no success where the output could not be written.
 [[nodiscard]] int compile_project_file(std::string_view file,
                                        const std::span<const char* const>* selected);
+
+/// What a command that has succeeded so far answers after writing to standard output, whose `error`
+/// it tells.
+[[nodiscard]] int status_after_output(SystemError error);
 
 /// Tells the user how the writing of a project file went; false when it failed.
 [[nodiscard]] bool tell_write_result(const ProjectWriteResult& result, std::string_view path);

@@ -73,7 +73,8 @@ int run_compiler(const Vector<String>& vector) {
     output.end_line();
     output.write(status == 0 ? msg_successful.text() : msg_unsuccessful.text());
     output.write("\n");
-    return status;
+    const int output_status = status_after_output(output.error());
+    return status == 0 ? output_status : status;
 }
 
 } // namespace

@@ -45,11 +45,7 @@ int show_project(const char* file) {
     if (project == nullptr)
         return k_status_unusable;
     const String text = project_to_json(*project, header);
-    const SystemError problem = write_handle(standard_output(), std::as_bytes(std::span(text)));
-    if (!failed(problem))
-        return k_status_done;
-    tell(msg_bpr_cannot_write, "standard output", error_text(problem).c_str());
-    return k_status_unusable;
+    return status_after_output(write_handle(standard_output(), std::as_bytes(std::span(text))));
 }
 
 int make_project(const char* json_file, const char* file) {
@@ -62,6 +58,13 @@ int make_project(const char* json_file, const char* file) {
     if (project == nullptr || !tell_write_result(write_project_as(*project, file, header), file))
         return k_status_unusable;
     return k_status_done;
+}
+
+int status_after_output(SystemError error) {
+    if (!failed(error))
+        return k_status_done;
+    tell(msg_bpr_cannot_write, "standard output", error_text(error).c_str());
+    return k_status_unusable;
 }
 
 bool tell_write_result(const ProjectWriteResult& result, std::string_view path) {

@@ -6,7 +6,9 @@
 namespace pellux {
 
 void Terminal::flush() {
-    static_cast<void>(write_handle(handle_, std::as_bytes(std::span(buffer_, used_))));
+    const SystemError error = write_handle(handle_, std::as_bytes(std::span(buffer_, used_)));
+    if (!failed(error_))
+        error_ = error;
     used_ = 0;
 }
 

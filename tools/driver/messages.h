@@ -67,6 +67,8 @@ inline Message<const char*> msg_library_not_written{
 inline Message<const char*, int, int> msg_follow_up_place{"E1950", "%s (line %d, col %d)"};
 inline Message<const char*, const char*, int, int> msg_follow_up_elsewhere{
     "E1951", "%s (%s, line %d, col %d)"};
+inline Message<const char*, int> msg_declared_later{"E2012",
+                                                    "declared in '%s', number %d of the list"};
 
 inline Message<const char*, const char*, const char*> msg_same_name{
     "E1952", "'%s' and '%s' would be one source of library '%s'."};
@@ -118,6 +120,7 @@ inline Message<const char*, int> msg_rule_allows{
     "E2010", "The project's option %s (bit %d of its flags) allows it."};
 
 inline Message<> msg_no_environment{"E1960", "Can't reach the environment that started this run."};
+inline Message<const char*> msg_no_output{"E2015", "Can't write standard output: %s"};
 inline Message<const char*, const char*> msg_record_damaged{
     "E2007", "'%s' is damaged; '%s' is compiled again."};
 
@@ -150,6 +153,8 @@ inline Message<const char*, const char*> msg_failure_at{"E1976", "failure at %s:
 inline Message<const char*, const char*> msg_simulation_limit{
     "E1977", "Simulation of '%s' ended by the limit of %s seconds."};
 inline Message<const char*, const char*> msg_waveform_written{"E1978", "Waveform of '%s' in '%s'."};
+inline Message<const char*, const char*> msg_no_waveform{
+    "E2011", "No waveform of '%s' was left; '%s' is not written."};
 inline Message<const char*, const char*> msg_no_library_copies{
     "E1979", "Can't copy the libraries into '%s': %s"};
 inline Message<const char*> msg_report_started{"E1980", "Started:        %s"};

@@ -1,8 +1,10 @@
 #include "tools/driver/output.h"
 
 #include "core/common/callback.h"
+#include "core/common/text_file.h"
 #include "core/diagnostics/message.h"
 #include "core/os/process.h"
+#include "tools/driver/messages.h"
 
 #include <array>
 #include <cstring>
@@ -26,10 +28,12 @@ void send_text(void* context, std::string_view text) {
     auto& output = from_context<Output>(context);
     if (output.failed)
         return;
-    if (output.channel != nullptr)
+    if (output.channel != nullptr) {
         poke_text(output, text);
-    else
-        output.failed = failed(write_handle(standard_output(), std::as_bytes(std::span(text))));
+        return;
+    }
+    output.error = write_handle(standard_output(), std::as_bytes(std::span(text)));
+    output.failed = failed(output.error);
 }
 
 } // namespace
@@ -85,20 +89,30 @@ bool must_stop(const Output& output) {
            (output.channel != nullptr && (output.channel->close_asked || output.channel->ended));
 }
 
-void finish_output(Output& output, ExitStatus status) {
+void tell_on_standard_errors(const String& text) {
+    const String line = text + "\n";
+    static_cast<void>(write_handle(standard_errors(), std::as_bytes(std::span(line))));
+}
+
+ExitStatus finish_output(Output& output, ExitStatus status) {
     flush_output(output);
-    if (output.channel == nullptr || output.failed)
-        return;
+    if (failed(output.error))
+        tell_on_standard_errors(format_message(msg_no_output, error_text(output.error).c_str()));
+    if (output.failed)
+        return status == ExitStatus::nothing_failed ? ExitStatus::errors : status;
+    if (output.channel == nullptr)
+        return status;
     const auto code = static_cast<std::uint32_t>(status);
     std::array<std::byte, 5> data{static_cast<std::byte>(PacketKind::completion)};
     for (std::size_t i = 0; i < 4; ++i)
         data[i + 1] = static_cast<std::byte>(code >> (8 * i));
     if (!poke_channel(*output.channel, data) || !flush_channel(*output.channel))
-        return;
+        return status;
     // Who asked for the end waits for it no longer than it must.
     if (!output.channel->close_asked)
         static_cast<void>(wait_for_completion_seen(*output.channel));
     close_channel(*output.channel);
+    return status;
 }
 
 } // namespace pellux

@@ -28,8 +28,9 @@ void send_pending(LinePackets& packets);
 /// Where the driver's lines go: the environment's channel, or standard output.
 struct Output {
     LinePackets packets;
-    Owned<ChannelClient> channel; ///< null: standard output
-    bool failed = false;          ///< nobody reads any more
+    Owned<ChannelClient> channel;          ///< null: standard output
+    bool failed = false;                   ///< nobody reads any more
+    SystemError error = SystemError::none; ///< of standard output, when it `failed`
 
     Output();
     Output(const Output&) = delete;
@@ -44,7 +45,10 @@ void print_lines(Output& output, std::string_view text);
 void flush_output(Output& output);
 /// Did the reader ask for the end, or go away?
 [[nodiscard]] bool must_stop(const Output& output);
-/// Tells the environment how the run ended and waits until it has seen it.
-void finish_output(Output& output, ExitStatus status);
+/// Tells the environment how the run ended and waits until it has seen it. Answers `status`, or
+/// `errors` in the place of a success whose text could not be written, after saying why.
+ExitStatus finish_output(Output& output, ExitStatus status);
+/// For what the output itself cannot take.
+void tell_on_standard_errors(const String& text);
 
 } // namespace pellux

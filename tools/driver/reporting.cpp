@@ -28,8 +28,7 @@ void report_to(Output& output) {
 }
 
 void end_run(Output& output) {
-    finish_output(output, ExitStatus::errors);
-    std::exit(static_cast<int>(ExitStatus::errors));
+    std::exit(static_cast<int>(finish_output(output, ExitStatus::errors)));
 }
 
 ExitStatus report_failure(const Failure& failure) {

@@ -25,15 +25,12 @@ int run_tool(const char* name, std::span<char* const> words,
     const Failure failure = parse(words.subspan(words.empty() ? 0 : 1), options);
     Output output;
     if (options.channel != 0 && !connect_output(output, options.channel)) {
-        // Without its channel the program has no place for its text but standard error.
-        const String text = format_message(msg_no_environment) + "\n";
-        static_cast<void>(write_handle(standard_errors(), std::as_bytes(std::span(text))));
+        tell_on_standard_errors(format_message(msg_no_environment));
         return static_cast<int>(ExitStatus::arguments);
     }
     report_to(output);
     const ExitStatus status = failure ? report_failure(failure) : run(options, output);
-    finish_output(output, status);
-    return static_cast<int>(status);
+    return static_cast<int>(finish_output(output, status));
 }
 
 } // namespace pellux

@@ -72,6 +72,8 @@ TEST_F(BprProgram, CompilesTheExamplesFromAnywhere) {
         EXPECT_TRUE(outcome.text.starts_with(row.start)) << outcome.text;
         EXPECT_TRUE(outcome.text.ends_with(row.end)) << outcome.text;
     }
+    for (const std::string line : {"--help", "show counter/brix.bpr", "compile counter/brix.bpr"})
+        EXPECT_EQ(std::system((k_bin + "bpr " + line + " >/dev/full 2>/dev/null").c_str()), 512);
 }
 
 TEST_F(BprProgram, CompilesSelectedFilesOnly) {

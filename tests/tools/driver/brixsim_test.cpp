@@ -36,6 +36,11 @@ TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
          "x.vhd (line 1, col 1):  Note: at 0ms: runs\n"
          "BRIXSIM:  Simulation of 'run_hang' ended by the limit of 1 seconds.\n",
          k_waveform},
+        {"run_hang", "-wghw -l0.1", 1,
+         "x.vhd (line 1, col 1):  Note: at 0ms: runs\n"
+         "BRIXSIM:  Simulation of 'run_hang' ended by the limit of 0.1 seconds.\n"
+         "No waveform of 'run_hang' was left; 'w' is not written.\n",
+         "old"},
         {"run_cut", "-q", 4, not_whole, "old"},
         {"run_empty", "-q", 4, not_whole, "old"},
         {"run_good", "-wghw", 4, not_whole, "old"},

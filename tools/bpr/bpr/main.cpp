@@ -27,8 +27,9 @@ const CommandHelp k_commands[] = {
     {"compile", "FILE [--selected NAME...]", msg_help_compile, &msg_help_compiler_status},
 };
 
-/// Prints the help of one command, or of all without a name; false when there is no such command.
-bool help(std::string_view command) {
+/// Prints the help of one command, or of all without a name, and gives the program's status; nothing
+/// when there is no such command.
+std::optional<int> help(std::string_view command) {
     String text;
     String statuses = format_message(msg_help_status) + "\n";
     if (command.empty())
@@ -45,9 +46,10 @@ bool help(std::string_view command) {
             statuses += format_message(*row.more_statuses) + "\n";
     }
     if (text.empty())
-        return false;
-    Terminal(standard_output()).write(view(text + statuses));
-    return true;
+        return std::nullopt;
+    Terminal output(standard_output());
+    output.write(view(text + statuses));
+    return status_after_output(output.error());
 }
 
 int run(std::span<const char* const> arguments) {
@@ -55,9 +57,11 @@ int run(std::span<const char* const> arguments) {
         return at < arguments.size() && std::strcmp(arguments[at], word) == 0;
     };
     const auto is_help = [&](std::size_t at) { return is(at, "--help") || is(at, "-h"); };
-    if ((arguments.size() == 1 && is_help(0) && help({})) ||
-        (arguments.size() == 2 && is_help(1) && help(arguments[0])))
-        return k_status_done;
+    if (arguments.size() == 1 && is_help(0))
+        return *help({});
+    if (arguments.size() == 2 && is_help(1))
+        if (const std::optional<int> status = help(arguments[0]))
+            return *status;
     if (is(0, "show") && arguments.size() == 2)
         return show_project(arguments[1]);
     if (is(0, "make") && arguments.size() == 3)

@@ -196,9 +196,10 @@ ExitStatus simulate(Simulation& simulation) {
     bool kept = false;
     if (const Failure failure = finish_waveform(simulation.waveform, outcome, kept))
         return report_failure(failure);
-    if (kept)
-        print_lines(simulation.output, view(format_message(msg_waveform_written, unit,
-                                                           simulation.waveform.name.c_str())));
+    if (kept || outcome == GhdlOutcome::ended)
+        print_lines(simulation.output,
+                    view(format_message(kept ? msg_waveform_written : msg_no_waveform, unit,
+                                        simulation.waveform.name.c_str())));
     return reporter().error_count > 0 ? ExitStatus::errors : ExitStatus::nothing_failed;
 }
 
@@ -209,8 +210,10 @@ ExitStatus run_simulation(const SimulationOptions& options, Output& output) {
         print_lines(output, msg_simulator_help.text());
         return ExitStatus::nothing_failed;
     }
-    if (options.banner)
+    if (options.banner) {
         print_lines(output, view(format_message(msg_simulator_banner, PELLUX_VERSION)));
+        flush_output(output);
+    }
     Simulation simulation(options, output);
     reporter().ending = on_ending_simulation;
     reporter().ending_context = &simulation;
