@@ -28,6 +28,18 @@ const Row k_rows[] = {
     {"ln -s /proc/self/mem x.vhd", "x.vhd", 1, "x.vhd:  Can't read 'x.vhd': Input/output error\n"},
     {": >x.vhd", "x.vhd", 1,
      "x.vhd (line 1, col 1):  design file is empty (no design unit found)\n"},
+    // What it names stands behind it in the list.
+    {"echo 'use work.GOOD; architecture a of good is begin end;' >x.vhd", "x.vhd", 1,
+     "x.vhd (line 1, col 10):  unit \"good\" not found in library \"work\"\n"
+     "    declared in 'good.vhd', number 2 of the list\n"
+     "x.vhd (line 1, col 34):  entity 'good' was not analysed\n"
+     "    declared in 'good.vhd', number 2 of the list\n"},
+    {"echo 'package x is constant c : bit := p.c; constant d : bit := good.c; end;' >x.vhd; "
+     "echo 'package p is end;' >p.vhd",
+     "-aalib p.vhd -a x.vhd p.vhd", 1,
+     "x.vhd (line 1, col 34):  no declaration for \"p\"\n"
+     "    declared in 'p.vhd', number 3 of the list\n"
+     "x.vhd (line 1, col 59):  no declaration for \"good\"\n"},
     // It vanishes between us and GHDL.
     {"cp e.vhd x.vhd; echo 'rm -f x.vhd; exec ghdl \"$@\"' >>bin/ghdl-mcode; chmod +x bin/*",
      "x.vhd", 1, "x.vhd:  cannot open x.vhd\n"},
@@ -142,8 +154,8 @@ TEST_F(BadInput, WhatIsUpToDateIsNotCompiledAndWarnsAgain) {
          "sub/" + of_w + compiling + "leaf.vhd'\n" + moved_leaf},
         {"sed -i 's/bde 2/bde 1/' e.bde", "-w1 e.vhd sub/w.vhd leaf.vhd -b top.vhd", 1,
          "sub/" + of_w + moved_leaf + "leaf.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"},
-        {"echo 'exec ghdl \"$@\"' >>bin/ghdl-mcode; chmod +x bin/*", "e.vhd", 0,
-         compiling + "e.vhd'\n"},
+        {"echo 'test -s out || echo $1 >late; exec ghdl \"$@\"' >>bin/ghdl-mcode; chmod +x bin/*",
+         "e.vhd", 0, compiling + "e.vhd'\n"},
         {"", "e.vhd", 0, done},
     };
     for (const auto& row : rows) {
@@ -152,6 +164,12 @@ TEST_F(BadInput, WhatIsUpToDateIsNotCompiledAndWarnsAgain) {
         EXPECT_EQ(run.text, row.told) << row.change;
         EXPECT_EQ(run.status, row.status) << row.change;
     }
+    // The first line is there before GHDL is asked for anything.
+    fs::remove("late");
+    EXPECT_EQ(std::system((k_brix + " sub/w.vhd leaf.vhd -b top.vhd >out").c_str()), 0);
+    EXPECT_FALSE(fs::exists("late")) << scratch.read("late");
+    EXPECT_EQ(std::system((k_brix + " -q -m e.vhd >/dev/full 2>log").c_str()), 256);
+    EXPECT_EQ(scratch.read("log"), "Can't write standard output: No space left on device\n");
 }
 
 TEST_F(BadInput, AHeldLibraryIsNamedWithItsHolder) {

@@ -8,6 +8,7 @@
 #include "tools/bpr/terminal.h"
 
 #include <cstring>
+#include <optional>
 
 namespace pellux {
 namespace {

@@ -9,6 +9,7 @@
 #include "tools/driver/compile/analysis_batch.h"
 #include "tools/driver/compile/commit_session.h"
 #include "tools/driver/compile/kept_warnings.h"
+#include "tools/driver/compile/later_units.h"
 #include "tools/driver/compile/open_session.h"
 #include "tools/driver/compile/plan.h"
 #include "tools/driver/compile/run_report.h"
@@ -47,6 +48,7 @@ struct Runner {
     AnalysisBatch batch; ///< of what is to be analysed next
     CallSize call_size;
     std::optional<HeldMessages> held; ///< while a call for many sources runs
+    LaterUnits later_units;
     std::size_t source = k_no_source; ///< that is being analysed
     std::size_t top = k_no_source;    ///< that is being elaborated
     bool anything_done = false;
@@ -90,8 +92,9 @@ void on_ending_run(void* context, int) {
 }
 
 /// Tells what GHDL says of the source that it works on.
-void tell(Runner& runner, const Diagnostic& diagnostic) {
+void tell(Runner& runner, Diagnostic diagnostic) {
     if (runner.source != Runner::k_no_source) {
+        add_declaring_source(runner.later_units, runner.session, runner.source, diagnostic);
         SessionSource& source = runner.session.sources[runner.source];
         keep_warning(source.record.warnings, source, diagnostic);
     } else if (runner.top != Runner::k_no_source) {
@@ -534,6 +537,7 @@ ExitStatus run_compiler(const Options& options, Output& output) {
     if (options.banner) {
         const String banner = format_message(msg_banner, PELLUX_VERSION);
         print_lines(output, view(banner));
+        flush_output(output);
     }
     Runner runner(output);
     if (options.version)
