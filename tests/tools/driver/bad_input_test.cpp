@@ -123,50 +123,11 @@ TEST_F(BadInput, IsToldInOneLineAndHarmsNoLibrary) {
     }
 }
 
-/// One after the other, each after a shell has changed something.
-TEST_F(BadInput, WhatIsUpToDateIsNotCompiledAndWarnsAgain) {
+TEST_F(BadInput, OutputComesBeforeGhdlIsAskedAndIsNeverLostInSilence) {
     begin();
-    scratch.write("w.vhd", "package w is constant \\c n\\ : natural range 0 to 3 := 4; end;\n");
-    scratch.write("leaf.vhd", "entity leaf is end;\narchitecture a of leaf is\n"
-                              "component \\c n\\ is end component; begin u : \\c n\\; end;\n");
-    scratch.write("top.vhd", "entity top is end;\n"
-                             "architecture a of top is begin u : entity work.leaf; end;\n");
-    const std::string of_w = "w.vhd (line 1, col 55):  Warning: static expression violates bounds "
-                             "[-Wruntime-error]\n";
-    const std::string bound = ", col 41):  Warning: instance \"u\" of component \"\\c n\\\" is not "
-                              "bound [-Wbinding]\n    (in default configuration of leaf(a)) (line ";
-    const std::string of_leaf = "leaf.vhd (line 3" + bound + "2, col 14)\n";
-    const std::string moved_leaf = "leaf.vhd (line 4" + bound + "3, col 14)\n";
-    const std::string compiling = "Compiling '", done = "All files are up to date.\n";
-    const struct {
-        const char* change;
-        std::string words;
-        int status;
-        std::string told;
-    } rows[] = {
-        {"", "w.vhd leaf.vhd -b top.vhd", 0,
-         compiling + "w.vhd'\n" + of_w + compiling + "leaf.vhd'\n" + compiling + "top.vhd'\n" +
-             of_leaf},
-        {"", "w.vhd leaf.vhd -b top.vhd", 0, of_w + of_leaf + done},
-        {"mkdir sub; mv w.* sub", "sub/w.vhd leaf.vhd -b top.vhd", 0,
-         "sub/" + of_w + of_leaf + done},
-        {"sed -i '1i-- why' leaf.vhd", "sub/w.vhd leaf.vhd -b top.vhd", 0,
-         "sub/" + of_w + compiling + "leaf.vhd'\n" + moved_leaf},
-        {"sed -i 's/bde 2/bde 1/' e.bde", "-w1 e.vhd sub/w.vhd leaf.vhd -b top.vhd", 1,
-         "sub/" + of_w + moved_leaf + "leaf.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"},
-        {"echo 'test -s out || echo $1 >late; exec ghdl \"$@\"' >>bin/ghdl-mcode; chmod +x bin/*",
-         "e.vhd", 0, compiling + "e.vhd'\n"},
-        {"", "e.vhd", 0, done},
-    };
-    for (const auto& row : rows) {
-        ASSERT_EQ(std::system(row.change), 0) << row.change;
-        const ToolRun run = run_brix(test::words_of("-q -m " + row.words));
-        EXPECT_EQ(run.text, row.told) << row.change;
-        EXPECT_EQ(run.status, row.status) << row.change;
-    }
-    // The first line is there before GHDL is asked for anything.
-    fs::remove("late");
-    EXPECT_EQ(std::system((k_brix + " sub/w.vhd leaf.vhd -b top.vhd >out").c_str()), 0);
+    scratch.write("bin/ghdl-mcode", "#!/bin/sh\ntest -s out || echo $1 >>late\nexec ghdl \"$@\"\n");
+    fs::permissions("bin/ghdl-mcode", fs::perms::owner_all);
+    static_cast<void>(std::system((k_brix + " -b e.vhd >out").c_str()));
     EXPECT_FALSE(fs::exists("late")) << scratch.read("late");
     EXPECT_EQ(std::system((k_brix + " -q -m e.vhd >/dev/full 2>log").c_str()), 256);
     EXPECT_EQ(scratch.read("log"), "Can't write standard output: No space left on device\n");

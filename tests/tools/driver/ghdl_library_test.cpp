@@ -37,20 +37,6 @@ TEST(GhdlLibrary, EveryFormIsReadAndWrittenBack) {
     ASSERT_EQ(parse_ghdl_library(k_sample, library), GhdlLibraryStatus::read);
     EXPECT_EQ(rewritten(k_sample), k_sample);
     ASSERT_EQ(library.sources.size(), 3u);
-    const Vector<GhdlUnit>& first = library.sources[0].units;
-    const Vector<GhdlUnit>& last = library.sources[2].units;
-    using Kind = VhdlUnitKind;
-    EXPECT_EQ(first,
-              (Vector<GhdlUnit>{{Kind::entity, "e2", "", "", 15, 663, 3, 11, false},
-                                {Kind::architecture, "\\a\\\\b\"c\\", "\\Foo bar\\", "", 1, 0, 0,
-                                 4294967295, false},
-                                {Kind::package, "p", "", "", 1, 0, 0, 12, true},
-                                {Kind::package_body, "gr\xFCn", "", "", 2, 9, 0, 13, false}}));
-    EXPECT_EQ(last,
-              (Vector<GhdlUnit>{{Kind::configuration, "cfg", "", "", 3, 20, 0, 14, false},
-                                {Kind::context, "ctx", "", "", 4, 30, 0, 15, false},
-                                {Kind::other, "\\V 1\\", "", "vunit \\V 1\\", 5, 40, 0, 16, false},
-                                {Kind::package, "x", "", "", 6, 50, 0, 17, false}}));
     EXPECT_EQ(source_path(library.sources[0]), "../src/a b.vhd");
     EXPECT_EQ(source_path(library.sources[1]), "/home/e/b.vhd");
     EXPECT_EQ(source_path(library.sources[2]), "/home/e\\d/c.vhd");

@@ -1,91 +1,86 @@
+#include "tests/support/run_program.h"
 #include "tests/support/scratch.h"
-#include "tests/tools/driver/compiled_tree.h"
 
-#include <cstring>
+#include <regex>
 
 namespace pellux {
 namespace {
 
 /// A small design in two libraries: "types" is used by "leaf", "leaf" by "middle" and "middle" by
-/// "top"; "alone" uses nothing, and "other" is no part of it yet.
-struct SmallDesign {
-    std::map<std::string, std::string> files{
-        {"types.vhd", "package types is function width return integer; end;\n"},
-        {"types_body.vhd", "package body types is\n"
-                           "function width return integer is begin return 3; end; end;\n"},
-        {"alone.vhd", "entity alone is end;\narchitecture rtl of alone is begin end;\n"},
-        {"other.vhd", "entity alone is end;\narchitecture rtl of alone is begin end;\n"},
-        {"leaf.vhd", "library alib; use alib.types.all;\n"
-                     "entity leaf is generic (n : integer := width); end;\n"
-                     "architecture rtl of leaf is begin end;\n"},
-        {"middle.vhd", "entity middle is end;\narchitecture rtl of middle is begin\n"
-                       "u : entity work.leaf; end;\n"},
-        {"top.vhd", "entity top is end;\narchitecture rtl of top is begin\n"
-                    "u : entity work.middle; end;\n"}};
-    std::string list = "-aalib types.vhd -aalib types_body.vhd alone.vhd leaf.vhd middle.vhd "
-                       "-b top.vhd";
+/// "top"; "alone" uses nothing, and "other" is no part of it yet. The analysis of "alone" warns, as
+/// does the elaboration, of "leaf".
+const std::pair<const char*, const char*> k_design[] = {
+    {"types.vhd", "package types is function width return integer; end;\n"},
+    {"types_body.vhd", "package body types is\n"
+                       "function width return integer is begin return 3; end; end;\n"},
+    {"alone.vhd", "entity alone is end;\narchitecture rtl of alone is\n"
+                  "constant \\c n\\ : natural range 0 to 3 := 4; begin end;\n"},
+    {"other.vhd", "entity alone is end;\narchitecture rtl of alone is begin end;\n"},
+    {"leaf.vhd", "library alib; use alib.types.all;\n"
+                 "entity leaf is generic (n : integer := width); end;\n"
+                 "architecture rtl of leaf is component \\c n\\ is end component;\n"
+                 "begin u : \\c n\\; end;\n"},
+    {"middle.vhd", "entity middle is end;\narchitecture rtl of middle is begin\n"
+                   "u : entity work.leaf; end;\n"},
+    {"top.vhd", "entity top is end;\narchitecture rtl of top is begin\n"
+                "u : entity work.middle; end;\n"},
+    {"bin/ghdl-mcode", "#!/bin/sh\nexec ghdl \"$@\"\n"}}; // may not be run yet
 
-    /// The sources of the list, and nothing else.
-    void write(const fs::path& tree) const {
-        for (const auto& [name, text] : files) {
-            if (list.find(name) == list.npos)
-                fs::remove(tree / name);
-            else
-                std::ofstream(tree / name) << text;
-        }
-    }
-    [[nodiscard]] std::vector<std::string> words() const { return test::words_of(list); }
+const std::string k_types = "-aalib types.vhd -aalib types_body.vhd ";
+const std::string k_all = k_types + "alone.vhd leaf.vhd middle.vhd -b top.vhd";
+const std::string k_moved = k_types + "sub/alone.vhd leaf.vhd middle.vhd -b top.vhd";
+const std::string k_without = k_types + "leaf.vhd middle.vhd -b top.vhd";
+
+/// In turn: a shell changes something, and the words are compiled.
+struct Step {
+    const char* change;
+    std::string words;
+    const char* told; ///< files that are compiled, and messages as FILE:LINE
 };
 
-struct Change {
-    const char* file; ///< null: the list
-    const char* what;
-    const char* by;
-    const char* compiled;
-};
-
-const Change k_changes[] = {
-    {"leaf.vhd", "", "", ""},
-    {"leaf.vhd", "", "-- why\n", "leaf.vhd "},
-    {"types.vhd", "", "-- why\n", "types.vhd "},
-    {"types_body.vhd", "3", "4", "types_body.vhd "},
-    {"types.vhd", "end;", "constant c : bit := '0'; end;",
-     "types.vhd types_body.vhd leaf.vhd middle.vhd "},
-    {"leaf.vhd", "begin", "signal s : bit; begin", "leaf.vhd "},
-    {"middle.vhd", "end;", "generic (g : bit := '0'); end;", "middle.vhd top.vhd "},
-    {nullptr, "alone.vhd ", "", ""},
-    {nullptr, "alone.vhd", "other.vhd", "other.vhd "},
-    {nullptr, "alone.vhd", "-aalib alone.vhd", "alone.vhd "},
+const Step k_steps[] = {
+    {"", k_all,
+     "types.vhd types_body.vhd alone.vhd alone.vhd:3 leaf.vhd middle.vhd top.vhd leaf.vhd:4 "},
+    {"", k_all, "alone.vhd:3 leaf.vhd:4 All files are up to date.\n"},
+    {"mkdir sub; mv alone.* sub", k_moved,
+     "sub/alone.vhd:3 leaf.vhd:4 All files are up to date.\n"},
+    {"sed -i '1i-- why' leaf.vhd", k_moved, "sub/alone.vhd:3 leaf.vhd leaf.vhd:5 "},
+    {"echo -- why >>types.vhd", k_moved, "types.vhd sub/alone.vhd:3 leaf.vhd:5 "},
+    {"sed -i s/3/4/ types_body.vhd", k_moved, "types_body.vhd sub/alone.vhd:3 leaf.vhd:5 "},
+    {"sed -i \"s/end/constant c : bit := '0'; end/\" types.vhd", k_moved,
+     "types.vhd types_body.vhd sub/alone.vhd:3 leaf.vhd middle.vhd leaf.vhd:5 "},
+    {"sed -i 's/begin u/signal s : bit; begin u/' leaf.vhd", k_moved,
+     "sub/alone.vhd:3 leaf.vhd leaf.vhd:5 "},
+    {"sed -i \"1s/end/generic (g : bit := '0'); end/\" middle.vhd", k_moved,
+     "sub/alone.vhd:3 middle.vhd top.vhd leaf.vhd:5 "},
+    {"", "-w1 " + k_moved,
+     "sub/alone.vhd:3 leaf.vhd:5 leaf.vhd:  Abort:  (E48) Warning limit (1) exceeded\n"},
+    {"rm sub/alone.vhd", k_without, "leaf.vhd:5 All files are up to date.\n"},
+    {"", "other.vhd " + k_without, "other.vhd leaf.vhd:5 "},
     // An order counts where the sources meet.
-    {nullptr, "alone.vhd leaf.vhd", "leaf.vhd alone.vhd", ""},
-    {nullptr, "leaf.vhd middle.vhd", "middle.vhd leaf.vhd", "middle.vhd top.vhd "},
-    {nullptr, "", "-yu ", "types.vhd types_body.vhd alone.vhd leaf.vhd middle.vhd top.vhd "},
-    {nullptr, "", "-v93 ", "types.vhd types_body.vhd alone.vhd leaf.vhd middle.vhd top.vhd "},
+    {"", k_without + " other.vhd", "leaf.vhd:5 All files are up to date.\n"},
+    {"", k_types + "middle.vhd leaf.vhd -b top.vhd", "middle.vhd middle.vhd:3 top.vhd top.vhd:3 "},
+    {"", k_without, "middle.vhd top.vhd leaf.vhd:5 "},
+    {"", "-v93 " + k_without, "types.vhd types_body.vhd leaf.vhd middle.vhd top.vhd leaf.vhd:5 "},
+    // A record of the form before has no warnings; what another standard left is still there.
+    {"sed -i 's/bde 2/bde 1/' t*.bde", k_without, "leaf.vhd:5 All files are up to date.\n"},
+    {"chmod +x bin/*", "types.vhd", "types.vhd "},
+    {"", "types.vhd", "All files are up to date.\n"},
 };
 
-/// Each after a first compilation, in a tree that has been moved since.
-TEST(Recompile, CompilesWhatAChangeHasAnEffectOn) {
-    for (const Change& change : k_changes) {
-        SCOPED_TRACE(change.by);
-        const Scratch scratch;
-        fs::create_directory("tree");
-        SmallDesign design;
-        design.write("tree");
-        ASSERT_EQ(compile("tree", design.words(), true).status, 0);
-        const SmallDesign before = design;
-        std::string& text = change.file != nullptr ? design.files.at(change.file) : design.list;
-        text.replace(text.find(change.what), std::strlen(change.what), change.by);
-        design.write("tree");
-        fs::rename("tree", "moved");
-        const Outcome changed = compile("moved", design.words(), true);
-        std::string compiled;
-        for (const std::string& file : changed.compiled)
-            compiled += file + " ";
-        EXPECT_EQ(compiled, change.compiled);
-        EXPECT_EQ(difference(changed, compile_afresh("fresh", design)), "");
-        // What was compiled for the other standard is still there.
-        EXPECT_TRUE(!design.list.starts_with("-v93") ||
-                    compile("moved", before.words(), true).compiled.empty());
+TEST(Recompile, CompilesWhatAChangeHasAnEffectOnAndWarnsOfAll) {
+    const Scratch scratch;
+    const std::string bin_first = scratch.path("bin") + ":" + environment_variable("PATH");
+    const test::ScopedVariable path{"PATH", bin_first.c_str()};
+    for (const auto& [name, text] : k_design)
+        scratch.write(name, text);
+    for (const Step& step : k_steps) {
+        ASSERT_EQ(std::system(step.change), 0) << step.change;
+        std::string told = run_brix(test::words_of("-q -m " + step.words)).text;
+        told = std::regex_replace(told, std::regex("\n    .*"), "");
+        told = std::regex_replace(told, std::regex("Compiling '(.*)'\n"), "$1 ");
+        told = std::regex_replace(told, std::regex("(.*) \\(line (.*), .*\n"), "$1:$2 ");
+        EXPECT_EQ(told, step.told) << step.change << " " << step.words;
     }
 }
 
