@@ -28,8 +28,8 @@ const CommandHelp k_commands[] = {
     {"compile", "FILE [--selected NAME...]", msg_help_compile, &msg_help_compiler_status},
 };
 
-/// Prints the help of one command, or of all without a name, and gives the program's status; nothing
-/// when there is no such command.
+/// Prints the help of one command, or of all without a name, and gives the program's status;
+/// nothing when there is no such command.
 std::optional<int> help(std::string_view command) {
     String text;
     String statuses = format_message(msg_help_status) + "\n";
