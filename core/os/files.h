@@ -85,6 +85,8 @@ enum class FileLock { shared, exclusive };
 [[nodiscard]] SystemError rename_file(std::string_view from, std::string_view to);
 /// The same, refused when there is something named `to` (`is_taken`).
 [[nodiscard]] SystemError rename_to_new_name(std::string_view from, std::string_view to);
+/// Each gets the name of the other, in one step; not every file system can.
+[[nodiscard]] SystemError exchange_files(std::string_view one, std::string_view other);
 [[nodiscard]] SystemError remove_file(std::string_view path);
 [[nodiscard]] SystemError make_directory(std::string_view path, std::uint32_t permissions = 0755);
 /// Makes the directory and those above it that are missing, and flushes their names; one that

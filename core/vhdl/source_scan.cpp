@@ -6,6 +6,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -165,7 +166,7 @@ void Identifiers::add(std::string_view rest, std::size_t length) {
     if (words > arena_.size() - used_words_)
         arena_.resize(std::max(k_first_words, 2 * (arena_.size() + words)));
     if (2 * count_ >= slots_.size())
-        grow();
+        resize_slots(std::max(k_first_slots, 2 * slots_.size()));
     // The text is put where it would stay, and left there when it is new.
     std::uint64_t* text = arena_.data() + used_words_;
     std::uint64_t sum = length;
@@ -212,9 +213,8 @@ bool Identifiers::contains(std::string_view name) const {
     return false;
 }
 
-void Identifiers::grow() {
-    const Vector<Slot> old = std::move(slots_);
-    slots_ = Vector<Slot>(std::max(k_first_slots, 2 * old.size()));
+void Identifiers::resize_slots(std::size_t count) {
+    const Vector<Slot> old = std::exchange(slots_, Vector<Slot>(count));
     for (const Slot& slot : old) {
         if (slot.length == 0)
             continue;
@@ -229,6 +229,16 @@ void Identifiers::clear() {
     std::fill(slots_.begin(), slots_.end(), Slot{});
     used_words_ = 0;
     count_ = 0;
+}
+
+Identifiers Identifiers::compact() const {
+    Identifiers same;
+    same.count_ = count_;
+    same.used_words_ = used_words_;
+    same.arena_.assign(arena_.begin(), arena_.begin() + static_cast<std::ptrdiff_t>(used_words_));
+    same.slots_ = slots_;
+    same.resize_slots(count_ == 0 ? 0 : std::bit_ceil(2 * count_ + 1));
+    return same;
 }
 
 void scan_source(std::string_view text, SourceScan& scan) {
@@ -289,6 +299,10 @@ Vector<DeclaredUnit> declared_units(std::string_view text) {
             units.push_back(std::move(unit));
     }
     return units;
+}
+
+SourceScan compact(const SourceScan& scan) {
+    return {scan.identifiers.compact(), scan.architectures.compact(), scan.generic_instance};
 }
 
 } // namespace pellux

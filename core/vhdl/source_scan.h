@@ -34,6 +34,8 @@ public:
     void add_extended(std::string_view rest, std::size_t length);
     /// Keeps the memory for the next text.
     void clear();
+    /// The same in no more memory than it needs.
+    [[nodiscard]] Identifiers compact() const;
 
 private:
     struct Slot {
@@ -47,7 +49,7 @@ private:
     }
     template <bool folds>
     void add(std::string_view rest, std::size_t length);
-    void grow();
+    void resize_slots(std::size_t count);
 
     Vector<Slot> slots_;          ///< a power of two, or none
     Vector<std::uint64_t> arena_; ///< each text from a new word on, filled up with NUL
@@ -65,6 +67,8 @@ struct SourceScan {
 /// is found, whatever else is wrong with it: a string without its end is taken to end with the
 /// line.
 void scan_source(std::string_view text, SourceScan& scan);
+/// The same, to be kept.
+[[nodiscard]] SourceScan compact(const SourceScan& scan);
 
 /// Sum over the tokens as they stand: comments and white space do not matter, all else does, upper
 /// and lower case too.

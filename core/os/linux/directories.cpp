@@ -59,6 +59,14 @@ SystemError rename_to_new_name(std::string_view from, std::string_view to) {
     return rename_by(rename_without_replacing, from, to);
 }
 
+SystemError exchange_files(std::string_view one, std::string_view other) {
+    return rename_by(
+        [](const char* from, const char* to) {
+            return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_EXCHANGE);
+        },
+        one, other);
+}
+
 SystemError remove_file(std::string_view path) {
     return on_path(FileOperation::remove, path, [](const char* name) { return ::unlink(name); });
 }

@@ -65,6 +65,7 @@ Failure commit_target(CompileSession& session, std::size_t number) {
 void record_sources(CompileSession& session) {
     bool told = false;
     TextSet cleared;
+    SpareFile spare;
     for (const SessionSource& source : session.sources) {
         const String directory(directory_part(view(source.name)));
         if (cleared.insert(directory).second)
@@ -73,7 +74,8 @@ void record_sources(CompileSession& session) {
             continue;
         const SystemError error =
             write_bde_part(view(source.name), {session.targets[source.library].library.place.name,
-                                               source.file, source.record});
+                                               source.file, source.record},
+                           spare);
         if (failed(error) && !std::exchange(told, true))
             session.warnings.push_back(format_message(
                 msg_no_record, bde_name(view(source.name)).c_str(), error_text(error).c_str()));

@@ -26,11 +26,12 @@ struct SessionSource {
     std::size_t library = 0; ///< number of its target
     State state = State::waiting;
 
-    // Known once it is decided on.
+    // Known once it is read.
+    Failure unread;   ///< why it could not be read
     String ghdl_name; ///< what GHDL is given: the file or a copy of it
     String text;      ///< what GHDL reads; gone once the source is done
     Digest content{};
-    SourceScan scan;
+    SourceScan scan; ///< compact
     Vector<DeclaredUnit> declared; ///< units that it seems to declare; of one that is compiled
 
     GhdlSource before;       ///< what the library held of it at the start; without units: nothing
@@ -76,6 +77,7 @@ struct CompileSession {
     Vector<String> time_stamps; ///< by the same numbers
     RunDirectory run;
     Vector<String> search;   ///< directories of the libraries that need no copy
+    SourceScan scratch;      ///< of the source that was read last
     bool exposed = false;    ///< the copies are what the next source must see
     Vector<String> warnings; ///< about what was found, to be told
 };

@@ -49,6 +49,8 @@ struct Runner {
     CallSize call_size;
     std::optional<HeldMessages> held; ///< while a call for many sources runs
     LaterUnits later_units;
+    std::size_t read_count = 0;       ///< of sources
+    std::size_t bytes_ahead = 0;      ///< of those that are read before it is their turn
     std::size_t source = k_no_source; ///< that is being analysed
     std::size_t top = k_no_source;    ///< that is being elaborated
     bool anything_done = false;
@@ -143,12 +145,25 @@ bool on_stop_question(void* context) {
     return has_failed || is_asked_to_stop(runner);
 }
 
+/// Reads a source of those to come.
+bool on_time_for_work(void* context) {
+    constexpr std::size_t k_ahead_max = std::size_t{4} << 20;
+    auto& runner = from_context<Runner>(context);
+    CompileSession& session = runner.session;
+    if (runner.read_count == session.sources.size() || runner.bytes_ahead > k_ahead_max)
+        return false;
+    read_source(session, runner.read_count);
+    runner.bytes_ahead += session.sources[runner.read_count++].text.size();
+    return true;
+}
+
 GhdlEnd run_to_end(Runner& runner, const Vector<String>& words) {
     flush_output(runner.output);
     const GhdlEnd end = run_ghdl(runner.process, runner.ghdl.c_str(), words,
                                  {.line = on_ghdl_line,
                                   .piece_read = on_piece_read,
                                   .stop = on_stop_question,
+                                  .work = on_time_for_work,
                                   .context = &runner});
     end_translation(runner.translator);
     return end;
@@ -362,11 +377,15 @@ Failure analyse(Runner& runner, std::size_t number) {
     CompileSession& session = runner.session;
     AnalysisBatch& batch = runner.batch;
     const SessionSource& source = session.sources[number];
-    if (const Failure failed_reading = read_source(session, number)) {
+    if (number < runner.read_count)
+        runner.bytes_ahead -= source.text.size();
+    else
+        read_source(session, runner.read_count++);
+    if (source.unread) {
         if (Failure failure = analyse_batch(runner))
             return failure;
         tell_begin(runner, number);
-        report_failure(failed_reading);
+        report_failure(source.unread);
         take_failed(session, number);
         return {};
     }

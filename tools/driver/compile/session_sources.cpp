@@ -162,17 +162,18 @@ void set_time_stamp(CompileSession& session, std::size_t number) {
 
 } // namespace
 
-Failure read_source(CompileSession& session, std::size_t number) {
+void read_source(CompileSession& session, std::size_t number) {
     SessionSource& source = session.sources[number];
-    if (Failure failure = read_text(session, source))
-        return failure;
+    source.unread = read_text(session, source);
+    if (source.unread)
+        return;
     source.content = digest_of(view(source.text));
-    scan_source(view(source.text), source.scan);
+    scan_source(view(source.text), session.scratch);
+    source.scan = compact(session.scratch);
     // What others have compiled stays valid only if what it uses is known to be the same.
     const bool has_others = std::ranges::any_of(
         session.foreign, [](const ForeignSource& foreign) { return foreign.source != nullptr; });
     source.has_record = (session.only_changed || has_others) && read_record(session, source);
-    return {};
 }
 
 SourceDecision decide_source(CompileSession& session, std::size_t number) {

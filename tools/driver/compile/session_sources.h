@@ -6,8 +6,8 @@
 
 namespace pellux {
 
-/// Reads a source and its record. A failure is about this source alone.
-[[nodiscard]] Failure read_source(CompileSession& session, std::size_t source);
+/// Reads a source and its record; `unread` tells of a failure.
+void read_source(CompileSession& session, std::size_t source);
 /// Tells whether a source that was read must be compiled, with what is visible now.
 [[nodiscard]] SourceDecision decide_source(CompileSession& session, std::size_t source);
 /// What the library holds of the source is what an analysis would make.

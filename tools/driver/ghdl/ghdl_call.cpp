@@ -122,7 +122,8 @@ GhdlEnd run_ghdl(Process& process, const char* program, const Vector<String>& wo
             result.stopped = true;
             kill_process(process);
         }
-        run_turn(TurnWait::until_event);
+        const bool has_worked = receiver.work != nullptr && receiver.work(receiver.context);
+        run_turn(has_worked ? TurnWait::none : TurnWait::until_event);
     }
     // The end may be told before the last output is read; a grandchild may hold the pipe open.
     while (!call.at_end && read_piece(call)) {

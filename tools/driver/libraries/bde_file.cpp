@@ -254,7 +254,7 @@ BdeStatus read_bde(std::string_view source, Vector<BdePart>& parts) {
     return BdeStatus::read;
 }
 
-SystemError write_bde_part(std::string_view source, const BdePart& part) {
+SystemError write_bde_part(std::string_view source, const BdePart& part, SpareFile& spare) {
     Vector<BdePart> parts;
     static_cast<void>(read_bde(source, parts));
     std::erase_if(parts, [&](const BdePart& old) {
@@ -266,7 +266,7 @@ SystemError write_bde_part(std::string_view source, const BdePart& part) {
         parts.erase(std::find_if(parts.begin(), parts.end(),
                                  [&](const BdePart& old) { return is_of(old, part); }));
     parts.push_back(part);
-    return write_derived_file(view(bde_name(source)), view(bde_text(parts)));
+    return write_derived_file(view(bde_name(source)), view(bde_text(parts)), &spare);
 }
 
 } // namespace pellux

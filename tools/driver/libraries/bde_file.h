@@ -3,6 +3,7 @@
 #include "core/common/containers.h"
 #include "core/common/digest.h"
 #include "core/os/system_error.h"
+#include "tools/driver/libraries/derived_file.h"
 
 #include <string_view>
 
@@ -63,8 +64,9 @@ enum class BdeStatus { read, damaged, newer };
 [[nodiscard]] BdeStatus read_bde(std::string_view source, Vector<BdePart>& parts);
 
 /// Puts `part` in the place of the one for its library, file and settings; of the latter the newest
-/// few are kept. The file is replaced as a whole,
-/// but not flushed: what a loss of power damages is found out, and costs one more compilation.
-[[nodiscard]] SystemError write_bde_part(std::string_view source, const BdePart& part);
+/// few are kept. The file is replaced as a whole, but not flushed: what a loss of power damages is
+/// found out, and costs one more compilation.
+[[nodiscard]] SystemError write_bde_part(std::string_view source, const BdePart& part,
+                                         SpareFile& spare);
 
 } // namespace pellux
