@@ -4,6 +4,7 @@
 #include "core/os/process.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,14 @@ inline int run(const Words& words) {
 inline void expect_success(const Words& words) {
     if (run(words) != 0)
         std::printf("%s failed\n", words.front().c_str());
+}
+
+/// Gives what was made, if it is there, a name that is in nobody's way. It is not removed: where many
+/// files were removed lately, some file systems take long to make new ones.
+inline void put_aside(const std::filesystem::path& path) {
+    static int s_count = 0;
+    if (std::filesystem::exists(path))
+        std::filesystem::rename(path, path.string() + ".aside" + std::to_string(++s_count));
 }
 
 } // namespace pellux

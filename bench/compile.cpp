@@ -49,7 +49,7 @@ void elaborate_by_hand() {
 
 void clean() {
     for (const char* library : {"work", "blocks"}) {
-        fs::remove_all(library);
+        put_aside(library);
         fs::create_directory(library);
     }
 }

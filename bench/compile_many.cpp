@@ -91,24 +91,13 @@ struct Generated {
             words.insert(words.end() - 1, "-b");
         return words;
     }
-    /// What was compiled goes aside: where a file system has removed many files lately, it is slow
-    /// at making new ones.
-    void clean() {
+    void clean() const {
         enter();
-        const fs::path aside = "aside-" + std::to_string(++cleanings_);
-        fs::create_directory(aside);
-        for (const std::string& file : files) {
-            const fs::path record = fs::path(file).replace_extension("bde");
-            if (fs::exists(record))
-                fs::rename(record, aside / record);
-        }
-        if (fs::exists("work"))
-            fs::rename("work", aside / "work");
+        put_aside("work");
         fs::create_directory("work");
+        for (const std::string& file : files)
+            put_aside(fs::path(file).replace_extension("bde"));
     }
-
-private:
-    int cleanings_ = 0;
 };
 
 Words ghdl(const char* mode, const Words& what) {
@@ -123,8 +112,8 @@ int main(int argc, char** argv) {
     const bool moment = is_moment(argc, argv);
     ::setenv("VELMORA_DIR", k_tree, 1);
     {
-        Generated theirs("theirs", moment ? 20 : 499, false);
-        Generated ours("ours", moment ? 20 : 499, false);
+        const Generated theirs("theirs", moment ? 20 : 499, false);
+        const Generated ours("ours", moment ? 20 : 499, false);
         const auto make = [&] {
             theirs.enter();
             expect_success(ghdl("-m", {"top"}));
@@ -188,7 +177,7 @@ int main(int argc, char** argv) {
                 expect_success(words);
             });
     }
-    Generated bad("bad", moment ? 5 : 100, true);
+    const Generated bad("bad", moment ? 5 : 100, true);
     compare(
         {.name = "100 files with an error each",
          .yardstick = "ghdl -a of each",

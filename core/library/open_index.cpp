@@ -88,12 +88,13 @@ int restrain(sqlite3* database) {
                          "PRAGMA secure_delete=OFF");
 }
 
+/// The disk is waited for when there are records too.
 int make_table(sqlite3* database) {
     // Another program may have made it since we looked.
     const char* columns = k_table + std::strlen("CREATE TABLE");
     std::array<char, 300> statements;
     std::snprintf(statements.data(), statements.size(),
-                  "BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS%s; PRAGMA application_id=%d; "
+                  "PRAGMA synchronous=OFF; BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS%s; PRAGMA application_id=%d; "
                   "PRAGMA user_version=%d; COMMIT",
                   columns, k_application, k_layout);
     return run(database, statements.data());
@@ -163,9 +164,10 @@ IndexStatus open_file_at(LibraryIndex& index, const PathBuffer& path, IndexMode 
             return head;
     }
     sqlite3* database = index.database.get();
-    code = restrain(database);
-    if (code == SQLITE_OK && is_new)
+    if (is_new)
         code = make_table(database);
+    if (code == SQLITE_OK)
+        code = restrain(database);
     if (code == SQLITE_OK)
         code = check_contents(database);
     if (code == SQLITE_READONLY_ROLLBACK) {
