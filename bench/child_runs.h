@@ -38,8 +38,8 @@ inline void expect_success(const Words& words) {
         std::printf("%s failed\n", words.front().c_str());
 }
 
-/// Gives what was made, if it is there, a name that is in nobody's way. It is not removed: where many
-/// files were removed lately, some file systems take long to make new ones.
+/// Gives what was made, if it is there, a name that is in nobody's way. It is not removed: where
+/// many files were removed lately, some file systems take long to make new ones.
 inline void put_aside(const std::filesystem::path& path) {
     static int s_count = 0;
     if (std::filesystem::exists(path))

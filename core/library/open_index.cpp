@@ -94,7 +94,8 @@ int make_table(sqlite3* database) {
     const char* columns = k_table + std::strlen("CREATE TABLE");
     std::array<char, 300> statements;
     std::snprintf(statements.data(), statements.size(),
-                  "PRAGMA synchronous=OFF; BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS%s; PRAGMA application_id=%d; "
+                  "PRAGMA synchronous=OFF; BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS%s; PRAGMA "
+                  "application_id=%d; "
                   "PRAGMA user_version=%d; COMMIT",
                   columns, k_application, k_layout);
     return run(database, statements.data());

@@ -20,17 +20,11 @@ struct FakeSimulations : testing::Test, FakeGhdl {
 };
 
 TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
-    struct Row {
-        const char* unit;
-        const char* word;
-        int status;
-        std::string text; ///< between the first line and the waveform's
-        std::string waveform;
-    };
     const std::string not_whole =
         "BRIXSIM:  Waveform 'w' can't be written: GHDL left no whole file; the disk may be full.\n";
     const std::string whole = k_waveform + "#10\n";
-    const Row rows[] = {
+    // Unit, word, status, text between the first line and the waveform's, and the waveform.
+    const std::tuple<std::string, const char*, int, std::string, std::string> rows[] = {
         {"run_good", "-q", 0, "", whole},
         {"run_hang", "-l1", 1,
          "x.vhd (line 1, col 1):  Note: at 0ms: runs\n"
@@ -42,7 +36,6 @@ TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
          "No waveform of 'run_hang' was left; 'w' is not written.\n",
          "old"},
         {"run_cut", "-q", 4, not_whole, "old"},
-        {"run_empty", "-q", 4, not_whole, "old"},
         {"run_good", "-wghw", 4, not_whole, "old"},
         {"run_crash", "-q", 1, "run_crash.vhd:  GHDL itself failed on this file (signal 9).\n",
          whole},
@@ -53,15 +46,14 @@ TEST_F(FakeSimulations, TheWaveformComesOnlyFromASimulationThatLeftOne) {
     };
     scratch.write("w", "old");
     remember();
-    for (const Row& row : rows) {
-        const std::string unit = row.unit;
+    for (const auto& [unit, word, status, text, waveform] : rows) {
         const std::string file = unit + ".vhd";
         scratch.write("w", "old");
-        const ToolRun run = run_brixsim(row.word + (" -ow " + file));
-        EXPECT_EQ(run.status, row.status) << run.text;
-        EXPECT_EQ(scratch.read("w"), row.waveform) << file;
-        const bool kept = row.waveform != "old";
-        EXPECT_EQ(run.text, "Simulating '" + unit + "'\n" + row.text +
+        const ToolRun run = run_brixsim(word + (" -ow " + file));
+        EXPECT_EQ(run.status, status) << run.text;
+        EXPECT_EQ(scratch.read("w"), waveform) << file;
+        const bool kept = waveform != "old";
+        EXPECT_EQ(run.text, "Simulating '" + unit + "'\n" + text +
                                 (kept ? "Waveform of '" + unit + "' in 'w'.\n" : ""));
         expect_nothing_left();
     }

@@ -37,16 +37,6 @@ struct FakeGhdl {
         EXPECT_EQ(scratch.names("work"), library);
         EXPECT_TRUE(scratch.names("cache/pellux/simulations").empty());
     }
-    /// What GHDL was asked: command and subjects of each call.
-    [[nodiscard]] std::string calls() const {
-        std::string all;
-        for (const std::string& line : test::words_of(scratch.read("calls.log"), '\n')) {
-            const std::size_t last_option = line.rfind(" -");
-            all += line.substr(line.find(' ') + 1, 3) +
-                   line.substr(line.find(' ', last_option + 1) + 1) + "; ";
-        }
-        return all;
-    }
     [[nodiscard]] bool ghdl_still_runs() const {
         const std::string text = scratch.read("calls.log");
         return process_exists(std::stoll(text.substr(text.rfind('\n', text.size() - 2) + 1)));

@@ -132,7 +132,6 @@ TEST_F(Translation, ColumnsCountTheCharactersOfTheirLine) {
     } rows[] = {
         {"t.vhd:1:4", "t.vhd(1,4)"},       {"t.vhd:2:22", "t.vhd(2,8)"},
         {"t.vhd:2:8", "t.vhd(2,1)"},       {"t.vhd:3:20", "t.vhd(3,9)"},
-
         {"t.vhd:4:99", "t.vhd(4,99)"},     {"t.vhd:5:9", "t.vhd(5,9)"},
         {"t.vhd:7:9", "t.vhd(7,2)"},       {"t.vhd:9:17", "t.vhd(9,17)"},
         {"gone.vhd:1:9", "gone.vhd(1,9)"}, {"u.vhd:1:2", "u.vhd(1,1)"},

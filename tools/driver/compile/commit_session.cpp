@@ -72,10 +72,10 @@ void record_sources(CompileSession& session) {
             remove_half_written(directory.empty() ? "." : view(directory));
         if (!source.record_differs)
             continue;
-        const SystemError error =
-            write_bde_part(view(source.name), {session.targets[source.library].library.place.name,
-                                               source.file, source.record},
-                           spare);
+        const SystemError error = write_bde_part(
+            view(source.name),
+            {session.targets[source.library].library.place.name, source.file, source.record},
+            spare);
         if (failed(error) && !std::exchange(told, true))
             session.warnings.push_back(format_message(
                 msg_no_record, bde_name(view(source.name)).c_str(), error_text(error).c_str()));

@@ -31,7 +31,7 @@ struct SessionSource {
     String ghdl_name; ///< what GHDL is given: the file or a copy of it
     String text;      ///< what GHDL reads; gone once the source is done
     Digest content{};
-    SourceScan scan; ///< compact
+    SourceScan scan;               ///< compact
     Vector<DeclaredUnit> declared; ///< units that it seems to declare; of one that is compiled
 
     GhdlSource before;       ///< what the library held of it at the start; without units: nothing

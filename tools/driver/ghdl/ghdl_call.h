@@ -22,7 +22,8 @@ struct LineReceiver {
     void (*line)(void* context, std::string_view line) = nullptr;
     void (*piece_read)(void* context) = nullptr;
     bool (*stop)(void* context) = nullptr; ///< asked after each turn: shall GHDL be ended?
-    /// May do a little of other work while GHDL runs; false when there is none. Null: there is none.
+    /// May do a little of other work while GHDL runs; false when there is none. Null: there is
+    /// none.
     bool (*work)(void* context) = nullptr;
     void* context = nullptr;
 };

@@ -19,8 +19,8 @@ struct SpareFile {
 };
 
 /// Replaces a file that can be made anew from others: as a whole, so that no reader meets half of
-/// it, but without waiting for the disk. Its reader must find out what a loss of power left. `spare`
-/// is for one of many that are written in turn.
+/// it, but without waiting for the disk. Its reader must find out what a loss of power left.
+/// `spare` is for one of many that are written in turn.
 [[nodiscard]] SystemError write_derived_file(std::string_view path, std::string_view text,
                                              SpareFile* spare = nullptr);
 
