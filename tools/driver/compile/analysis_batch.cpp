@@ -1,5 +1,7 @@
 #include "tools/driver/compile/analysis_batch.h"
 
+#include "tools/driver/compile/session_sources.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -45,16 +47,12 @@ bool may_join(const AnalysisBatch& batch, const CompileSession& session, std::si
 }
 
 bool takes_a_unit(const CompileSession& session, std::size_t source) {
-    const std::string_view library =
-        view(session.targets[session.sources[source].library].library.place.name);
     return std::ranges::any_of(session.sources[source].declared, [&](const DeclaredUnit& declared) {
         GhdlUnit unit;
         unit.kind = declared.kind;
         unit.name = declared.name;
         unit.entity = declared.entity;
-        const auto found = session.visible.by_key.find(unit_key(library, unit));
-        return found != session.visible.by_key.end() &&
-               session.visible.units[found->second].source != source;
+        return other_owner(session, source, unit).has_value();
     });
 }
 

@@ -86,17 +86,12 @@ bool is_same_unit(const GhdlUnit& a, const GhdlUnit& b) {
 
 /// A unit that was another source's is this one's now, as it is for GHDL.
 void claim_unit(CompileSession& session, std::size_t number, const GhdlUnit& unit) {
-    const std::size_t library = session.sources[number].library;
-    const auto found = session.visible.by_key.find(
-        unit_key(view(session.targets[library].library.place.name), unit));
-    if (found == session.visible.by_key.end())
-        return;
-    const std::size_t owner = session.visible.units[found->second].source;
-    if (owner == number)
+    const std::optional<std::size_t> owner = other_owner(session, number, unit);
+    if (!owner)
         return;
     const std::size_t own = session.sources.size();
     GhdlSource& entry =
-        owner < own ? session.sources[owner].entry : *session.foreign[owner - own].source;
+        *owner < own ? session.sources[*owner].entry : *session.foreign[*owner - own].source;
     std::erase_if(entry.units, [&](const GhdlUnit& other) { return is_same_unit(unit, other); });
 }
 
@@ -180,10 +175,30 @@ SourceDecision decide_source(CompileSession& session, std::size_t number) {
     const SessionSource& source = session.sources[number];
     if (!session.only_changed)
         return {CompileReason::never_compiled, {}};
-    return decide(source.has_record ? &source.old_record : nullptr,
-                  source.before.units.empty() ? nullptr : &source.before,
-                  view(session.targets[source.library].library.place.name), source.content,
-                  session.settings, checked_uses(session, source.scan, source.old_record.units));
+    const std::string_view library = view(session.targets[source.library].library.place.name);
+    SourceDecision decision =
+        decide(source.has_record ? &source.old_record : nullptr,
+               source.before.units.empty() ? nullptr : &source.before, library, source.content,
+               session.settings, checked_uses(session, source.scan, source.old_record.units));
+    if (decision.reason != CompileReason::up_to_date)
+        return decision;
+    // GHDL warns of a unit that another source has made, which may be another one than before.
+    for (const GhdlUnit& unit : source.before.units) {
+        if (other_owner(session, number, unit))
+            return {CompileReason::uses, unit_key(library, unit)};
+    }
+    return decision;
+}
+
+std::optional<std::size_t> other_owner(const CompileSession& session, std::size_t source,
+                                       const GhdlUnit& unit) {
+    const std::size_t library = session.sources[source].library;
+    const auto found = session.visible.by_key.find(
+        unit_key(view(session.targets[library].library.place.name), unit));
+    if (found == session.visible.by_key.end())
+        return std::nullopt;
+    const std::size_t owner = session.visible.units[found->second].source;
+    return owner == source ? std::nullopt : std::optional(owner);
 }
 
 void take_up_to_date(CompileSession& session, std::size_t number) {

@@ -3,6 +3,7 @@
 #include "tools/driver/compile/compile_session.h"
 
 #include <cstddef>
+#include <optional>
 
 namespace pellux {
 
@@ -10,6 +11,9 @@ namespace pellux {
 void read_source(CompileSession& session, std::size_t source);
 /// Tells whether a source that was read must be compiled, with what is visible now.
 [[nodiscard]] SourceDecision decide_source(CompileSession& session, std::size_t source);
+/// The source before it, or the foreign one, that has the unit by now; none: it is nobody else's.
+[[nodiscard]] std::optional<std::size_t> other_owner(const CompileSession& session,
+                                                     std::size_t source, const GhdlUnit& unit);
 /// What the library holds of the source is what an analysis would make.
 void take_up_to_date(CompileSession& session, std::size_t source);
 
