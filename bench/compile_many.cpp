@@ -118,21 +118,20 @@ int main(int argc, char** argv) {
             theirs.enter();
             expect_success(ghdl("-m", {"top"}));
         };
-        compare(
-            {.name = "500 files of 100 lines in full",
-             .yardstick = "ghdl -i and -m",
-             .reach = 1.3,
-             .round_ms = 2000},
-            moment,
-            [&] {
-                theirs.clean();
-                expect_success(ghdl("-i", theirs.files));
-                make();
-            },
-            [&] {
-                ours.clean();
-                expect_success(ours.brix(false));
-            });
+        const auto make_all = [&] {
+            theirs.clean();
+            expect_success(ghdl("-i", theirs.files));
+            make();
+        };
+        const auto compile_all = [&](bool elaborated) {
+            ours.clean();
+            expect_success(ours.brix(elaborated));
+        };
+        compare({.name = "500 files of 100 lines in full",
+                 .yardstick = "ghdl -i and -m",
+                 .reach = 1.3,
+                 .round_ms = 2000},
+                moment, make_all, [&] { compile_all(false); });
         compare(
             {.name = "the same, and elaborated",
              .yardstick = "ghdl -i, -m and -e",
@@ -140,15 +139,10 @@ int main(int argc, char** argv) {
              .round_ms = 2000},
             moment,
             [&] {
-                theirs.clean();
-                expect_success(ghdl("-i", theirs.files));
-                make();
+                make_all();
                 expect_success(ghdl("-e", {"top"}));
             },
-            [&] {
-                ours.clean();
-                expect_success(ours.brix(true));
-            });
+            [&] { compile_all(true); });
         compare({.name = "the same with nothing changed",
                  .yardstick = "ghdl -m",
                  .reach = 0.3,

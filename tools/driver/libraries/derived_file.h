@@ -20,7 +20,8 @@ struct SpareFile {
 
 /// Replaces a file that can be made anew from others: as a whole, so that no reader meets half of
 /// it, but without waiting for the disk. Its reader must find out what a loss of power left.
-/// `spare` is for one of many that are written in turn.
+/// `spare` is for one of many that are written in turn: who has read half of the old file by then
+/// may go on in the next one, and must find that out too.
 [[nodiscard]] SystemError write_derived_file(std::string_view path, std::string_view text,
                                              SpareFile* spare = nullptr);
 
