@@ -1,6 +1,7 @@
 #include "tools/driver/compile/later_units.h"
 
 #include "core/common/text_file.h"
+#include "tools/driver/compile/session_sources.h"
 #include "tools/driver/ghdl/ghdl_words.h"
 #include "tools/driver/messages.h"
 
@@ -77,13 +78,10 @@ void add_declaring_source(LaterUnits& units, const CompileSession& session, std:
     MissingUnit missing;
     if (diagnostic.level != GhdlLevel::error || !find_missing_unit(view(diagnostic.text), missing))
         return;
-    const auto library_of = [&](std::size_t number) {
-        return view(session.targets[session.sources[number].library].library.place.name);
-    };
     if (missing.library.empty())
-        missing.library = library_of(source);
+        missing.library = library_of(session, source);
     for (std::size_t i = source + 1; i < session.sources.size(); ++i) {
-        if (library_of(i) != missing.library ||
+        if (library_of(session, i) != missing.library ||
             std::ranges::none_of(units_of(units, session, i),
                                  [&](const DeclaredUnit& unit) { return is(unit, missing); }))
             continue;

@@ -78,9 +78,7 @@ Failure elaborate(Runner& runner, std::size_t number) {
     runner.top = number;
     for (const String& unit : elaborated_units(source.entry, view(text))) {
         if (!call_ghdl(runner,
-                       elaboration_words(runner.calls,
-                                         view(session.targets[source.library].library.place.name),
-                                         view(unit))))
+                       elaboration_words(runner.calls, library_of(session, number), view(unit))))
             return std::move(runner.unrunnable);
     }
     runner.top = Runner::k_no_source;

@@ -16,14 +16,10 @@
 namespace pellux {
 namespace {
 
-std::string_view library_of(const Runner& runner, std::size_t number) {
-    const CompileSession& session = runner.session;
-    return view(session.targets[session.sources[number].library].library.place.name);
-}
-
 void report_entry(const Runner& runner, const BatchEntry& entry) {
     report_source(runner.report, runner.session.sources[entry.source],
-                  library_of(runner, entry.source), entry.decision, !runner.session.only_changed);
+                  library_of(runner.session, entry.source), entry.decision,
+                  !runner.session.only_changed);
 }
 
 void tell_begin(Runner& runner, std::size_t number) {
@@ -53,7 +49,7 @@ Vector<String> call_words(Runner& runner, std::span<const BatchEntry> entries) {
         runner.names.names[entry.source].ghdl = file;
         files.push_back(file);
     }
-    return analysis_words(runner.calls, library_of(runner, entries.front().source), files);
+    return analysis_words(runner.calls, library_of(runner.session, entries.front().source), files);
 }
 
 /// A failure of the run; one of the source alone is told.

@@ -46,13 +46,13 @@ Failure read_text(CompileSession& session, SessionSource& source) {
     return unreadable(ExitStatus::errors, source.name, status, error);
 }
 
-bool read_record(CompileSession& session, SessionSource& source) {
+bool read_record(CompileSession& session, std::size_t number) {
+    SessionSource& source = session.sources[number];
     Vector<BdePart> parts;
     const BdeStatus status = read_bde(view(source.name), parts);
     bool has_record = false;
     for (BdePart& part : parts) {
-        if (part.library != session.targets[source.library].library.place.name ||
-            part.file != source.file)
+        if (view(part.library) != library_of(session, number) || part.file != source.file)
             continue;
         // One of another standard or GHDL tells at least that there was one.
         has_record = true;
@@ -157,6 +157,10 @@ void set_time_stamp(CompileSession& session, std::size_t number) {
 
 } // namespace
 
+std::string_view library_of(const CompileSession& session, std::size_t source) {
+    return view(session.targets[session.sources[source].library].library.place.name);
+}
+
 void read_source(CompileSession& session, std::size_t number) {
     SessionSource& source = session.sources[number];
     source.unread = read_text(session, source);
@@ -168,14 +172,14 @@ void read_source(CompileSession& session, std::size_t number) {
     // What others have compiled stays valid only if what it uses is known to be the same.
     const bool has_others = std::ranges::any_of(
         session.foreign, [](const ForeignSource& foreign) { return foreign.source != nullptr; });
-    source.has_record = (session.only_changed || has_others) && read_record(session, source);
+    source.has_record = (session.only_changed || has_others) && read_record(session, number);
 }
 
 SourceDecision decide_source(CompileSession& session, std::size_t number) {
     const SessionSource& source = session.sources[number];
     if (!session.only_changed)
         return {CompileReason::never_compiled, {}};
-    const std::string_view library = view(session.targets[source.library].library.place.name);
+    const std::string_view library = library_of(session, number);
     SourceDecision decision =
         decide(source.has_record ? &source.old_record : nullptr,
                source.before.units.empty() ? nullptr : &source.before, library, source.content,
@@ -192,9 +196,7 @@ SourceDecision decide_source(CompileSession& session, std::size_t number) {
 
 std::optional<std::size_t> other_owner(const CompileSession& session, std::size_t source,
                                        const GhdlUnit& unit) {
-    const std::size_t library = session.sources[source].library;
-    const auto found = session.visible.by_key.find(
-        unit_key(view(session.targets[library].library.place.name), unit));
+    const auto found = session.visible.by_key.find(unit_key(library_of(session, source), unit));
     if (found == session.visible.by_key.end())
         return std::nullopt;
     const std::size_t owner = session.visible.units[found->second].source;
@@ -203,7 +205,7 @@ std::optional<std::size_t> other_owner(const CompileSession& session, std::size_
 
 void take_up_to_date(CompileSession& session, std::size_t number) {
     SessionSource& source = session.sources[number];
-    const std::string_view library = view(session.targets[source.library].library.place.name);
+    const std::string_view library = library_of(session, number);
     source.state = SessionSource::State::up_to_date;
     source.record = source.old_record;
     place_entry(session, source, source.before);

@@ -4,9 +4,12 @@
 
 #include <cstddef>
 #include <optional>
+#include <string_view>
 
 namespace pellux {
 
+/// Name of the library that the source is compiled into.
+[[nodiscard]] std::string_view library_of(const CompileSession& session, std::size_t source);
 /// Reads a source and its record; `unread` tells of a failure.
 void read_source(CompileSession& session, std::size_t source);
 /// Tells whether a source that was read must be compiled, with what is visible now.
