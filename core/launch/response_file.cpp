@@ -69,9 +69,6 @@ SystemError put_response_file(std::string_view text, File& held, String& name) {
     error = lock_file(file, FileLock::exclusive);
     if (!failed(error))
         error = write_all(file, std::as_bytes(std::span(text)));
-    // Some file systems tell only now that there is no room.
-    if (!failed(error))
-        error = flush_file(file);
     if (!failed(error))
         error = take_first_free_name(temporary.view(), name);
     if (failed(error))

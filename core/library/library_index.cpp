@@ -1,6 +1,7 @@
 #include "core/library/library_index.h"
 
 #include "core/library/index_error.h"
+#include "core/os/files.h"
 
 #include <sqlite3.h>
 
@@ -67,6 +68,33 @@ bool run(LibraryIndex& index, const char* statement) {
     return code == SQLITE_OK;
 }
 
+void end_connection(LibraryIndex& index) {
+    index.seek.reset();
+    index.step.reset();
+    index.insert.reset();
+    index.remove.reset();
+    index.database.reset();
+}
+
+/// Gives a new index its place. The journal of the old one would be taken for its own.
+bool take_place(LibraryIndex& index) {
+    end_connection(index);
+    const String journal = index.replaced + "-journal";
+    SystemError error = SystemError::none;
+    if (file_exists(view(journal))) {
+        error = remove_file(view(index.replaced));
+        if (!failed(error) || is_missing(error))
+            error = remove_file(view(journal));
+    }
+    if (!failed(error))
+        error = rename_file(view(index.temporary), view(index.replaced));
+    if (!failed(error))
+        index.temporary.clear();
+    close_index(index);
+    index.error = error;
+    return !failed(error);
+}
+
 } // namespace
 
 void IndexClose::operator()(sqlite3* database) const {
@@ -78,6 +106,9 @@ void IndexClose::operator()(sqlite3_stmt* statement) const {
 }
 
 void close_index(LibraryIndex& index) {
+    end_connection(index);
+    if (!index.temporary.empty())
+        static_cast<void>(remove_file(view(index.temporary)));
     index = {};
 }
 
@@ -115,7 +146,7 @@ bool commit_changes(LibraryIndex& index) {
     if (sqlite3_get_autocommit(index.database.get()) != 0)
         return false;
     if (run(index, "COMMIT"))
-        return true;
+        return index.temporary.empty() || take_place(index);
     const SystemError error = index.error;
     undo_changes(index);
     index.error = error;
@@ -124,7 +155,7 @@ bool commit_changes(LibraryIndex& index) {
 
 void undo_changes(LibraryIndex& index) {
     leave_place(index);
-    if (sqlite3_get_autocommit(index.database.get()) == 0)
+    if (index.database != nullptr && sqlite3_get_autocommit(index.database.get()) == 0)
         run(index, "ROLLBACK");
 }
 

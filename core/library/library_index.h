@@ -52,6 +52,8 @@ struct LibraryIndex {
     std::unique_ptr<sqlite3_stmt, IndexClose> step;
     std::unique_ptr<sqlite3_stmt, IndexClose> insert;
     std::unique_ptr<sqlite3_stmt, IndexClose> remove;
+    String temporary;        ///< the file of one that replaces another
+    String replaced;         ///< whose place it takes
     String key;              ///< of the place
     String record;           ///< at the place
     bool has_place = false;  ///< `next_record` goes on from `key`
@@ -63,9 +65,9 @@ struct LibraryIndex {
 /// for another program.
 [[nodiscard]] IndexStatus open_index(LibraryIndex& index, std::string_view directory,
                                      IndexMode mode, int wait_ms = k_index_wait_ms);
-/// Removes what lies at the index's place, with all of its records, and opens a new empty one.
-[[nodiscard]] IndexStatus replace_index(LibraryIndex& index, std::string_view directory,
-                                        int wait_ms = k_index_wait_ms);
+/// Opens a new empty index that `commit_changes` puts in the place of whatever lies there, and then
+/// closes. Until then others see the old one, and undoing the changes or closing drops the new one.
+[[nodiscard]] IndexStatus replace_index(LibraryIndex& index, std::string_view directory);
 /// Nothing when it is closed. Changes that were not committed are undone.
 void close_index(LibraryIndex& index);
 

@@ -165,10 +165,17 @@ IndexStatus open_file_at(LibraryIndex& index, const PathBuffer& path, IndexMode 
             return head;
     }
     sqlite3* database = index.database.get();
-    if (is_new)
+    // What nobody sees yet need not outlive us when it is undone.
+    const bool is_unseen = !index.temporary.empty();
+    if (is_unseen)
+        code = run(database, "PRAGMA journal_mode=MEMORY");
+    if (is_new && code == SQLITE_OK)
         code = make_table(database);
     if (code == SQLITE_OK)
         code = restrain(database);
+    // Where a loss of power leaves holes in a file made at one go, it is found damaged.
+    if (is_unseen && code == SQLITE_OK)
+        code = run(database, "PRAGMA synchronous=OFF");
     if (code == SQLITE_OK)
         code = check_contents(database);
     if (code == SQLITE_READONLY_ROLLBACK) {
@@ -241,15 +248,23 @@ IndexStatus open_index(LibraryIndex& index, std::string_view directory, IndexMod
     return status;
 }
 
-IndexStatus replace_index(LibraryIndex& index, std::string_view directory, int wait_ms) {
+IndexStatus replace_index(LibraryIndex& index, std::string_view directory) {
     close_index(index);
     PathBuffer path;
-    index.error =
-        index_path(directory, path) ? remove_file(path.view()) : refuse(Refusal::path_too_long);
-    if (failed(index.error) && !is_missing(index.error))
-        return is_denied(index.error) ? IndexStatus::denied : IndexStatus::failed;
-    // A journal that is left behind goes when SQLite finds no byte in the file that it belongs to.
-    return open_index(index, directory, IndexMode::create, wait_ms);
+    PathBuffer temporary;
+    if (!index_path(directory, path) || !temporary_name(path.view(), temporary)) {
+        index.error = refuse(Refusal::path_too_long);
+        return IndexStatus::failed;
+    }
+    index.temporary = temporary.view();
+    index.replaced = path.view();
+    const IndexStatus status = open_file_at(index, temporary, IndexMode::create, true, 0);
+    if (status != IndexStatus::opened) {
+        const SystemError error = index.error;
+        close_index(index);
+        index.error = error;
+    }
+    return status;
 }
 
 } // namespace pellux

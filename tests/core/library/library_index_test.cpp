@@ -153,9 +153,19 @@ TEST_F(Index, WhatIsNoneOfOursIsToldApart) {
         EXPECT_EQ(index.database, nullptr);
         EXPECT_EQ(scratch.read("index"), bytes);
         EXPECT_EQ(scratch.names(), std::set<std::string>{"index"});
+        const auto put_record = [&] {
+            return replace_index(index, "") == IndexStatus::opened && begin_changes(index) &&
+                   insert_record(index, "0002b@", "0002b@b.vhd");
+        };
+        EXPECT_TRUE(put_record());
+        undo_changes(index);
+        close_index(index);
+        EXPECT_EQ(scratch.read("index"), bytes);
+        EXPECT_TRUE(put_record());
         scratch.write("index-journal", "left behind");
-        EXPECT_EQ(replace_index(index, ""), IndexStatus::opened);
-        EXPECT_TRUE(contents(index).empty());
+        EXPECT_TRUE(commit_changes(index));
+        EXPECT_EQ(read(), IndexStatus::opened);
+        EXPECT_EQ(contents(index), Records{"0002b@b.vhd"});
         EXPECT_EQ(scratch.names(), std::set<std::string>{"index"});
     }
 }
@@ -177,11 +187,15 @@ TEST_F(Index, ItsPlaceIsJudged) {
     fs::create_directory("file:new?vfs=none");
     for (const auto& row : rows)
         EXPECT_EQ(open_index(index, row.directory, row.mode), row.status) << row.directory;
-    EXPECT_EQ(replace_index(index, "taken"), IndexStatus::failed);
+    EXPECT_TRUE(replace_index(index, "taken") == IndexStatus::opened && begin_changes(index));
+    EXPECT_FALSE(commit_changes(index));
+    EXPECT_TRUE(fs::remove("taken/index") && fs::remove("taken")) << "something was left";
     const test::FileFaults denied(
         [](FileOperation, std::string_view) { return SystemError{EACCES}; });
     EXPECT_EQ(read(), IndexStatus::denied);
-    EXPECT_EQ(replace_index(index, ""), IndexStatus::denied);
+    EXPECT_FALSE(replace_index(index, "") == IndexStatus::opened && begin_changes(index) &&
+                 commit_changes(index));
+    EXPECT_TRUE(is_denied(index.error));
     EXPECT_EQ(scratch.read("index"), whole);
 }
 

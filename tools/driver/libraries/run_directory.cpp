@@ -14,8 +14,8 @@ namespace pellux {
 namespace {
 
 constexpr std::string_view k_prefix = "run-";
-constexpr std::array<std::string_view, 5> k_written_by_runs{".trial", ".cf", ".vif", ".bde",
-                                                            ".rpt"};
+constexpr std::array<std::string_view, 6> k_written_by_runs{".trial", ".cf",  ".vif",
+                                                            ".index", ".bde", ".rpt"};
 
 bool collect_name(void* context, std::string_view name, FileKind) {
     from_context<Vector<String>>(context).emplace_back(name);
