@@ -19,6 +19,15 @@ inline constexpr int k_status_interrupted = 128;
 [[nodiscard]] int show_project(const char* file);
 /// Makes the project file from JSON; the two must not be one.
 [[nodiscard]] int make_project(const char* json_file, const char* file);
+/// Makes a project file that is not there yet of the sources that `words` name, with the options
+/// among them.
+[[nodiscard]] int new_project_file(const char* file, std::span<const char* const> words);
+/// Adds sources at the end of the list; those that it has stay as they are.
+[[nodiscard]] int add_sources(const char* file, std::span<const char* const> words);
+[[nodiscard]] int remove_named_sources(const char* file, std::span<const char* const> names);
+/// "KEY=VALUE" for options of the project or, behind "--source NAME", of those sources, by their
+/// names in JSON.
+[[nodiscard]] int set_options(const char* file, std::span<const char* const> words);
 /// Compiles the project file: all of its sources, or those named in `selected` when that is not
 /// null. What the compiler says goes to standard output. The status is the compiler's once it runs,
 /// but no success where the output could not be written.

@@ -5,7 +5,7 @@
 namespace pellux {
 
 inline Message<const char*> msg_bpr_usage{
-    "E1850", "usage: %s show FILE | make JSON FILE | compile FILE [--selected NAME...]"};
+    "E1850", "usage: %s COMMAND FILE...; --help tells the commands, COMMAND --help more of one"};
 inline Message<const char*, const char*> msg_bpr_cannot_read{"E1851", "Can't read '%s': %s."};
 inline Message<const char*, const char*> msg_bpr_cannot_write{"E1852", "Can't write '%s': %s."};
 inline Message<const char*, const char*> msg_old_contents{"E1853",
@@ -43,8 +43,45 @@ inline Message<const char*> msg_library_unused{
 inline Message<const char*, const char*> msg_same_file{
     "E1877", "Can't write '%s': it is the same file as '%s'."};
 
+inline Message<const char*, const char*> msg_list_fault{"E2400", "%s%s"};
+inline Message<const char*, int> msg_list_place{"E2401", "'%s', line %d: "};
+inline Message<> msg_list_binary{"E2402", "this is no list of files"};
+inline Message<> msg_list_quote{"E2403", "a quote has no end"};
+inline Message<> msg_list_variable_name{"E2404", "'$' stands before no variable's name"};
+inline Message<const char*> msg_list_variable{"E2405", "variable '%s' is not set"};
+inline Message<const char*> msg_list_option{"E2406", "'%s' is no option of a list of files"};
+inline Message<> msg_list_missing{"E2407", "the name of a list is missing"};
+inline Message<const char*> msg_list_loop{"E2408", "list '%s' leads to itself."};
+inline Message<const char*> msg_edit_library{"E2409", "'%s' can't be the name of a library."};
+inline Message<const char*> msg_edit_reserved{"E2410", "Nothing can be put into library '%s'."};
+inline Message<const char*> msg_edit_blank{
+    "E2411", "'%s' can't be added: its name has a blank or a control character."};
+inline Message<const char*, int> msg_edit_long{
+    "E2412", "'%s' can't be added: its name would be longer than %d bytes."};
+inline Message<const char*> msg_edit_pla{"E2413",
+                                         "'%s' can't be added: a PLA file must stand alone."};
+inline Message<const char*> msg_edit_impossible{"E2414", "'%s' can't be added."};
+inline Message<const char*> msg_edit_no_file{"E2415", "'%s' is no file."};
+inline Message<const char*> msg_edit_exists{"E2416", "Project '%s' is there already."};
+inline Message<const char*, const char*> msg_edit_value{"E2417", "'%s': %s."};
+inline Message<const char*> msg_edit_no_value{"E2418", "'%s': KEY=VALUE is expected."};
+inline Message<const char*> msg_edit_operand{"E2419", "Something is missing behind '%s'."};
+inline Message<const char*> msg_edit_option{
+    "E2420", "Unknown option '%s'; \"./\" stands before the name of such a file."};
+
 inline Message<const char*, const char*, const char*> msg_bpr_command_usage{"E1883",
                                                                             "usage: %s %s %s"};
+inline Message<> msg_help_new{
+    "E2421", "  new      makes the project FILE of sources, each a file or @LIST, a list of files"};
+inline Message<> msg_help_add{"E2422", "  add      adds sources to the project FILE"};
+inline Message<> msg_help_remove{"E2423", "  remove   takes each NAME off the project's list"};
+inline Message<> msg_help_set{
+    "E2424", "  set      changes options of the project FILE, or of each source NAME"};
+inline Message<> msg_help_lists{
+    "E2425",
+    "A LIST has names, \"@LIST\", $VARIABLES and comments behind \"#\", \"//\" or \"-- \"."};
+inline Message<> msg_help_keys{
+    "E2426", "KEY: an option as \"show\" names it; top_design of the project, note of a source"};
 inline Message<> msg_help_show{"E1878", "  show     prints the project FILE as JSON"};
 inline Message<> msg_help_make{"E1879", "  make     makes the project FILE from JSON"};
 inline Message<> msg_help_compile{

@@ -15,27 +15,60 @@ namespace {
 
 constexpr const char* k_program = "bpr";
 
-struct CommandHelp {
+using Words = std::span<const char* const>;
+
+int compile(Words words) {
+    const Words selected = words.subspan(words.size() > 1 ? 2 : 1);
+    return compile_project_file(words[0], words.size() > 1 ? &selected : nullptr);
+}
+
+/// Words that come behind the command.
+struct Command {
     std::string_view name;
     const char* arguments;
     Message<>& line;
-    Message<>* more_statuses; ///< null: none
+    bool (*fits)(Words);
+    int (*run)(Words);
+    Message<>* more = nullptr; ///< of its help
 };
 
-const CommandHelp k_commands[] = {
-    {"show", "FILE", msg_help_show, nullptr},
-    {"make", "JSON FILE", msg_help_make, nullptr},
-    {"compile", "FILE [--selected NAME...]", msg_help_compile, &msg_help_compiler_status},
+template <std::size_t count>
+bool has(Words words) {
+    return words.size() == count;
+}
+template <std::size_t count>
+bool has_at_least(Words words) {
+    return words.size() >= count;
+}
+
+const Command k_commands[] = {
+    {"new", "FILE SOURCE... [--top NAME] [--library NAME] [--standard N] [--device NAME]",
+     msg_help_new, has_at_least<2>,
+     [](Words words) { return new_project_file(words[0], words.subspan(1)); }, &msg_help_lists},
+    {"add", "FILE SOURCE... [--library NAME]", msg_help_add, has_at_least<2>,
+     [](Words words) { return add_sources(words[0], words.subspan(1)); }, &msg_help_lists},
+    {"remove", "FILE NAME...", msg_help_remove, has_at_least<2>,
+     [](Words words) { return remove_named_sources(words[0], words.subspan(1)); }},
+    {"set", "FILE [--source NAME]... KEY=VALUE...", msg_help_set, has_at_least<2>,
+     [](Words words) { return set_options(words[0], words.subspan(1)); }, &msg_help_keys},
+    {"show", "FILE", msg_help_show, has<1>, [](Words words) { return show_project(words[0]); }},
+    {"make", "JSON FILE", msg_help_make, has<2>,
+     [](Words words) { return make_project(words[0], words[1]); }},
+    {"compile", "FILE [--selected NAME...]", msg_help_compile,
+     [](Words words) {
+         return words.size() == 1 || (words.size() > 2 && std::strcmp(words[1], "--selected") == 0);
+     },
+     compile, &msg_help_compiler_status},
 };
 
 /// Prints the help of one command, or of all without a name, and gives the program's status;
 /// nothing when there is no such command.
 std::optional<int> help(std::string_view command) {
     String text;
-    String statuses = format_message(msg_help_status) + "\n";
+    String more = format_message(msg_help_status) + "\n";
     if (command.empty())
         text = format_message(msg_bpr_usage, k_program) + "\n";
-    for (const CommandHelp& row : k_commands) {
+    for (const Command& row : k_commands) {
         if (row.name == command)
             text =
                 format_message(msg_bpr_command_usage, k_program, row.name.data(), row.arguments) +
@@ -43,35 +76,31 @@ std::optional<int> help(std::string_view command) {
         else if (!command.empty())
             continue;
         text += format_message(row.line) + "\n";
-        if (row.more_statuses != nullptr)
-            statuses += format_message(*row.more_statuses) + "\n";
+        if (row.more != nullptr && more.find(row.more->text()) == String::npos)
+            more += format_message(*row.more) + "\n";
     }
     if (text.empty())
         return std::nullopt;
     Terminal output(standard_output());
-    output.write(view(text + statuses));
+    output.write(view(text + more));
     return status_after_output(output.error());
 }
 
-int run(std::span<const char* const> arguments) {
-    const auto is = [&](std::size_t at, const char* word) {
-        return at < arguments.size() && std::strcmp(arguments[at], word) == 0;
-    };
-    const auto is_help = [&](std::size_t at) { return is(at, "--help") || is(at, "-h"); };
-    if (arguments.size() == 1 && is_help(0))
+bool is_help(Words words) {
+    return words.size() == 1 &&
+           (std::strcmp(words[0], "--help") == 0 || std::strcmp(words[0], "-h") == 0);
+}
+
+int run(Words words) {
+    if (is_help(words))
         return *help({});
-    if (arguments.size() == 2 && is_help(1))
-        if (const std::optional<int> status = help(arguments[0]))
+    if (words.size() > 1 && is_help(words.subspan(1))) {
+        if (const std::optional<int> status = help(words[0]))
             return *status;
-    if (is(0, "show") && arguments.size() == 2)
-        return show_project(arguments[1]);
-    if (is(0, "make") && arguments.size() == 3)
-        return make_project(arguments[1], arguments[2]);
-    if (is(0, "compile") && arguments.size() == 2)
-        return compile_project_file(arguments[1], nullptr);
-    if (is(0, "compile") && arguments.size() > 3 && is(2, "--selected")) {
-        const std::span<const char* const> selected = arguments.subspan(3);
-        return compile_project_file(arguments[1], &selected);
+    }
+    for (const Command& command : k_commands) {
+        if (!words.empty() && command.name == words[0] && command.fits(words.subspan(1)))
+            return command.run(words.subspan(1));
     }
     tell(msg_bpr_usage, k_program);
     return k_status_unusable;

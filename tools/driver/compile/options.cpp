@@ -1,5 +1,6 @@
 #include "tools/driver/compile/options.h"
 
+#include "core/vhdl/library_name.h"
 #include "tools/driver/arguments.h"
 #include "tools/driver/messages.h"
 

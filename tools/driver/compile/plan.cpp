@@ -2,6 +2,7 @@
 
 #include "core/common/ascii_case.h"
 #include "core/os/path.h"
+#include "core/vhdl/library_name.h"
 #include "tools/driver/libraries/library_place.h"
 #include "tools/driver/messages.h"
 

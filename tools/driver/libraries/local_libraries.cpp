@@ -7,6 +7,7 @@
 #include "core/library/install_root.h"
 #include "core/library/resolve.h"
 #include "core/os/files.h"
+#include "core/vhdl/library_name.h"
 #include "tools/driver/libraries/compiled_library.h"
 #include "tools/driver/reporting.h"
 

@@ -4,6 +4,7 @@
 #include "core/common/text_file.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
+#include "core/vhdl/library_name.h"
 #include "tools/driver/libraries/derived_file.h"
 #include "tools/driver/libraries/library_place.h"
 #include "tools/driver/libraries/local_libraries.h"
