@@ -155,6 +155,67 @@ TEST_F(BprProgram, ShowsEveryFieldByItsNameAndMakesTheSameOfIt) {
     EXPECT_EQ(bpr("show a.bpr").text, json);
 }
 
+/// In turn: what cannot be done leaves every byte as it was.
+TEST_F(BprProgram, MakesAProjectOfFilesAndChangesItByNames) {
+    for (const char* file : {"a.vhd", "sub/b.vhd", "sub/c.vhd", "d.pla", "-g.vhd", "h.vhd"})
+        directory_.write(file, "");
+    directory_.write("sub/order.txt", "\xEF\xBB\xBF# library Blocks\r\nb.vhd // -- one\n\n"
+                                      "${BPR_C}.vhd\n# library work\n -f '../more'\n");
+    directory_.write("more", "a.vhd -- and \"this\n");
+    directory_.write("loop", "\n@sub/../loop");
+    directory_.write("binary", std::string("a.vhd\n\0", 7));
+    directory_.write("options", "a.vhd\n-g.vhd");
+    directory_.write("quote", "\n\"a.vhd");
+    const std::pair<std::string, std::string> rows[] = {
+        {"new p.bpr @sub/order.txt", "'sub/order.txt', line 4: variable 'BPR_C' is not set\n"},
+        {"new p.bpr @loop", "'loop', line 2: list 'sub/../loop' leads to itself.\n"},
+        {"new p.bpr @binary", "'binary', line 2: this is no list of files\n"},
+        {"new p.bpr @options", "'options', line 2: '-g.vhd' is no option of a list of files\n"},
+        {"new p.bpr @quote", "'quote', line 2: a quote has no end\n"},
+        {"new p.bpr @gone", "Can't read 'gone': No such file or directory.\n"},
+        {"new p.bpr a.vhd sub", "'sub' is no file.\n"},
+        {"new p.bpr a.vhd d.pla", "'d.pla' can't be added: a PLA file must stand alone.\n"},
+        {"new p.bpr a.vhd --top sub/b.vhd", "Project 'p.bpr' has no file 'sub/b.vhd'.\n"},
+        {"new p.bpr a.vhd --library a__b", "'a__b' can't be the name of a library.\n"},
+        {"new p.bpr a.vhd --standard x",
+         "'vhdl_standard=x': a whole number from -32768 to 32767 is expected.\n"},
+        {"new p.bpr ./-g.vhd @sub/order.txt --standard 93 --device d20 --top ./-g.vhd", ""},
+        {"new p.bpr a.vhd", "Project 'p.bpr' is there already.\n"},
+        {"add p.bpr a.vhd gone.vhd", "Can't read 'gone.vhd': No such file or directory.\n"},
+        {"add p.bpr h.vhd --library IEEE", "Nothing can be put into library 'IEEE'.\n"},
+        {"add p.bpr a.vhd h.vhd --library lib", ""},
+        {"add p.bpr --top a.vhd",
+         "Unknown option '--top'; \"./\" stands before the name of such a file.\n"},
+        {"remove p.bpr sub/b.vhd gone.vhd", "Project 'p.bpr' has no file 'gone.vhd'.\n"},
+        {"set p.bpr tab_width=70000",
+         "'tab_width=70000': a whole number from -32768 to 32767 is expected.\n"},
+        {"set p.bpr tab_width", "'tab_width': KEY=VALUE is expected.\n"},
+        {"set p.bpr note=x", "'note=x': unknown key.\n"},
+        {"set p.bpr --source sub/../a.vhd --source sub/c.vhd library=Std note=n",
+         "Nothing can be put into library 'Std'.\n"},
+        {"set p.bpr --source sub/../a.vhd --source sub/c.vhd library= note=n", ""},
+        {"set p.bpr device= tab_width=3 top_design=sub/c.vhd", ""},
+        {"remove p.bpr sub/b.vhd", ""},
+    };
+    for (const auto& [line, told] : rows) {
+        const std::string before = directory_.read("p.bpr");
+        const ToolRun run = bpr(line);
+        EXPECT_EQ(run.text, told) << line;
+        EXPECT_EQ(run.status, told.empty() ? 0 : 2) << line;
+        EXPECT_EQ(directory_.read("p.bpr") == before, !told.empty()) << line;
+        if (told.starts_with("'sub/order"))
+            ::setenv("BPR_C", "c", 1);
+    }
+    const std::string keys = "file_name|\"library|\"device|note|tab_w|standard|top_";
+    ASSERT_EQ(std::system((k_tree + "/bin/bpr show p.bpr | grep -E '" + keys +
+                           "' | grep -vE 'null|: 8|-1' | tr -d ' \"\\n' >shown")
+                              .c_str()),
+              0);
+    EXPECT_EQ(directory_.read("shown"),
+              "file_name:./-g.vhd,file_name:sub/c.vhd,note:n,file_name:a.vhd,note:n,"
+              "file_name:h.vhd,library:lib,top_design:1,vhdl_standard:93,tab_width:3,");
+}
+
 TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {
     directory_.write("bad.json", "{\"project\": {\"options\": {\"color\": 1}}}");
     directory_.write("good.json", "{}");
