@@ -1,5 +1,5 @@
-#include "tools/bpr/source_lists.h"
 #include "fuzz/require.h"
+#include "tools/bpr/source_lists.h"
 
 #include <cstdint>
 

@@ -8,6 +8,13 @@
 namespace pellux {
 namespace {
 
+/// A changed source takes the room of about as many entries.
+constexpr std::size_t k_entries_of_change = 20;
+
+bool is_same_list(const SourceOrder& a, const SourceOrder& b) {
+    return a.sources == b.sources && a.top_design == b.top_design;
+}
+
 /// Every source that the past or the future names, ascending.
 Vector<const VHDL_source*> named_sources(const SourceHistory& history) {
     Vector<const VHDL_source*> named;
@@ -34,7 +41,7 @@ std::size_t excess_of(const Vector<SourceOrder>& past) {
     std::size_t kept = 0;
     std::size_t entries = 0;
     for (auto order = past.rbegin(); order != past.rend() && kept < k_history_max; ++order) {
-        entries += order->sources.size();
+        entries += order->sources.size() + k_entries_of_change * order->options.before.size();
         if (kept > 0 && entries > k_history_entries_max)
             break;
         ++kept;
@@ -65,10 +72,13 @@ bool step(SourceHistory& history, Project& project, Vector<SourceOrder>& from,
           Vector<SourceOrder>& to) {
     if (from.empty())
         return false;
-    to.push_back(order_of(project));
-    const SourceOrder order = std::move(from.back());
+    SourceOrder now = order_of(project);
+    SourceOrder order = std::move(from.back());
     from.pop_back();
     restore(history, project, order);
+    exchange_options(project, order.options);
+    now.options = std::move(order.options);
+    to.push_back(std::move(now));
     return true;
 }
 
@@ -85,7 +95,7 @@ SourceOrder order_of(const Project& project) {
 
 void note_change(SourceHistory& history, SourceOrder before, const Project& project,
                  Vector<Owned<VHDL_source>> removed) {
-    if (before == order_of(project))
+    if (is_same_list(before, order_of(project)) && before.options.before.empty())
         return;
     history.past.push_back(std::move(before));
     const std::size_t excess = excess_of(history.past);

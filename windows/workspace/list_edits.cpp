@@ -3,6 +3,7 @@
 #include "windows/toolkit/control.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/option_edits.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
 
@@ -36,8 +37,21 @@ int count_others(Vector<VHDL_source*> sources, Vector<VHDL_source*> others) {
     return static_cast<int>(rest.size());
 }
 
+/// What a change of options is about.
+String words_of_options(const OptionChange& change) {
+    const Vector<OptionChange::Before>& before = change.before;
+    if (before.front().source == nullptr)
+        return format_message(msg_setting_options);
+    return before.size() == 1
+               ? format_message(msg_setting_file_options)
+               : format_message(msg_setting_files_options, static_cast<int>(before.size()));
+}
+
 /// What has led from one order to the other: "removing 3 files".
-String words_of_change(const SourceOrder& from, const SourceOrder& to) {
+String words_of_change(const SourceOrder& from, const SourceOrder& to,
+                       const OptionChange& options) {
+    if (!options.before.empty())
+        return words_of_options(options);
     const int removed = count_others(from.sources, to.sources);
     const int added = count_others(to.sources, from.sources);
     if (removed > 0)
@@ -72,6 +86,7 @@ void step(Window window, bool (*take)(SourceHistory&, Project&)) {
     }
     const Vector<std::size_t>& shown = come.empty() ? kept : come;
     show_sources(window, shown, last_of(shown));
+    show_options(window);
     show_project_change(window);
 }
 
@@ -153,15 +168,18 @@ String undo_title(const SourceHistory& history, const Project& project) {
     const auto& past = history.past;
     if (past.empty())
         return format_message(msg_undo);
-    return format_message(msg_undo_change, words_of_change(past.back(), order_of(project)).c_str());
+    return format_message(
+        msg_undo_change,
+        words_of_change(past.back(), order_of(project), past.back().options).c_str());
 }
 
 String redo_title(const SourceHistory& history, const Project& project) {
     const auto& future = history.future;
     if (future.empty())
         return format_message(msg_redo);
-    return format_message(msg_redo_change,
-                          words_of_change(order_of(project), future.back()).c_str());
+    return format_message(
+        msg_redo_change,
+        words_of_change(order_of(project), future.back(), future.back().options).c_str());
 }
 
 void undo_list_change(Window window) {

@@ -54,6 +54,9 @@ inline Message<> msg_adding_one{"E2092", "adding a file"};
 inline Message<int> msg_adding{"E2093", "adding %d files"};
 inline Message<> msg_moving{"E2094", "moving files"};
 inline Message<> msg_setting_top{"E2095", "setting the top design"};
+inline Message<> msg_setting_options{"E2470", "changing the project's options"};
+inline Message<> msg_setting_file_options{"E2471", "changing a file's options"};
+inline Message<int> msg_setting_files_options{"E2472", "changing options of %d files"};
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};

@@ -28,6 +28,9 @@ struct Row {
     bool selected = false;
     bool top = false;
     std::string note = {}; ///< no two of them are alike, so that it tells which source it is
+    std::string library = {};
+    int tab_width = k_tab_width;
+    int flags = k_new_project_flags;
     bool operator==(const Row&) const = default;
 };
 using Rows = std::vector<Row>;
@@ -36,7 +39,8 @@ Rows rows_of(const Project& project, Selection selection) {
     Rows rows;
     for (const auto& source : project.sources)
         rows.push_back({source->file_name.c_str(), false, source.get() == project.top_design,
-                        source->note.c_str()});
+                        source->note.c_str(), source->options.library.c_str(),
+                        source->options.tab_width, source->options.flags});
     for (const std::size_t index : selection)
         rows.at(index).selected = true;
     return rows;
@@ -144,6 +148,25 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
             selection.clear();
             break;
         }
+        case 8: {
+            OptionValues from{Source_options(), NullableText("shown")};
+            OptionValues to = from;
+            const int width = static_cast<int>(draw(3));
+            const int flags = static_cast<int>(draw(4));
+            const std::string library = draw(2) == 0 ? "" : "l" + std::to_string(draw(3));
+            to.options.tab_width = static_cast<std::int16_t>(k_tab_width + width);
+            to.options.flags ^= flags;
+            to.options.library.assign(library);
+            before.options = change_source_options(*project, selection, from, to);
+            for (Row& row : model) {
+                if (!row.selected)
+                    continue;
+                row.tab_width = width == 0 ? row.tab_width : k_tab_width + width;
+                row.flags = (row.flags & ~flags) | (to.options.flags & flags);
+                row.library = library.empty() ? row.library : library;
+            }
+            break;
+        }
         default:
             selection.clear();
             for (std::size_t i = 0, share = 1 + draw(6); i < model.size(); ++i)
@@ -155,7 +178,8 @@ TEST(SourceList, RandomCommandsAgreeWithAPlainList) {
             continue;
         note_change(history, std::move(before), *project, std::move(removed));
         const auto is_same = [](const Row& a, const Row& b) {
-            return a.note == b.note && a.top == b.top;
+            return a.note == b.note && a.top == b.top && a.library == b.library &&
+                   a.tab_width == b.tab_width && a.flags == b.flags;
         };
         if (!std::ranges::equal(rows_before, model, is_same)) {
             future.clear();
