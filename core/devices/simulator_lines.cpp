@@ -25,6 +25,18 @@ bool parse_simulator_line(std::string_view line, SimulatorLine& simulator) {
     return true;
 }
 
+Vector<String> simulator_names(CatalogueReader& reader) {
+    Vector<String> names;
+    if (!open(reader, true) || !seekSection(reader, "simulators_dos", true))
+        return names;
+    CatalogueLine line;
+    SimulatorLine simulator;
+    while (next_line(reader, line) == CatalogueStatus::done)
+        if (parse_simulator_line(line.view(), simulator))
+            names.push_back(std::move(simulator.name));
+    return names;
+}
+
 std::optional<SimulatorLine> find_simulator(CatalogueReader& reader, std::string_view name) {
     if (!open(reader, true) || !seekSection(reader, "simulators_dos", true))
         return {};

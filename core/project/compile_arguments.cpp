@@ -49,8 +49,8 @@ void add_text(const char* name, const NullableText& text, Vector<String>& argume
         arguments.push_back(format_text("%s%s", name, text.c_str()));
 }
 
-void add_project_options(const Project& project, Vector<String>& arguments) {
-    const Source_options& options = project.options;
+void add_project_options(const Project& project, const Source_options& options,
+                         Vector<String>& arguments) {
     if (!is_pla_project(project)) {
         add_switches(options, k_vhdl_switches, arguments);
         if (options.error_limit >= 1)
@@ -88,6 +88,12 @@ bool is_readable(const PathBuffer& path) {
 
 } // namespace
 
+Vector<String> option_arguments(const Project& project, const Source_options& options) {
+    Vector<String> arguments;
+    add_project_options(project, options, arguments);
+    return arguments;
+}
+
 bool find_compiler(PathBuffer& path) {
     if (find_installed_file(k_compiler_program, path) && is_readable(path))
         return true;
@@ -110,7 +116,7 @@ Vector<String> build_arguments(const Project& project, std::span<const CompileEn
     Vector<String> arguments;
     if (all && !project.options.has(OptionFlag::rebuild))
         arguments.emplace_back("-m");
-    add_project_options(project, arguments);
+    add_project_options(project, project.options, arguments);
     const VHDL_source* top = nullptr;
     for (const CompileEntry& entry : entries) {
         if (entry.source == nullptr || (!all && !entry.selected))

@@ -24,6 +24,10 @@ struct CompileEntry {
 /// A source's name as a word that no program takes for a switch or a response file: "./-x.vhd".
 [[nodiscard]] String source_argument(std::string_view name);
 
+/// The arguments for all of the project, if these were its options.
+[[nodiscard]] Vector<String> option_arguments(const Project& project,
+                                              const Source_options& options);
+
 /// The compiler's arguments, element 0 apart, for all entries or the selected ones. The top design
 /// comes last, after "-b".
 [[nodiscard]] Vector<String> build_arguments(const Project& project,

@@ -11,6 +11,8 @@ enum class HelpTopic : int {
     project_window = 24,
     reports = 25,
     project_search = 26,
+    options = 28,
+    file_options = 29,
     compile_window = 27,
     messages = 31,
     editor = 41,

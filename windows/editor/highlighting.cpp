@@ -8,8 +8,6 @@
 namespace pellux {
 namespace {
 
-constexpr unsigned k_keyword_style_bit = 26;
-constexpr unsigned k_comment_style_bit = 28;
 constexpr unsigned k_style_mask = 3;
 
 std::uint16_t style_of(const Source_options& options, unsigned bit) {

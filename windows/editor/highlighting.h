@@ -8,6 +8,10 @@
 
 namespace pellux {
 
+/// Two bits of an option's flags are bold and italic; these are the first of them.
+inline constexpr unsigned k_keyword_style_bit = 26;
+inline constexpr unsigned k_comment_style_bit = 28;
+
 /// How words of one kind are shown. The letters are the text's, only their pictures differ.
 struct WordLook {
     Color color = Color::black;

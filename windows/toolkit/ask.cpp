@@ -2,6 +2,7 @@
 
 #include "windows/toolkit/error_line.h"
 
+#include <charconv>
 #include <utility>
 
 namespace pellux {
@@ -16,6 +17,15 @@ bool is_titled(const String& button, std::string_view title) {
 }
 
 } // namespace
+
+std::optional<int> number_of(const DialogRow& row) {
+    int number = 0;
+    const char* const end = row.value.data() + row.value.size();
+    const auto read = std::from_chars(row.value.data(), end, number);
+    const bool is_read = read.ec == std::errc() && read.ptr == end;
+    return is_read && number >= row.least && number <= row.most ? std::optional(number)
+                                                                : std::nullopt;
+}
 
 AskSeam install_ask(const AskSeam& seam) {
     return std::exchange(g_seam, seam);

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/common/containers.h"
+#include "windows/toolkit/color.h"
 #include "windows/toolkit/font.h"
 #include "windows/toolkit/resource.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace pellux {
 
@@ -31,17 +33,34 @@ struct FileType {
     String label;     ///< "VHDL files"
 };
 
+/// A part of a sample's text; a LF ends a line.
+struct SampleRun {
+    String text;
+    Color color = Color::black;
+    std::uint16_t style = 0; ///< `FontStyle` bits
+};
+
 struct DialogRow {
     int id = 0;
     DialogRowKind kind = DialogRowKind::text;
-    String label;     ///< '&' before its mnemonic, but in a text row
-    String value;     ///< of a field with a text; of a list, its entries by line ends
-    int selected = 0; ///< of a check box or radio button 1 or 0; of a list an index, -1 none
+    String label; ///< '&' before its mnemonic, but in a text row
+    String value; ///< of a field with a text, a number's too; of a list, its entries by line ends
+    /// Of a check box or radio button 1 or 0; of a list or choice an index, -1 none; of a page 1
+    /// when it is the one that is seen.
+    int selected = 0;
     int length_max = 0;
     bool is_enabled = true;
     bool is_beside = false; ///< on the line of the row before, as check boxes that belong together
-    Vector<String> entries{}; ///< that drop down below a text, which can be typed too
+    Vector<String> entries{}; ///< that drop down: of a choice, or below a text that is typed
+    String hint{};            ///< in faint letters behind the field
+    String fault{};           ///< what is wrong with it, in place of the hint
+    int least = 0;            ///< between which the arrows of a number go
+    int most = 0;
+    Color color = Color::black;
+    Vector<SampleRun> runs{}; ///< of a sample
 };
+/// What a number row holds: none when that is no whole number of its range.
+[[nodiscard]] std::optional<int> number_of(const DialogRow& row);
 
 /// What the user does to a dialog while it stands.
 struct DialogAct {

@@ -39,6 +39,9 @@ bool xvt_dlg_create_res(Dialog& dialog, int resource) {
         made.length_max = row.length_max;
         made.selected = row.kind == DialogRowKind::list ? -1 : 0;
         made.is_beside = row.is_beside;
+        made.hint = row.hint;
+        made.least = row.least;
+        made.most = row.most;
     }
     return true;
 }

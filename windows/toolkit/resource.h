@@ -48,14 +48,24 @@ enum class DialogRowKind {
     radio,
     list,
     button,
+    choice, ///< one of some entries, which drop down
+    number, ///< a field for a whole number, with arrows
+    color,  ///< one of the palette, or another
+    sample, ///< lines of program text as they will look
+    page,   ///< begins a page, on which the rows behind it stand
+    group,  ///< begins a titled group; without a label it ends the groups of the page
 };
 /// A row of a dialog: a label and what stands beside it.
 struct DialogRowResource {
     int id = 0;
     DialogRowKind kind = DialogRowKind::text;
     const char* label = "";
-    int length_max = 0;     ///< of a field's text, bytes; 0: any
-    bool is_beside = false; ///< a check box on the line of that before
+    int length_max = 0; ///< of a field's text, bytes; 0: any
+    bool is_beside =
+        false;             ///< a check box on the line of that before; a group right of that before
+    const char* hint = ""; ///< in faint letters behind the field
+    int least = 0;         ///< of a number
+    int most = 0;
 };
 struct DialogResource {
     int number = 0;

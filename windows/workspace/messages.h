@@ -57,6 +57,17 @@ inline Message<> msg_setting_top{"E2095", "setting the top design"};
 inline Message<> msg_setting_options{"E2470", "changing the project's options"};
 inline Message<> msg_setting_file_options{"E2471", "changing a file's options"};
 inline Message<int> msg_setting_files_options{"E2472", "changing options of %d files"};
+inline Message<int> msg_unknown_choice{"E2473", "Unknown (%d)"};
+inline Message<int> msg_number_from{"E2474", "a number from %d on"};
+inline Message<int, int> msg_number_between{"E2475", "%d to %d"};
+inline Message<const char*> msg_arguments{"E2476", "Arguments: %s"};
+inline Message<> msg_in_catalogue{"E2477", "of devices.dat"};
+inline Message<> msg_not_in_catalogue{"E2478", "not in devices.dat"};
+inline Message<int> msg_files_selected{"E2479", "%d files"};
+inline Message<> msg_each_keeps{"E2480", "each keeps its own"};
+inline Message<> msg_library_hint{"E2481", "one of those in use, or a new one"};
+inline Message<> msg_no_library_name{"E2482", "no library can be named so"};
+inline Message<> msg_reserved_library{"E2483", "a library of the language itself is named so"};
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};

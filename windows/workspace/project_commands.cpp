@@ -5,6 +5,7 @@
 #include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
+#include "windows/workspace/file_options.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
@@ -15,6 +16,7 @@
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_options.h"
 #include "windows/workspace/project_settings.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/search_commands.h"
@@ -61,6 +63,8 @@ constexpr std::array k_commands{
     CommandRow{tag_of(open), 232, Need::nothing, [](Window) { choose_project(); }},
     CommandRow{tag_of(close), 0, Need::nothing, [](Window window) { close_project(window); }},
     CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
+    CommandRow{tag_of(options), 0, Need::nothing, ask_for_project_options},
+    CommandRow{tag_of(file_options), 0, Need::selection, ask_for_file_options},
     CommandRow{tag_of(print_setup), 0, Need::nothing, set_up_page},
     CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
                [](Window) { shell().quit(shell().context); }},
@@ -282,6 +286,7 @@ void show_list_menu(Window window, Point at) {
     items.push_back(separator);
     items.push_back(menu_item("Mo&ve up", tag_of(move_up), "Alt+Up", state));
     items.push_back(menu_item("Move do&wn", tag_of(move_down), "Alt+Down", state));
+    items.push_back(menu_item("&Options...", tag_of(file_options), "Alt+Return", state));
     xvt_menu_popup(window, items, at);
 }
 

@@ -23,13 +23,10 @@ constexpr MenuResource k_separator{};
 using enum ProjectCommand;
 
 constexpr std::array k_project{
-    item("&New...", new_project, "Ctrl+N"),
-    item("&Open...", open, "Ctrl+O"),
-    item("&Close", close, "Ctrl+W"),
-    item("&Save", save, "Ctrl+S"),
-    without_command("&Print", print),
-    item("P&rint setup...", print_setup),
-    item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
+    item("&New...", new_project, "Ctrl+N"), item("&Open...", open, "Ctrl+O"),
+    item("&Close", close, "Ctrl+W"),        item("&Save", save, "Ctrl+S"),
+    item("Op&tions...", options, "Ctrl+,"), without_command("&Print", print),
+    item("P&rint setup...", print_setup),   item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
 };
 constexpr std::array k_files{
     item("&Undo", undo, "Ctrl+Z"),
@@ -47,6 +44,7 @@ constexpr std::array k_files{
     k_separator,
     item("&Move up", move_up, "Alt+Up"),
     item("Move do&wn", move_down, "Alt+Down"),
+    item("&Options...", file_options, "Alt+Return"),
     k_separator,
     without_command("Li&braries...", libraries),
     without_command("A&nnotate...", annotate),

@@ -21,6 +21,8 @@ enum class ProjectCommand : int {
     quit = 1049,
     undo = 1153,
     redo = 1154,
+    options = 1156,
+    file_options = 1157,
     add = 1060,
     add_all = 1106,
     add_pla = 1107,

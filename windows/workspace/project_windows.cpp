@@ -5,6 +5,7 @@
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/file_options.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_closing.h"
@@ -16,6 +17,7 @@
 #include "windows/workspace/project_info.h"
 #include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_opening.h"
+#include "windows/workspace/project_options.h"
 #include "windows/workspace/project_view.h"
 #include "windows/workspace/reading_window.h"
 #include "windows/workspace/recovery_window.h"
@@ -128,6 +130,8 @@ void start_workspace(const ShellHooks& hooks) {
     register_search_question();
     start_editors(on_text_key);
     register_new_project();
+    register_project_options();
+    register_file_options();
     register_recovery_window();
 }
 

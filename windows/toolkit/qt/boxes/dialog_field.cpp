@@ -2,23 +2,31 @@
 
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/boxes/byte_edit.h"
+#include "windows/toolkit/qt/boxes/choice_fields.h"
 #include "windows/toolkit/qt/boxes/plain_text.h"
+#include "windows/toolkit/qt/draw/theme.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/item_list.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 
 #include <algorithm>
+#include <array>
 
 namespace pellux {
 namespace {
 
 constexpr int k_list_lines = 10;
 constexpr int k_list_characters = 40;
+constexpr std::array k_labelled{DialogRowKind::edit,   DialogRowKind::combo,  DialogRowKind::list,
+                                DialogRowKind::choice, DialogRowKind::number, DialogRowKind::color,
+                                DialogRowKind::sample};
 
 Vector<String> lines_of(std::string_view text) {
     Vector<String> lines;
@@ -55,8 +63,61 @@ QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group
     }
     case DialogRowKind::button:
         return new QPushButton(parent);
+    case DialogRowKind::choice:
+        return new QComboBox(parent);
+    case DialogRowKind::number:
+        return new NumberEdit(parent);
+    case DialogRowKind::color:
+        return new ColorBox(parent);
+    case DialogRowKind::sample:
+        return new SampleText(parent);
+    case DialogRowKind::page:
+        return new QWidget(parent);
+    case DialogRowKind::group:
+        return new QGroupBox(parent);
     }
     return nullptr;
+}
+
+void fill_choice(QComboBox& box, const DialogRow& row) {
+    QStringList entries;
+    for (const String& entry : row.entries)
+        entries.push_back(to_qstring(view(entry)));
+    bool is_same = box.count() == entries.size();
+    for (int i = 0; is_same && i < box.count(); ++i)
+        is_same = box.itemText(i) == entries[i];
+    if (!is_same) {
+        box.clear();
+        box.addItems(entries);
+    }
+    box.setCurrentIndex(row.selected);
+}
+
+/// The pages, of which `page` is one.
+QTabWidget* pages_of(const QWidget* page) {
+    for (QWidget* each = page->parentWidget(); each != nullptr; each = each->parentWidget())
+        if (auto* pages = qobject_cast<QTabWidget*>(each))
+            return pages;
+    return nullptr;
+}
+
+void fill_page(QWidget& page, const DialogRow& row) {
+    QTabWidget* pages = pages_of(&page);
+    if (pages == nullptr)
+        return;
+    const int index = pages->indexOf(&page);
+    pages->setTabText(index, to_qstring(view(row.label)));
+    if (row.selected == 1)
+        pages->setCurrentIndex(index);
+}
+
+void fill_note(QLabel& note, const DialogRow& row) {
+    const bool is_fault = !row.fault.empty();
+    note.setText(to_qstring(view(is_fault ? row.fault : row.hint)));
+    QPalette palette = note.parentWidget()->palette();
+    palette.setColor(QPalette::WindowText, is_fault ? shown_ink(Color::red, Color::light_gray)
+                                                    : palette.color(QPalette::PlaceholderText));
+    note.setPalette(palette);
 }
 
 void fill_list(ItemList& list, const DialogRow& row) {
@@ -79,9 +140,11 @@ void fill_mark(QAbstractButton& button, const DialogRow& row) {
 } // namespace
 
 bool has_label(const DialogRow& row) {
-    return (row.kind == DialogRowKind::edit || row.kind == DialogRowKind::combo ||
-            row.kind == DialogRowKind::list) &&
-           !row.label.empty();
+    return !row.label.empty() && std::ranges::find(k_labelled, row.kind) != k_labelled.end();
+}
+
+bool has_note(const DialogRow& row) {
+    return row.kind == DialogRowKind::number || !row.hint.empty();
 }
 
 QString spoken_label(QString label) {
@@ -93,11 +156,18 @@ QString spoken_label(QString label) {
 DialogField make_field(const DialogRow& row, QWidget* parent, QButtonGroup*& group) {
     if (row.kind != DialogRowKind::radio)
         group = nullptr;
-    DialogField field{row.id, row.kind, row.length_max, nullptr, make_widget(row, parent, group)};
+    DialogField field{.id = row.id,
+                      .kind = row.kind,
+                      .length_max = row.length_max,
+                      .widget = make_widget(row, parent, group)};
     if (has_label(row)) {
         field.label = new QLabel(parent);
         field.label->setTextFormat(Qt::PlainText);
         field.label->setBuddy(field.widget);
+    }
+    if (has_note(row)) {
+        field.note = new QLabel(parent);
+        field.note->setTextFormat(Qt::PlainText);
     }
     return field;
 }
@@ -107,6 +177,10 @@ void fill_field(const DialogField& field, const DialogRow& row) {
     if (field.label != nullptr)
         field.label->setText(label);
     field.widget->setEnabled(row.is_enabled);
+    if (field.note != nullptr) {
+        fill_note(*field.note, row);
+        field.widget->setAccessibleDescription(field.note->text());
+    }
     const QString spoken = spoken_label(without_mnemonic(label));
     switch (row.kind) {
     case DialogRowKind::text:
@@ -132,6 +206,27 @@ void fill_field(const DialogField& field, const DialogRow& row) {
     case DialogRowKind::button:
         static_cast<QPushButton*>(field.widget)->setText(label);
         break;
+    case DialogRowKind::choice:
+        fill_choice(*static_cast<QComboBox*>(field.widget), row);
+        break;
+    case DialogRowKind::number: {
+        auto* number = static_cast<NumberEdit*>(field.widget);
+        number->set_limits(row.least, row.most);
+        number->set_value(view(row.value));
+        break;
+    }
+    case DialogRowKind::color:
+        static_cast<ColorBox*>(field.widget)->set_color(row.color);
+        break;
+    case DialogRowKind::sample:
+        static_cast<SampleText*>(field.widget)->set_runs(row.runs);
+        break;
+    case DialogRowKind::page:
+        fill_page(*field.widget, row);
+        break;
+    case DialogRowKind::group:
+        static_cast<QGroupBox*>(field.widget)->setTitle(label);
+        break;
     }
     field.widget->setAccessibleName(spoken);
 }
@@ -151,8 +246,23 @@ void read_field(const DialogField& field, DialogRow& row) {
     case DialogRowKind::list:
         row.selected = static_cast<ItemList*>(field.widget)->selected();
         break;
+    case DialogRowKind::choice:
+        row.selected = static_cast<QComboBox*>(field.widget)->currentIndex();
+        break;
+    case DialogRowKind::number:
+        row.value = static_cast<NumberEdit*>(field.widget)->value();
+        break;
+    case DialogRowKind::color:
+        row.color = static_cast<ColorBox*>(field.widget)->color();
+        break;
+    case DialogRowKind::page:
+        if (const QTabWidget* pages = pages_of(field.widget))
+            row.selected = pages->currentWidget() == field.widget ? 1 : 0;
+        break;
     case DialogRowKind::text:
     case DialogRowKind::button:
+    case DialogRowKind::sample:
+    case DialogRowKind::group:
         break;
     }
 }
@@ -163,6 +273,8 @@ void focus_field(const DialogField& field) {
         static_cast<ByteEdit*>(field.widget)->selectAll();
     else if (field.kind == DialogRowKind::combo)
         static_cast<ByteCombo*>(field.widget)->lineEdit()->selectAll();
+    else if (field.kind == DialogRowKind::number)
+        static_cast<NumberEdit*>(field.widget)->selectAll();
 }
 
 void on_field_change(const DialogField& field, QObject* context,
@@ -185,8 +297,20 @@ void on_field_change(const DialogField& field, QObject* context,
         QObject::connect(static_cast<ItemList*>(field.widget)->selectionModel(),
                          &QItemSelectionModel::selectionChanged, context, call);
         break;
+    case DialogRowKind::choice:
+    case DialogRowKind::color:
+        QObject::connect(static_cast<QComboBox*>(field.widget), &QComboBox::currentIndexChanged,
+                         context, call);
+        break;
+    case DialogRowKind::number:
+        QObject::connect(&static_cast<NumberEdit*>(field.widget)->field(), &QLineEdit::textChanged,
+                         context, call);
+        break;
     case DialogRowKind::text:
     case DialogRowKind::button:
+    case DialogRowKind::sample:
+    case DialogRowKind::page:
+    case DialogRowKind::group:
         break;
     }
 }

@@ -20,10 +20,12 @@ struct DialogField {
     int length_max = 0;
     QLabel* label = nullptr; ///< beside the widget, which has none itself
     QWidget* widget = nullptr;
+    QLabel* note = nullptr; ///< behind the widget: a hint, or what is wrong
 };
 
-/// Is there a label beside the field of such a row?
+/// Is there a label beside the field of such a row, and something behind it?
 [[nodiscard]] bool has_label(const DialogRow& row);
+[[nodiscard]] bool has_note(const DialogRow& row);
 /// What a screen reader says for a label.
 [[nodiscard]] QString spoken_label(QString label);
 

@@ -2,6 +2,7 @@
 
 #include "windows/toolkit/qt/boxes/box.h"
 #include "windows/toolkit/qt/boxes/dialog_field.h"
+#include "windows/toolkit/qt/boxes/dialog_layout.h"
 #include "windows/toolkit/qt/draw/pictures.h"
 #include "windows/toolkit/qt/text_conversion.h"
 #include "windows/toolkit/qt/windows/item_list.h"
@@ -11,7 +12,6 @@
 
 #include <QApplication>
 #include <QButtonGroup>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHash>
 #include <QKeyEvent>
@@ -19,6 +19,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -61,8 +62,6 @@ protected:
 private:
     [[nodiscard]] bool has_shape_of(const Question& question) const;
     void build(const Question& question);
-    void add_row(QGridLayout& grid, const DialogRow& row, bool has_row_beside);
-    void add_beside(QGridLayout& grid, QWidget* button);
     void listen(const DialogField& field);
     void on_change(std::size_t at);
     void tell(DialogAct::Kind kind, int number);
@@ -75,9 +74,7 @@ private:
     Vector<DialogRow> asked_;
     Vector<DialogField> fields_;
     QWidget* body_ = nullptr;
-    QButtonGroup* radio_group_ = nullptr; ///< of the radio row before, while rows are made
-    QVBoxLayout* beside_ = nullptr;       ///< the buttons beside the field before
-    QHBoxLayout* line_ = nullptr;         ///< the check boxes of the line before
+    QTabWidget* pages_ = nullptr;
 };
 
 DialogBox::DialogBox(QWidget* parent, const Question& question)
@@ -152,7 +149,11 @@ void DialogBox::tell(DialogAct::Kind kind, int number) {
 void DialogBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_F1 && help_topic_ != 0)
         deliver(xvt_win_get_task(), Event{HelpEvent{.topic = help_topic_}});
-    else
+    else if (pages_ != nullptr && event->modifiers() == Qt::ControlModifier &&
+             (event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp)) {
+        const int step = event->key() == Qt::Key_PageDown ? 1 : pages_->count() - 1;
+        pages_->setCurrentIndex((pages_->currentIndex() + step) % pages_->count());
+    } else
         Box::keyPressEvent(event);
 }
 
@@ -160,16 +161,13 @@ bool DialogBox::has_shape_of(const Question& question) const {
     return body_ != nullptr &&
            std::ranges::equal(fields_, question.rows, [](const DialogField& a, const DialogRow& b) {
                return a.id == b.id && a.kind == b.kind && a.length_max == b.length_max &&
-                      (a.label != nullptr) == has_label(b);
+                      (a.label != nullptr) == has_label(b) && (a.note != nullptr) == has_note(b);
            });
 }
 
 void DialogBox::build(const Question& question) {
     delete body_;
     fields_.clear();
-    radio_group_ = nullptr;
-    beside_ = nullptr;
-    line_ = nullptr;
     body_ = new QWidget;
     contents().addWidget(body_);
     auto* halves = new QHBoxLayout(body_);
@@ -182,46 +180,23 @@ void DialogBox::build(const Question& question) {
         halves->addWidget(image, 0, Qt::AlignTop);
         halves->addSpacing(fontMetrics().height());
     }
-    auto* grid = new QGridLayout;
-    halves->addLayout(grid, 1);
-    grid->setColumnStretch(1, 1);
+    auto* stack = new QVBoxLayout;
+    halves->addLayout(stack, 1);
+    DialogLayout layout(*stack);
+    QButtonGroup* radio_group = nullptr;
     for (std::size_t i = 0; i < question.rows.size(); ++i) {
-        const bool is_last = i + 1 == question.rows.size();
-        add_row(*grid, question.rows[i], !is_last && question.rows[i + 1].is_beside);
+        const DialogRow& row = question.rows[i];
+        const bool has_row_beside = i + 1 < question.rows.size() &&
+                                    question.rows[i + 1].is_beside &&
+                                    question.rows[i + 1].kind != DialogRowKind::group;
+        fields_.push_back(make_field(row, body_, radio_group));
+        layout.add(row, fields_.back(), has_row_beside);
+        listen(fields_.back());
         if (question.image != 0 && i == 0)
             fields_[0].widget->setFont(heading_font());
     }
-}
-
-void DialogBox::add_row(QGridLayout& grid, const DialogRow& row, bool has_row_beside) {
-    const DialogField field = make_field(row, body_, radio_group_);
-    const int line = grid.rowCount();
-    const bool is_list = row.kind == DialogRowKind::list;
-    if (row.kind == DialogRowKind::button) {
-        add_beside(grid, field.widget);
-    } else if (field.label != nullptr) {
-        grid.addWidget(field.label, line, 0,
-                       is_list ? Qt::AlignTop | Qt::AlignLeft : Qt::AlignVCenter | Qt::AlignLeft);
-        grid.addWidget(field.widget, line, 1);
-    } else if (row.is_beside && line_ != nullptr) {
-        line_->insertWidget(line_->count() - 1, field.widget);
-    } else if (has_row_beside) {
-        line_ = new QHBoxLayout;
-        line_->setSpacing(fontMetrics().height());
-        line_->addWidget(field.widget);
-        line_->addStretch();
-        grid.addLayout(line_, line, 1);
-    } else {
-        grid.addWidget(field.widget, line, 0, 1, 2);
-    }
-    if (row.kind != DialogRowKind::button)
-        beside_ = nullptr;
-    if (!has_row_beside)
-        line_ = nullptr;
-    if (is_list)
-        grid.setRowStretch(line, 1);
-    fields_.push_back(field);
-    listen(field);
+    layout.finish();
+    pages_ = layout.pages();
 }
 
 void DialogBox::listen(const DialogField& field) {
@@ -243,30 +218,17 @@ void DialogBox::on_change(std::size_t at) {
     const DialogRow& now = asked_[at];
     // Of two radio buttons the one tells that has the mark now.
     const bool is_lost = now.kind == DialogRowKind::radio && now.selected == 0;
-    if (!is_lost && (now.value != before.value || now.selected != before.selected))
+    if (!is_lost &&
+        (now.value != before.value || now.selected != before.selected || now.color != before.color))
         tell(DialogAct::Kind::changed, now.id);
-}
-
-void DialogBox::add_beside(QGridLayout& grid, QWidget* button) {
-    if (beside_ == nullptr) {
-        beside_ = new QVBoxLayout;
-        const bool follows_field =
-            !fields_.empty() && (fields_.back().kind == DialogRowKind::edit ||
-                                 fields_.back().kind == DialogRowKind::combo ||
-                                 fields_.back().kind == DialogRowKind::list);
-        if (follows_field)
-            grid.addLayout(beside_, grid.rowCount() - 1, 2, Qt::AlignTop);
-        else
-            grid.addLayout(beside_, grid.rowCount(), 0, 1, 2, Qt::AlignTop | Qt::AlignLeft);
-    }
-    beside_->addWidget(button);
 }
 
 void DialogBox::focus_first() {
     for (const DialogField& field : fields_) {
-        const bool is_editable =
-            field.kind != DialogRowKind::text && field.kind != DialogRowKind::button;
-        if (!is_editable || !field.widget->isEnabled())
+        const bool is_editable = field.widget->focusPolicy() != Qt::NoFocus &&
+                                 field.kind != DialogRowKind::text &&
+                                 field.kind != DialogRowKind::button;
+        if (!is_editable || !field.widget->isEnabled() || !field.widget->isVisibleTo(this))
             continue;
         focus_field(field);
         return;
