@@ -76,7 +76,11 @@ constexpr std::array k_commands{
     CommandRow{tag_of(copy), 0, Need::selection,
                [](Window window) { copy_selected_files(window); }},
     CommandRow{tag_of(paste), 0, Need::clipboard, paste_files},
-    CommandRow{tag_of(select_all), 0, Need::files, select_all_files},
+    CommandRow{tag_of(select_all), 0, Need::files,
+               [](Window window) {
+                   select_all_files(window);
+                   update_project_commands(window);
+               }},
     CommandRow{tag_of(move_up), 236, Need::selection, move_selected_files_up},
     CommandRow{tag_of(move_down), 237, Need::selection, move_selected_files_down},
     CommandRow{tag_of(report_file), 0, Need::nothing, show_report_file},

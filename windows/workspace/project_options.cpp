@@ -132,7 +132,7 @@ constexpr std::array k_rows{
     number(factor_limit, "Factor limit:", "-fL", 1, k_short_max),
     mark(limit_nodes, "Limit &nodes", "-ym"),
     number(node_limit, "Node limit:", "-ym", 0, k_short_max),
-    choice(unused_outputs, "Unused outpu&ts:", "-fUL, -fUH"),
+    choice(unused_outputs, "Unused output&s:", "-fUL, -fUH"),
     group(""),
     DialogRowResource{arguments, DialogRowKind::text, ""},
 
@@ -162,7 +162,7 @@ constexpr std::array k_rows{
     DialogRowResource{bench_unit, DialogRowKind::combo, "&Test bench:", 0, false,
                       "else the top design"},
 };
-constexpr const char* k_defaults = "Restore &defaults";
+constexpr const char* k_defaults = "Restore defaults";
 constexpr std::array k_buttons{k_ok, k_cancel, "&Apply", k_defaults};
 constexpr int k_ok_button = 0;
 constexpr int k_apply_button = 2;

@@ -7,6 +7,7 @@
 #include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
@@ -16,6 +17,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPointer>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -142,6 +144,10 @@ void press_key(std::string_view key) {
     const QKeyCombination combination = sequence[0];
     QTest::keyClick(focus, combination.key(), combination.keyboardModifiers());
     process_events();
+    // A mnemonic holds its button for a moment.
+    if (const QPointer<QAbstractButton> button =
+            qobject_cast<QAbstractButton*>(QApplication::focusWidget()))
+        static_cast<void>(QTest::qWaitFor([&] { return button == nullptr || !button->isDown(); }));
 }
 
 void type_text(std::string_view text) {
@@ -268,7 +274,8 @@ std::string shown_popup() {
 void in_box(const std::function<void()>& act) {
     constexpr int k_wait_ms = 1;
     QTimer::singleShot(k_wait_ms, [act] {
-        if (QApplication::activeModalWidget() == nullptr)
+        const QWidget* box = QApplication::activeModalWidget();
+        if (box == nullptr || QApplication::activeWindow() != box)
             in_box(act);
         else
             act();

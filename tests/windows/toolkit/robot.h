@@ -48,7 +48,7 @@ bool choose_item(int tag);
 /// The same for the menu that has popped up.
 [[nodiscard]] std::string shown_popup();
 
-/// Calls `act` once, as soon as a box or dialog waits for an answer.
+/// Calls `act` once, as soon as a box or dialog waits for an answer and has the keys.
 void in_box(const std::function<void()>& act);
 
 /// What the text pane with the focus, else the one that was made last, holds, as UTF-8, and its

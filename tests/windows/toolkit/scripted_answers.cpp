@@ -1,6 +1,7 @@
 #include "tests/windows/toolkit/scripted_answers.h"
 
 #include "core/common/callback.h"
+#include "tests/windows/toolkit/robot.h"
 
 #include <gtest/gtest.h>
 
@@ -113,8 +114,11 @@ ScriptedAnswers::ScriptedAnswers() {
                 return from_context<ScriptedAnswers>(self).on_ask(question);
             },
         .show_dialog =
-            [](void* self, const Question& question, bool) {
-                from_context<ScriptedAnswers>(self).dialogs_[question.dialog] = question;
+            [](void* self, const Question& question, bool comes_forward) {
+                auto& answers = from_context<ScriptedAnswers>(self);
+                answers.dialogs_[question.dialog] = question;
+                if (answers.is_on_screen_)
+                    answers.before_.show_dialog(answers.before_.context, question, comes_forward);
             },
         .fatal_exit =
             [](void* self, const char* text) {
@@ -122,7 +126,9 @@ ScriptedAnswers::ScriptedAnswers() {
             },
         .end_dialog =
             [](void* self, std::uint64_t dialog) {
-                from_context<ScriptedAnswers>(self).dialogs_.erase(dialog);
+                auto& answers = from_context<ScriptedAnswers>(self);
+                answers.dialogs_.erase(dialog);
+                answers.before_.end_dialog(answers.before_.context, dialog);
             },
         .context = this,
     });
@@ -258,6 +264,16 @@ void ScriptedAnswers::expect_dialog(std::string_view title, std::string_view but
                answer.button = find_button(question, button);
                return answer;
            });
+}
+
+void ScriptedAnswers::expect_on_screen(std::string_view title, std::function<void()> act) {
+    expect(QuestionKind::dialog, title, [this, act = std::move(act)](const Question& question) {
+        in_box(act);
+        is_on_screen_ = true;
+        Answer answer = before_.ask(before_.context, question);
+        is_on_screen_ = false;
+        return answer;
+    });
 }
 
 void ScriptedAnswers::expect_closed(QuestionKind kind, std::string_view pattern) {

@@ -49,6 +49,8 @@ public:
     /// Answered by a button's title, a button row's too, after the edits.
     void expect_dialog(std::string_view title, std::string_view button,
                        std::initializer_list<RowEdit> edits = {});
+    /// Asked on the screen, where `act` is what the user does.
+    void expect_on_screen(std::string_view title, std::function<void()> act);
     /// The user closes the box or presses Escape.
     void expect_closed(QuestionKind kind, std::string_view pattern);
     void expect_fatal_exit(std::string_view pattern);
@@ -79,6 +81,7 @@ private:
     std::deque<Expected> expected_;
     std::map<std::uint64_t, Question> dialogs_; ///< that are asked or stand
     AskSeam before_;
+    bool is_on_screen_ = false;
 };
 
 /// All that a question says, for the messages of failing tests.

@@ -133,8 +133,22 @@ void ColorBox::set_color(Color color) {
 void ColorBox::choose(int index) {
     if (index < k_palette_size)
         color_ = k_palette[static_cast<std::size_t>(index)].color;
+    else if (index == count() - 1 && is_passing_)
+        set_color(color_);
     else if (index == count() - 1)
         ask_for_other();
+}
+
+void ColorBox::keyPressEvent(QKeyEvent* event) {
+    is_passing_ = true;
+    QComboBox::keyPressEvent(event);
+    is_passing_ = false;
+}
+
+void ColorBox::wheelEvent(QWheelEvent* event) {
+    is_passing_ = true;
+    QComboBox::wheelEvent(event);
+    is_passing_ = false;
 }
 
 void ColorBox::ask_for_other() {

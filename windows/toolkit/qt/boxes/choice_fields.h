@@ -40,11 +40,16 @@ public:
     void set_color(Color color);
     [[nodiscard]] Color color() const { return color_; }
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
 private:
     void choose(int index);
     void ask_for_other();
 
     Color color_ = Color::black;
+    bool is_passing_ = false; ///< over the entries, with the list closed
 };
 
 /// Program text as the editor will show it.

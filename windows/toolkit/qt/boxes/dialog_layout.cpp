@@ -11,12 +11,13 @@ namespace {
 enum Column : int { label_column, field_column, note_column, button_column };
 
 bool is_high(DialogRowKind kind) {
-    return kind == DialogRowKind::list;
+    return kind == DialogRowKind::list || kind == DialogRowKind::sample;
 }
 
 /// May a button stand beside it?
 bool is_field(DialogRowKind kind) {
-    return kind == DialogRowKind::edit || kind == DialogRowKind::combo || is_high(kind);
+    return kind == DialogRowKind::edit || kind == DialogRowKind::combo ||
+           kind == DialogRowKind::list;
 }
 
 } // namespace
@@ -60,11 +61,12 @@ void DialogLayout::add(const DialogRow& row, const DialogField& field, bool has_
             line_->addStretch();
             grid.addLayout(line_, line, first);
         } else {
-            grid.addWidget(field.widget, line, first, 1, field_column - first + 1);
+            grid.addWidget(field.widget, line, first, 1, field_column - first + 1,
+                           row.kind == DialogRowKind::color ? Qt::AlignLeft : Qt::Alignment());
         }
         if (field.note != nullptr)
             grid.addWidget(field.note, line, note_column);
-        if (is_high(row.kind))
+        if (row.kind == DialogRowKind::list)
             grid.setRowStretch(line, 1);
     }
     if (!has_row_beside)
@@ -98,6 +100,7 @@ void DialogLayout::begin_page(QWidget* page) {
 
 void DialogLayout::begin_group(const DialogRow& row, const DialogField& field) {
     if (row.label.empty()) {
+        field.widget->hide();
         end_groups();
         return;
     }

@@ -19,6 +19,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -62,6 +63,7 @@ protected:
 private:
     [[nodiscard]] bool has_shape_of(const Question& question) const;
     void build(const Question& question);
+    void add_page_key(const QKeySequence& key, int step);
     void listen(const DialogField& field);
     void on_change(std::size_t at);
     void tell(DialogAct::Kind kind, int number);
@@ -149,11 +151,7 @@ void DialogBox::tell(DialogAct::Kind kind, int number) {
 void DialogBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_F1 && help_topic_ != 0)
         deliver(xvt_win_get_task(), Event{HelpEvent{.topic = help_topic_}});
-    else if (pages_ != nullptr && event->modifiers() == Qt::ControlModifier &&
-             (event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp)) {
-        const int step = event->key() == Qt::Key_PageDown ? 1 : pages_->count() - 1;
-        pages_->setCurrentIndex((pages_->currentIndex() + step) % pages_->count());
-    } else
+    else
         Box::keyPressEvent(event);
 }
 
@@ -197,6 +195,17 @@ void DialogBox::build(const Question& question) {
     }
     layout.finish();
     pages_ = layout.pages();
+    if (pages_ != nullptr) {
+        add_page_key(QKeySequence(Qt::CTRL | Qt::Key_PageDown), 1);
+        add_page_key(QKeySequence(Qt::CTRL | Qt::Key_PageUp), pages_->count() - 1);
+    }
+}
+
+/// Before the field that has the focus takes the key for itself.
+void DialogBox::add_page_key(const QKeySequence& key, int step) {
+    connect(new QShortcut(key, body_), &QShortcut::activated, this, [this, step] {
+        pages_->setCurrentIndex((pages_->currentIndex() + step) % pages_->count());
+    });
 }
 
 void DialogBox::listen(const DialogField& field) {
