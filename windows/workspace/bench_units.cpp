@@ -12,38 +12,44 @@
 namespace pellux {
 namespace {
 
+// Between two slices the dialog is painted, and the user served.
+constexpr std::int64_t k_pause_ms = 15;
 constexpr std::int64_t k_slice_ms = 10;
+
+void add_entities(const String& path, Vector<String>& units) {
+    String text;
+    SystemError error = SystemError::none;
+    if (read_text_file(view(path), k_source_max, text, error) != TextFileStatus::read)
+        return;
+    for (DeclaredUnit& unit : declared_units(view(text)))
+        if (unit.kind == VhdlUnitKind::entity)
+            units.push_back(std::move(unit.name));
+}
 
 } // namespace
 
-BenchUnits::BenchUnits(Window project, Dialog& dialog, int row) : dialog_(dialog), row_(row) {
-    if (const Project* found = find_project(project))
-        for (const auto& source : found->sources)
-            paths_.push_back(absolute_path(view(found->directory), source->file_name.view()));
-    call_ = {.call = [](void* context) { from_context<BenchUnits>(context).go_on(); },
-             .context = this};
-    post_call(call_);
+BenchUnits::BenchUnits(Window project, Dialog& dialog, int row)
+    : project_(project), dialog_(dialog), row_(row) {
+    timer_.expired = [](void* context) { from_context<BenchUnits>(context).go_on(); };
+    timer_.context = this;
+    start_timer(timer_, k_pause_ms);
 }
 
 BenchUnits::~BenchUnits() {
-    cancel_call(call_);
+    stop_timer(timer_);
 }
 
 void BenchUnits::go_on() {
+    const Project* project = find_project(project_);
+    const std::size_t count = project == nullptr ? 0 : project->sources.size();
     const std::int64_t start = real_monotonic_ms();
-    for (; next_ < paths_.size() && real_monotonic_ms() - start < k_slice_ms; ++next_) {
-        String text;
-        SystemError error = SystemError::none;
-        if (read_text_file(view(paths_[next_]), k_source_max, text, error) != TextFileStatus::read)
-            continue;
-        for (DeclaredUnit& unit : declared_units(view(text)))
-            if (unit.kind == VhdlUnitKind::entity)
-                units_.push_back(std::move(unit.name));
-    }
-    if (next_ < paths_.size()) {
-        post_call(call_);
+    for (; next_ < count && real_monotonic_ms() - start < k_slice_ms; ++next_)
+        add_entities(
+            absolute_path(view(project->directory), project->sources[next_]->file_name.view()),
+            units_);
+    if (next_ < count)
         return;
-    }
+    stop_timer(timer_);
     std::ranges::sort(units_);
     units_.erase(std::ranges::unique(units_).begin(), units_.end());
     find_row(dialog_, row_)->entries = units_;

@@ -6,8 +6,8 @@
 
 namespace pellux {
 
-/// Looks for the entities of a project's files while a dialog stands, a little in each turn of the
-/// loop, and gives them to one of its rows as entries. Files that can't be read have none.
+/// Looks for the entities of a project's files while a dialog stands, a little at a time, and gives
+/// them to one of its rows as entries. Files that can't be read have none.
 class BenchUnits {
 public:
     BenchUnits(Window project, Dialog& dialog, int row);
@@ -18,12 +18,12 @@ public:
 private:
     void go_on();
 
+    Window project_;
     Dialog& dialog_;
     int row_;
-    Vector<String> paths_;
-    std::size_t next_ = 0;
+    std::size_t next_ = 0; ///< file of the project
     Vector<String> units_;
-    PostedCall call_;
+    Timer timer_;
 };
 
 } // namespace pellux

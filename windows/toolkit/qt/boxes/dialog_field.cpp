@@ -114,10 +114,12 @@ void fill_page(QWidget& page, const DialogRow& row) {
 void fill_note(QLabel& note, const DialogRow& row) {
     const bool is_fault = !row.fault.empty();
     note.setText(to_qstring(view(is_fault ? row.fault : row.hint)));
-    QPalette palette = note.parentWidget()->palette();
-    palette.setColor(QPalette::WindowText, is_fault ? shown_ink(Color::red, Color::light_gray)
-                                                    : palette.color(QPalette::PlaceholderText));
-    note.setPalette(palette);
+    if (is_fault) {
+        QPalette palette = note.palette();
+        palette.setColor(QPalette::WindowText, shown_ink(Color::red, Color::light_gray));
+        note.setPalette(palette);
+    }
+    note.setForegroundRole(is_fault ? QPalette::WindowText : QPalette::PlaceholderText);
 }
 
 void fill_list(ItemList& list, const DialogRow& row) {
