@@ -290,7 +290,7 @@ void show_list_menu(Window window, Point at) {
     items.push_back(separator);
     items.push_back(menu_item("Mo&ve up", tag_of(move_up), "Alt+Up", state));
     items.push_back(menu_item("Move do&wn", tag_of(move_down), "Alt+Down", state));
-    items.push_back(menu_item("&Options...", tag_of(file_options), "Alt+Return", state));
+    items.push_back(menu_item("Optio&ns...", tag_of(file_options), "Alt+Return", state));
     xvt_menu_popup(window, items, at);
 }
 

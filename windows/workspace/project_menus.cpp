@@ -44,7 +44,7 @@ constexpr std::array k_files{
     k_separator,
     item("&Move up", move_up, "Alt+Up"),
     item("Move do&wn", move_down, "Alt+Down"),
-    item("&Options...", file_options, "Alt+Return"),
+    item("Opt&ions...", file_options, "Alt+Return"),
     k_separator,
     without_command("Li&braries...", libraries),
     without_command("A&nnotate...", annotate),

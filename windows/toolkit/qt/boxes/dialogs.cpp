@@ -64,6 +64,7 @@ private:
     [[nodiscard]] bool has_shape_of(const Question& question) const;
     void build(const Question& question);
     void add_page_key(const QKeySequence& key, int step);
+    void on_page_change();
     void listen(const DialogField& field);
     void on_change(std::size_t at);
     void tell(DialogAct::Kind kind, int number);
@@ -198,6 +199,7 @@ void DialogBox::build(const Question& question) {
     if (pages_ != nullptr) {
         add_page_key(QKeySequence(Qt::CTRL | Qt::Key_PageDown), 1);
         add_page_key(QKeySequence(Qt::CTRL | Qt::Key_PageUp), pages_->count() - 1);
+        connect(pages_, &QTabWidget::currentChanged, this, [this] { on_page_change(); });
     }
 }
 
@@ -206,6 +208,14 @@ void DialogBox::add_page_key(const QKeySequence& key, int step) {
     connect(new QShortcut(key, body_), &QShortcut::activated, this, [this, step] {
         pages_->setCurrentIndex((pages_->currentIndex() + step) % pages_->count());
     });
+}
+
+void DialogBox::on_page_change() {
+    if (is_filling_)
+        return;
+    asked_ = rows();
+    const auto page = std::ranges::find(fields_, pages_->currentWidget(), &DialogField::widget);
+    tell(DialogAct::Kind::changed, page->id);
 }
 
 void DialogBox::listen(const DialogField& field) {
