@@ -110,7 +110,7 @@ constexpr std::array k_rows{
     group("Messages"),
     number(error_limit, "Most &errors:", "-e", 1, k_int_max),
     number(warning_limit, "Most &warnings:", "-w", 1, k_int_max),
-    mark(quiet, "&Quiet", "-q"),
+    mark(quiet, "&Quiet, without a banner", "-q"),
     mark(rebuild, "Next compile of all in f&ull", "once"),
     group("Switches that are passed on as they are"),
     DialogRowResource{y_p, DialogRowKind::check, "-yp"},
@@ -174,8 +174,11 @@ constexpr std::array k_dialogs{DialogResource{.number = k_dialog,
                                               .help_topic = static_cast<int>(HelpTopic::options)}};
 
 constexpr std::array k_standards{
-    ChoiceEntry{"The compiler's own", -1}, ChoiceEntry{"VHDL-87", 87},  ChoiceEntry{"VHDL-93", 93},
-    ChoiceEntry{"VHDL-2002", 2},           ChoiceEntry{"VHDL-2008", 8},
+    ChoiceEntry{"Default (VHDL-2008)", -1},
+    ChoiceEntry{"VHDL-87", 87},
+    ChoiceEntry{"VHDL-93", 93},
+    ChoiceEntry{"VHDL-2002", 2},
+    ChoiceEntry{"VHDL-2008", 8},
 };
 constexpr std::array k_goals{ChoiceEntry{"Speed", 0}, ChoiceEntry{"Area", 1}};
 constexpr std::array k_polarities{ChoiceEntry{"The better one", 0}, ChoiceEntry{"As written", 1}};

@@ -208,6 +208,23 @@ void visit_search(Tour& tour, Window project) {
     press_key("Esc");
 }
 
+/// The dialogs of a project and of its selected files, each page.
+void visit_options(Tour& tour, Window project) {
+    const auto ask = [&](ProjectCommand command, std::initializer_list<std::string_view> pages) {
+        in_box([&tour, pages] {
+            for (const std::string_view page : pages) {
+                tour.front(page);
+                press_key("Ctrl+PgDown");
+            }
+            press_key("Esc");
+        });
+        xvt_win_dispatch_event(project, Event{CommandEvent{static_cast<int>(command)}});
+        process_events();
+    };
+    ask(ProjectCommand::options, {"options_compiler", "options_editor", "options_simulation"});
+    ask(ProjectCommand::file_options, {"options_files"});
+}
+
 void visit_project(Tour& tour) {
     const Window task = xvt_win_get_task();
     const Window project = workspace().projects.front()->window;
@@ -232,6 +249,7 @@ void visit_project(Tour& tour) {
     };
     read(ProjectCommand::report_file, "Started:", "report");
     read(ProjectCommand::tool_versions, "GHDL ", "versions");
+    visit_options(tour, project);
     visit_text(tour, project);
     visit_editor(tour, project);
     visit_search(tour, project);
