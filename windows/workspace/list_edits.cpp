@@ -3,7 +3,6 @@
 #include "windows/toolkit/control.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/open_projects.h"
-#include "windows/workspace/option_edits.h"
 #include "windows/workspace/project_frame.h"
 #include "windows/workspace/project_view.h"
 
@@ -86,7 +85,6 @@ void step(Window window, bool (*take)(SourceHistory&, Project&)) {
     }
     const Vector<std::size_t>& shown = come.empty() ? kept : come;
     show_sources(window, shown, last_of(shown));
-    show_options(window);
     show_project_change(window);
 }
 

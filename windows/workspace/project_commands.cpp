@@ -9,6 +9,7 @@
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/option_edits.h"
 #include "windows/workspace/project_closing.h"
 #include "windows/workspace/project_compile.h"
 #include "windows/workspace/project_editors.h"
@@ -108,8 +109,16 @@ constexpr std::array k_commands{
                [](Window window) { go_to_next_place(window, true); }},
     CommandRow{tag_of(CompileCommand::last_compiles), 0, Need::nothing,
                [](Window) { show_last_compiles(); }},
-    CommandRow{tag_of(undo), 0, Need::past, undo_list_change},
-    CommandRow{tag_of(redo), 0, Need::future, redo_list_change},
+    CommandRow{tag_of(undo), 0, Need::past,
+               [](Window window) {
+                   undo_list_change(window);
+                   show_options(window);
+               }},
+    CommandRow{tag_of(redo), 0, Need::future,
+               [](Window window) {
+                   redo_list_change(window);
+                   show_options(window);
+               }},
 };
 constexpr int k_libraries_button = 241;
 
