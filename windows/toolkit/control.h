@@ -37,12 +37,19 @@ Window xvt_ctl_create(const ControlSpec& spec);
 struct ListEntry {
     String text;
     int image = 0; ///< a numbered picture before the text, in `list` and `list_many`; 0: none
-    bool is_strong = false; ///< bold
-    bool is_faint = false;  ///< in the colour of what is not there
-    String tip = {};        ///< a screen reader tells it too
+    bool is_strong = false;   ///< bold
+    bool is_faint = false;    ///< in the colour of what is not there
+    String tip = {};          ///< a screen reader tells it too
+    Vector<String> more = {}; ///< texts of the columns behind the first
 
     bool operator==(const ListEntry&) const = default;
 };
+/// Columns of a `list` or `list_many`, by the titles that a header above the entries shows; none:
+/// an entry is its text alone. They share the list's width by what the entries need, until the user
+/// sets one; what has no room ends in an ellipsis and is told by a tip. A screen reader tells an
+/// entry with its further texts. To be set before the entries.
+void xvt_list_set_columns(Window list, std::span<const String> titles);
+
 /// What becomes of the selection, the focus and the scrolled place when entries are put in.
 enum class ListPlace {
     lost,

@@ -9,10 +9,14 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QApplication>
+#include <QHeaderView>
+#include <QHelpEvent>
 #include <QListView>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QToolTip>
 
 #include <random>
 #include <set>
@@ -127,6 +131,50 @@ TEST(ListControl, ShowsLooksAndTellsAReaderTheBareText) {
         const QVariant tip = files.widget->model()->index(0, 0).data(Qt::ToolTipRole);
         EXPECT_TRUE(tip.toString().contains("Gone: &lt;b&gt;R&amp;D"))
             << tip.toString().toStdString();
+    });
+}
+
+TEST(ListControl, SharesItsWidthAmongItsColumns) {
+    in_application([] {
+        ListWindow files(ControlKind::list_many);
+        const std::string words(90, 'w');
+        const ListEntry entries[] = {{.text = "a.vhd"}, {.text = "b.vhd", .more = {"", words.c_str()}}};
+        xvt_list_set_entries(files.control, entries);
+        process_events();
+        const QImage plain = files.widget->grab().toImage();
+        const Vector<String> titles = {"File", "Library", "Note"};
+        xvt_list_set_columns(files.control, titles);
+        process_events();
+        EXPECT_NE(files.widget->grab().toImage(), plain);
+        EXPECT_EQ(spoken_entry(files.control, 0), "a.vhd");
+        EXPECT_EQ(spoken_entry(files.control, 1), "b.vhd, Note: " + words);
+        auto& header = *files.widget->findChild<QHeaderView*>();
+        EXPECT_EQ(header.length(), files.widget->viewport()->width()) << "all is seen";
+        EXPECT_LT(header.sectionSize(1), header.sectionSize(2));
+        const auto tip = [&](int column) {
+            QToolTip::hideText();
+            const QPoint at{header.sectionPosition(column) + 5,
+                            files.widget->visualRect(files.widget->model()->index(1, 0)).y() + 2};
+            QHelpEvent ask(QEvent::ToolTip, at, files.widget->viewport()->mapToGlobal(at));
+            QApplication::sendEvent(files.widget->viewport(), &ask);
+            return QToolTip::text().toStdString();
+        };
+        EXPECT_EQ(tip(0), "") << "it has room";
+        EXPECT_TRUE(tip(2).find(words) != std::string::npos) << tip(2);
+        press_key("B");
+        EXPECT_EQ(xvt_list_get_selection(files.control), 1);
+        // A width that the user has set stays, and what is too wide then can be scrolled to.
+        header.resizeSection(0, 300);
+        xvt_list_set_entries(files.control, entries);
+        EXPECT_EQ(header.sectionSize(0), 300);
+        EXPECT_EQ(files.widget->horizontalScrollBar()->maximum(),
+                  header.length() - files.widget->viewport()->width());
+        files.widget->horizontalScrollBar()->setValue(50);
+        EXPECT_EQ(header.offset(), 50);
+        xvt_list_set_columns(files.control, {});
+        xvt_list_set_entries(files.control, entries);
+        process_events();
+        EXPECT_EQ(files.widget->grab().toImage(), plain);
     });
 }
 

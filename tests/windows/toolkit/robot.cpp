@@ -296,6 +296,12 @@ Window shown_text_window() {
     return pane == nullptr ? Window::none : pane->parent;
 }
 
+std::string spoken_entry(Window list, int index) {
+    const QAccessibleInterface* about = QAccessible::queryAccessibleInterface(widget_at(list));
+    const QAccessibleInterface* entry = about == nullptr ? nullptr : about->child(index);
+    return entry == nullptr ? "" : entry->text(QAccessible::Name).toStdString();
+}
+
 int first_shown_entry(Window list) {
     const auto* view = widget_of<QListView>(list);
     return view == nullptr ? -1 : view->indexAt({2, 2}).row();

@@ -58,6 +58,8 @@ void in_box(const std::function<void()>& act);
 bool wait_for_text(std::string_view words);
 [[nodiscard]] Window shown_text_window();
 
+/// What a screen reader says for an entry of a list, its columns included.
+[[nodiscard]] std::string spoken_entry(Window list, int index);
 /// The entry at the upper edge of a list; -1 for none.
 [[nodiscard]] int first_shown_entry(Window list);
 

@@ -1,125 +1,59 @@
 #include "windows/toolkit/qt/windows/item_list.h"
 
-#include "windows/toolkit/qt/draw/pictures.h"
-#include "windows/toolkit/qt/draw/theme.h"
-#include "windows/toolkit/qt/text_conversion.h"
+#include "windows/toolkit/qt/windows/item_delegate.h"
 
+#include <QEvent>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace pellux {
-namespace {
 
-/// On one line: what would break it or be invisible is shown by its Unicode picture.
-QString shown(const String& item) {
-    constexpr char16_t k_control_pictures = 0x2400;
-    QString text = to_qstring(view(item));
-    for (QChar& c : text)
-        if (c.unicode() < 0x20)
-            c = QChar(static_cast<char16_t>(k_control_pictures + c.unicode()));
-    return text;
-}
-
-/// Makes every entry as wide as the longest, so that all of them can be scrolled to their ends.
-class ItemDelegate : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
-                                 const QModelIndex& index) const override {
-        const QSize own = QStyledItemDelegate::sizeHint(option, index);
-        const auto& entries = static_cast<const ItemModel&>(*index.model()).entries();
-        const auto longest = std::ranges::max_element(
-            entries, {}, [](const ListEntry& entry) { return entry.text.size(); });
-        QFont font = option.font;
-        if (std::ranges::any_of(entries, &ListEntry::is_strong))
-            font.setBold(true);
-        int space = option.fontMetrics.averageCharWidth() * 2;
-        if (std::ranges::any_of(entries, [](const ListEntry& entry) { return entry.image != 0; }))
-            space += option.fontMetrics.height() + option.fontMetrics.averageCharWidth();
-        const int text = QFontMetrics(font).horizontalAdvance(shown(longest->text));
-        // Air between the lines, as far as the font asks for it.
-        const int height = std::max(own.height(), option.fontMetrics.height() * 4 / 3);
-        return {std::max(own.width(), text + space), height};
-    }
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        const auto& entries = static_cast<const ItemModel&>(*index.model()).entries();
-        const int image = entries[static_cast<std::size_t>(index.row())].image;
-        if (image == 0 || option->widget == nullptr)
-            return;
-        const int side = option->widget->fontMetrics().height();
-        option->features |= QStyleOptionViewItem::HasDecoration;
-        option->decorationSize = QSize(side, side);
-        const std::array looks{option->state.testFlag(QStyle::State_Selected) ? ImageLook::selected
-                                                                              : ImageLook::normal};
-        option->icon = picture_icon(image, side, option->widget->devicePixelRatioF(), looks);
-    }
-};
-
-} // namespace
-
-Vector<ListEntry> plain_entries(std::span<const String> items) {
-    Vector<ListEntry> entries;
-    entries.reserve(items.size());
-    for (const String& item : items)
-        entries.push_back({.text = item});
-    return entries;
-}
-
-void ItemModel::set_entries(Vector<ListEntry> entries) {
-    beginResetModel();
-    entries_ = std::move(entries);
-    endResetModel();
-}
-
-void ItemModel::update_entry(int index, const ListEntry& entry) {
-    entries_[static_cast<std::size_t>(index)] = entry;
-    const QModelIndex changed = this->index(index, 0);
-    Q_EMIT dataChanged(changed, changed);
-}
-
-int ItemModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(entries_.size());
-}
-
-QVariant ItemModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid())
-        return {};
-    const ListEntry& entry = entries_[static_cast<std::size_t>(index.row())];
-    switch (role) {
-    case Qt::DisplayRole:
-        return shown(entry.text);
-    case Qt::EditRole:
-        return to_qstring(view(entry.text));
-    case Qt::ToolTipRole:
-        return entry.tip.empty() ? QVariant() : tip_text(view(entry.tip));
-    case Qt::AccessibleDescriptionRole:
-        return to_qstring(view(entry.tip));
-    case Qt::FontRole: {
-        QFont font;
-        font.setBold(true);
-        return entry.is_strong ? font : QVariant();
-    }
-    case Qt::ForegroundRole:
-        return entry.is_faint ? QBrush(shown_ink(Color::gray, Color::white)) : QVariant();
-    default:
-        return {};
-    }
-}
-
-ItemList::ItemList(QWidget* parent) : QListView(parent), model_(new ItemModel(this)) {
+ItemList::ItemList(QWidget* parent)
+    : QListView(parent), model_(new ItemModel(this)), columns_(*this) {
     setModel(model_);
-    setItemDelegate(new ItemDelegate(this));
+    setItemDelegate(new ItemDelegate(*model_, columns_, this));
     setUniformItemSizes(true);
     setEditTriggers(NoEditTriggers);
     setHorizontalScrollMode(ScrollPerPixel);
+    connect(model_, &ItemModel::modelReset, this, [this] {
+        if (columns_.are_shown())
+            measure_columns();
+    });
+}
+
+void ItemList::set_columns(std::span<const String> titles) {
+    if (std::ranges::equal(titles, columns_.titles()))
+        return;
+    model_->set_titles({titles.begin(), titles.end()});
+    columns_.set_titles(titles);
+    measure_columns();
+}
+
+void ItemList::measure_columns() {
+    setViewportMargins(0, columns_.header_height(), 0, 0);
+    columns_.measure(model_->entries());
+    columns_.fit(viewport()->width());
+    scheduleDelayedItemsLayout();
+}
+
+void ItemList::updateGeometries() {
+    QListView::updateGeometries();
+    columns_.place_header(viewport()->geometry());
+}
+
+void ItemList::resizeEvent(QResizeEvent* event) {
+    QListView::resizeEvent(event);
+    if (columns_.fit(viewport()->width()))
+        scheduleDelayedItemsLayout();
+}
+
+void ItemList::changeEvent(QEvent* event) {
+    QListView::changeEvent(event);
+    if (columns_.are_shown() &&
+        (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange))
+        measure_columns();
 }
 
 void ItemList::select(int index) {

@@ -1,33 +1,14 @@
 #pragma once
 
 #include "core/common/containers.h"
-#include "windows/toolkit/control.h"
+#include "windows/toolkit/qt/windows/item_model.h"
+#include "windows/toolkit/qt/windows/list_columns.h"
 
-#include <QAbstractListModel>
 #include <QListView>
 
 #include <span>
 
 namespace pellux {
-
-/// Entries that are nothing but their text.
-[[nodiscard]] Vector<ListEntry> plain_entries(std::span<const String> items);
-
-/// Entries of a list, kept as the bytes that they are.
-class ItemModel : public QAbstractListModel {
-public:
-    using QAbstractListModel::QAbstractListModel;
-
-    void set_entries(Vector<ListEntry> entries);
-    void update_entry(int index, const ListEntry& entry); ///< of one that is there
-    [[nodiscard]] const Vector<ListEntry>& entries() const { return entries_; }
-
-    [[nodiscard]] int rowCount(const QModelIndex& parent) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
-
-private:
-    Vector<ListEntry> entries_;
-};
 
 /// A list of entries of one height, so that many of them cost nothing until they are seen.
 class ItemList : public QListView {
@@ -35,6 +16,10 @@ public:
     explicit ItemList(QWidget* parent = nullptr);
 
     [[nodiscard]] ItemModel& model_of_items() { return *model_; }
+    [[nodiscard]] const ItemModel& model_of_items() const { return *model_; }
+    [[nodiscard]] const ListColumns& columns() const { return columns_; }
+    /// Before the entries that have texts for them; without titles there are none.
+    void set_columns(std::span<const String> titles);
     /// -1 for none; an index outside is none too.
     void select(int index);
     /// The first one that is selected, -1 for none.
@@ -47,8 +32,16 @@ public:
 
     void selectAll() override;
 
+protected:
+    void updateGeometries() override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
 private:
+    void measure_columns();
+
     ItemModel* model_;
+    ListColumns columns_;
 };
 
 } // namespace pellux

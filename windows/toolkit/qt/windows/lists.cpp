@@ -143,6 +143,12 @@ void xvt_list_set_entries(Window list, std::span<const ListEntry> entries, ListP
     }
 }
 
+void xvt_list_set_columns(Window list, std::span<const String> titles) {
+    const OwnChange change;
+    if (ItemList* items = list_of(list))
+        items->set_columns(titles);
+}
+
 void xvt_list_update_entry(Window list, int index, const ListEntry& entry) {
     if (!has_entry(list, index))
         return;
