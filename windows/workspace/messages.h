@@ -91,5 +91,8 @@ inline Message<const char*, const char*, const char*> msg_left_copy{"E2281",
                                                                     "%s  (backup of %s%s)"};
 inline Message<> msg_left_beside_changed{"E2282", "; the file has changed since"};
 inline Message<const char*> msg_delete_copy{"E2283", "Delete the backup of '%s'?"};
+inline Message<> msg_file_column{"E2450", "File"};
+inline Message<> msg_library_column{"E2451", "Library"};
+inline Message<> msg_note_column{"E2452", "Note"};
 
 } // namespace pellux

@@ -67,6 +67,7 @@ void show_sources(Window window, Selection selected, std::optional<std::size_t> 
     if (open == nullptr)
         return;
     const Window list = project_list(window);
+    xvt_list_set_columns(list, columns_of(open->looks, *open->project));
     xvt_list_set_entries(list, entries_of(open->looks, *open->project), ListPlace::kept);
     select(list, selected);
     if (focus)

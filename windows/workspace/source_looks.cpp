@@ -6,7 +6,9 @@
 #include "windows/controls/pictures.h"
 #include "windows/toolkit/timer.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/messages.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pellux {
@@ -33,6 +35,10 @@ ListEntry entry_of(const SourceLooks& looks, const Project& project, const VHDL_
                             : source.kind == SourceKind::pla ? Picture::pla_file
                                                              : Picture::vhdl_file;
     entry.image = static_cast<int>(picture);
+    if (looks.has_library)
+        entry.more.emplace_back(source.options.library.view());
+    if (looks.has_note)
+        entry.more.emplace_back(source.note.view());
     return entry;
 }
 
@@ -64,6 +70,22 @@ void look_for_a_while(Window list, const Project& project, SourceLooks& looks) {
 }
 
 } // namespace
+
+Vector<String> columns_of(SourceLooks& looks, const Project& project) {
+    looks.has_library = std::ranges::any_of(project.sources, [](const auto& source) {
+        return !source->options.library.view().empty();
+    });
+    looks.has_note = std::ranges::any_of(
+        project.sources, [](const auto& source) { return !source->note.view().empty(); });
+    Vector<String> titles;
+    if (looks.has_library || looks.has_note)
+        titles.push_back(format_message(msg_file_column));
+    if (looks.has_library)
+        titles.push_back(format_message(msg_library_column));
+    if (looks.has_note)
+        titles.push_back(format_message(msg_note_column));
+    return titles;
+}
 
 Vector<ListEntry> entries_of(const SourceLooks& looks, const Project& project) {
     Vector<ListEntry> entries;

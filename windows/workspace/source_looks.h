@@ -14,10 +14,15 @@ namespace pellux {
 struct SourceLooks {
     /// One that is gone from the list may be among them.
     std::set<const VHDL_source*, std::less<>, CheckedAllocator<const VHDL_source*>> missing;
-    std::size_t next = 0; ///< the first entry that is still to be looked at
+    bool has_library = false; ///< some file; the list has a column for it
+    bool has_note = false;    ///< the same
+    std::size_t next = 0;     ///< the first entry that is still to be looked at
     TimerId timer = TimerId::none;
 };
 
+/// Takes note of what some file has set, and answers the titles of the list's columns for it; none
+/// when there is nothing to show beside the names.
+[[nodiscard]] Vector<String> columns_of(SourceLooks& looks, const Project& project);
 /// All entries, by what is known.
 [[nodiscard]] Vector<ListEntry> entries_of(const SourceLooks& looks, const Project& project);
 

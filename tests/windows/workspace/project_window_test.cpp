@@ -168,7 +168,14 @@ TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
         press_key("D");
         EXPECT_EQ(status(), "Top design: d.vhd\tDevice: ");
         project().sources[1]->note.assign("kept");
-        walk({{"=01", "[a.vhd] [*d.vhd] b.vhd c.vhd"}, {"Del", "[b.vhd] c.vhd"}});
+        project().sources[2]->options.library.assign("work");
+        EXPECT_EQ(spoken_entry(project_list(window()), 1), "d.vhd");
+        walk({{"Alt+Up", "[*d.vhd] a.vhd b.vhd c.vhd"}});
+        EXPECT_EQ(spoken_entry(project_list(window()), 0), "d.vhd, Note: kept");
+        EXPECT_EQ(spoken_entry(project_list(window()), 2), "b.vhd, Library: work");
+        walk({{"Alt+Down", "a.vhd [*d.vhd] b.vhd c.vhd"},
+              {"=01", "[a.vhd] [*d.vhd] b.vhd c.vhd"},
+              {"Del", "[b.vhd] c.vhd"}});
         EXPECT_EQ(status(), none);
         EXPECT_TRUE(menus_have("&Undo removing 2 files\tCtrl+Z\n  (Red&o\tCtrl+Y)\n  -\n  &Add"));
         walk({{"Ctrl+Z", "[a.vhd] [*d.vhd] b.vhd c.vhd"}});
