@@ -32,7 +32,7 @@ String file_name(int number) {
     return String(("src/block_" + std::to_string(number) + ".vhd").c_str());
 }
 
-/// A project of many files that are there.
+/// A project of many files that are there, in a list with all of its columns.
 void make_project() {
     fs::create_directory("src");
     Project project;
@@ -45,6 +45,8 @@ void make_project() {
             continue;
         project.sources.push_back(make_owned<VHDL_source>());
         project.sources.back()->file_name.assign(view(name));
+        project.sources.back()->options.library.assign("work");
+        project.sources.back()->note.assign(view("the block of " + name));
     }
     project.top_design = project.sources.front().get();
     if (failed(write_project(project).error))

@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -28,14 +29,23 @@ constexpr std::array k_labelled{DialogRowKind::edit,   DialogRowKind::combo,  Di
                                 DialogRowKind::choice, DialogRowKind::number, DialogRowKind::color,
                                 DialogRowKind::sample};
 
-Vector<String> lines_of(std::string_view text) {
-    Vector<String> lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+std::string_view take_until(char mark, std::string_view& text) {
+    const std::size_t end = std::min(text.find(mark), text.size());
+    const std::string_view taken = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return taken;
+}
+
+Vector<ListEntry> entries_of(const DialogRow& row) {
+    Vector<ListEntry> entries;
+    for (std::string_view text = view(row.value); !text.empty();) {
+        std::string_view line = take_until('\n', text);
+        ListEntry& entry = entries.emplace_back();
+        entry.text = row.columns.empty() ? line : take_until('\t', line);
+        while (!row.columns.empty() && !line.empty())
+            entry.more.emplace_back(take_until('\t', line));
     }
-    return lines;
+    return entries;
 }
 
 QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group) {
@@ -57,8 +67,9 @@ QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group
     }
     case DialogRowKind::list: {
         auto* list = new ItemList(parent);
+        const int lines = row.lines > 0 ? row.lines : k_list_lines;
         list->setMinimumSize(list->fontMetrics().averageCharWidth() * k_list_characters,
-                             list->fontMetrics().lineSpacing() * k_list_lines);
+                             list->fontMetrics().lineSpacing() * lines);
         return list;
     }
     case DialogRowKind::button:
@@ -123,9 +134,9 @@ void fill_note(QLabel& note, const DialogRow& row) {
 }
 
 void fill_list(ItemList& list, const DialogRow& row) {
-    const Vector<String> items = lines_of(view(row.value));
-    if (!std::ranges::equal(items, list.model_of_items().entries(), {}, {}, &ListEntry::text))
-        list.model_of_items().set_entries(plain_entries(items));
+    list.set_columns(row.columns);
+    if (Vector<ListEntry> entries = entries_of(row); entries != list.model_of_items().entries())
+        list.model_of_items().set_entries(std::move(entries));
     if (list.selected() != row.selected)
         list.select(row.selected);
 }
