@@ -138,7 +138,8 @@ TEST(ListControl, SharesItsWidthAmongItsColumns) {
     in_application([] {
         ListWindow files(ControlKind::list_many);
         const std::string words(90, 'w');
-        const ListEntry entries[] = {{.text = "a.vhd"}, {.text = "b.vhd", .more = {"", words.c_str()}}};
+        const ListEntry entries[] = {{.text = "a.vhd"},
+                                     {.text = "b.vhd", .more = {"", words.c_str()}}};
         xvt_list_set_entries(files.control, entries);
         process_events();
         const QImage plain = files.widget->grab().toImage();
