@@ -59,7 +59,7 @@ struct DialogRow {
     Color color = Color::black;
     Vector<SampleRun> runs{}; ///< of a sample
     Vector<String> columns{}; ///< of a list: their titles; tabs part the texts of an entry then
-    int lines = 0;            ///< of a list: how many it shows at least; 0: the usual
+    int lines = 0;            ///< of a list: how many it is high; 0: the usual, or more
 };
 /// What a number row holds: none when that is no whole number of its range.
 [[nodiscard]] std::optional<int> number_of(const DialogRow& row);

@@ -28,6 +28,7 @@ constexpr int k_list_characters = 40;
 constexpr std::array k_labelled{DialogRowKind::edit,   DialogRowKind::combo,  DialogRowKind::list,
                                 DialogRowKind::choice, DialogRowKind::number, DialogRowKind::color,
                                 DialogRowKind::sample};
+constexpr int k_column_characters = 6;
 
 std::string_view take_until(char mark, std::string_view& text) {
     const std::size_t end = std::min(text.find(mark), text.size());
@@ -68,8 +69,12 @@ QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group
     case DialogRowKind::list: {
         auto* list = new ItemList(parent);
         const int lines = row.lines > 0 ? row.lines : k_list_lines;
-        list->setMinimumSize(list->fontMetrics().averageCharWidth() * k_list_characters,
+        const int characters =
+            k_list_characters + k_column_characters * static_cast<int>(row.columns.size());
+        list->setMinimumSize(list->fontMetrics().averageCharWidth() * characters,
                              list->fontMetrics().lineSpacing() * lines);
+        if (row.lines > 0)
+            list->setMaximumHeight(list->minimumHeight());
         return list;
     }
     case DialogRowKind::button:
