@@ -36,10 +36,17 @@ struct StatusBar {
     bool is_translated = false; ///< it goes with the parent's bottom, as wide as it is
     bool is_task_window = false;
     bool is_debug = false;
+    int button = -1; ///< the field that can be pressed
+    String button_tip;
+    bool is_over_button = false;
+    bool is_held = false; ///< the pointer's button went down there
+    bool shows_focus = false;
     Vector<StatusField> fields;
 };
 
 constexpr int k_edge_px = 1;
+constexpr int k_ring_px = 2;
+constexpr int k_hover_percent = 8;
 
 Map<Window, StatusBar> status_bars;
 
@@ -50,6 +57,10 @@ StatusBar* find_status_bar(Window window) {
 
 int text_width(void* context, std::string_view text) {
     return xvt_dwin_get_text_width(from_context<const Window>(context), text);
+}
+
+Color hover_ground(const StatusBar& bar) {
+    return mix_colors(shown_ground(bar.fill), xvt_scr_get_color(ThemeColor::text), k_hover_percent);
 }
 
 Rect field_rect(Window window, const FieldPlace& place) {
@@ -86,15 +97,41 @@ void take_fields(Window window, StatusBar& bar) {
     }
 }
 
+/// The field that can be pressed, with some air; empty without one.
+Rect button_rect(Window window, const StatusBar& bar) {
+    const auto index = static_cast<std::size_t>(bar.button);
+    if (bar.button < 0 || index >= bar.fields.size())
+        return {};
+    const Rect rect = field_rect(window, bar.fields[index].place);
+    const int air = std::min(bar.gap, bar.margin) / 2;
+    return {rect.top + k_edge_px, rect.left - air, rect.bottom - k_edge_px, rect.right + air};
+}
+
+void draw_button(Window window, const StatusBar& bar) {
+    const Rect rect = button_rect(window, bar);
+    if (is_empty(rect) || (!bar.shows_focus && !bar.is_over_button))
+        return;
+    xvt_dwin_set_pen(window, {.style = PenStyle::none});
+    const auto fill = [window](const Rect& part, Color color) {
+        xvt_dwin_set_brush(window, {.color = color});
+        xvt_dwin_draw_round_rect(window, part, k_control_defaults.corner_px);
+    };
+    const int ring = bar.shows_focus ? k_ring_px : 0;
+    if (bar.shows_focus)
+        fill(rect, xvt_scr_get_color(ThemeColor::highlight));
+    fill({rect.top + ring, rect.left + ring, rect.bottom - ring, rect.right - ring},
+         bar.is_over_button ? hover_ground(bar) : bar.fill);
+}
+
 void draw(Window window, const StatusBar& bar, const Rect& rect) {
     const Rect client = xvt_vobj_get_client_rect(window);
     xvt_dwin_set_clip(window, rect);
     xvt_dwin_set_pen(window, {.style = PenStyle::none});
     xvt_dwin_set_brush(window, {.color = bar.fill});
     xvt_dwin_draw_rect(window, rect);
-    xvt_dwin_set_back_color(window, bar.fill);
     xvt_dwin_set_pen(window, {.color = bar.edge});
     xvt_dwin_draw_line(window, {0, 0}, {client.right - 1, 0});
+    draw_button(window, bar);
 
     const FontMetrics metrics = xvt_dwin_get_font_metrics(window);
     const int line = metrics.ascent + metrics.descent;
@@ -103,6 +140,9 @@ void draw(Window window, const StatusBar& bar, const Rect& rect) {
     for (const StatusField& field : bar.fields) {
         if (!meets(field_rect(window, field.place), rect))
             continue;
+        const bool is_button = &field - bar.fields.data() == bar.button;
+        xvt_dwin_set_back_color(window,
+                                is_button && bar.is_over_button ? hover_ground(bar) : bar.fill);
         const int room = field.place.right - field.place.left;
         const String text = elide(view(field.text), room, {text_width, &window});
         xvt_dwin_draw_text(window, field.place.left, baseline, view(text));
@@ -156,6 +196,8 @@ void on_creation(Window window) {
     bar.margin = length_property(lines, "LEFT_OFFSET", k_margin_px);
     bar.is_task_window = boolean_property(lines, "TASK_WIN");
     bar.is_debug = boolean_property(lines, "DEBUG");
+    bar.button = number_property(lines, "BUTTON", -1);
+    bar.button_tip = text_property(lines, "BUTTON_TIP", "");
     read_size(bar, lines);
     set_font(window, lines);
     bar.title = xvt_vobj_get_title(window);
@@ -165,6 +207,50 @@ void on_creation(Window window) {
         report_control_debug(
             view(format_text("STATUS BAR created @ win=%ld with default text '%s'",
                              static_cast<long>(window), bar.default_text.c_str())));
+}
+
+void redraw(Window window) {
+    xvt_dwin_invalidate_rect(window, xvt_vobj_get_client_rect(window));
+}
+
+void press(Window window) {
+    xvt_cxo_notify(window, {.number = k_status_notice});
+}
+
+void on_pointer_move(Window window, StatusBar& bar, Point at) {
+    const bool is_over = contains(button_rect(window, bar), at);
+    if (bar.is_over_button == is_over)
+        return;
+    bar.is_over_button = is_over;
+    xvt_vobj_set_tool_tip(window, is_over ? view(bar.button_tip) : std::string_view());
+    redraw(window);
+}
+
+void on_pointer_up(Window window, StatusBar& bar, const PointerUpEvent& event) {
+    on_pointer_move(window, bar, event.at);
+    const bool is_press = std::exchange(bar.is_held, false) && bar.is_over_button;
+    // What was no press gives the focus away that it took.
+    if (is_press)
+        press(window);
+    else if (bar.button >= 0 && !bar.is_over_button)
+        xvt_vobj_set_focus(xvt_vobj_get_parent(window));
+}
+
+long on_character(Window window, const StatusBar& bar, const Event& event,
+                  const CharacterEvent& key) {
+    constexpr int k_enter = 13;
+    constexpr int k_escape = 27;
+    constexpr int k_space = 32;
+    const Window owner = xvt_vobj_get_parent(window);
+    const bool is_plain = bar.button >= 0 && !key.with.control && !key.with.alt;
+    constexpr int k_menu = static_cast<int>(KeyCode::context_menu);
+    if (is_plain && (key.code == k_enter || key.code == k_space || key.code == k_menu))
+        press(window);
+    else if (is_plain && key.code == k_escape)
+        xvt_vobj_set_focus(owner);
+    else
+        return xvt_win_dispatch_event(owner, event);
+    return 0;
 }
 
 } // namespace
@@ -206,9 +292,24 @@ long status_bar_event(void*, Window window, const Event& event) {
     else if (event.get<SizeEvent>() != nullptr || event.get<ThemeEvent>() != nullptr) {
         take_fields(window, *bar);
         xvt_dwin_invalidate_rect(window, xvt_vobj_get_client_rect(window));
-    } else if (event.get<CharacterEvent>() != nullptr)
-        return xvt_win_dispatch_event(xvt_vobj_get_parent(window), event);
-    else if (event.get<DestructionEvent>() != nullptr)
+    } else if (const auto* key = event.get<CharacterEvent>())
+        return on_character(window, *bar, event, *key);
+    else if (const auto* down = event.get<PointerDownEvent>())
+        bar->is_held =
+            down->button == PointerButton::left && contains(button_rect(window, *bar), down->at);
+    else if (const auto* move = event.get<PointerMoveEvent>())
+        on_pointer_move(window, *bar, move->at);
+    else if (const auto* up = event.get<PointerUpEvent>())
+        on_pointer_up(window, *bar, *up);
+    else if (event.get<PointerLeaveEvent>() != nullptr)
+        on_pointer_move(window, *bar, {-1, -1});
+    else if (const auto* menu = event.get<ContextMenuEvent>()) {
+        if (bar->shows_focus || contains(button_rect(window, *bar), menu->at))
+            press(window);
+    } else if (const auto* focus = event.get<FocusEvent>()) {
+        bar->shows_focus = focus->gained;
+        redraw(window);
+    } else if (event.get<DestructionEvent>() != nullptr)
         status_bars.erase(window);
     return event.type() == EventType::wheel ? 1 : 0;
 }

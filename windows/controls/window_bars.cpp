@@ -30,11 +30,14 @@ void create_window_bars(Window window, const WindowBars& bars, std::string_view 
                     .rect = {0, 0, k_toolbar_px, client.right},
                     .title = title,
                     .properties = toolbar_lines});
+    Vector<std::string_view> status_lines(k_status_lines.begin(), k_status_lines.end());
+    status_lines.insert(status_lines.end(), bars.status_lines.begin(), bars.status_lines.end());
     xvt_cxo_create({.class_name = k_status_bar_class,
                     .parent = window,
                     .id = bars.status_bar,
                     .rect = {client.bottom - k_status_px, 0, client.bottom, client.right},
-                    .properties = k_status_lines});
+                    .properties = status_lines,
+                    .takes_focus = !bars.status_lines.empty()});
 }
 
 Rect lay_out_window_bars(Window window, const WindowBars& bars) {

@@ -11,6 +11,9 @@ namespace pellux {
 struct WindowBars {
     int toolbar = 0;
     int status_bar = 0;
+    /// More properties of the status bar. With one that makes a field a button the bar takes the
+    /// focus.
+    std::span<const std::string_view> status_lines = {};
 };
 
 /// Makes both, of the looks that all windows have; the window has its size. `title` is the

@@ -54,7 +54,8 @@ void with_control(std::string_view class_name, const Lines& lines, std::string_v
                                         .id = 7,
                                         .rect = {0, 0, 28, 400},
                                         .title = title,
-                                        .properties = lines});
+                                        .properties = lines,
+                                        .takes_focus = class_name == k_status_bar_class});
         ASSERT_TRUE(xvt_vobj_is_valid(owner.control));
         process_events();
         script(owner);
@@ -287,6 +288,33 @@ std::vector<int> ink_starts(Window bar) {
             last = x;
     }
     return starts;
+}
+
+TEST(StatusBar, HasAFieldThatCanBePressed) {
+    const Lines lines{"t", "FIELD_OFFSET=16", "BUTTON=1"};
+    with_control(k_status_bar_class, lines, "", [](Owner& owner) {
+        set_status_text(owner.control, "first\tDevice");
+        const Point field{385, 14};
+        const std::uint32_t rest = shown_pixel(owner.control, {385, 3});
+        move_pointer(owner.control, field);
+        EXPECT_NE(shown_pixel(owner.control, {385, 3}), rest);
+        const std::string pressed = "notice 103 0 0; ";
+        owner.take();
+        click(owner.control, field);
+        EXPECT_EQ(owner.take(), pressed);
+        right_click(owner.control, field);
+        EXPECT_EQ(owner.take(), pressed);
+        click(owner.control, {100, 14});
+        EXPECT_TRUE(xvt_vobj_has_focus(owner.window)) << owner.take();
+        xvt_vobj_set_focus(owner.control);
+        for (const char* key : {"Return", "Space", "Menu"}) {
+            owner.take();
+            press_key(key);
+            EXPECT_EQ(owner.take(), pressed) << key;
+        }
+        press_key("Esc");
+        EXPECT_TRUE(xvt_vobj_has_focus(owner.window));
+    });
 }
 
 TEST(StatusBar, ShowsFieldsThatDoNotJump) {

@@ -54,7 +54,9 @@ struct EventLog {
         if (const auto* notice = event.get<NoticeEvent>())
             return name + " " + std::to_string(notice->number) + " " +
                    std::to_string(notice->part_id) + " " + std::to_string(notice->part_type) +
-                   " of " + k_names[static_cast<int>(notice->cause->type())];
+                   (notice->cause == nullptr
+                        ? ""
+                        : " of " + std::string(k_names[static_cast<int>(notice->cause->type())]));
         if (const auto* command = event.get<CommandEvent>())
             return name + " " + std::to_string(command->tag);
         if (const auto* menu = event.get<ContextMenuEvent>())
