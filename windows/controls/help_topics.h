@@ -15,6 +15,7 @@ enum class HelpTopic : int {
     file_options = 29,
     compile_window = 27,
     messages = 31,
+    device = 33,
     editor = 41,
 };
 

@@ -94,5 +94,22 @@ inline Message<const char*> msg_delete_copy{"E2283", "Delete the backup of '%s'?
 inline Message<> msg_file_column{"E2450", "File"};
 inline Message<> msg_library_column{"E2451", "Library"};
 inline Message<> msg_note_column{"E2452", "Note"};
+inline Message<> msg_no_device{"E2453", "(none)"};
+inline Message<const char*> msg_unknown_device{"E2454", "%s (not in the catalogue)"};
+inline Message<> msg_device_column{"E2455", "Device"};
+inline Message<> msg_family_column{"E2456", "Family"};
+inline Message<> msg_package_column{"E2457", "Package"};
+inline Message<> msg_pins_column{"E2458", "Pins"};
+inline Message<> msg_signals_column{"E2459", "Signals"};
+inline Message<> msg_catalogue_damaged{
+    "E2460", "'devices.dat' is damaged. Only what could be read of it is here."};
+inline Message<> msg_catalogue_empty{"E2461", "'devices.dat' has no devices."};
+inline Message<const char*, const char*> msg_top_says{"E2462", "Top design '%s' says: %s."};
+inline Message<const char*> msg_top_silent{"E2463", "Top design '%s' says nothing of a device."};
+inline Message<const char*> msg_top_unreadable{"E2464", "Top design '%s' can't be read."};
+inline Message<> msg_no_top_design{"E2465", "The project has no top design."};
+inline Message<const char*, const char*> msg_file_says{"E2466", "'%s' says: %s."};
+inline Message<> msg_looking_for_device{"E2467", "Looking for a device in the other files..."};
+inline Message<> msg_no_device_said{"E2468", "No other file names a device."};
 
 } // namespace pellux

@@ -5,6 +5,7 @@
 #include "windows/controls/shell_hooks.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/menu.h"
+#include "windows/workspace/device_dialog.h"
 #include "windows/workspace/file_options.h"
 #include "windows/workspace/list_edits.h"
 #include "windows/workspace/new_project.h"
@@ -66,6 +67,7 @@ constexpr std::array k_commands{
     CommandRow{tag_of(save), 233, Need::nothing, [](Window window) { save_project(window); }},
     CommandRow{tag_of(options), 0, Need::nothing, ask_for_project_options},
     CommandRow{tag_of(file_options), 0, Need::selection, ask_for_file_options},
+    CommandRow{tag_of(device), 0, Need::nothing, ask_for_device},
     CommandRow{tag_of(print_setup), 0, Need::nothing, set_up_page},
     CommandRow{tag_of(ProjectCommand::quit), 0, Need::nothing,
                [](Window) { shell().quit(shell().context); }},

@@ -23,10 +23,15 @@ constexpr MenuResource k_separator{};
 using enum ProjectCommand;
 
 constexpr std::array k_project{
-    item("&New...", new_project, "Ctrl+N"), item("&Open...", open, "Ctrl+O"),
-    item("&Close", close, "Ctrl+W"),        item("&Save", save, "Ctrl+S"),
-    item("Op&tions...", options, "Ctrl+,"), without_command("&Print", print),
-    item("P&rint setup...", print_setup),   item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
+    item("&New...", new_project, "Ctrl+N"),
+    item("&Open...", open, "Ctrl+O"),
+    item("&Close", close, "Ctrl+W"),
+    item("&Save", save, "Ctrl+S"),
+    item("Op&tions...", options, "Ctrl+,"),
+    item("&Device...", device),
+    without_command("&Print", print),
+    item("P&rint setup...", print_setup),
+    item("&Quit", ProjectCommand::quit, "Ctrl+Q"),
 };
 constexpr std::array k_files{
     item("&Undo", undo, "Ctrl+Z"),

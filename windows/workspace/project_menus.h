@@ -16,6 +16,7 @@ enum class ProjectCommand : int {
     open = 1044,
     close = 1045,
     save = 1046,
+    device = 1160,
     print = 1047,
     print_setup = 1048,
     quit = 1049,

@@ -17,7 +17,10 @@
 namespace pellux {
 namespace {
 
-constexpr WindowBars k_bars{.toolbar = k_project_toolbar, .status_bar = k_project_status};
+constexpr std::array<std::string_view, 2> k_status_lines{
+    "BUTTON=1", "BUTTON_TIP=\"Choose the device and its package.\""};
+constexpr WindowBars k_bars{
+    .toolbar = k_project_toolbar, .status_bar = k_project_status, .status_lines = k_status_lines};
 
 constexpr std::array<std::string_view, 14> k_toolbar_lines{
     "TOP_OFFSET=3",

@@ -2,9 +2,11 @@
 
 #include "windows/compile/compile_window.h"
 #include "windows/controls/help_topics.h"
+#include "windows/controls/status_bar.h"
 #include "windows/controls/toolbar.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/device_dialog.h"
 #include "windows/workspace/file_options.h"
 #include "windows/workspace/new_project.h"
 #include "windows/workspace/open_projects.h"
@@ -42,6 +44,11 @@ void on_button(Window window, int button) {
         on_command(window, tag);
 }
 
+void on_device_field(Window window) {
+    xvt_vobj_set_focus(project_list(window));
+    on_command(window, static_cast<int>(ProjectCommand::device));
+}
+
 void on_list(Window window, ControlAction action) {
     if (action == ControlAction::selected)
         update_project_commands(window);
@@ -77,6 +84,8 @@ long on_event(void*, Window window, const Event& event) {
     } else if (const auto* notice = event.get<NoticeEvent>()) {
         if (notice->number == k_toolbar_notice)
             on_button(window, notice->part_id);
+        else if (notice->number == k_status_notice)
+            on_device_field(window);
     } else if (const auto* control = event.get<ControlEvent>()) {
         on_list(window, control->action);
     } else if (const auto* menu = event.get<ContextMenuEvent>()) {
@@ -132,6 +141,7 @@ void start_workspace(const ShellHooks& hooks) {
     register_new_project();
     register_project_options();
     register_file_options();
+    register_device_dialog();
     register_recovery_window();
 }
 

@@ -117,7 +117,7 @@ ScriptedAnswers::ScriptedAnswers() {
             [](void* self, const Question& question, bool comes_forward) {
                 auto& answers = from_context<ScriptedAnswers>(self);
                 answers.dialogs_[question.dialog] = question;
-                if (answers.is_on_screen_)
+                if (answers.on_screen_ == question.dialog)
                     answers.before_.show_dialog(answers.before_.context, question, comes_forward);
             },
         .fatal_exit =
@@ -269,9 +269,9 @@ void ScriptedAnswers::expect_dialog(std::string_view title, std::string_view but
 void ScriptedAnswers::expect_on_screen(std::string_view title, std::function<void()> act) {
     expect(QuestionKind::dialog, title, [this, act = std::move(act)](const Question& question) {
         in_box(act);
-        is_on_screen_ = true;
+        on_screen_ = question.dialog;
         Answer answer = before_.ask(before_.context, question);
-        is_on_screen_ = false;
+        on_screen_ = 0;
         return answer;
     });
 }

@@ -51,6 +51,8 @@ public:
                        std::initializer_list<RowEdit> edits = {});
     /// Asked on the screen, where `act` is what the user does.
     void expect_on_screen(std::string_view title, std::function<void()> act);
+    /// What the owner of that dialog shows by now.
+    [[nodiscard]] const Question& on_screen() const { return dialogs_.at(on_screen_); }
     /// The user closes the box or presses Escape.
     void expect_closed(QuestionKind kind, std::string_view pattern);
     void expect_fatal_exit(std::string_view pattern);
@@ -81,7 +83,7 @@ private:
     std::deque<Expected> expected_;
     std::map<std::uint64_t, Question> dialogs_; ///< that are asked or stand
     AskSeam before_;
-    bool is_on_screen_ = false;
+    std::uint64_t on_screen_ = 0; ///< the dialog that a box shows
 };
 
 /// All that a question says, for the messages of failing tests.

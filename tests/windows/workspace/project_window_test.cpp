@@ -94,6 +94,24 @@ protected:
             EXPECT_EQ(files(), list) << act;
         }
     }
+    /// The lists of a dialog, what is selected in brackets; without any, its texts.
+    static std::string shown_lists(const Question& dialog) {
+        std::string lists;
+        std::string texts;
+        for (const DialogRow& row : dialog.rows) {
+            int index = 0;
+            std::string_view text = view(row.value);
+            if (!row.value.empty())
+                (texts += texts.empty() ? "" : ",") += view(row.value);
+            for (std::string_view line; next_list_entry(text, line, '\n'); ++index)
+                if (row.kind == DialogRowKind::list) {
+                    const std::string name(line.substr(0, line.find('\t')));
+                    lists += index == row.selected ? "[" + name + "] " : name + " ";
+                }
+            lists += row.kind == DialogRowKind::list ? "| " : "";
+        }
+        return lists.empty() ? texts : lists;
+    }
     void drop(const std::vector<std::string>& names) {
         std::vector<std::string> paths;
         for (const std::string& name : names)
@@ -173,7 +191,7 @@ TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
         walk({{"Alt+Up", "[*d.vhd] a.vhd b.vhd c.vhd"}});
         EXPECT_EQ(spoken_entry(project_list(window()), 0), "d.vhd, Note: kept");
         EXPECT_EQ(spoken_entry(project_list(window()), 2), "b.vhd, Library: work");
-        walk({{"Alt+Down", "a.vhd [*d.vhd] b.vhd c.vhd"},
+        walk({{"Ctrl+Z", "a.vhd [*d.vhd] b.vhd c.vhd"},
               {"=01", "[a.vhd] [*d.vhd] b.vhd c.vhd"},
               {"Del", "[b.vhd] c.vhd"}});
         EXPECT_EQ(status(), none);
@@ -190,6 +208,97 @@ TEST_F(ProjectWindow, ChangesItsListAndTakesThatBack) {
         right_click(project_list(window()), {20, 25});
         press_key("O");
         EXPECT_EQ(files(), "[a.vhd] [b.vhd] [c.vhd] [d.vhd]");
+    });
+}
+
+TEST_F(ProjectWindow, AsksForItsDevice) {
+    const test::ScopedVariable install("VELMORA_DIR", directory_.path().c_str());
+    const std::string body = "begin attributes\nkind small one\nend attributes\nbegin packages\n"
+                             "p20 20 18\np44\nend packages\nbegin packages\np44\nend packages\n";
+    directory_.write("bin/devices.dat", "seek: c1:0,84 c22:84,37\n" + body);
+    directory_.write("a.vhd", "#$ DEVICE c1\n#$ PACKAGE p9\n#$ GROUP SOFT ALL\n");
+    directory_.write("b.vhd", "");
+    directory_.write("c.vhd", "#$ DEVICE c22\n");
+    /// Keys, and what the dialog then shows: devices and packages, the selected one in brackets.
+    using Steps = std::vector<std::pair<const char*, const char*>>;
+    const auto use = [this](const Steps& steps, const char* said, const char* end = "Return") {
+        user_.expect_on_screen("Device", [this, steps, said, end] {
+            for (const auto& [key, lists] : steps) {
+                key[1] == '\0' ? type_text(key) : press_key(key);
+                EXPECT_EQ(shown_lists(user_.on_screen()), lists) << key;
+            }
+            const auto& rows = user_.on_screen().rows;
+            EXPECT_EQ(rows.at(rows.size() - 2).label, said);
+            press_key(end);
+        });
+    };
+    const auto set = [] {
+        const Source_options& options = project().options;
+        return std::string(options.device.c_str()) + "," + options.package.c_str();
+    };
+    run([&] {
+        command(1106);
+        EXPECT_TRUE(set_top_design(project(), 0));
+        project().options.device.assign("old\n");
+        project().options.package.assign("x");
+        show_project_status(window(), project());
+        const Window bar = xvt_win_get_ctl(window(), k_project_status);
+        const Rect room = xvt_vobj_get_client_rect(bar);
+        const char* unknown = "(none) [old  (not in the catalogue)] c1 c22 | "
+                              "(none) [x (not in the catalogue)] | ";
+        const char* c22 = "(none) old  (not in the catalogue) c1 [c22] | [(none)] p44 | ";
+        const char* top = "Top design 'a.vhd' says: DEVICE c1, PACKAGE p9, GROUP -fs.";
+        use({{"Down", unknown}, {"2", "[c22] | [(none)] p44 | "}, {"Backspace", unknown}}, top);
+        EXPECT_TRUE(choose_item(1160));
+        EXPECT_EQ(set(), "old\n,x");
+        EXPECT_TRUE(menus_have("&Undo adding 3 files")) << "nothing was touched";
+
+        use({{"Alt+D", unknown},
+             {"Up", "[(none)] old  (not in the catalogue) c1 c22 | [(none)] | "},
+             {"Down", unknown},
+             {"End", c22},
+             {"Alt+F", c22},
+             {"S", "[c1] | [(none)] p20 p44 | "},
+             {"Alt+P", "[c1] | [(none)] p20 p44 | "},
+             {"End", "[c1] | (none) p20 [p44] | "},
+             {"Alt+F", "[c1] | (none) p20 [p44] | "},
+             {"9", "| (none) p20 [p44] | "},
+             {"Backspace", "(none) old  (not in the catalogue) [c1] c22 | (none) p20 [p44] | "}},
+            top);
+        click(bar, {room.right - 12, room.bottom / 2});
+        EXPECT_EQ(set(), "c1,p44");
+        EXPECT_EQ(status(), "Top design: a.vhd\tDevice: c1");
+        EXPECT_TRUE(has_changed(open()));
+        press_key("Ctrl+Z");
+        EXPECT_EQ(set(), "old\n,x");
+        EXPECT_EQ(status(), "Top design: a.vhd\tDevice: old\n");
+        press_key("Ctrl+Y");
+
+        use({{"Up", "(none) [c1] c22 | (none) p20 [p44] | "}}, top, "Alt+T");
+        use({{"Up", "(none) [c1] c22 | (none) [p9 (not in the catalogue)] p20 p44 | "}}, top);
+        xvt_vobj_set_focus(bar);
+        press_key("Return");
+        EXPECT_EQ(set(), "c1,p9");
+        use({{"Alt+D", "(none) [c1] c22 | (none) [p9 (not in the catalogue)] p20 p44 | "},
+             {"Home", "[(none)] c1 c22 | [(none)] | "}},
+            "Top design 'b.vhd' says nothing of a device.\n'a.vhd' says: DEVICE c1, PACKAGE p9, "
+            "GROUP -fs.");
+        EXPECT_TRUE(set_top_design(project(), 1));
+        EXPECT_TRUE(choose_item(1160));
+        EXPECT_FALSE(project().options.device.present() || project().options.package.present());
+
+        fs::remove("bin/devices.dat");
+        fs::remove("a.vhd");
+        fs::remove("c.vhd");
+        user_.expect_on_screen("Device", [&] {
+            EXPECT_EQ(user_.on_screen().rows.at(0).label, "Could not find 'devices.dat'.");
+            press_key("Esc");
+        });
+        EXPECT_TRUE(choose_item(1160));
+        use({{"z", "z"}, {"Alt+P", "z"}, {"y", "z,y"}},
+            "Top design 'b.vhd' says nothing of a device.\nNo other file names a device.");
+        EXPECT_TRUE(choose_item(1160));
+        EXPECT_EQ(set(), "z,y");
     });
 }
 
