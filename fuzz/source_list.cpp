@@ -31,11 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     String text;
     for (const ListWord& word : words) {
-        const char* const before = word.kind == ListWordKind::library ? "# library "
+        const char* const before = word.kind == ListWordKind::library ? "-work "
                                    : word.kind == ListWordKind::list  ? "-F "
                                                                       : "";
         text += before;
-        text += word.kind == ListWordKind::library ? word.text : quoted(word.text);
+        text += quoted(word.text);
         text += '\n';
     }
     Vector<ListWord> again;

@@ -1,11 +1,9 @@
-#include "core/common/ascii_case.h"
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
 #include "core/os/files.h"
 #include "core/project/messages.h"
 #include "core/project/source_list.h"
-#include "core/vhdl/library_name.h"
 #include "tools/bpr/commands.h"
 #include "tools/bpr/messages.h"
 #include "tools/bpr/project_slots.h"
@@ -13,16 +11,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
+#include <utility>
 
 namespace pellux {
 namespace {
 
 using Arguments = std::span<const char* const>;
-
-bool complain(const String& place, const String& what) {
-    tell(msg_list_fault, place.c_str(), what.c_str());
-    return false;
-}
 
 /// A project that is changed where it lies.
 struct EditedProject {
@@ -57,14 +52,8 @@ int close_project(const EditedProject& edited) {
 }
 
 bool check_library(std::string_view name) {
-    const String given(name);
-    if (!is_library_name(name))
-        tell(msg_edit_library, given.c_str());
-    else if (is_reserved_library(view(lower_case(name))))
-        tell(msg_edit_reserved, given.c_str());
-    else
-        return true;
-    return false;
+    const String fault = library_fault(name);
+    return fault.empty() || tell_fault({}, fault);
 }
 
 String refusal(AddStatus status, const String& path) {
@@ -102,48 +91,64 @@ private:
 };
 
 /// Adds them all, or tells what is wrong with the first that cannot be. One that is listed already
-/// stays as it is.
+/// stays as it is. `library` is for those whose list says none.
 bool add_files(Project& project, const Vector<NamedFile>& files, std::string_view library) {
+    if (!library.empty() && !check_library(library))
+        return false;
     SourceIndex index = index_sources(project);
     Places places;
     for (const NamedFile& file : files) {
         FileStat stat;
         if (const SystemError error = stat_file(view(file.path), stat); failed(error))
-            return complain(place_of(file), format_message(msg_bpr_cannot_read, file.path.c_str(),
-                                                           error_text(error).c_str()));
+            return tell_fault(file, format_message(msg_bpr_cannot_read, file.path.c_str(),
+                                                   error_text(error).c_str()));
         if (stat.kind != FileKind::regular)
-            return complain(place_of(file), format_message(msg_edit_no_file, file.path.c_str()));
+            return tell_fault(file, format_message(msg_edit_no_file, file.path.c_str()));
         const AddResult result = add_source(project, index, view(places.of(view(file.path))));
         if (result.status == AddStatus::already_listed)
             continue;
         if (result.status != AddStatus::added)
-            return complain(place_of(file), refusal(result.status, file.path));
-        const std::string_view own = library.empty() ? view(file.library) : library;
-        if (own.empty() || own == "work")
-            continue;
-        if (!check_library(own))
-            return false;
-        project.sources[result.index]->options.library.assign(own);
+            return tell_fault(file, refusal(result.status, file.path));
+        const std::string_view own = file.library.empty() ? library : view(file.library);
+        if (!own.empty() && own != "work")
+            project.sources[result.index]->options.library.assign(own);
     }
     return true;
 }
 
-/// An entry by its name in the list, or by a path from the current directory.
-std::optional<std::size_t> find_named(const Project& project, std::string_view name) {
-    const auto& sources = project.sources;
-    const auto found = std::ranges::find_if(
-        sources, [&](const auto& source) { return source->file_name.view() == name; });
-    return found != sources.end() ? std::optional(static_cast<std::size_t>(found - sources.begin()))
-                                  : find_source(project, view(resolved_place(name)));
-}
+/// Finds entries by their names in the list, or by paths from the current directory.
+class Entries {
+public:
+    explicit Entries(const EditedProject& edited)
+        : file_(edited.file), index_(index_sources(*edited.project)) {
+        const auto& sources = edited.project->sources;
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            by_name_.try_emplace(String(sources[i]->file_name.view()), i);
+    }
+    /// Nothing after telling that there is none.
+    std::optional<std::size_t> find(std::string_view name) {
+        if (const auto found = by_name_.find(name); found != by_name_.end())
+            return found->second;
+        const auto found = index_.by_path.find(view(places_.of(name)));
+        if (found != index_.by_path.end())
+            return found->second;
+        tell(msg_no_such_source, file_.c_str(), String(name).c_str());
+        return std::nullopt;
+    }
+
+private:
+    const String& file_;
+    SourceIndex index_;
+    TextMap<std::size_t> by_name_;
+    Places places_;
+};
 
 bool find_all(const EditedProject& edited, Arguments names, Vector<std::size_t>& indexes) {
+    Entries entries(edited);
     for (const char* name : names) {
-        const auto index = find_named(*edited.project, name);
-        if (!index) {
-            tell(msg_no_such_source, edited.file.c_str(), name);
+        const auto index = entries.find(name);
+        if (!index)
             return false;
-        }
         indexes.push_back(*index);
     }
     std::ranges::sort(indexes);
@@ -155,11 +160,8 @@ bool set_top(const EditedProject& edited, std::string_view name) {
     clear_top_design(*edited.project);
     if (name.empty())
         return true;
-    const auto index = find_named(*edited.project, name);
-    if (index && set_top_design(*edited.project, *index))
-        return true;
-    tell(msg_no_such_source, edited.file.c_str(), String(name).c_str());
-    return false;
+    const auto index = Entries(edited).find(name);
+    return index && set_top_design(*edited.project, *index);
 }
 
 /// Gives a field its new value; false after telling what is wrong.
@@ -203,8 +205,11 @@ bool change(const EditedProject& edited, const Vector<std::size_t>& sources, con
         tell(msg_edit_value, word.c_str(), String(msg_unknown_key.text()).c_str());
         return false;
     };
-    if (sources.empty())
+    if (sources.empty()) {
+        if (key == "library" && !value.empty())
+            tell(msg_library_unused, edited.file.c_str());
         return change_of(edited.project->options, nullptr);
+    }
     return std::ranges::all_of(sources, [&](std::size_t index) {
         VHDL_source& source = *edited.project->sources[index];
         return change_of(source.options, &source);
@@ -217,6 +222,20 @@ const char* operand(Arguments words, std::size_t& at) {
         return words[++at];
     tell(msg_edit_operand, words[at]);
     return nullptr;
+}
+
+/// "2008" or "8" and so on; empty after telling that it is none.
+String standard_number(std::string_view text) {
+    constexpr std::pair<std::string_view, std::string_view> k_standards[] = {
+        {"1987", "87"}, {"1993", "93"}, {"2002", "2"}, {"2008", "8"}};
+    String all;
+    for (const auto& [year, number] : k_standards) {
+        if (text == year || text == number || text == year.substr(2))
+            return String(number);
+        all += (all.empty() ? "" : ", ") + String(year);
+    }
+    tell(msg_edit_standard, String(text).c_str(), all.c_str());
+    return {};
 }
 
 struct NewOptions {
@@ -271,11 +290,13 @@ int new_project_file(const char* file, Arguments words) {
     if (!set_directory(project, file) || !add_files(project, files, options.library) ||
         !set_top(edited, options.top))
         return k_status_unusable;
-    for (const auto& [key, value] :
-         {std::pair("vhdl_standard", options.standard), std::pair("device", options.device)}) {
-        if (*value != '\0' && !change(edited, {}, String(key) + "=" + value))
+    if (*options.standard != '\0') {
+        const String number = standard_number(options.standard);
+        if (number.empty() || !change(edited, {}, "vhdl_standard=" + number))
             return k_status_unusable;
     }
+    if (*options.device != '\0')
+        project.options.device.assign(options.device);
     return close_project(edited);
 }
 
@@ -311,6 +332,10 @@ int set_options(const char* file, Arguments words) {
         names.push_back(operand(words, i));
         if (names.back() == nullptr)
             return k_status_unusable;
+    }
+    if (changes.empty()) {
+        tell(msg_edit_operand, words.back());
+        return k_status_unusable;
     }
     if (!open_project(edited, file) || !find_all(edited, names, sources) ||
         !std::ranges::all_of(changes,

@@ -50,8 +50,9 @@ inline Message<> msg_list_quote{"E2403", "a quote has no end"};
 inline Message<> msg_list_variable_name{"E2404", "'$' stands before no variable's name"};
 inline Message<const char*> msg_list_variable{"E2405", "variable '%s' is not set"};
 inline Message<const char*> msg_list_option{"E2406", "'%s' is no option of a list of files"};
-inline Message<> msg_list_missing{"E2407", "the name of a list is missing"};
+inline Message<const char*> msg_list_operand{"E2407", "something is missing behind '%s'"};
 inline Message<const char*> msg_list_loop{"E2408", "list '%s' leads to itself."};
+inline Message<int> msg_list_many{"E2431", "lists are named more than %d times"};
 inline Message<const char*> msg_edit_library{"E2409", "'%s' can't be the name of a library."};
 inline Message<const char*> msg_edit_reserved{"E2410", "Nothing can be put into library '%s'."};
 inline Message<const char*> msg_edit_blank{
@@ -65,6 +66,8 @@ inline Message<const char*> msg_edit_no_file{"E2415", "'%s' is no file."};
 inline Message<const char*> msg_edit_exists{"E2416", "Project '%s' is there already."};
 inline Message<const char*, const char*> msg_edit_value{"E2417", "'%s': %s."};
 inline Message<const char*> msg_edit_no_value{"E2418", "'%s': KEY=VALUE is expected."};
+inline Message<const char*, const char*> msg_edit_standard{
+    "E2430", "'%s' is no VHDL standard; those are %s."};
 inline Message<const char*> msg_edit_operand{"E2419", "Something is missing behind '%s'."};
 inline Message<const char*> msg_edit_option{
     "E2420", "Unknown option '%s'; \"./\" stands before the name of such a file."};
@@ -77,9 +80,8 @@ inline Message<> msg_help_add{"E2422", "  add      adds sources to the project F
 inline Message<> msg_help_remove{"E2423", "  remove   takes each NAME off the project's list"};
 inline Message<> msg_help_set{
     "E2424", "  set      changes options of the project FILE, or of each source NAME"};
-inline Message<> msg_help_lists{
-    "E2425",
-    "A LIST has names, \"@LIST\", $VARIABLES and comments behind \"#\", \"//\" or \"-- \"."};
+inline Message<> msg_help_lists{"E2425", "A LIST has names, \"@LIST\", \"-work LIBRARY\", "
+                                         "$VARIABLES; comments behind \"#\", \"//\", \"--\"."};
 inline Message<> msg_help_keys{
     "E2426", "KEY: an option as \"show\" names it; top_design of the project, note of a source"};
 inline Message<> msg_help_show{"E1878", "  show     prints the project FILE as JSON"};

@@ -1,27 +1,32 @@
 #include "tools/bpr/source_lists.h"
 
+#include "core/common/ascii_case.h"
 #include "core/common/blanks.h"
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
 #include "core/diagnostics/reporter.h"
+#include "core/os/ascii.h"
 #include "core/os/environment.h"
 #include "core/os/files.h"
+#include "core/vhdl/library_name.h"
 #include "tools/bpr/messages.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pellux {
 namespace {
 
 constexpr std::size_t k_list_max = std::size_t{64} << 20;
 constexpr std::size_t k_depth_max = 100; ///< of lists in lists
+constexpr int k_lists_max = 10'000;      ///< read in all: some may be named again and again
 
 bool is_blank(char c) {
     return c == ' ' || c == '\t';
 }
 
 bool is_in_name(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    return is_ascii_letter(c) || is_ascii_digit(c) || c == '_';
 }
 
 /// One line of a list.
@@ -36,10 +41,10 @@ private:
     [[nodiscard]] bool is_comment() const;
 };
 
-/// "#", "//" or "--" where a word could begin; the latter not as the begin of a word.
+/// "#", "//" or "--" where a word could begin; a letter behind the latter makes it an option.
 bool Line::is_comment() const {
     return rest.starts_with('#') || rest.starts_with("//") ||
-           (rest.starts_with("--") && (rest.size() == 2 || is_blank(rest[2])));
+           (rest.starts_with("--") && (rest.size() == 2 || !is_ascii_letter(rest[2])));
 }
 
 /// $NAME, ${NAME} or $(NAME).
@@ -67,7 +72,8 @@ void Line::take_variable(String& word) {
         fault = format_message(msg_list_variable, name.c_str());
 }
 
-/// False at the line's end, or at a fault.
+/// False at the line's end, or at a fault. A word that begins with a quote is a name, whatever it
+/// looks like.
 bool Line::next(String& word, bool& is_quoted) {
     word.clear();
     is_quoted = false;
@@ -86,7 +92,7 @@ bool Line::next(String& word, bool& is_quoted) {
             word += c;
             continue;
         }
-        is_quoted = true;
+        is_quoted = is_quoted || word.empty();
         const std::size_t end = rest.find(c);
         if (end == std::string_view::npos) {
             fault = format_message(msg_list_quote);
@@ -98,60 +104,64 @@ bool Line::next(String& word, bool& is_quoted) {
     return fault.empty();
 }
 
-/// "# library NAME" says where the files behind it go, though it looks like a comment.
-bool is_library_line(std::string_view line, std::string_view& name) {
-    std::string_view word;
-    if (!line.starts_with('#'))
-        return false;
-    line.remove_prefix(1);
-    return next_word(line, word) && word == "library" && next_word(line, name) &&
-           trim_blanks(line).empty();
+/// What a word that looks like an option asks for.
+struct ListOption {
+    std::string_view words[2];
+    ListWordKind kind;
+};
+constexpr ListOption k_list_options[] = {{{"-f", "-F"}, ListWordKind::list},
+                                         {{"-work", "--work"}, ListWordKind::library}};
+
+const ListOption* find_option(std::string_view word) {
+    const auto found = std::ranges::find_if(k_list_options, [&](const ListOption& option) {
+        return std::ranges::find(option.words, word) != std::end(option.words);
+    });
+    return found != std::end(k_list_options) ? found : nullptr;
 }
 
 /// The words of one line; a fault, or nothing.
 String parse_line(std::string_view text, int number, Vector<ListWord>& words) {
-    std::string_view library;
-    if (is_library_line(text, library)) {
-        words.push_back({ListWordKind::library, String(library), number});
-        return {};
-    }
     Line line{text, {}};
     String word;
     bool is_quoted = false;
-    bool awaits_list = false;
+    const ListOption* option = nullptr; ///< that awaits its operand
+    String option_word;
     while (line.next(word, is_quoted)) {
-        const bool is_option = !is_quoted && (word.starts_with('-') || word.starts_with('+'));
-        if (awaits_list || (!is_quoted && word.size() > 1 && word.starts_with('@'))) {
-            words.push_back(
-                {ListWordKind::list, awaits_list ? word : String(view(word).substr(1)), number});
-            awaits_list = false;
-        } else if (is_option && (word == "-f" || word == "-F")) {
-            awaits_list = true;
-        } else if (is_option) {
-            return format_message(msg_list_option, word.c_str());
-        } else {
-            words.push_back({ListWordKind::file, word, number});
+        std::string_view name = view(word);
+        ListWordKind kind = ListWordKind::file;
+        if (option != nullptr) {
+            kind = std::exchange(option, nullptr)->kind;
+        } else if (!is_quoted && (name.starts_with('-') || name.starts_with('+'))) {
+            const std::size_t equals = std::min(name.find('='), name.size());
+            option = find_option(name.substr(0, equals));
+            if (option == nullptr)
+                return format_message(msg_list_option, word.c_str());
+            if (equals == name.size()) {
+                option_word = word;
+                continue;
+            }
+            kind = std::exchange(option, nullptr)->kind;
+            name.remove_prefix(equals + 1);
+        } else if (!is_quoted && name.size() > 1 && name.starts_with('@')) {
+            kind = ListWordKind::list;
+            name.remove_prefix(1);
+        }
+        words.push_back({kind, String(name), number});
+        if (kind == ListWordKind::library) {
+            if (String fault = library_fault(name); !fault.empty())
+                return fault;
         }
     }
-    if (line.fault.empty() && awaits_list)
-        return format_message(msg_list_missing);
+    if (line.fault.empty() && option != nullptr)
+        return format_message(msg_list_operand, option_word.c_str());
     return line.fault;
 }
 
-struct OpenList {
-    String name; ///< as messages call it
-    FileStat stat;
-};
-
 struct ListReader {
     Vector<NamedFile>& files;
-    Vector<OpenList> open; ///< the list that is read, behind those that name it
+    Vector<FileStat> open{}; ///< the list that is read, behind those that name it
+    int lists = 0;           ///< read so far
 };
-
-bool complain(const NamedFile& at, const String& what) {
-    tell(msg_list_fault, place_of(at).c_str(), what.c_str());
-    return false;
-}
 
 /// A name in a list counts from the list's directory.
 String path_in_list(std::string_view list, std::string_view name) {
@@ -161,20 +171,19 @@ String path_in_list(std::string_view list, std::string_view name) {
 
 bool read_list(ListReader& reader, const NamedFile& list);
 
-bool take_words(ListReader& reader, const String& list, const Vector<ListWord>& words) {
-    String library;
+bool take_words(ListReader& reader, const NamedFile& list, const Vector<ListWord>& words) {
+    String library = list.library;
     for (const ListWord& word : words) {
-        NamedFile named{{}, library, list, word.line};
+        NamedFile named{path_in_list(view(list.path), view(word.text)), library, list.path,
+                        word.line};
         switch (word.kind) {
         case ListWordKind::library:
             library = word.text;
             break;
         case ListWordKind::file:
-            named.path = path_in_list(view(list), view(word.text));
             reader.files.push_back(std::move(named));
             break;
         case ListWordKind::list:
-            named.path = path_in_list(view(list), view(word.text));
             if (!read_list(reader, named))
                 return false;
             break;
@@ -186,27 +195,29 @@ bool take_words(ListReader& reader, const String& list, const Vector<ListWord>& 
 bool read_list(ListReader& reader, const NamedFile& list) {
     String text;
     SystemError error = SystemError::none;
-    OpenList open{list.path, {}};
+    if (++reader.lists > k_lists_max)
+        return tell_fault(list, format_message(msg_list_many, k_lists_max));
     switch (read_text_file(view(list.path), k_list_max, text, error)) {
     case TextFileStatus::read:
         break;
     case TextFileStatus::too_large:
-        return complain(list, format_message(msg_too_large, list.path.c_str()));
+        return tell_fault(list, format_message(msg_too_large, list.path.c_str()));
     case TextFileStatus::failed:
-        return complain(list, format_message(msg_bpr_cannot_read, list.path.c_str(),
-                                             error_text(error).c_str()));
+        return tell_fault(list, format_message(msg_bpr_cannot_read, list.path.c_str(),
+                                               error_text(error).c_str()));
     }
-    static_cast<void>(stat_file(view(list.path), open.stat));
-    const bool is_loop = std::ranges::any_of(reader.open, [&](const OpenList& other) {
-        return other.stat.device == open.stat.device && other.stat.inode == open.stat.inode;
+    FileStat stat;
+    static_cast<void>(stat_file(view(list.path), stat));
+    const bool is_loop = std::ranges::any_of(reader.open, [&](const FileStat& other) {
+        return other.device == stat.device && other.inode == stat.inode;
     });
     if (is_loop || reader.open.size() == k_depth_max)
-        return complain(list, format_message(msg_list_loop, list.path.c_str()));
+        return tell_fault(list, format_message(msg_list_loop, list.path.c_str()));
     Vector<ListWord> words;
     if (const String fault = parse_source_list(view(text), words); !fault.empty())
-        return complain({{}, {}, list.path, words.empty() ? 1 : words.back().line}, fault);
-    reader.open.push_back(std::move(open));
-    const bool taken = take_words(reader, list.path, words);
+        return tell_fault({{}, {}, list.path, words.back().line}, fault);
+    reader.open.push_back(stat);
+    const bool taken = take_words(reader, list, words);
     reader.open.pop_back();
     return taken;
 }
@@ -234,7 +245,7 @@ String parse_source_list(std::string_view text, Vector<ListWord>& words) {
 }
 
 bool read_source_words(std::span<const char* const> words, Vector<NamedFile>& files) {
-    ListReader reader{files, {}};
+    ListReader reader{files};
     for (const std::string_view word : words) {
         if (word.size() < 2 || !word.starts_with('@'))
             files.push_back({String(word), {}, {}, 0});
@@ -244,9 +255,19 @@ bool read_source_words(std::span<const char* const> words, Vector<NamedFile>& fi
     return true;
 }
 
-String place_of(const NamedFile& file) {
-    return file.list.empty() ? String()
-                             : format_message(msg_list_place, file.list.c_str(), file.line);
+bool tell_fault(const NamedFile& at, const String& what) {
+    const String place =
+        at.list.empty() ? String() : format_message(msg_list_place, at.list.c_str(), at.line);
+    tell(msg_list_fault, place.c_str(), what.c_str());
+    return false;
+}
+
+String library_fault(std::string_view name) {
+    if (!is_library_name(name))
+        return format_message(msg_edit_library, String(name).c_str());
+    if (is_reserved_library(view(lower_case(name))))
+        return format_message(msg_edit_reserved, String(name).c_str());
+    return {};
 }
 
 } // namespace pellux

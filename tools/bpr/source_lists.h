@@ -25,14 +25,17 @@ struct ListWord {
     int line = 0; ///< from 1
 };
 
-/// Takes a list's text apart; variables are the environment's. What is wrong, at the last word's
-/// line, is answered; empty: nothing.
+/// Takes a list's text apart; variables are the environment's. Answers what is wrong, at the last
+/// word's line; empty: nothing.
 [[nodiscard]] String parse_source_list(std::string_view text, Vector<ListWord>& words);
 
 /// Adds what `words` name, "@LIST" being the files of a list; false after telling what is wrong.
 [[nodiscard]] bool read_source_words(std::span<const char* const> words, Vector<NamedFile>& files);
 
-/// "'LIST', line N: " of a file that a list names, else nothing.
-[[nodiscard]] String place_of(const NamedFile& file);
+/// Tells what is wrong with a file, behind the place in the list that names it; false.
+bool tell_fault(const NamedFile& at, const String& what);
+
+/// Why nothing can be put into a library of this name; empty: it can.
+[[nodiscard]] String library_fault(std::string_view name);
 
 } // namespace pellux

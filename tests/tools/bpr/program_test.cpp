@@ -159,9 +159,20 @@ TEST_F(BprProgram, ShowsEveryFieldByItsNameAndMakesTheSameOfIt) {
 TEST_F(BprProgram, MakesAProjectOfFilesAndChangesItByNames) {
     for (const char* file : {"a.vhd", "sub/b.vhd", "sub/c.vhd", "d.pla", "-g.vhd", "h.vhd"})
         directory_.write(file, "");
-    directory_.write("sub/order.txt", "\xEF\xBB\xBF# library Blocks\r\nb.vhd // -- one\n\n"
-                                      "${BPR_C}.vhd\n# library work\n -f '../more'\n");
-    directory_.write("more", "a.vhd -- and \"this\n");
+    directory_.write("sub/order.txt", "\xEF\xBB\xBF-work Blocks\r\nb.vhd // -- one\n\n"
+                                      "${BPR_C}.vhd\n--work=work -f '../more'\n");
+    directory_.write("more", "-------\na.vhd -- and \"this\n");
+    directory_.write("library", "a.vhd\n--work=a/b");
+    directory_.write("reserved", "-work std a.vhd");
+    directory_.write("operand", "a.vhd -F");
+    directory_.write("missing", "a.vhd\n@\"order\" gone.vhd");
+    directory_.write("order", "");
+    directory_.write("twice", "@t1 @t1 @t1 @t1");
+    for (int i = 1; i < 9; ++i) {
+        const std::string next = " @t" + std::to_string(i + 1);
+        directory_.write("t" + std::to_string(i), next + next + next + next);
+    }
+    directory_.write("t9", "");
     directory_.write("loop", "\n@sub/../loop");
     directory_.write("binary", std::string("a.vhd\n\0", 7));
     directory_.write("options", "a.vhd\n-g.vhd");
@@ -172,14 +183,20 @@ TEST_F(BprProgram, MakesAProjectOfFilesAndChangesItByNames) {
         {"new p.bpr @binary", "'binary', line 2: this is no list of files\n"},
         {"new p.bpr @options", "'options', line 2: '-g.vhd' is no option of a list of files\n"},
         {"new p.bpr @quote", "'quote', line 2: a quote has no end\n"},
+        {"new p.bpr @library", "'library', line 2: 'a/b' can't be the name of a library.\n"},
+        {"new p.bpr @reserved", "'reserved', line 1: Nothing can be put into library 'std'.\n"},
+        {"new p.bpr @operand", "'operand', line 1: something is missing behind '-F'\n"},
+        {"new p.bpr @missing",
+         "'missing', line 2: Can't read 'gone.vhd': No such file or directory.\n"},
+        {"new p.bpr @twice", "'t7', line 1: lists are named more than 10000 times\n"},
         {"new p.bpr @gone", "Can't read 'gone': No such file or directory.\n"},
         {"new p.bpr a.vhd sub", "'sub' is no file.\n"},
         {"new p.bpr a.vhd d.pla", "'d.pla' can't be added: a PLA file must stand alone.\n"},
         {"new p.bpr a.vhd --top sub/b.vhd", "Project 'p.bpr' has no file 'sub/b.vhd'.\n"},
         {"new p.bpr a.vhd --library a__b", "'a__b' can't be the name of a library.\n"},
-        {"new p.bpr a.vhd --standard x",
-         "'vhdl_standard=x': a whole number from -32768 to 32767 is expected.\n"},
-        {"new p.bpr ./-g.vhd @sub/order.txt --standard 93 --device d20 --top ./-g.vhd", ""},
+        {"new p.bpr a.vhd --standard 77",
+         "'77' is no VHDL standard; those are 1987, 1993, 2002, 2008.\n"},
+        {"new p.bpr ./-g.vhd @sub/order.txt --standard 1993 --device d20 --top ./-g.vhd", ""},
         {"new p.bpr a.vhd", "Project 'p.bpr' is there already.\n"},
         {"add p.bpr a.vhd gone.vhd", "Can't read 'gone.vhd': No such file or directory.\n"},
         {"add p.bpr h.vhd --library IEEE", "Nothing can be put into library 'IEEE'.\n"},
@@ -190,6 +207,7 @@ TEST_F(BprProgram, MakesAProjectOfFilesAndChangesItByNames) {
         {"set p.bpr tab_width=70000",
          "'tab_width=70000': a whole number from -32768 to 32767 is expected.\n"},
         {"set p.bpr tab_width", "'tab_width': KEY=VALUE is expected.\n"},
+        {"set p.bpr --source a.vhd", "Something is missing behind 'a.vhd'.\n"},
         {"set p.bpr note=x", "'note=x': unknown key.\n"},
         {"set p.bpr --source sub/../a.vhd --source sub/c.vhd library=Std note=n",
          "Nothing can be put into library 'Std'.\n"},
