@@ -7,7 +7,7 @@
 
 namespace pellux {
 
-// The files of a command line, and of lists of files that it names (docs/formats.md).
+// The files of a command line, and of lists of files that it names (docs/formats.md, section 22).
 
 /// A file as somebody names it.
 struct NamedFile {
