@@ -32,6 +32,17 @@ void add_components(String& path, std::string_view added) {
     }
 }
 
+/// Is an absolute path already as `absolute_path` answers it?
+bool is_resolved(std::string_view path) {
+    bool begins = false; ///< behind a separator
+    for (const char c : path) {
+        if (begins && (c == '.' || is_separator(c)))
+            return false;
+        begins = is_separator(c);
+    }
+    return !begins;
+}
+
 } // namespace
 
 String joined_path(std::string_view directory, std::string_view name) {
@@ -44,6 +55,8 @@ String joined_path(std::string_view directory, std::string_view name) {
 }
 
 String absolute_path(std::string_view directory, std::string_view path) {
+    if (is_absolute(path) && is_resolved(path))
+        return String(path);
     String whole;
     if (!is_absolute(path))
         add_components(whole, directory);

@@ -18,14 +18,22 @@ bool is_blank_or_control(char c) {
 
 /// Separators of the platform become those of a record.
 String with_separators(String path, char separator) {
+    if (separator == path_separator())
+        return path;
     std::replace_if(path.begin(), path.end(), is_separator, separator);
     return path;
 }
 
 /// The entry of a file that lies at the absolute `place`.
 String entry_of(const Project& project, std::string_view place) {
-    const String directory = absolute_path(view(project.directory), {});
-    String way = with_separators(relative_path(view(directory), place), '/');
+    const std::string_view directory = view(project.directory);
+    // Most lie below a directory that is written as it is found.
+    const bool is_below = place.size() > directory.size() + 1 && place.starts_with(directory) &&
+                          is_separator(place[directory.size()]);
+    String way =
+        with_separators(is_below ? String(place.substr(directory.size() + 1))
+                                 : relative_path(view(absolute_path(directory, {})), place),
+                        '/');
     if (way.starts_with('-'))
         way.insert(0, "./");
     return way;

@@ -144,6 +144,8 @@ bool add_files(const EditedProject& edited, const Vector<NamedFile>& files,
     if (!library.empty() && !check_library(library))
         return false;
     SourceIndex index = index_sources(project);
+    index.by_path.reserve(project.sources.size() + files.size());
+    project.sources.reserve(project.sources.size() + files.size());
     Places places;
     for (const NamedFile& file : files) {
         FileStat stat;
