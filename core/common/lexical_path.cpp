@@ -85,6 +85,16 @@ String relative_path(std::string_view directory, std::string_view file) {
     return relative.empty() ? relative : relative.substr(1);
 }
 
+String common_directory(std::string_view one, std::string_view other) {
+    String common(1, path_separator());
+    std::string_view name = next_component(one);
+    while (!name.empty() && name == next_component(other)) {
+        add_components(common, name);
+        name = next_component(one);
+    }
+    return common;
+}
+
 String with_extension(std::string_view path, std::string_view extension) {
     const std::size_t dot = file_name_part(path).rfind('.');
     const std::size_t directory = path.size() - file_name_part(path).size();

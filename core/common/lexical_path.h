@@ -21,6 +21,9 @@ namespace pellux {
 /// directory; empty for the directory itself.
 [[nodiscard]] String relative_path(std::string_view directory, std::string_view file);
 
+/// The lowest directory that two absolute directories are, or lie in.
+[[nodiscard]] String common_directory(std::string_view one, std::string_view other);
+
 /// `path` with another extension, or with one where its file name has none.
 [[nodiscard]] String with_extension(std::string_view path, std::string_view extension);
 

@@ -1,8 +1,9 @@
 #include "core/vhdl/unit_uses.h"
 
-#include "core/vhdl/source_scan.h"
 #include "core/vhdl/vhdl_lexer.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace pellux {
@@ -71,45 +72,6 @@ void read_instance(UseFinder& finder, std::size_t i) {
         finder.use(finder.at(name));
 }
 
-struct Text {
-    SourceScan scan;
-    bool entered = false;
-};
-
-/// Who declares a name, and who has a package's body.
-struct Declarations {
-    TextMap<Vector<std::size_t>> primary;
-    TextMap<Vector<std::size_t>> bodies;
-};
-
-Declarations declarations_in(std::span<const String> texts) {
-    Declarations all;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        for (DeclaredUnit& unit : declared_units(view(texts[i]))) {
-            if (unit.kind == VhdlUnitKind::package_body)
-                all.bodies[unit.name].push_back(i);
-            else if (unit.kind != VhdlUnitKind::architecture)
-                all.primary[unit.name].push_back(i);
-        }
-    }
-    return all;
-}
-
-Vector<std::size_t> needed_by(const Text& text, const Declarations& declarations) {
-    Vector<std::size_t> needed;
-    const auto add = [&](const TextMap<Vector<std::size_t>>& from, std::string_view name) {
-        const auto found = from.find(name);
-        if (found != from.end())
-            needed.insert(needed.end(), found->second.begin(), found->second.end());
-    };
-    text.scan.identifiers.for_each([&](std::string_view name) {
-        add(declarations.primary, name);
-        if (text.scan.generic_instance)
-            add(declarations.bodies, name);
-    });
-    return needed;
-}
-
 /// A text and those that it needs, being visited.
 struct Visit {
     std::size_t text = 0;
@@ -140,18 +102,43 @@ Vector<String> unused_units(const Vector<String>& units, std::string_view source
     return unused;
 }
 
-Vector<std::size_t> analysis_order(std::span<const String> texts) {
-    const Declarations declarations = declarations_in(texts);
-    Vector<Text> all(texts.size());
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        scan_source(view(texts[i]), all[i].scan);
+void AnalysisOrder::add(std::string_view text) {
+    for (const DeclaredUnit& unit : declared_units(text)) {
+        if (unit.kind == VhdlUnitKind::package_body)
+            bodies_[unit.name].push_back(scans_.size());
+        else if (unit.kind != VhdlUnitKind::architecture)
+            primary_[unit.name].push_back(scans_.size());
+    }
+    scan_source(text, scanned_);
+    scans_.push_back(compact(scanned_));
+}
+
+Vector<std::size_t> AnalysisOrder::needed_by(const SourceScan& scan) const {
+    Vector<std::size_t> needed;
+    const auto add = [&](const Declared& from, std::string_view name) {
+        const auto found = from.find(name);
+        if (found != from.end())
+            needed.insert(needed.end(), found->second.begin(), found->second.end());
+    };
+    scan.identifiers.for_each([&](std::string_view name) {
+        add(primary_, name);
+        if (scan.generic_instance)
+            add(bodies_, name);
+    });
+    // The table of identifiers has no order; what comes first is taken from the end.
+    std::ranges::sort(needed, std::greater());
+    return needed;
+}
+
+Vector<std::size_t> AnalysisOrder::find() const {
     Vector<std::size_t> order;
+    Vector<char> entered(scans_.size());
     Vector<Visit> stack;
     const auto enter = [&](std::size_t i) {
-        if (!std::exchange(all[i].entered, true))
-            stack.push_back({i, needed_by(all[i], declarations)});
+        if (std::exchange(entered[i], 1) == 0)
+            stack.push_back({i, needed_by(scans_[i])});
     };
-    for (std::size_t i = 0; i < texts.size(); ++i) {
+    for (std::size_t i = 0; i < scans_.size(); ++i) {
         for (enter(i); !stack.empty();) {
             Visit& last = stack.back();
             if (last.needed.empty()) {

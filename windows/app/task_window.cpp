@@ -10,10 +10,12 @@
 #include "windows/toolkit/resource.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/new_project.h"
+#include "windows/workspace/open_projects.h"
 #include "windows/workspace/project_opening.h"
 #include "windows/workspace/recovery_window.h"
 
 #include <array>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -98,6 +100,13 @@ void on_quit(Shell& shell, const QuitEvent& event) {
         xvt_app_allow_quit();
 }
 
+/// Where no project is open, other files than projects begin one.
+void on_drop(std::span<const String> paths) {
+    Vector<String> others = open_projects_among(paths);
+    if (workspace().projects.empty() && !others.empty())
+        offer_new_project(std::move(others));
+}
+
 /// The hook leaves to the program what already names its page.
 void on_help(Window task, const Event& event, int topic) {
     if (topic == 0 || !xvt_help_process_event(help_file(), task, event))
@@ -117,7 +126,7 @@ long on_event(void* context, Window window, const Event& event) {
     else if (const auto* wish = event.get<QuitEvent>())
         on_quit(shell, *wish);
     else if (const auto* drop = event.get<DropEvent>())
-        open_projects_among(drop->paths);
+        on_drop(drop->paths);
     else if (const auto* help = event.get<HelpEvent>())
         on_help(window, event, help->topic);
     return 0;

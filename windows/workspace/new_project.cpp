@@ -1,6 +1,8 @@
 #include "windows/workspace/new_project.h"
 
 #include "core/common/blanks.h"
+#include "core/common/callback.h"
+#include "core/common/lexical_path.h"
 #include "core/os/ascii.h"
 #include "core/os/files.h"
 #include "windows/controls/boxes.h"
@@ -8,11 +10,15 @@
 #include "windows/controls/messages.h"
 #include "windows/toolkit/dialog.h"
 #include "windows/workspace/messages.h"
+#include "windows/workspace/new_sources.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_files.h"
 #include "windows/workspace/project_opening.h"
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <utility>
 
 namespace pellux {
 namespace {
@@ -21,12 +27,14 @@ constexpr int k_dialog = 111;
 constexpr int k_directory_row = 1;
 constexpr int k_name_row = 2;
 constexpr int k_choose_row = 3;
+constexpr int k_take_row = 4;
 constexpr std::string_view k_usual_name = "brix.bpr";
 
 constexpr std::array k_rows{
     DialogRowResource{k_directory_row, DialogRowKind::edit, "&Directory:", 0},
     DialogRowResource{k_name_row, DialogRowKind::edit, "&Project file:", 0},
     DialogRowResource{k_choose_row, DialogRowKind::button, "&Choose name...", 0},
+    DialogRowResource{k_take_row, DialogRowKind::check, "", 0},
 };
 constexpr std::array k_buttons{k_ok, k_cancel};
 constexpr std::array k_dialogs{
@@ -93,7 +101,7 @@ bool enter_new_directory(const String& text, PathBuffer& directory) {
 }
 
 /// What "OK" does; false keeps the dialog open.
-bool make_project(Dialog& dialog) {
+bool make_project(Dialog& dialog, NewSources& sources) {
     const String text = value_of(dialog, k_directory_row);
     if (text.empty())
         return true;
@@ -120,8 +128,85 @@ bool make_project(Dialog& dialog) {
     Owned<Project> project = make_owned<Project>();
     project->file_name.assign(view(name));
     project->directory = resolved.view();
-    add_project(std::move(project));
+    if (add_project(std::move(project)))
+        add_found_files(workspace().projects.back()->window, sources.take());
     return true;
+}
+
+/// The directory that all of these lie in, or are; empty: none.
+String directory_of_all(std::span<const String> paths) {
+    String common;
+    for (const String& path : paths) {
+        FileStat stat;
+        PathBuffer place;
+        const bool is_directory =
+            !failed(stat_file(view(path), stat)) && stat.kind == FileKind::directory;
+        if (failed(real_path(is_directory ? view(path) : directory_part(view(path)), place)))
+            continue;
+        common =
+            common.empty() ? String(place.view()) : common_directory(view(common), place.view());
+    }
+    return common;
+}
+
+/// `given` are offered, or what the directory has when there are none.
+void ask_for_project(const Vector<String>& given) {
+    Dialog dialog;
+    if (!xvt_dlg_create_res(dialog, k_dialog)) {
+        post_error(msg_no_dialog);
+        return;
+    }
+    PathBuffer directory;
+    if (const String common = directory_of_all(given); !common.empty())
+        directory = PathBuffer(view(common));
+    else if (failed(current_directory(directory)))
+        directory.clear();
+    value_of(dialog, k_directory_row) = directory.view();
+    value_of(dialog, k_name_row) = k_usual_name;
+
+    struct Offer {
+        const Vector<String>& given;
+        NewSources sources;
+
+        void look(Dialog& dialog) {
+            PathBuffer place;
+            Vector<String> paths = given;
+            const String& typed = value_of(dialog, k_directory_row);
+            if (paths.empty() && !typed.empty() && make_absolute(view(typed), place))
+                paths.emplace_back(place.view());
+            sources.look_among(std::move(paths));
+        }
+    };
+    Offer offer{given, NewSources(dialog, k_take_row)};
+    dialog.calls.context = &offer;
+    dialog.calls.on_change = [](void* context, Dialog& changed, int row) {
+        auto& own = from_context<Offer>(context);
+        if (row == k_take_row)
+            own.sources.note_choice();
+        else if (row == k_directory_row)
+            own.look(changed);
+    };
+    for (;;) {
+        offer.look(dialog);
+        const int button = xvt_dlg_ask(dialog);
+        if (button == k_button_rows + k_choose_row)
+            choose_name(dialog);
+        else if (button != 0 || make_project(dialog, offer.sources))
+            return;
+    }
+}
+
+/// What was dropped, until the drop is over.
+struct Dropped {
+    Vector<String> paths;
+    PostedCall call{.call = [](void* context) {
+        ask_for_project(std::exchange(from_context<Dropped>(context).paths, {}));
+    }};
+};
+
+Dropped& dropped() {
+    static Dropped s_dropped;
+    return s_dropped;
 }
 
 } // namespace
@@ -131,22 +216,13 @@ void register_new_project() {
 }
 
 void ask_for_new_project() {
-    Dialog dialog;
-    if (!xvt_dlg_create_res(dialog, k_dialog)) {
-        post_error(msg_no_dialog);
-        return;
-    }
-    PathBuffer directory;
-    if (!failed(current_directory(directory)))
-        value_of(dialog, k_directory_row) = directory.view();
-    value_of(dialog, k_name_row) = k_usual_name;
-    for (;;) {
-        const int button = xvt_dlg_ask(dialog);
-        if (button == k_button_rows + k_choose_row)
-            choose_name(dialog);
-        else if (button != 0 || make_project(dialog))
-            return;
-    }
+    ask_for_project({});
+}
+
+void offer_new_project(Vector<String> paths) {
+    dropped().paths = std::move(paths);
+    dropped().call.context = &dropped();
+    post_call(dropped().call);
 }
 
 } // namespace pellux

@@ -157,9 +157,12 @@ bool analyse(const InstalledLibraryRun& run, const GhdlCalls& calls, const Libra
 Vector<std::size_t> analyse_all(const InstalledLibraryRun& run, const GhdlCalls& calls,
                                 const LibraryPlace& cache, const Candidate& candidate) {
     Vector<String> texts(candidate.sources.size());
-    for (std::size_t i = 0; i < texts.size(); ++i)
+    AnalysisOrder order;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
         static_cast<void>(read_source_text(view(candidate.sources[i]), texts[i]));
-    Vector<std::size_t> waiting = analysis_order(texts);
+        order.add(view(texts[i]));
+    }
+    Vector<std::size_t> waiting = order.find();
     for (std::size_t before = 0; before != waiting.size() && !waiting.empty();) {
         before = waiting.size();
         std::erase_if(waiting, [&](std::size_t i) {
