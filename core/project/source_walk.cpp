@@ -117,8 +117,11 @@ bool SourceWalk::step() {
         add_file(joined_path(view(directory.path), view(file.name)), file.is_link);
     for (const Found& each : listing.directories) {
         String path = joined_path(view(directory.path), view(each.name));
-        if (PathBuffer place; each.is_link && !failed(real_path(view(path), place)))
+        if (PathBuffer place; each.is_link && !failed(real_path(view(path), place))) {
             path = place.view();
+            if (common_directory(view(path), view(directory.path)) == path)
+                continue; // it leads up
+        }
         enter(std::move(path), directory.level + 1);
     }
     return !waiting_.empty();

@@ -9,7 +9,8 @@ namespace pellux {
 
 /// Looks for VHDL files (".vhd" and ".vhdl" in any case) in directories and those below them, one
 /// directory a step. Left out is what is hidden, and directories that the compiler makes: compiled
-/// libraries, with the runs in them. Links are followed, but no directory and no file is met twice.
+/// libraries, with the runs in them. Links are followed, but not up, and no
+/// directory and no file is met twice.
 class SourceWalk {
 public:
     static constexpr std::size_t k_files_max = 10'000;

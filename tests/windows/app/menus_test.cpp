@@ -97,6 +97,22 @@ TEST_F(Menus, HaveNoToolsWithoutCatalogue) {
         EXPECT_TRUE(xvt_dlg_create_res(about, app_config().about_box) && xvt_dlg_ask(about) == 0);
         user_.expect_ask("Quit Pellux?", "Cancel");
         press_key("Ctrl+Q");
+        // Files begin a project where none is open, once; project files are opened.
+        test::make_project_file(directory_.path("d"), "p.bpr");
+        const std::vector files{directory_.write("d/b.vhd", ""), directory_.write("d/e/a.vhd", "")};
+        user_.expect(QuestionKind::dialog, "New Project", [&](const Question& question) {
+            EXPECT_EQ(std::string(question.rows.at(0).value), directory_.path("d"));
+            Answer answer = closed_answer(question);
+            answer.button = 0;
+            return answer;
+        });
+        EXPECT_TRUE(drop_files(xvt_win_get_task(), {5, 200}, files));
+        EXPECT_EQ(test::open_names(), "brix.bpr ");
+        EXPECT_EQ(workspace().projects.at(0)->project->sources.size(), 2u);
+        EXPECT_TRUE(drop_files(xvt_win_get_task(), {5, 200}, files));
+        EXPECT_TRUE(
+            drop_files(xvt_win_get_task(), {5, 200}, std::vector{directory_.path("d/p.bpr")}));
+        EXPECT_EQ(test::open_names(), "brix.bpr p.bpr ");
     });
 }
 

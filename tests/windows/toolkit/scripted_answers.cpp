@@ -156,7 +156,7 @@ Answer ScriptedAnswers::on_ask(const Question& question) {
     const Reply reply = std::move(expected_.front().reply);
     expected_.pop_front();
     if (question.kind == QuestionKind::dialog)
-        dialogs_[question.dialog] = question;
+        dialogs_[asked_ = question.dialog] = question;
     return reply(question);
 }
 

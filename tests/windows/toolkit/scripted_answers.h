@@ -57,6 +57,9 @@ public:
     void expect_closed(QuestionKind kind, std::string_view pattern);
     void expect_fatal_exit(std::string_view pattern);
 
+    /// What a reply to a modal dialog does to it, and what it has become.
+    void edit_asked(const RowEdit& row_edit) { edit(asked_, row_edit); }
+    [[nodiscard]] const Question& asked() const { return dialogs_.at(asked_); }
     /// The modeless dialog of this title as it looks now; null when there is none.
     [[nodiscard]] const Question* standing(std::string_view title) const;
     void edit_standing(std::string_view title, const RowEdit& edit);
@@ -80,6 +83,7 @@ private:
     [[nodiscard]] const Question& known(std::string_view title) const;
     void on_fatal_exit(std::string_view text);
 
+    std::uint64_t asked_ = 0; ///< the dialog asked last
     std::deque<Expected> expected_;
     std::map<std::uint64_t, Question> dialogs_; ///< that are asked or stand
     AskSeam before_;

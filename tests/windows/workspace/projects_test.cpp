@@ -1,3 +1,4 @@
+#include "core/project/source_walk.h"
 #include "tests/support/file_faults.h"
 #include "tests/windows/workspace/project_files.h"
 #include "windows/toolkit/window.h"
@@ -127,6 +128,96 @@ TEST_F(ProjectWindows, MakeNewProjectsWhereNoneIs) {
                       top_ + row.opened);
             EXPECT_EQ(std::filesystem::current_path(), last.directory.c_str());
         }
+    });
+}
+
+TEST_F(ProjectWindows, TakeUpTheFilesOfTheirDirectory) {
+    directory_.write("t/top.vhd", "entity top is end; architecture a of top is begin\n"
+                                  "u : entity work.leaf; end;");
+    directory_.write("t/z/leaf.vhdl", "use work.pkg.all; entity leaf is end;");
+    for (const char* file : {"t/z/PKG.VHD", "t/d e.vhd", "t/u/lone.vhd", "t/u/work-obj08.cf",
+                             "t/u/index.txt", "t/.git/x.vhd", "t/work/index", "t/work/y.vhd",
+                             "t/work/work-obj93.cf", "t/work/plain/y.vhd", "t/z/note.txt"})
+        directory_.write(file, file == std::string("t/z/PKG.VHD") ? "package pkg is end;" : "");
+    std::filesystem::create_directory_symlink("z", directory_.path("t/again"));
+    std::filesystem::create_directory_symlink("..", directory_.path("t/z/loop"));
+    std::filesystem::create_symlink("leaf.vhdl", directory_.path("t/z/same.vhd"));
+    const std::string all = "z/PKG.VHD z/leaf.vhdl top.vhd u/lone.vhd ";
+    std::filesystem::create_directories(directory_.path("t/none"));
+    const struct {
+        const char* directory; ///< typed last
+        int chosen;            ///< 0 or 1: what the user makes of the box; -1: nothing
+        const char* label;
+        std::string files;
+        std::vector<std::string> dropped{};
+        std::string proposed{}; ///< for what was dropped
+    } rows[] = {
+        {"t", -1, "&Add its VHDL files (5 files)", all},
+        {"t", 0, "&Add its VHDL files (5 files)", ""},
+        {"t/none", -1, "&Add its VHDL files (none)", ""},
+        {"t/gone", -1, "&Add its VHDL files (none)", ""},
+        {"t/u", -1, "&Add its VHDL files (1 file)", "lone.vhd "},
+        {nullptr,
+         -1,
+         "&Add its VHDL files (2 files)",
+         "top.vhd z/PKG.VHD ",
+         {"t/top.vhd", "t/z/PKG.VHD"},
+         "t"},
+        {nullptr, -1, "&Add its VHDL files (2 files)", "PKG.VHD leaf.vhdl ", {"t/z"}, "t/z"},
+        {"t/u",
+         -1,
+         "&Add its VHDL files (2 files)",
+         "../z/note.txt lone.vhd ",
+         {"t/z/note.txt", "t/u/lone.vhd"},
+         "t"},
+    };
+    run([&] {
+        int number = 0;
+        for (const auto& row : rows) {
+            std::filesystem::current_path(top_);
+            user_.expect(QuestionKind::dialog, "New Project", [&](const Question& asked) {
+                EXPECT_EQ(std::string(asked.rows.at(0).value),
+                          row.proposed.empty() ? top_ : directory_.path(row.proposed));
+                if (row.directory != nullptr)
+                    user_.edit_asked({1, row.directory, -1});
+                user_.edit_asked({2, std::to_string(++number), -1});
+                if (row.chosen >= 0)
+                    user_.edit_asked({4, "", row.chosen});
+                Answer answer = closed_answer(asked);
+                answer.rows = user_.asked().rows;
+                answer.button = 0;
+                const DialogRow& box = answer.rows.at(3);
+                EXPECT_EQ(std::string(box.label), row.label);
+                EXPECT_EQ(box.is_enabled, !box.label.ends_with("(none)"));
+                EXPECT_EQ(box.selected == 1, !row.files.empty());
+                return answer;
+            });
+            if (row.files == all)
+                user_.expect_error("'*/t/d e.vhd' can't be added: with a blank *");
+            Vector<String> paths;
+            for (const std::string& name : row.dropped)
+                paths.emplace_back(directory_.path(name));
+            paths.empty() ? ask_for_new_project() : offer_new_project(std::move(paths));
+            process_events();
+            std::string files;
+            for (const auto& source : last().sources)
+                files += std::string(source->file_name.view()) + " ";
+            EXPECT_EQ(files, row.files);
+            const OpenProject& made = *workspace().projects.back();
+            EXPECT_TRUE(made.written.empty() && has_changed(made));
+            if (!files.empty())
+                press_key("Ctrl+Z");
+            EXPECT_TRUE(last().sources.empty());
+        }
+        // A tree with more files than a project takes up, found in the turns of the loop.
+        for (int i = 0; i <= static_cast<int>(SourceWalk::k_files_max); ++i)
+            directory_.write("many/" + std::to_string(i % 100) + "/f" + std::to_string(i) + ".vhd",
+                             "");
+        user_.expect_dialog("New Project", "OK", {{1, "many", -1}});
+        user_.expect_note("There are more files; the first 10000 were added.");
+        std::filesystem::current_path(top_);
+        ask_for_new_project();
+        EXPECT_EQ(last().sources.size(), SourceWalk::k_files_max);
     });
 }
 
