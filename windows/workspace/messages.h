@@ -71,13 +71,15 @@ inline Message<> msg_reserved_library{"E2483", "a library of the language itself
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};
-inline Message<> msg_take_none{"E2432", "&Add its VHDL files (none)"};
-inline Message<> msg_take_one{"E2433", "&Add its VHDL files (1 file)"};
-inline Message<int> msg_take{"E2434", "&Add its VHDL files (%d files)"};
-inline Message<int> msg_take_first{"E2435", "&Add its VHDL files (the first %d)"};
-inline Message<int> msg_take_so_far{"E2436", "&Add its VHDL files (%d so far)"};
-inline Message<int> msg_more_files{"E2437", "There are more files; the first %d were added."};
-inline Message<const char*> msg_reading{"E2438", "Reading '%s'"};
+inline Message<const char*> msg_take_its{"E2432", "&Add its VHDL files (%s)"};
+inline Message<const char*> msg_take_dropped{"E2433", "&Add the dropped files (%s)"};
+inline Message<> msg_no_file{"E2434", "none"};
+inline Message<> msg_one_file{"E2435", "1 file"};
+inline Message<int> msg_some_files{"E2436", "%d files"};
+inline Message<int> msg_first_files{"E2437", "the first %d"};
+inline Message<int> msg_files_so_far{"E2438", "%d so far"};
+inline Message<int> msg_more_files{"E2439", "There are more files; the first %d were added."};
+inline Message<const char*> msg_reading{"E2440", "Reading '%s'"};
 inline Message<const char*> msg_search_project{"E2220", "Search project '%s'"};
 inline Message<> msg_search_selected{"E2221", "Search selected files"};
 inline Message<const char*> msg_search_files{"E2222", "Search '%s'"};

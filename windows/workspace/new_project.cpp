@@ -177,7 +177,8 @@ void ask_for_project(const Vector<String>& given) {
             sources.look_among(std::move(paths));
         }
     };
-    Offer offer{given, NewSources(dialog, k_take_row)};
+    Offer offer{given,
+                NewSources(dialog, k_take_row, given.empty() ? msg_take_its : msg_take_dropped)};
     dialog.calls.context = &offer;
     dialog.calls.on_change = [](void* context, Dialog& changed, int row) {
         auto& own = from_context<Offer>(context);

@@ -15,14 +15,15 @@ constexpr std::int64_t k_first_slice_ms = 30;
 
 } // namespace
 
-NewSources::NewSources(Dialog& dialog, int row)
-    : dialog_(dialog), row_(row), slice_{.call =
-                                             [](void* context) {
-                                                 auto& sources = from_context<NewSources>(context);
-                                                 sources.look(k_slice_ms);
-                                                 xvt_dlg_update(sources.dialog_);
-                                             },
-                                         .context = this} {
+NewSources::NewSources(Dialog& dialog, int row, Message<const char*>& label)
+    : dialog_(dialog), row_(row),
+      label_(label), slice_{.call =
+                                [](void* context) {
+                                    auto& sources = from_context<NewSources>(context);
+                                    sources.look(k_slice_ms);
+                                    xvt_dlg_update(sources.dialog_);
+                                },
+                            .context = this} {
     show();
 }
 
@@ -53,14 +54,16 @@ void NewSources::look(std::int64_t for_ms) {
 void NewSources::show() {
     DialogRow& row = *find_row(dialog_, row_);
     const int count = static_cast<int>(walk_.files().size());
+    String files;
     if (is_looking_)
-        row.label = format_message(msg_take_so_far, count);
+        files = format_message(msg_files_so_far, count);
     else if (walk_.is_cut())
-        row.label = format_message(msg_take_first, count);
+        files = format_message(msg_first_files, count);
     else if (count == 1)
-        row.label = format_message(msg_take_one);
+        files = format_message(msg_one_file);
     else
-        row.label = count == 0 ? format_message(msg_take_none) : format_message(msg_take, count);
+        files = count == 0 ? format_message(msg_no_file) : format_message(msg_some_files, count);
+    row.label = format_message(label_, files.c_str());
     row.is_enabled = count > 0 || is_looking_;
     row.selected = row.is_enabled && is_wanted_ ? 1 : 0;
 }

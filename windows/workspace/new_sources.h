@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/diagnostics/message.h"
 #include "core/os/loop.h"
 #include "core/project/source_walk.h"
 #include "windows/toolkit/dialog.h"
@@ -11,14 +12,14 @@ namespace pellux {
 /// is checked when there are some, until the user clears it.
 class NewSources {
 public:
-    /// Borrowed is the dialog, which has the row.
-    NewSources(Dialog& dialog, int row);
+    /// Borrowed are the dialog, which has the row, and what the row says of a number of files.
+    NewSources(Dialog& dialog, int row, Message<const char*>& label);
     ~NewSources();
     NewSources(const NewSources&) = delete;
     NewSources& operator=(const NewSources&) = delete;
 
-    /// Looks anew, among files and directories. For long names or many files only a part is found
-    /// when it returns.
+    /// Looks anew, in directories and at files. In large trees only a part is found when it
+    /// returns.
     void look_among(Vector<String> paths);
     /// To be called when the user has changed the row.
     void note_choice();
@@ -31,6 +32,7 @@ private:
 
     Dialog& dialog_;
     const int row_;
+    Message<const char*>& label_;
     bool is_wanted_ = true;
     bool is_looking_ = false;
     Vector<String> paths_;
