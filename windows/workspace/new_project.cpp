@@ -9,10 +9,10 @@
 #include "windows/controls/help_topics.h"
 #include "windows/controls/messages.h"
 #include "windows/toolkit/dialog.h"
+#include "windows/workspace/found_files.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/new_sources.h"
 #include "windows/workspace/open_projects.h"
-#include "windows/workspace/project_files.h"
 #include "windows/workspace/project_opening.h"
 
 #include <algorithm>
@@ -100,8 +100,13 @@ bool enter_new_directory(const String& text, PathBuffer& directory) {
     return false;
 }
 
+struct NewProject {
+    Window window = Window::none; ///< none: there is no new one
+    SourceWalk taken;             ///< the files for its list
+};
+
 /// What "OK" does; false keeps the dialog open.
-bool make_project(Dialog& dialog, NewSources& sources) {
+bool make_project(Dialog& dialog, NewProject& made) {
     const String text = value_of(dialog, k_directory_row);
     if (text.empty())
         return true;
@@ -129,7 +134,7 @@ bool make_project(Dialog& dialog, NewSources& sources) {
     project->file_name.assign(view(name));
     project->directory = resolved.view();
     if (add_project(std::move(project)))
-        add_found_files(workspace().projects.back()->window, sources.take());
+        made.window = workspace().projects.back()->window;
     return true;
 }
 
@@ -150,11 +155,12 @@ String directory_of_all(std::span<const String> paths) {
 }
 
 /// `given` are offered, or what the directory has when there are none.
-void ask_for_project(const Vector<String>& given) {
+NewProject ask_for_project(const Vector<String>& given) {
+    NewProject made;
     Dialog dialog;
     if (!xvt_dlg_create_res(dialog, k_dialog)) {
         post_error(msg_no_dialog);
-        return;
+        return made;
     }
     PathBuffer directory;
     if (const String common = directory_of_all(given); !common.empty())
@@ -192,16 +198,27 @@ void ask_for_project(const Vector<String>& given) {
         const int button = xvt_dlg_ask(dialog);
         if (button == k_button_rows + k_choose_row)
             choose_name(dialog);
-        else if (button != 0 || make_project(dialog, offer.sources))
-            return;
+        else if (button != 0)
+            return made;
+        else if (make_project(dialog, made))
+            break;
     }
+    made.taken = offer.sources.take();
+    return made;
+}
+
+/// Files are read once the dialog is gone.
+void begin_project(const Vector<String>& given) {
+    NewProject made = ask_for_project(given);
+    if (made.window != Window::none)
+        add_found_files(made.window, std::move(made.taken));
 }
 
 /// What was dropped, until the drop is over.
 struct Dropped {
     Vector<String> paths;
     PostedCall call{.call = [](void* context) {
-        ask_for_project(std::exchange(from_context<Dropped>(context).paths, {}));
+        begin_project(std::exchange(from_context<Dropped>(context).paths, {}));
     }};
 };
 
@@ -217,7 +234,7 @@ void register_new_project() {
 }
 
 void ask_for_new_project() {
-    ask_for_project({});
+    begin_project({});
 }
 
 void offer_new_project(Vector<String> paths) {

@@ -6,6 +6,7 @@
 #include "windows/editor/auto_save.h"
 #include "windows/toolkit/event.h"
 #include "windows/toolkit/geometry.h"
+#include "windows/workspace/found_files.h"
 #include "windows/workspace/source_looks.h"
 
 #include <optional>
@@ -38,6 +39,7 @@ struct OpenProject {
     Rect placed; ///< where the window stood at first, its user not having moved it
     SourceLooks looks;
     SourceHistory history;
+    Owned<FoundFiles> found; ///< that are not in the list yet
     std::optional<CompileRequest> last_compile;
     bool walks_errors = false; ///< F4 goes to errors, else to what a search has found
 };

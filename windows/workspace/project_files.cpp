@@ -2,10 +2,8 @@
 
 #include "core/common/lexical_path.h"
 #include "core/common/text_file.h"
-#include "core/os/clock.h"
 #include "core/os/files.h"
 #include "core/project/source_clipboard.h"
-#include "core/vhdl/unit_uses.h"
 #include "windows/controls/boxes.h"
 #include "windows/toolkit/clipboard.h"
 #include "windows/toolkit/control.h"
@@ -21,9 +19,6 @@
 
 namespace pellux {
 namespace {
-
-/// Bytes that are read to find an order; files behind them stand as they were found.
-constexpr std::size_t k_ordered_bytes_max = std::size_t{256} << 20;
 
 /// Is what `tell_refusal` says the same for all files?
 bool names_no_file(AddStatus status) {
@@ -206,44 +201,15 @@ void add_dropped_files(Window window, std::span<const String> paths) {
     adding.end();
 }
 
-void add_found_files(Window window, SourceWalk walk) {
+void add_files(Window window, const Vector<String>& paths) {
     Project* project = find_project(window);
     if (project == nullptr)
         return;
-    std::int64_t shown = real_monotonic_ms();
-    const auto show = [&](const String& path) {
-        constexpr std::int64_t k_shown_ms = 100;
-        const std::int64_t now = real_monotonic_ms();
-        if (now - shown < k_shown_ms)
-            return;
-        shown = now;
-        show_status_now(window, view(format_message(msg_reading, path.c_str())));
-    };
-    while (walk.step()) {
-        if (!walk.files().empty())
-            show(walk.files().back());
-    }
-    const Vector<String>& paths = walk.files();
-    if (paths.empty())
-        return;
-    std::size_t left = k_ordered_bytes_max;
-    AnalysisOrder order;
-    for (const String& path : paths) {
-        show(path);
-        String text;
-        SystemError error = SystemError::none;
-        if (read_text_file(view(path), left, text, error) != TextFileStatus::read)
-            text.clear();
-        left -= text.size();
-        order.add(view(text));
-    }
     Adding adding(window, *project);
-    for (const std::size_t i : order.find())
-        adding.add(view(paths[i]));
+    for (const String& path : paths)
+        adding.add(view(path));
     adding.end();
-    if (walk.is_cut())
-        xvt_dm_post_note("%s",
-                         format_message(msg_more_files, static_cast<int>(paths.size())).c_str());
+    show_sources(window, {}, 0);
 }
 
 bool copy_selected_files(Window window) {

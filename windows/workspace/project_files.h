@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/project/source_list.h"
-#include "core/project/source_walk.h"
 #include "windows/toolkit/event.h"
 
 #include <span>
@@ -16,9 +15,8 @@ void add_all_vhdl_files(Window window);
 void ask_for_pla_file(Window window);
 /// Files, and all VHDL files of directories.
 void add_dropped_files(Window window, std::span<const String> paths);
-/// Looks to the walk's end, and adds what it finds in the order in which the files use one another,
-/// as far as their texts tell. The status line says how far it is.
-void add_found_files(Window window, SourceWalk walk);
+/// Absolute paths, in this order; none is selected.
+void add_files(Window window, const Vector<String>& paths);
 void cut_selected_files(Window window);
 /// False after the user was told; the clipboard is then as it was.
 bool copy_selected_files(Window window);
