@@ -3,11 +3,6 @@
 #include "core/common/callback.h"
 #include "core/common/text_file.h"
 #include "core/os/clock.h"
-#include "windows/controls/boxes.h"
-#include "windows/workspace/messages.h"
-#include "windows/workspace/open_projects.h"
-#include "windows/workspace/project_files.h"
-#include "windows/workspace/project_view.h"
 
 #include <utility>
 
@@ -15,14 +10,13 @@ namespace pellux {
 namespace {
 
 constexpr std::int64_t k_slice_ms = 8;
-constexpr std::int64_t k_first_slice_ms = 100;
 /// What is read to find an order; files behind that stand as they were found.
 constexpr std::size_t k_bytes_max = std::size_t{256} << 20;
 
 } // namespace
 
-FoundFiles::FoundFiles(Window window, SourceWalk walk)
-    : window_(window), walk_(std::move(walk)),
+FoundFiles::FoundFiles(Window window, SourceWalk walk, const Calls& calls)
+    : window_(window), walk_(std::move(walk)), calls_(calls),
       bytes_left_(k_bytes_max), slice_{.call =
                                            [](void* context) {
                                                from_context<FoundFiles>(context).go_on(k_slice_ms);
@@ -38,19 +32,21 @@ void FoundFiles::go_on(std::int64_t for_ms) {
     while (step()) {
         if (real_monotonic_ms() - start < for_ms)
             continue;
-        show();
         post_call(slice_);
+        const Vector<String>& files = walk_.files();
+        if (!files.empty())
+            calls_.advanced(window_, is_walking_ ? files.back() : files[read_]);
         return;
     }
-    end();
+    calls_.done(window_);
 }
 
 bool FoundFiles::step() {
+    const Vector<String>& files = walk_.files();
     if (is_walking_) {
         is_walking_ = walk_.step();
-        return is_walking_ || !walk_.files().empty();
+        return is_walking_ || !files.empty();
     }
-    const Vector<String>& files = walk_.files();
     String text;
     SystemError error = SystemError::none;
     if (read_text_file(view(files[read_]), bytes_left_, text, error) != TextFileStatus::read)
@@ -60,35 +56,11 @@ bool FoundFiles::step() {
     return ++read_ < files.size();
 }
 
-void FoundFiles::show() const {
-    const Vector<String>& files = walk_.files();
-    if (!files.empty())
-        show_status(window_, view(format_message(msg_reading, is_walking_ ? files.back().c_str()
-                                                                          : files[read_].c_str())));
-}
-
-void FoundFiles::end() {
+Vector<String> FoundFiles::ordered() const {
     Vector<String> files;
     for (const std::size_t i : order_.find())
         files.push_back(walk_.files()[i]);
-    const bool is_cut = walk_.is_cut();
-    // Boxes may stand below, and the project may be closed meanwhile.
-    const Window window = window_;
-    find_open_project(window)->found.reset();
-    if (files.empty())
-        return;
-    add_files(window, files);
-    if (is_cut)
-        xvt_dm_post_note("%s",
-                         format_message(msg_more_files, static_cast<int>(files.size())).c_str());
-}
-
-void add_found_files(Window window, SourceWalk walk) {
-    OpenProject* open = find_open_project(window);
-    if (open == nullptr)
-        return;
-    open->found = make_owned<FoundFiles>(window, std::move(walk));
-    open->found->go_on(k_first_slice_ms);
+    return files;
 }
 
 } // namespace pellux

@@ -7,34 +7,41 @@
 
 namespace pellux {
 
-/// Files on their way into the list of a project, which owns this: they are looked for, read, and
-/// added in the order in which they use one another, as far as their texts tell.
+/// Files on their way into the list of a project: they are looked for, and read to find out in
+/// which order they use one another.
 class FoundFiles {
 public:
-    FoundFiles(Window window, SourceWalk walk);
+    /// What whoever wants them is told, by the project's window.
+    struct Calls {
+        /// It goes on in the next turn of the loop, with this file.
+        void (*advanced)(Window window, const String& path) = nullptr;
+        /// All is done; it may be destroyed now.
+        void (*done)(Window window) = nullptr;
+    };
+
+    FoundFiles(Window window, SourceWalk walk, const Calls& calls);
     ~FoundFiles();
     FoundFiles(const FoundFiles&) = delete;
     FoundFiles& operator=(const FoundFiles&) = delete;
 
-    /// Goes on for so long and then in the turns of the loop; is gone when all is done.
+    /// Goes on for so long, and then in the turns of the loop.
     void go_on(std::int64_t for_ms);
+    /// In their order, as far as their texts tell.
+    [[nodiscard]] Vector<String> ordered() const;
+    /// There are more than are looked for.
+    [[nodiscard]] bool is_cut() const { return walk_.is_cut(); }
 
 private:
     [[nodiscard]] bool step();
-    void show() const;
-    void end();
 
     const Window window_;
     SourceWalk walk_;
+    const Calls calls_;
     bool is_walking_ = true;
     AnalysisOrder order_;
     std::size_t read_ = 0; ///< files
     std::size_t bytes_left_;
     PostedCall slice_;
 };
-
-/// Adds what a walk finds to the list of a window's project. Few files are in it at once; while it
-/// takes longer the status line says so, and the user goes on with the window.
-void add_found_files(Window window, SourceWalk walk);
 
 } // namespace pellux

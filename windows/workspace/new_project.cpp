@@ -9,10 +9,10 @@
 #include "windows/controls/help_topics.h"
 #include "windows/controls/messages.h"
 #include "windows/toolkit/dialog.h"
-#include "windows/workspace/found_files.h"
 #include "windows/workspace/messages.h"
 #include "windows/workspace/new_sources.h"
 #include "windows/workspace/open_projects.h"
+#include "windows/workspace/project_files.h"
 #include "windows/workspace/project_opening.h"
 
 #include <algorithm>

@@ -84,6 +84,23 @@ bool add_directory(Adding& adding, const String& directory) {
     return true;
 }
 
+/// None is selected then: a key would remove them all.
+void add_found(Window window) {
+    OpenProject* open = find_open_project(window);
+    const Owned<FoundFiles> found = std::exchange(open->found, nullptr);
+    const Vector<String> files = found->ordered();
+    if (files.empty())
+        return;
+    Adding adding(window, *open->project);
+    for (const String& path : files)
+        adding.add(view(path));
+    adding.end();
+    show_sources(window, {}, 0);
+    if (found->is_cut())
+        xvt_dm_post_note("%s",
+                         format_message(msg_more_files, static_cast<int>(files.size())).c_str());
+}
+
 bool refuses_vhdl(const Project& project) {
     if (may_add_vhdl(project))
         return false;
@@ -201,15 +218,18 @@ void add_dropped_files(Window window, std::span<const String> paths) {
     adding.end();
 }
 
-void add_files(Window window, const Vector<String>& paths) {
-    Project* project = find_project(window);
-    if (project == nullptr)
-        return;
-    Adding adding(window, *project);
-    for (const String& path : paths)
-        adding.add(view(path));
-    adding.end();
-    show_sources(window, {}, 0);
+void add_found_files(Window window, SourceWalk walk) {
+    constexpr std::int64_t k_at_once_ms = 100;
+    const FoundFiles::Calls calls{.advanced =
+                                      [](Window own, const String& path) {
+                                          show_status(
+                                              own, view(format_message(msg_reading, path.c_str())));
+                                      },
+                                  .done = add_found};
+    if (OpenProject* open = find_open_project(window)) {
+        open->found = make_owned<FoundFiles>(window, std::move(walk), calls);
+        open->found->go_on(k_at_once_ms);
+    }
 }
 
 bool copy_selected_files(Window window) {
