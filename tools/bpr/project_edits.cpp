@@ -54,8 +54,8 @@ String refusal(AddStatus status, const String& path) {
 class Places {
 public:
     String of(std::string_view path) {
-        const String directory(directory_part(path));
-        if (directory != directory_ || resolved_.empty()) {
+        const std::string_view directory = directory_part(path);
+        if (directory != view(directory_) || resolved_.empty()) {
             directory_ = directory;
             resolved_ = directory_part(view(resolved_place(path)));
         }

@@ -87,11 +87,13 @@ bool Line::next(String& word, bool& is_quoted) {
             take_variable(word);
             continue;
         }
-        rest.remove_prefix(1);
         if (c != '"' && c != '\'') {
-            word += c;
+            const std::size_t end = std::min(rest.find_first_of(" \t\"'$"), rest.size());
+            word += rest.substr(0, end);
+            rest.remove_prefix(end);
             continue;
         }
+        rest.remove_prefix(1);
         is_quoted = is_quoted || word.empty();
         const std::size_t end = rest.find(c);
         if (end == std::string_view::npos) {
