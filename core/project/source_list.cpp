@@ -88,7 +88,8 @@ AddResult add_source(Project& project, SourceIndex& index, std::string_view path
     String entry;
     if (const AddStatus status = judge(project, path, place, entry); status != AddStatus::added)
         return {status};
-    const auto [found, is_new] = index.by_path.try_emplace(place, project.sources.size());
+    const auto [found, is_new] =
+        index.by_path.try_emplace(std::move(place), project.sources.size());
     if (!is_new)
         return {AddStatus::already_listed, found->second};
     if (const AddStatus status = check_pla_rule(project, view(entry)); status != AddStatus::added) {
@@ -98,7 +99,8 @@ AddResult add_source(Project& project, SourceIndex& index, std::string_view path
     auto source = make_owned<VHDL_source>();
     source->kind = kind_of_name(view(entry));
     source->file_name.assign(view(entry));
-    source->added_from.assign(view(with_separators(String(directory_part(view(place))), '\\')));
+    source->added_from.assign(
+        view(with_separators(String(directory_part(view(found->first))), '\\')));
     project.sources.push_back(std::move(source));
     return {AddStatus::added, found->second};
 }
