@@ -84,7 +84,7 @@ String words_of(const SaidDirectives& said) {
 
 String line_of_top(const SaidDirectives& top) {
     if (top.file.empty())
-        return format_message(msg_no_top_design);
+        return format_message(msg_top_missing);
     if (!top.is_read)
         return format_message(msg_top_unreadable, top.file.c_str());
     if (top.is_silent())

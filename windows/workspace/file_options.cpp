@@ -125,7 +125,7 @@ void FilesDialog::check() {
         if (!is_library_name(view(name)))
             fault = format_message(msg_no_library_name);
         else if (is_reserved_library(view(lower_case(view(name)))))
-            fault = format_message(msg_reserved_library);
+            fault = format_message(msg_library_reserved);
     }
     dialog_.disabled_buttons = fault.empty() ? 0 : 1;
 }

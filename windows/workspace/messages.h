@@ -67,7 +67,7 @@ inline Message<int> msg_files_selected{"E2479", "%d files"};
 inline Message<> msg_each_keeps{"E2480", "each keeps its own"};
 inline Message<> msg_library_hint{"E2481", "one of those in use, or a new one"};
 inline Message<> msg_no_library_name{"E2482", "no library can be named so"};
-inline Message<> msg_reserved_library{"E2483", "a library of the language itself is named so"};
+inline Message<> msg_library_reserved{"E2483", "a library of the language itself is named so"};
 inline Message<const char*, const char*> msg_name_in_directory{"E2096", "%s (%s)"};
 inline Message<const char*> msg_no_project_name{"E2097",
                                                 "'%s' can't be the name of a project file."};
@@ -116,7 +116,7 @@ inline Message<> msg_catalogue_empty{"E2461", "'devices.dat' has no devices."};
 inline Message<const char*, const char*> msg_top_says{"E2462", "Top design '%s' says: %s."};
 inline Message<const char*> msg_top_silent{"E2463", "Top design '%s' says nothing of a device."};
 inline Message<const char*> msg_top_unreadable{"E2464", "Top design '%s' can't be read."};
-inline Message<> msg_no_top_design{"E2465", "The project has no top design."};
+inline Message<> msg_top_missing{"E2465", "The project has no top design."};
 inline Message<const char*, const char*> msg_file_says{"E2466", "'%s' says: %s."};
 inline Message<> msg_looking_for_device{"E2467", "Looking for a device in the other files..."};
 inline Message<> msg_no_device_said{"E2468", "No other file names a device."};

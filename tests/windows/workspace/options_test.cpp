@@ -2,6 +2,7 @@
 #include "tests/windows/workspace/project_files.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/window.h"
+#include "windows/workspace/project_menus.h"
 #include "windows/workspace/project_view.h"
 
 #include <map>
@@ -14,10 +15,14 @@ using Fields = std::map<std::string, std::string>;
 
 class Options : public test::Projects {
 protected:
+    /// As its key or menu item would; a key waits for the window to be in front.
+    static void command(ProjectCommand tag) {
+        xvt_win_dispatch_event(window(), Event{CommandEvent{static_cast<int>(tag)}});
+        process_events();
+    }
     /// What `bpr show` tells of the saved project, by name; those of sources with their number.
     static Fields saved() {
-        press_key("Ctrl+S");
-        process_events();
+        command(ProjectCommand::save);
         std::istringstream lines(run_program("bpr", {"show", "a.bpr"}).text);
         int source = 0;
         bool is_source = false;
@@ -66,10 +71,9 @@ protected:
             process_events();
         }
     }
-    void set(const char* title, const char* command, const std::string& keys) {
+    void set(const char* title, ProjectCommand dialog, const std::string& keys) {
         user_.expect_on_screen(title, [keys] { press_all(keys); });
-        press_key(command);
-        process_events();
+        command(dialog);
     }
 };
 
@@ -140,7 +144,7 @@ TEST_F(Options, EachFieldIsSetByKeysAndSavedAlone) {
               std::span<const OptionRow>(k_simulation)}) {
             for (const OptionRow& row : rows) {
                 const Fields before = saved();
-                set("Options", "Ctrl+,", page + row.keys + " Return");
+                set("Options", ProjectCommand::options, page + row.keys + " Return");
                 EXPECT_EQ(changes(before, saved()), row.changes) << row.keys;
             }
             page += "Ctrl+PgDown ";
@@ -149,10 +153,10 @@ TEST_F(Options, EachFieldIsSetByKeysAndSavedAlone) {
         const Fields last = saved();
         const std::size_t steps = open().history.past.size();
         while (!open().history.past.empty())
-            press_key("Ctrl+Z");
+            command(ProjectCommand::undo);
         EXPECT_EQ(project().options.flags, k_new_project_flags);
         for (std::size_t i = 0; i < steps; ++i)
-            press_key("Ctrl+Y");
+            command(ProjectCommand::redo);
         EXPECT_EQ(changes(last, saved()), "");
     });
 }
@@ -183,11 +187,11 @@ TEST_F(Options, FilesKeepWhatIsNotTouched) {
             const Fields before = saved();
             xvt_list_set_selected(project_list(window()), row.selected);
             xvt_win_dispatch_event(window(), Event{ClipboardEvent{}});
-            set("File Options", "Alt+Return", std::string(row.keys) + " Return");
+            set("File Options", ProjectCommand::file_options, std::string(row.keys) + " Return");
             EXPECT_EQ(changes(before, saved()), row.changes) << row.keys;
         }
         for (int i = 0; i < 6; ++i)
-            press_key("Ctrl+Z");
+            command(ProjectCommand::undo);
         EXPECT_EQ(changes(first, saved()), "");
     });
 }
