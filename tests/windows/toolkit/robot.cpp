@@ -7,7 +7,6 @@
 #include "windows/toolkit/qt/windows/task_window.h"
 #include "windows/toolkit/qt/windows/window_table.h"
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
@@ -17,7 +16,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPointer>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -144,10 +142,6 @@ void press_key(std::string_view key) {
     const QKeyCombination combination = sequence[0];
     QTest::keyClick(focus, combination.key(), combination.keyboardModifiers());
     process_events();
-    // A mnemonic holds its button for a moment.
-    if (const QPointer<QAbstractButton> button =
-            qobject_cast<QAbstractButton*>(QApplication::focusWidget()))
-        static_cast<void>(QTest::qWaitFor([&] { return button == nullptr || !button->isDown(); }));
 }
 
 void type_text(std::string_view text) {

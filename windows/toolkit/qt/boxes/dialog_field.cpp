@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShortcutEvent>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -49,6 +50,22 @@ Vector<ListEntry> entries_of(const DialogRow& row) {
     return entries;
 }
 
+/// One whose mnemonic takes effect at once, so that no key behind it comes too early.
+template <typename Button>
+class PromptButton : public Button {
+public:
+    using Button::Button;
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::Shortcut || static_cast<QShortcutEvent*>(event)->isAmbiguous())
+            return Button::event(event);
+        this->setFocus(Qt::ShortcutFocusReason);
+        this->click();
+        return true;
+    }
+};
+
 QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group) {
     switch (row.kind) {
     case DialogRowKind::text:
@@ -58,11 +75,11 @@ QWidget* make_widget(const DialogRow& row, QWidget* parent, QButtonGroup*& group
     case DialogRowKind::combo:
         return new ByteCombo(row.length_max, parent);
     case DialogRowKind::check:
-        return new QCheckBox(parent);
+        return new PromptButton<QCheckBox>(parent);
     case DialogRowKind::radio: {
         if (group == nullptr)
             group = new QButtonGroup(parent);
-        auto* radio = new QRadioButton(parent);
+        auto* radio = new PromptButton<QRadioButton>(parent);
         group->addButton(radio);
         return radio;
     }
