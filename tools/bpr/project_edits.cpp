@@ -127,6 +127,7 @@ bool open_project(EditedProject& edited, const char* file) {
 bool start_project(EditedProject& edited, const char* file) {
     edited.file = file;
     edited.project = make_owned<Project>();
+    edited.project->file_name.assign(file_name_part(file));
     if (!file_exists(file))
         return set_directory(*edited.project, file);
     tell(msg_edit_exists, file);

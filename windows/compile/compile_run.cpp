@@ -58,6 +58,12 @@ struct NamedSources {
     std::int64_t seconds = 0; ///< that they took last
 };
 
+/// A source's word as the compiler tells it, without what keeps it from being taken for a switch.
+String told_name(const String& word) {
+    const bool is_guarded = word.starts_with("./-") || word.starts_with("./@");
+    return is_guarded ? word.substr(2) : word;
+}
+
 /// The words of a command line that are sources of the project, in their order.
 NamedSources sources_among(const Project* project, const Vector<String>& words) {
     NamedSources sources;
@@ -69,7 +75,7 @@ NamedSources sources_among(const Project* project, const Vector<String>& words) 
         });
         if (found == project->sources.end())
             continue;
-        sources.names.push_back(word);
+        sources.names.push_back(told_name(word));
         sources.seconds += (*found)->words[k_seconds_word];
     }
     return sources;

@@ -2,6 +2,7 @@
 
 #include "core/common/callback.h"
 #include "core/devices/device_catalogue.h"
+#include "core/devices/messages.h"
 #include "core/devices/simulator_lines.h"
 #include "core/os/ascii.h"
 #include "core/project/compile_arguments.h"
@@ -288,22 +289,22 @@ String argument_line(const Project& project, const Source_options& options) {
 class OptionsDialog {
 public:
     OptionsDialog(Window window, const Project& project)
-        : window_(window), shown_(option_values(project)), simulators_(read_simulators()) {}
+        : window_(window), shown_(option_values(project)),
+          has_catalogue_(open(catalogue_reader(), true)),
+          simulators_(simulator_names(catalogue_reader())) {}
 
     void ask();
 
 private:
-    static Vector<String> read_simulators() { return simulator_names(catalogue_reader()); }
-
     void show(const Source_options& options);
     /// What the rows hold.
     [[nodiscard]] OptionValues values();
     void follow();
     void restore_defaults();
-    [[nodiscard]] bool is_wrong() const { return is_wrong_; }
 
     Window window_;
     OptionValues shown_; ///< what the rows were filled with
+    bool has_catalogue_;
     Vector<String> simulators_;
     Dialog dialog_;
     bool is_wrong_ = false;
@@ -337,7 +338,9 @@ void OptionsDialog::follow() {
     DialogRow& chosen = *find_row(dialog_, simulator);
     const bool is_known =
         chosen.value.empty() || std::ranges::find(simulators_, chosen.value) != simulators_.end();
-    chosen.hint = format_message(is_known ? msg_in_catalogue : msg_not_in_catalogue);
+    chosen.hint = format_message(!has_catalogue_ ? msg_catalogue_no_file
+                                 : is_known      ? msg_in_catalogue
+                                                 : msg_not_in_catalogue);
     dialog_.disabled_buttons = is_wrong_ ? 1U << k_ok_button | 1U << k_apply_button : 0;
     if (!differ(shown_, now))
         dialog_.disabled_buttons |= 1U << k_apply_button;

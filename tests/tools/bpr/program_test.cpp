@@ -229,9 +229,10 @@ TEST_F(BprProgram, MakesAProjectOfFilesAndChangesItByNames) {
                            "' | grep -vE 'null|: 8|-1' | tr -d ' \"\\n' >shown")
                               .c_str()),
               0);
-    EXPECT_EQ(directory_.read("shown"),
-              "file_name:./-g.vhd,file_name:sub/c.vhd,note:n,file_name:a.vhd,note:n,"
-              "file_name:h.vhd,library:lib,top_design:1,vhdl_standard:93,tab_width:3,");
+    EXPECT_EQ(
+        directory_.read("shown"),
+        "file_name:p.bpr,file_name:./-g.vhd,file_name:sub/c.vhd,note:n,file_name:a.vhd,note:n,"
+        "file_name:h.vhd,library:lib,top_design:1,vhdl_standard:93,tab_width:3,");
 }
 
 TEST_F(BprProgram, WhatCannotBeDoneIsOneLineAndStatusTwo) {

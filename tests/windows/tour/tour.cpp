@@ -223,6 +223,7 @@ void visit_options(Tour& tour, Window project) {
     };
     ask(ProjectCommand::options, {"options_compiler", "options_editor", "options_simulation"});
     ask(ProjectCommand::file_options, {"options_files"});
+    ask(ProjectCommand::device, {"device"});
 }
 
 void visit_project(Tour& tour) {
