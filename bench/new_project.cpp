@@ -31,26 +31,14 @@ void make_sources(const fs::path& top) {
     }
 }
 
-/// Where a flush costs nothing: it takes as long as the disk wants, and `find` has none.
-fs::path place() {
-    const fs::path memory = "/dev/shm";
-    return fs::is_directory(memory) ? memory : fs::temp_directory_path();
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    const bool moment = is_moment(argc, argv);
-    const fs::path top = place() / ("pellux-bench-new-" + std::to_string(getpid()));
+void measure(const fs::path& place, const char* name, bool moment) {
+    const fs::path top = place / ("pellux-bench-new-" + std::to_string(getpid()));
     fs::create_directories(top);
     make_sources(top);
     const std::string bpr = std::string(PELLUX_BINARY_DIR) + "/velmora/bin/bpr";
     const std::string file = (top / "large.bpr").string();
     compare(
-        {.name = "bpr new of 10,000 sources, the flush apart",
-         .yardstick = "find of their names",
-         .reach = 3},
-        moment,
+        {.name = name, .yardstick = "find of their names", .reach = 3}, moment,
         [&] {
             expect_success({"find", top.string(), "-name", "*.vhd"});
         },
@@ -61,5 +49,16 @@ int main(int argc, char** argv) {
             });
         });
     fs::remove_all(top);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool moment = is_moment(argc, argv);
+    measure(fs::temp_directory_path(), "bpr new of 10,000 sources", moment);
+    // What the disk's two flushes take is the disk's matter.
+    const fs::path memory = "/dev/shm";
+    if (fs::is_directory(memory))
+        measure(memory, "the same in memory, where a flush costs nothing", moment);
     return 0;
 }
