@@ -2,6 +2,7 @@
 
 #include "core/common/blanks.h"
 #include "core/common/text_file.h"
+#include "core/os/environment.h"
 
 #include <algorithm>
 
@@ -79,6 +80,22 @@ bool scanDirectives(std::string_view file_name, String& options, String& device,
         if (const std::string_view directive = directive_of(line); !directive.empty())
             take_directive(directive, options, device, package);
     return true;
+}
+
+void take_switches(Source_options& options, std::string_view switches) {
+    constexpr struct {
+        std::string_view word;
+        OptionFlag flag;
+        bool is_set;
+    } k_rows[] = {
+        {"-ff", OptionFlag::float_nodes, true},   {"-ft", OptionFlag::t_force, true},
+        {"-fo", OptionFlag::dt_opt, true},        {"-fl", OptionFlag::factor, true},
+        {"-fk", OptionFlag::keep_polarity, true}, {"-fp", OptionFlag::keep_polarity, false},
+    };
+    for (std::string_view word; next_list_entry(switches, word, ' ');)
+        for (const auto& row : k_rows)
+            if (word == row.word)
+                options.set(row.flag, row.is_set);
 }
 
 bool has_directives(std::string_view source) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/containers.h"
+#include "core/project/records.h"
 
 #include <string_view>
 
@@ -13,6 +13,10 @@ namespace pellux {
 /// and the last device and package that are named, empty without one. A file that cannot be read,
 /// or has more than 64 MB, says nothing, and the answer is false.
 bool scanDirectives(std::string_view file_name, String& options, String& device, String& package);
+
+/// Gives options the flags that stand for the same as those switches of directives; what no flag
+/// stands for ("-fm", "-fs") is passed over.
+void take_switches(Source_options& options, std::string_view switches);
 
 [[nodiscard]] bool has_directives(std::string_view source);
 /// A copy in which directive lines are empty. Every CR and LF stays, so that lines keep their

@@ -3,6 +3,7 @@
 #include "core/common/blanks.h"
 #include "core/common/callback.h"
 #include "core/devices/messages.h"
+#include "core/project/directives.h"
 #include "windows/controls/boxes.h"
 #include "windows/controls/help_topics.h"
 #include "windows/controls/messages.h"
@@ -115,6 +116,8 @@ public:
     /// False when the user cancels.
     [[nodiscard]] bool ask();
     [[nodiscard]] DevicePackage chosen();
+    /// What was taken over of directives beside device and package.
+    [[nodiscard]] const String& switches() const { return switches_; }
     [[nodiscard]] bool is_made() const { return is_made_; }
 
 private:
@@ -126,14 +129,15 @@ private:
     void show_said();
     void take();
     void on_change(int number);
-    /// What can be taken over.
-    [[nodiscard]] DevicePackage said() const;
+    /// Whose words can be taken over.
+    [[nodiscard]] const SaidDirectives& said() const;
 
     bool has_catalogue_;
     CatalogueStatus status_;
     DevicePick pick_;
     Dialog dialog_;
     bool is_made_;
+    String switches_;
     DirectiveSearch search_;
 };
 
@@ -229,19 +233,18 @@ void DeviceDialog::show_said() {
     row(k_said_row).label = line_of_top(search_.top());
     if (search_.top().device.empty())
         (row(k_said_row).label += '\n') += line_of_other(search_);
-    const DevicePackage taken = said();
-    row(k_take_row).is_enabled = !taken.device.empty() || !taken.package.empty();
+    row(k_take_row).is_enabled = !said().is_silent();
 }
 
-DevicePackage DeviceDialog::said() const {
-    const SaidDirectives& from = search_.other().file.empty() ? search_.top() : search_.other();
-    return {from.device, from.package};
+const SaidDirectives& DeviceDialog::said() const {
+    return search_.other().file.empty() ? search_.top() : search_.other();
 }
 
 void DeviceDialog::take() {
-    const DevicePackage taken = said();
+    const SaidDirectives& taken = said();
+    switches_ = taken.options;
     if (has_catalogue_) {
-        take_over(pick_, taken);
+        take_over(pick_, {taken.device, taken.package});
         return;
     }
     if (!taken.device.empty())
@@ -286,6 +289,7 @@ void ask_for_device(Window window) {
     const DevicePackage chosen = dialog.chosen();
     set_text(to.options.device, chosen.device);
     set_text(to.options.package, chosen.package);
+    take_switches(to.options, view(dialog.switches()));
     change_options_of_project(window, from, to);
 }
 

@@ -216,7 +216,8 @@ TEST_F(ProjectWindow, AsksForItsDevice) {
     const std::string body = "begin attributes\nkind small one\nend attributes\nbegin packages\n"
                              "p20 20 18\np44\nend packages\nbegin packages\np44\nend packages\n";
     directory_.write("bin/devices.dat", "seek: c1:0,84 c22:84,37\n" + body);
-    directory_.write("a.vhd", "#$ DEVICE c1\n#$ PACKAGE p9\n#$ GROUP SOFT ALL\n");
+    directory_.write("a.vhd",
+                     "#$ DEVICE c1\n#$ PACKAGE p9\n#$ GROUP SOFT ALL\n#$ GROUP KEEPPOL ALL\n");
     directory_.write("b.vhd", "");
     directory_.write("c.vhd", "#$ DEVICE c22\n");
     /// Keys, and what the dialog then shows: devices and packages, the selected one in brackets.
@@ -247,7 +248,7 @@ TEST_F(ProjectWindow, AsksForItsDevice) {
         const char* unknown = "(none) [old  (not in the catalogue)] c1 c22 | "
                               "(none) [x (not in the catalogue)] | ";
         const char* c22 = "(none) old  (not in the catalogue) c1 [c22] | [(none)] p44 | ";
-        const char* top = "Top design 'a.vhd' says: DEVICE c1, PACKAGE p9, GROUP -fs.";
+        const char* top = "Top design 'a.vhd' says: DEVICE c1, PACKAGE p9, GROUP -fs -fk.";
         use({{"Down", unknown}, {"2", "[c22] | [(none)] p44 | "}, {"Backspace", unknown}}, top);
         EXPECT_TRUE(choose_item(1160));
         EXPECT_EQ(set(), "old\n,x");
@@ -279,10 +280,11 @@ TEST_F(ProjectWindow, AsksForItsDevice) {
         xvt_vobj_set_focus(bar);
         press_key("Return");
         EXPECT_EQ(set(), "c1,p9");
+        EXPECT_TRUE(project().options.has(OptionFlag::keep_polarity));
         use({{"Alt+D", "(none) [c1] c22 | (none) [p9 (not in the catalogue)] p20 p44 | "},
              {"Home", "[(none)] c1 c22 | [(none)] | "}},
             "Top design 'b.vhd' says nothing of a device.\n'a.vhd' says: DEVICE c1, PACKAGE p9, "
-            "GROUP -fs.");
+            "GROUP -fs -fk.");
         EXPECT_TRUE(set_top_design(project(), 1));
         EXPECT_TRUE(choose_item(1160));
         EXPECT_FALSE(project().options.device.present() || project().options.package.present());
