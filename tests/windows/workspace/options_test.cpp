@@ -1,5 +1,6 @@
 #include "tests/support/run_program.h"
 #include "tests/windows/workspace/project_files.h"
+#include "windows/editor/open_editors.h"
 #include "windows/toolkit/control.h"
 #include "windows/toolkit/window.h"
 #include "windows/workspace/project_menus.h"
@@ -138,6 +139,7 @@ TEST_F(Options, EachFieldIsSetByKeysAndSavedAlone) {
     directory_.write("a.vhd", "entity second is end; entity first is end;");
     run([&] {
         ASSERT_EQ(add_source(project(), "a.vhd").status, AddStatus::added);
+        ASSERT_NE(open_editor(window(), directory_.path("a.vhd")), nullptr);
         std::string page;
         for (const std::span<const OptionRow> rows :
              {std::span<const OptionRow>(k_compiler), std::span<const OptionRow>(k_editor),
@@ -149,12 +151,14 @@ TEST_F(Options, EachFieldIsSetByKeysAndSavedAlone) {
             }
             page += "Ctrl+PgDown ";
         }
+        EXPECT_EQ(front_editor(window())->view().editing.undo_limit, 32767);
         // All of it is taken back and made again, step by step.
         const Fields last = saved();
         const std::size_t steps = open().history.past.size();
         while (!open().history.past.empty())
             command(ProjectCommand::undo);
         EXPECT_EQ(project().options.flags, k_new_project_flags);
+        EXPECT_EQ(front_editor(window())->view().editing.undo_limit, k_undo_limit);
         for (std::size_t i = 0; i < steps; ++i)
             command(ProjectCommand::redo);
         EXPECT_EQ(changes(last, saved()), "");
