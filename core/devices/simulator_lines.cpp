@@ -25,16 +25,20 @@ bool parse_simulator_line(std::string_view line, SimulatorLine& simulator) {
     return true;
 }
 
-Vector<String> simulator_names(CatalogueReader& reader) {
-    Vector<String> names;
-    if (!open(reader, true) || !seekSection(reader, "simulators_dos", true))
-        return names;
+CatalogueStatus read_simulator_names(Vector<String>& names) {
+    // The program's own reader would go on with the file that it has opened once.
+    const Owned<CatalogueReader> reader = make_owned<CatalogueReader>();
+    if (!open(*reader, true))
+        return CatalogueStatus::no_file;
+    CatalogueStatus status = find_section(*reader, "simulators_dos");
     CatalogueLine line;
     SimulatorLine simulator;
-    while (next_line(reader, line) == CatalogueStatus::done)
-        if (parse_simulator_line(line.view(), simulator))
+    while (status == CatalogueStatus::done) {
+        status = next_line(*reader, line);
+        if (status == CatalogueStatus::done && parse_simulator_line(line.view(), simulator))
             names.push_back(std::move(simulator.name));
-    return names;
+    }
+    return status == CatalogueStatus::at_end ? CatalogueStatus::done : status;
 }
 
 std::optional<SimulatorLine> find_simulator(CatalogueReader& reader, std::string_view name) {

@@ -18,8 +18,9 @@ struct SimulatorLine {
 /// without a name or a command.
 [[nodiscard]] bool parse_simulator_line(std::string_view line, SimulatorLine& simulator);
 
-/// The names of all of them, in the catalogue's order; none without catalogue or section.
-[[nodiscard]] Vector<String> simulator_names(CatalogueReader& reader);
+/// Adds the names of those in the installation's catalogue as it is now, in its order, up to the
+/// first fault, which is answered; nobody is told.
+[[nodiscard]] CatalogueStatus read_simulator_names(Vector<String>& names);
 
 /// The first simulator of that very name in the catalogue's section "simulators_dos"; none without
 /// catalogue or section.

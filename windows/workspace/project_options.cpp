@@ -1,7 +1,6 @@
 #include "windows/workspace/project_options.h"
 
 #include "core/common/callback.h"
-#include "core/devices/device_catalogue.h"
 #include "core/devices/messages.h"
 #include "core/devices/simulator_lines.h"
 #include "core/os/ascii.h"
@@ -290,8 +289,7 @@ class OptionsDialog {
 public:
     OptionsDialog(Window window, const Project& project)
         : window_(window), shown_(option_values(project)),
-          has_catalogue_(open(catalogue_reader(), true)),
-          simulators_(simulator_names(catalogue_reader())) {}
+          has_catalogue_(read_simulator_names(simulators_) != CatalogueStatus::no_file) {}
 
     void ask();
 
@@ -304,8 +302,8 @@ private:
 
     Window window_;
     OptionValues shown_; ///< what the rows were filled with
-    bool has_catalogue_;
     Vector<String> simulators_;
+    bool has_catalogue_;
     Dialog dialog_;
     bool is_wrong_ = false;
 };

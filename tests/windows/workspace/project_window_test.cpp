@@ -301,6 +301,9 @@ TEST_F(ProjectWindow, AsksForItsDevice) {
             "Top design 'b.vhd' says nothing of a device.\nNo other file names a device.");
         EXPECT_TRUE(choose_item(1160));
         EXPECT_EQ(set(), "z,y");
+        directory_.write("bin/devices.dat", "damaged");
+        user_.expect_closed(QuestionKind::dialog, "Options");
+        command(1156);
     });
 }
 
