@@ -51,7 +51,7 @@ void BenchUnits::go_on() {
         return;
     stop_timer(timer_);
     std::ranges::sort(units_);
-    units_.erase(std::ranges::unique(units_).begin(), units_.end());
+    units_.erase(std::unique(units_.begin(), units_.end()), units_.end());
     find_row(dialog_, row_)->entries = units_;
     xvt_dlg_update(dialog_);
 }

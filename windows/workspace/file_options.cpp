@@ -70,7 +70,7 @@ Vector<String> libraries_of(const Project& project) {
     for (const auto& source : project.sources)
         libraries.emplace_back(library_of(*source));
     std::ranges::sort(libraries);
-    libraries.erase(std::ranges::unique(libraries).begin(), libraries.end());
+    libraries.erase(std::unique(libraries.begin(), libraries.end()), libraries.end());
     return libraries;
 }
 
