@@ -162,6 +162,7 @@ constexpr std::array k_rows{
     DialogRowResource{bench_unit, DialogRowKind::combo, "&Test bench:", 0, false,
                       "else the top design"},
 };
+constexpr char k_wrong_mark = '!';
 constexpr const char* k_defaults = "Restore defaults";
 constexpr std::array k_buttons{k_ok, k_cancel, "&Apply", k_defaults};
 constexpr int k_ok_button = 0;
@@ -297,6 +298,7 @@ private:
     void show(const Source_options& options);
     /// What the rows hold.
     [[nodiscard]] OptionValues values();
+    void check();
     void follow();
     void restore_defaults();
 
@@ -320,14 +322,30 @@ OptionValues OptionsDialog::values() {
     return to;
 }
 
+/// What is wrong may stand on a page that is not seen: its title says so.
+void OptionsDialog::check() {
+    is_wrong_ = false;
+    DialogRow* page = nullptr;
+    for (DialogRow& row : dialog_.rows) {
+        if (row.kind == DialogRowKind::page) {
+            page = &row;
+            std::erase(page->label, k_wrong_mark);
+        }
+        const auto field = std::ranges::find(k_fields, row.id, &OptionField::row);
+        if (field == k_fields.end() || check_field(*field, shown_.options, row))
+            continue;
+        is_wrong_ = true;
+        std::erase(page->label, k_wrong_mark);
+        page->label += k_wrong_mark;
+    }
+}
+
 /// What depends on other rows.
 void OptionsDialog::follow() {
     const Project* project = find_project(window_);
     if (project == nullptr)
         return;
-    is_wrong_ = false;
-    for (const OptionField& field : k_fields)
-        is_wrong_ |= !check_field(field, shown_.options, *find_row(dialog_, field.row));
+    check();
     const OptionValues now = values();
     find_row(dialog_, arguments)->label = argument_line(*project, now.options);
     find_row(dialog_, sample)->runs = sample_runs(now.options);

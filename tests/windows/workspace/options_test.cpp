@@ -152,6 +152,26 @@ TEST_F(Options, EachFieldIsSetByKeysAndSavedAlone) {
             page += "Ctrl+PgDown ";
         }
         EXPECT_EQ(front_editor(window())->view().editing.undo_limit, 32767);
+        // What the buttons do: the keys until one is pressed, and those behind it.
+        const std::pair<std::vector<const char*>, const char*> ends[] = {
+            {{"Alt+R Alt+A", "Esc"}, "bits 24"},
+            {{"Alt+R Esc"}, ""},
+            {{"Alt+L Ctrl+A '32768' Alt+A Return Ctrl+PgDown Alt+W Ctrl+A Del Return Esc"}, ""},
+        };
+        for (const auto& [keys, what] : ends) {
+            const Fields before = saved();
+            for (const char* part : keys)
+                user_.expect_on_screen("Options", [part] { press_all(part); });
+            command(ProjectCommand::options);
+            EXPECT_EQ(changes(before, saved()), what) << keys.front();
+        }
+        user_.expect_dialog("Options", "Restore defaults");
+        user_.expect_dialog("Options", "OK");
+        const Fields set_by_hand = saved();
+        command(ProjectCommand::options);
+        EXPECT_EQ(changes(set_by_hand, saved()),
+                  "factor_limit 0 bits 0 1 2 3 4 5 6 7 8 9 10 11 13 15 16 17 18 25 node_limit 0 "
+                  "optimise_level -1 unused_outputs -1 vhdl_standard -1 warning_limit 0");
         // All of it is taken back and made again, step by step.
         const Fields last = saved();
         const std::size_t steps = open().history.past.size();

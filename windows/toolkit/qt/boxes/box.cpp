@@ -21,10 +21,8 @@ constexpr int k_button_width_min = 84;
 
 /// The title with a mnemonic of its own where one is free; adds it to `taken`.
 QString with_mnemonic(const QString& title, QString& taken) {
-    if (const QKeySequence given = QKeySequence::mnemonic(title); !given.isEmpty()) {
-        taken += QChar(given[0].key());
+    if (!QKeySequence::mnemonic(title).isEmpty())
         return title;
-    }
     for (qsizetype i = 0; i < title.size(); ++i)
         if (title[i].isLetter() && !taken.contains(title[i], Qt::CaseInsensitive)) {
             taken += title[i];
@@ -71,6 +69,9 @@ void Box::set_buttons(const QStringList& titles, int escape, QString taken) {
         if (!buttons_.empty())
             buttons_.front()->setDefault(true);
     }
+    for (const QString& title : titles)
+        if (const QKeySequence own = QKeySequence::mnemonic(title); !own.isEmpty())
+            taken += QChar(own[0].key());
     for (qsizetype i = 0; i < titles.size(); ++i)
         buttons_[i]->setText(with_mnemonic(titles[i], taken));
 }
