@@ -52,14 +52,31 @@ OptionValues values_of(const Project& project, const VHDL_source* source) {
     return source == nullptr ? option_values(project) : option_values(*source);
 }
 
+/// As the public one; `note` is null where there is none.
+void copy_changed(Source_options& options, NullableText* note, const OptionValues& values,
+                  const OptionValues& from, const OptionValues& to) {
+    for_each_field([&](auto field) {
+        if (is_other(from.options.*field, to.options.*field))
+            options.*field = values.options.*field;
+    });
+    copy_bits(options.flags, values.options.flags, from.options.flags, to.options.flags);
+    if (note != nullptr && is_other(from.note, to.note))
+        *note = values.note;
+}
+
+bool differ(const Source_options& a, const Source_options& b) {
+    bool differs = a.flags != b.flags;
+    for_each_field([&](auto field) { differs |= is_other(a.*field, b.*field); });
+    return differs;
+}
+
 void change_one(Project& project, VHDL_source* source, OptionChange& change) {
     OptionValues before = values_of(project, source);
-    OptionValues after = before;
-    copy_changed(after, change.to, change.from, change.to);
-    if (!differ(before, after))
-        return;
-    set_values(project, source, after);
-    change.before.push_back({source, std::move(before)});
+    Source_options& options = source == nullptr ? project.options : source->options;
+    NullableText* const note = source == nullptr ? nullptr : &source->note;
+    copy_changed(options, note, change.to, change.from, change.to);
+    if (differ(before.options, options) || (note != nullptr && is_other(before.note, *note)))
+        change.before.push_back({source, std::move(before)});
 }
 
 } // namespace
@@ -74,19 +91,11 @@ OptionValues option_values(const VHDL_source& source) {
 
 void copy_changed(OptionValues& target, const OptionValues& values, const OptionValues& from,
                   const OptionValues& to) {
-    for_each_field([&](auto field) {
-        if (is_other(from.options.*field, to.options.*field))
-            target.options.*field = values.options.*field;
-    });
-    copy_bits(target.options.flags, values.options.flags, from.options.flags, to.options.flags);
-    if (is_other(from.note, to.note))
-        target.note = values.note;
+    copy_changed(target.options, &target.note, values, from, to);
 }
 
 bool differ(const OptionValues& a, const OptionValues& b) {
-    bool differs = a.options.flags != b.options.flags || is_other(a.note, b.note);
-    for_each_field([&](auto field) { differs |= is_other(a.options.*field, b.options.*field); });
-    return differs;
+    return differ(a.options, b.options) || is_other(a.note, b.note);
 }
 
 OptionChange change_project_options(Project& project, const OptionValues& from,

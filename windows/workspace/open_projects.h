@@ -47,8 +47,8 @@ struct OpenProject {
 /// What those who change a project want of its window, whose commands call them.
 struct ProjectWindowHooks {
     EventHandler handler = {};
-    /// Shows what can be done now, after a change of the project.
-    void (*update)(Window window) = nullptr;
+    /// Shows what can be done now, after a change of the project, which has unsaved ones or not.
+    void (*update)(Window window, bool has_changed) = nullptr;
 };
 
 /// One for the process.

@@ -69,8 +69,9 @@ void show_project_change(Window window) {
     if (open == nullptr)
         return;
     show_project_status(window, *open->project);
-    xvt_vobj_set_modified(window, has_changed(*open));
-    workspace().hooks.update(window);
+    const bool is_changed = has_changed(*open);
+    xvt_vobj_set_modified(window, is_changed);
+    workspace().hooks.update(window, is_changed);
 }
 
 String project_label(const Project& project) {

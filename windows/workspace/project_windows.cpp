@@ -110,12 +110,11 @@ long on_event(void*, Window window, const Event& event) {
     return event.type() == EventType::wheel ? 1 : 0;
 }
 
-void update(Window window) {
+void update(Window window, bool has_changed) {
     update_project_commands(window);
     update_history_titles(window);
     update_info_commands(window);
-    const OpenProject* open = find_open_project(window);
-    if (open != nullptr && has_changed(*open))
+    if (has_changed)
         update_auto_save(window);
 }
 
