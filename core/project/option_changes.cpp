@@ -42,17 +42,12 @@ void for_each_field(Call call) {
     call(&Source_options::undo_limit);
 }
 
-void set_values(Project& project, VHDL_source* source, const OptionValues& values) {
-    (source == nullptr ? project.options : source->options) = values.options;
-    if (source != nullptr)
-        source->note = values.note;
-}
-
 OptionValues values_of(const Project& project, const VHDL_source* source) {
     return source == nullptr ? option_values(project) : option_values(*source);
 }
 
-/// As the public one; `note` is null where there is none.
+/// Gives `options` those fields and flags of `values` in which `from` and `to` differ, and so the
+/// note; null where there is none. An absent text and an empty one are the same.
 void copy_changed(Source_options& options, NullableText* note, const OptionValues& values,
                   const OptionValues& from, const OptionValues& to) {
     for_each_field([&](auto field) {
@@ -70,12 +65,22 @@ bool differ(const Source_options& a, const Source_options& b) {
     return differs;
 }
 
+/// Gives the project, or the source, those of `values` that the change is about.
+void assign_changed(Project& project, VHDL_source* source, const OptionValues& values,
+                    const OptionChange& change) {
+    if (source == nullptr)
+        copy_changed(project.options, nullptr, values, change.from, change.to);
+    else
+        copy_changed(source->options, &source->note, values, change.from, change.to);
+}
+
 void change_one(Project& project, VHDL_source* source, OptionChange& change) {
     OptionValues before = values_of(project, source);
-    Source_options& options = source == nullptr ? project.options : source->options;
-    NullableText* const note = source == nullptr ? nullptr : &source->note;
-    copy_changed(options, note, change.to, change.from, change.to);
-    if (differ(before.options, options) || (note != nullptr && is_other(before.note, *note)))
+    assign_changed(project, source, change.to, change);
+    const bool has_changed = source == nullptr ? differ(before.options, project.options)
+                                               : differ(before.options, source->options) ||
+                                                     is_other(before.note, source->note);
+    if (has_changed)
         change.before.push_back({source, std::move(before)});
 }
 
@@ -87,11 +92,6 @@ OptionValues option_values(const Project& project) {
 
 OptionValues option_values(const VHDL_source& source) {
     return {source.options, source.note};
-}
-
-void copy_changed(OptionValues& target, const OptionValues& values, const OptionValues& from,
-                  const OptionValues& to) {
-    copy_changed(target.options, &target.note, values, from, to);
 }
 
 bool differ(const OptionValues& a, const OptionValues& b) {
@@ -116,9 +116,7 @@ OptionChange change_source_options(Project& project, std::span<const std::size_t
 void exchange_options(Project& project, OptionChange& change) {
     for (OptionChange::Before& each : change.before) {
         OptionValues now = values_of(project, each.source);
-        OptionValues then = now;
-        copy_changed(then, each.values, change.from, change.to);
-        set_values(project, each.source, then);
+        assign_changed(project, each.source, each.values, change);
         each.values = std::move(now);
     }
 }

@@ -15,10 +15,7 @@ struct OptionValues {
 [[nodiscard]] OptionValues option_values(const Project& project);
 [[nodiscard]] OptionValues option_values(const VHDL_source& source);
 
-/// Gives `target` those fields and flags of `values` in which `from` and `to` differ; the others
-/// stay. An absent text and an empty one are the same.
-void copy_changed(OptionValues& target, const OptionValues& values, const OptionValues& from,
-                  const OptionValues& to);
+/// An absent text and an empty one are the same.
 [[nodiscard]] bool differ(const OptionValues& a, const OptionValues& b);
 
 /// A change of options, so that it can be taken back.
